@@ -1,0 +1,61 @@
+# One way to declare a layer and one to declare its tests, so that every target has the same warnings and
+# so that a layer sees exactly the layers it names.
+
+add_library(quillbox_warnings INTERFACE)
+target_compile_options(quillbox_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual)
+
+# quillbox_layer(NAME SOURCES file... LINKS target...)
+# A static library `quillbox_NAME`. Its include root is a folder of links to the layers it may know, so an
+# include of any other layer does not compile.
+function(quillbox_layer name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
+  set(target quillbox_${name})
+  if(arg_SOURCES)
+    add_library(${target} STATIC ${arg_SOURCES})
+    set(scope PUBLIC)
+    target_link_libraries(${target} PRIVATE quillbox_warnings)
+  else()
+    add_library(${target} INTERFACE)
+    set(scope INTERFACE)
+  endif()
+  target_link_libraries(${target} ${scope} ${arg_LINKS})
+  quillbox_include_root(${target} ${scope})
+endfunction()
+
+# Gives `target` an include root that holds only this source folder, under its path below src/.
+function(quillbox_include_root target scope)
+  file(RELATIVE_PATH folder "${CMAKE_SOURCE_DIR}/src" "${CMAKE_CURRENT_SOURCE_DIR}")
+  string(REPLACE "/" "_" flat "${folder}")
+  set(root "${CMAKE_BINARY_DIR}/include/${flat}")
+  file(MAKE_DIRECTORY "${root}/${folder}")
+  # A link for each header and not for the folder: a folder's link would bring its subfolders' layers along.
+  file(GLOB headers CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.h")
+  foreach(header IN LISTS headers)
+    get_filename_component(file "${header}" NAME)
+    file(CREATE_LINK "${header}" "${root}/${folder}/${file}" SYMBOLIC)
+  endforeach()
+  target_include_directories(${target} ${scope} "${root}")
+endfunction()
+
+# quillbox_test(NAME SOURCES file... LINKS target... [DISPLAY])
+# A GoogleTest program in tests/, found by ctest test by test. DISPLAY: its tests open real windows and run one
+# at a time under the virtual display that ./test starts.
+function(quillbox_test name)
+  cmake_parse_arguments(arg "DISPLAY" "" "SOURCES;LINKS" ${ARGN})
+  if(NOT QUILLBOX_TESTS)
+    return()
+  endif()
+  file(RELATIVE_PATH folder "${CMAKE_SOURCE_DIR}/src" "${CMAKE_CURRENT_SOURCE_DIR}")
+  list(TRANSFORM arg_SOURCES PREPEND "${CMAKE_SOURCE_DIR}/tests/${folder}/")
+  set(target ${name}_test)
+  add_executable(${target} ${arg_SOURCES})
+  target_link_libraries(${target} PRIVATE quillbox_warnings ${arg_LINKS} GTest::gtest GTest::gmock GTest::gtest_main)
+  target_include_directories(${target} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
+  target_compile_definitions(${target} PRIVATE QUILLBOX_BIN_DIR="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+  set(properties TIMEOUT 120)
+  if(arg_DISPLAY)
+    list(APPEND properties LABELS display RUN_SERIAL TRUE)
+  endif()
+  gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
+endfunction()

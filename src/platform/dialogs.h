@@ -1,0 +1,66 @@
+// Every question and message to the person goes through here: the one seam that tests answer.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "text/win_path.h"
+
+namespace quillbox {
+
+inline constexpr const char* kProgramName = "Quillbox";
+
+enum class MessageButtons { Ok, OkCancel, YesNo, YesNoCancel };
+enum class MessageIcon { None, Exclamation, Question, Error, Information };
+enum class MessageAnswer { Ok, Cancel, Yes, No };
+
+struct Message {
+  std::string text;
+  std::string title = kProgramName;
+  MessageButtons buttons = MessageButtons::Ok;
+  MessageIcon icon = MessageIcon::None;
+};
+
+struct FileDialog {
+  std::string title;
+  WinPath folder;         ///< where it opens
+  std::string name;       ///< proposed file name
+  std::string filter;     ///< "Registration Files (*.reg) | *.reg"
+  bool askOverwrite = false;
+};
+
+/// A file that is there already, as the overwrite question shows it. Times are FILETIMEs, sizes bytes.
+struct OverwriteQuestion {
+  WinPath source;
+  WinPath target;
+  std::uint64_t sourceSize = 0, targetSize = 0;
+  std::uint64_t sourceModified = 0, targetModified = 0;
+};
+enum class OverwriteAnswer { Yes, YesToAll, No, Cancel };
+
+/// A running display of progress with a Cancel button; destroying it takes it away. It shows itself when the work has
+/// taken longer than half a second.
+class Progress {
+ public:
+  virtual ~Progress() = default;
+  /// `total` 0 means that the end is not known. False once the person has cancelled.
+  virtual bool Update(const std::string& text, std::uint64_t done, std::uint64_t total) = 0;
+};
+
+class Dialogs {
+ public:
+  virtual ~Dialogs() = default;
+  virtual MessageAnswer Show(const Message& message) = 0;
+  /// The text typed, or nothing on Cancel.
+  virtual std::optional<std::string> Input(const std::string& prompt, const std::string& title,
+                                           const std::string& proposed) = 0;
+  virtual std::optional<WinPath> OpenFile(const FileDialog& dialog) = 0;
+  virtual std::optional<WinPath> SaveFile(const FileDialog& dialog) = 0;
+  virtual std::optional<WinPath> BrowseForFolder(const std::string& title) = 0;
+  virtual OverwriteAnswer AskOverwrite(const OverwriteQuestion& question) = 0;
+  virtual std::unique_ptr<Progress> ShowProgress(const std::string& title) = 0;
+};
+
+}  // namespace quillbox

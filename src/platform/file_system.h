@@ -1,0 +1,75 @@
+// Files, folders and drives under Windows' names. Paths may be relative to the current drive and directory.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/status.h"
+#include "text/win_path.h"
+
+namespace quillbox {
+
+/// The platform's drive type numbers.
+enum class DriveType { Unknown = 0, NoRoot = 1, Removable = 2, Fixed = 3, Remote = 4, CdRom = 5, RamDisk = 6 };
+
+struct FileEntry {
+  std::string name;  ///< as stored
+  bool isDirectory = false;
+  bool isHidden = false;
+  bool isSystem = false;
+  std::uint64_t size = 0;      ///< bytes
+  std::uint64_t modified = 0;  ///< FILETIME: 100 ns since 1601 UTC
+};
+
+/// A running enumeration; destroying it ends it.
+class FileFinder {
+ public:
+  virtual ~FileFinder() = default;
+  /// The next entry in the order that the file system gives, or nothing at the end. "." and ".." come first below a
+  /// root's own level, as on the platform.
+  virtual std::optional<FileEntry> Next() = 0;
+};
+
+class FileSystem {
+ public:
+  virtual ~FileSystem() = default;
+
+  /// Entries of the pattern's folder whose names match its last component ("*.dbx", "*.*"), folders, hidden and
+  /// system entries included. An unreadable or missing folder gives an enumeration without entries.
+  virtual std::unique_ptr<FileFinder> Find(const WinPath& pattern) = 0;
+  /// The entry itself, or nothing when it does not exist.
+  virtual std::optional<FileEntry> Stat(const WinPath& path) = 0;
+
+  virtual DriveType TypeOfDrive(const WinPath& root) = 0;
+  /// The volume's label, which may be empty; nothing when the drive is not there.
+  virtual std::optional<std::string> VolumeLabel(const WinPath& root) = 0;
+
+  /// `text` with its %VARIABLES% replaced; one that is not set stays as it reads.
+  virtual std::string ExpandEnvironment(std::string_view text) = 0;
+
+  /// Makes one folder. FileExists, PathNotFound, AccessDenied, DiskFull, InvalidParameter (no possible name).
+  virtual Status MakeDirectory(const WinPath& path) = 0;
+  /// Makes every missing folder along the path; true when the folder is there afterwards.
+  virtual bool MakePath(const WinPath& path) = 0;
+  virtual Status DeleteFile(const WinPath& path) = 0;
+
+  /// Each drive has a current directory of its own. Changing the drive leaves them as they are.
+  virtual Status SetCurrentDrive(char letter) = 0;
+  /// Sets the current directory of the path's drive; the current drive stays.
+  virtual Status SetCurrentDirectory(const WinPath& path) = 0;
+  /// The current directory of the current drive.
+  virtual WinPath CurrentDirectory() = 0;
+
+  /// A whole file; throws Error when it cannot be read.
+  virtual std::string ReadFile(const WinPath& path) = 0;
+  /// Makes or replaces a file, whole or not at all; throws Error when it cannot be written.
+  virtual void WriteFile(const WinPath& path, std::string_view bytes) = 0;
+
+  /// The system's 8-bit code page, by its number.
+  virtual unsigned CodePageNumber() = 0;
+};
+
+}  // namespace quillbox

@@ -1,0 +1,83 @@
+// What the program needs of an operating system, in one bundle. Nothing above this layer names an implementation.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "platform/dialogs.h"
+#include "platform/file_system.h"
+#include "platform/registry.h"
+
+namespace quillbox {
+
+/// The shell: what a person sees of files. It reports its failures itself, in messages of its own.
+class Shell {
+ public:
+  virtual ~Shell() = default;
+  /// Opens a folder in the file manager; `parameters` are the platform's ("/n,/e,/select name").
+  virtual void Explore(const std::string& folder, const std::string& parameters) = 0;
+  /// Opens a page in the person's browser.
+  virtual void OpenUrl(const std::string& url) = 0;
+  /// Copies one file: whole or not at all, times kept. Asks before it replaces a file unless `noConfirm`; "Yes to All"
+  /// and Cancel hold until the running command ends. True when the copy was made.
+  virtual bool CopyFile(const WinPath& source, const WinPath& target, bool noConfirm) = 0;
+};
+
+enum class ShowStyle { Normal = 1, MinimisedWithFocus = 2 };
+
+class Processes {
+ public:
+  virtual ~Processes() = default;
+  /// Starts a command line in the current directory and returns when the process has ended. False when it could not
+  /// be started; its exit code is for the log only. Registry changes so far are on the disk before it starts, and what
+  /// it changed is seen afterwards.
+  virtual bool RunAndWait(const std::string& commandLine, ShowStyle style) = 0;
+};
+
+class Clock {
+ public:
+  virtual ~Clock() = default;
+  virtual std::uint64_t Now() = 0;  ///< FILETIME
+};
+
+class Guids {
+ public:
+  virtual ~Guids() = default;
+  /// A new GUID as 38 characters in braces, upper case; empty when none could be made.
+  virtual std::string Create() = 0;
+};
+
+class Clipboard {
+ public:
+  virtual ~Clipboard() = default;
+  virtual void Clear() = 0;
+};
+
+/// Where reasons go that no window shows.
+class Log {
+ public:
+  virtual ~Log() = default;
+  virtual void Write(std::string_view text) = 0;
+};
+
+struct Platform {
+  virtual ~Platform() = default;
+  virtual Registry& GetRegistry() = 0;
+  virtual FileSystem& GetFiles() = 0;
+  virtual Shell& GetShell() = 0;
+  virtual Processes& GetProcesses() = 0;
+  virtual Dialogs& GetDialogs() = 0;
+  virtual Clock& GetClock() = 0;
+  virtual Guids& GetGuids() = 0;
+  virtual Clipboard& GetClipboard() = 0;
+  virtual Log& GetLog() = 0;
+
+  /// Ends a command of the person: registry changes reach the disk, and "Yes to All" is forgotten. Throws Error when
+  /// the changes could not be written; they stay in memory and are tried again at the next end.
+  virtual void EndCommand() = 0;
+  /// One line on the system that is being worked on, for the window's title: the disk's folder and profile.
+  virtual std::string SystemDescription() = 0;
+};
+
+}  // namespace quillbox

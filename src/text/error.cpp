@@ -1,0 +1,39 @@
+#include "text/error.h"
+
+#include <cstdio>
+#include <utility>
+
+namespace quillbox {
+namespace {
+
+std::string Sentence(const std::string& doing, const ErrorPlace& place, const std::string& why) {
+  std::string text = place.name;
+  if (place.offset) {
+    char hex[32];
+    std::snprintf(hex, sizeof hex, ", offset 0x%llx", static_cast<unsigned long long>(*place.offset));
+    text += hex;
+  }
+  if (place.line) text += ", line " + std::to_string(*place.line);
+  if (!text.empty()) text += ": ";
+  text += why;
+  if (!doing.empty()) text += " (while " + doing + ")";
+  return text;
+}
+
+}  // namespace
+
+Error::Error(std::string doing, ErrorPlace place, std::string why)
+    : std::runtime_error(Sentence(doing, place, why)),
+      doing_(std::move(doing)),
+      place_(std::move(place)),
+      why_(std::move(why)) {}
+
+std::string Describe(const Error& error) {
+  return error.what();
+}
+
+std::string SystemReason(int code) {
+  return std::generic_category().message(code);
+}
+
+}  // namespace quillbox

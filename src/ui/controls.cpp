@@ -1,0 +1,174 @@
+#include "ui/controls.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+#include "ui/form.h"
+
+namespace quillbox {
+
+Control::Control(Form& form, std::string name) : form_(form), name_(std::move(name)) {
+  Watch(visible);
+  Watch(enabled);
+  Watch(tooltip);
+  Watch(colour);
+  form.Add(*this);
+}
+
+void Control::Run(const char* event, const Handler& handler) {
+  if (handler) form_.RunHandler(name_ + "_" + event, handler);
+}
+
+Label::Label(Form& form, std::string name, std::string text, std::string tip) : Control(form, std::move(name)) {
+  caption = std::move(text);
+  tooltip = std::move(tip);
+  Watch(caption);
+}
+
+TextBox::TextBox(Form& form, std::string name, std::string initial, std::string tip) : Control(form, std::move(name)) {
+  text = std::move(initial);
+  tooltip = std::move(tip);
+  text.Watch([this] {
+    allSelected = false;
+    Changed();
+  });
+  Watch(readOnly);
+  Watch(allSelected);
+}
+
+void TextBox::type(const std::string& newText) {
+  if (!CanAct() || readOnly) return;
+  text = newText;
+  Run("Change", onChange);
+}
+
+ComboBox::ComboBox(Form& form, std::string name, std::string initial, std::string tip)
+    : Control(form, std::move(name)) {
+  text = std::move(initial);
+  tooltip = std::move(tip);
+  items.Watch([this] {
+    picked_ = -1;
+    Changed();
+  });
+  text.Watch([this] {
+    picked_ = -1;
+    Changed();
+  });
+}
+
+void ComboBox::Add(const std::string& item) {
+  std::vector<std::string> longer = items;
+  longer.push_back(item);
+  items = std::move(longer);
+}
+
+void ComboBox::Clear() {
+  items = std::vector<std::string>{};
+  text = "";
+}
+
+int ComboBox::Index() const {
+  if (picked_ >= 0) return picked_;
+  const auto found = std::find(items->begin(), items->end(), text.Get());
+  return found == items->end() ? -1 : static_cast<int>(found - items->begin());
+}
+
+void ComboBox::pick(std::size_t index) {
+  if (!CanAct()) return;
+  text = items->at(index);
+  picked_ = static_cast<int>(index);
+  Run("Click", onClick);
+}
+
+void ComboBox::pick(const std::string& item) {
+  const auto found = std::find(items->begin(), items->end(), item);
+  if (found == items->end()) throw std::invalid_argument(Name() + " has no item " + item);
+  pick(static_cast<std::size_t>(found - items->begin()));
+}
+
+void ComboBox::type(const std::string& newText) {
+  if (CanAct() && editable) text = newText;
+}
+
+CheckBox::CheckBox(Form& form, std::string name, std::string text, std::string tip) : Control(form, std::move(name)) {
+  caption = std::move(text);
+  tooltip = std::move(tip);
+  Watch(caption);
+  Watch(checked);
+}
+
+void CheckBox::click() {
+  if (!CanAct()) return;
+  checked = !checked;
+  Run("Click", onClick);
+}
+
+Button::Button(Form& form, std::string name, std::string text, std::string tip) : Control(form, std::move(name)) {
+  caption = std::move(text);
+  tooltip = std::move(tip);
+  Watch(caption);
+}
+
+void Button::click() {
+  if (CanAct()) Run("Click", onClick);
+}
+
+Frame::Frame(Form& form, std::string name, std::string text, std::string tip) : Control(form, std::move(name)) {
+  caption = std::move(text);
+  tooltip = std::move(tip);
+  Watch(caption);
+}
+
+ListBox::ListBox(Form& form, std::string name, std::string tip) : Control(form, std::move(name)) {
+  tooltip = std::move(tip);
+  items.Watch([this] {
+    selected = -1;
+    Changed();
+  });
+  Watch(selected);
+}
+
+void ListBox::pick(std::size_t index) {
+  if (!CanAct() || index >= items->size()) return;
+  selected = static_cast<int>(index);
+  Run("Click", onSelect);
+}
+
+void ListBox::open(std::size_t index) {
+  if (!CanAct() || index >= items->size()) return;
+  selected = static_cast<int>(index);
+  Run("DblClick", onOpen);
+}
+
+StatusBar::StatusBar(Form& form, std::string name, std::size_t panelCount)
+    : Control(form, std::move(name)), panels(panelCount) {
+  for (auto& panel : panels) Watch(panel);
+}
+
+void Label::Accept(ControlVisitor& visitor) {
+  visitor.Visit(*this);
+}
+void TextBox::Accept(ControlVisitor& visitor) {
+  visitor.Visit(*this);
+}
+void ComboBox::Accept(ControlVisitor& visitor) {
+  visitor.Visit(*this);
+}
+void CheckBox::Accept(ControlVisitor& visitor) {
+  visitor.Visit(*this);
+}
+void Button::Accept(ControlVisitor& visitor) {
+  visitor.Visit(*this);
+}
+void Frame::Accept(ControlVisitor& visitor) {
+  visitor.Visit(*this);
+}
+void ListBox::Accept(ControlVisitor& visitor) {
+  visitor.Visit(*this);
+}
+void StatusBar::Accept(ControlVisitor& visitor) {
+  visitor.Visit(*this);
+}
+
+}  // namespace quillbox

@@ -1,0 +1,173 @@
+// The controls that windows are made of, as plain objects without a toolkit. Code reads and sets their properties;
+// a person (or a test) acts on them through the verbs in lower case: click, pick, type, open. Only those verbs run
+// handlers: setting a property from code never does.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "ui/property.h"
+
+namespace quillbox {
+
+class Form;
+class ControlVisitor;
+
+/// What a control does when a person acts on it. Run by the form, which guards it.
+using Handler = std::function<void()>;
+
+/// 24-bit colours as windows know them: red in the lowest byte.
+enum class Colour : unsigned { Default = 0xFFFFFFFF, Red = 255 };
+
+class Control {
+ public:
+  /// Adds the control to `form`, in tab order.
+  Control(Form& form, std::string name);
+  virtual ~Control() = default;
+  Control(const Control&) = delete;
+  Control& operator=(const Control&) = delete;
+
+  const std::string& Name() const { return name_; }
+  virtual void Accept(ControlVisitor& visitor) = 0;
+
+  Property<bool> visible{true};
+  Property<bool> enabled{true};
+  Property<std::string> tooltip;
+  Property<Colour> colour{Colour::Default};
+
+  /// Set by the renderer: called after any property of this control has changed.
+  std::function<void()> onChanged;
+
+ protected:
+  /// Has a change of `property` reach onChanged.
+  template <class T>
+  void Watch(Property<T>& property) {
+    property.Watch([this] { Changed(); });
+  }
+  void Changed() {
+    if (onChanged) onChanged();
+  }
+  /// A person can act on the control only while it is enabled.
+  bool CanAct() const { return enabled; }
+  void Run(const char* event, const Handler& handler);
+
+ private:
+  Form& form_;
+  std::string name_;
+};
+
+class Label : public Control {
+ public:
+  Label(Form& form, std::string name, std::string text = {}, std::string tip = {});
+  void Accept(ControlVisitor& visitor) override;
+  Property<std::string> caption;
+};
+
+class TextBox : public Control {
+ public:
+  TextBox(Form& form, std::string name, std::string initial = {}, std::string tip = {});
+  void Accept(ControlVisitor& visitor) override;
+  Property<std::string> text;
+  Property<bool> readOnly{false};
+  /// True once all of the text was selected and until the text changes.
+  Property<bool> allSelected{false};
+  void SelectAll() { allSelected = true; }
+  Handler onChange;
+
+  void type(const std::string& newText);
+};
+
+/// A list of texts of which one is shown. A picker shows only its items; an editable one takes any text.
+class ComboBox : public Control {
+ public:
+  ComboBox(Form& form, std::string name, std::string initial = {}, std::string tip = {});
+  void Accept(ControlVisitor& visitor) override;
+  Property<std::vector<std::string>> items;
+  Property<std::string> text;
+  bool editable = false;
+  Handler onClick;
+
+  void Add(const std::string& item);
+  void Clear();
+  /// The position of the item that the person picked last, or of the first item equal to the text; -1 for neither.
+  int Index() const;
+
+  void pick(std::size_t index);
+  /// Picks the first item that reads so; throws std::invalid_argument when there is none.
+  void pick(const std::string& item);
+  void type(const std::string& newText);
+
+ private:
+  int picked_ = -1;
+};
+
+class CheckBox : public Control {
+ public:
+  CheckBox(Form& form, std::string name, std::string text = {}, std::string tip = {});
+  void Accept(ControlVisitor& visitor) override;
+  Property<std::string> caption;
+  Property<bool> checked{false};
+  Handler onClick;
+
+  void click();
+};
+
+class Button : public Control {
+ public:
+  Button(Form& form, std::string name, std::string text = {}, std::string tip = {});
+  void Accept(ControlVisitor& visitor) override;
+  Property<std::string> caption;
+  bool isDefault = false;  ///< Enter presses it
+  bool isCancel = false;   ///< Esc presses it
+  Handler onClick;
+
+  void click();
+};
+
+/// A titled border; its layout group lies inside, and hiding the frame hides that.
+class Frame : public Control {
+ public:
+  Frame(Form& form, std::string name, std::string text = {}, std::string tip = {});
+  void Accept(ControlVisitor& visitor) override;
+  Property<std::string> caption;
+};
+
+/// A list of texts with one selected line, opened by a double click or Enter.
+class ListBox : public Control {
+ public:
+  ListBox(Form& form, std::string name, std::string tip = {});
+  void Accept(ControlVisitor& visitor) override;
+  Property<std::vector<std::string>> items;
+  Property<int> selected{-1};
+  Handler onSelect;
+  Handler onOpen;
+
+  void pick(std::size_t index);
+  void open(std::size_t index);
+};
+
+class StatusBar : public Control {
+ public:
+  StatusBar(Form& form, std::string name, std::size_t panelCount);
+  void Accept(ControlVisitor& visitor) override;
+  std::vector<Property<std::string>> panels;
+};
+
+/// The renderer's way to tell the kinds apart.
+class ControlVisitor {
+ public:
+  virtual ~ControlVisitor() = default;
+  virtual void Visit(Label& control) = 0;
+  virtual void Visit(TextBox& control) = 0;
+  virtual void Visit(ComboBox& control) = 0;
+  virtual void Visit(CheckBox& control) = 0;
+  virtual void Visit(Button& control) = 0;
+  virtual void Visit(Frame& control) = 0;
+  virtual void Visit(ListBox& control) = 0;
+  virtual void Visit(StatusBar& control) = 0;
+};
+
+}  // namespace quillbox

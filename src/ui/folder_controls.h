@@ -1,0 +1,49 @@
+// The drive, folder and file lists with which a person walks a disk.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/file_system.h"
+#include "ui/controls.h"
+
+namespace quillbox {
+
+/// Lists the drives that are there ("C:\", "D:\").
+class DriveList : public ComboBox {
+ public:
+  using ComboBox::ComboBox;
+  void Fill(FileSystem& files);
+  /// Shows the drive of `path` without running a handler.
+  void ShowDriveOf(const WinPath& path);
+};
+
+/// Shows a folder: the folders above it, itself, and the folders in it; opening one moves there.
+class DirList : public ListBox {
+ public:
+  using ListBox::ListBox;
+  /// Moves to `folder` without running a handler.
+  void SetPath(FileSystem& files, const WinPath& folder);
+  void Refresh(FileSystem& files);
+  const WinPath& Path() const { return path_; }
+  /// The folder that line `index` stands for.
+  WinPath FolderAt(std::size_t index) const { return folders_.at(index); }
+
+ private:
+  WinPath path_;
+  std::vector<WinPath> folders_;
+};
+
+/// Lists the names of the files in a folder, hidden and system files left out.
+class FileList : public ListBox {
+ public:
+  using ListBox::ListBox;
+  void SetPath(FileSystem& files, const WinPath& folder);
+  void Refresh(FileSystem& files);
+  const WinPath& Path() const { return path_; }
+
+ private:
+  WinPath path_;
+};
+
+}  // namespace quillbox

@@ -1,0 +1,88 @@
+// A window as a plain object: its controls are public members, its layout and menus are data, and its handlers run
+// through one guard. A renderer watches it; without one (in tests) it works just the same.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ui/controls.h"
+#include "ui/layout.h"
+#include "ui/menu.h"
+
+namespace quillbox {
+
+struct Platform;
+
+enum class Pointer { Normal, Hourglass };
+
+/// Runs every handler of a person's act. What fails in a handler ends that handler and is told to the log; when the
+/// outermost one has ended, the platform ends the command, so that its registry changes reach the disk at once.
+class HandlerGuard {
+ public:
+  explicit HandlerGuard(Platform& platform) : platform_(platform) {}
+  /// `what` names the handler in the log ("cmdQuickBackup_Click").
+  void Run(const std::string& what, const Handler& handler);
+
+ private:
+  void EndCommand(const std::string& what);
+
+  Platform& platform_;
+  int depth_ = 0;
+};
+
+class Form {
+ public:
+  /// `name` is the window's own ("Form1"). The guard must outlive the form.
+  Form(HandlerGuard& guard, std::string name, std::string title);
+  virtual ~Form() = default;
+  Form(const Form&) = delete;
+  Form& operator=(const Form&) = delete;
+
+  const std::string& Name() const { return name_; }
+  Property<std::string> caption;
+  Property<bool> visible{false};
+  Property<Pointer> pointer{Pointer::Normal};
+  /// The window's height in twips (1440 to the inch) where the window fixes it; 0 lets its content decide.
+  Property<int> heightTwips{0};
+  MenuBar menuBar{*this};
+
+  void Show() { visible = true; }
+  void Hide() { visible = false; }
+
+  /// How the controls lie; asked once, when the window is first rendered.
+  virtual LayoutNode Layout() = 0;
+  /// A person closes the window by its title bar or Esc. Unless a window says otherwise that presses the button that
+  /// Esc presses, or hides the window when it has none.
+  virtual void close();
+
+  /// All controls, in tab order.
+  const std::vector<Control*>& Controls() const { return controls_; }
+  void RunHandler(const std::string& what, const Handler& handler);
+
+  /// Set by the renderer: called after a property of the window itself has changed.
+  std::function<void()> onChanged;
+
+ private:
+  friend class Control;
+  void Add(Control& control) { controls_.push_back(&control); }
+
+  HandlerGuard& guard_;
+  std::string name_;
+  std::vector<Control*> controls_;
+};
+
+/// Shows the hourglass until it goes out of scope.
+class HourglassScope {
+ public:
+  explicit HourglassScope(Form& form) : form_(form) { form_.pointer = Pointer::Hourglass; }
+  ~HourglassScope() { form_.pointer = Pointer::Normal; }
+  HourglassScope(const HourglassScope&) = delete;
+  HourglassScope& operator=(const HourglassScope&) = delete;
+
+ private:
+  Form& form_;
+};
+
+}  // namespace quillbox
