@@ -1,0 +1,31 @@
+// The address book settings that are loaded at start: the folder of the address book in use and the four slots in
+// which a person keeps address book files to switch to.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+
+#include "core/registry_store.h"
+
+namespace quillbox {
+
+/// The text of a backup folder or address book slot that is not set.
+inline constexpr const char* kNoneSelected = "None Selected";
+
+struct AddressBookSlots {
+  std::string folder;                   ///< of the address book in use, final backslash included
+  std::array<std::string, 4> captions;  ///< file name of each slot, or kNoneSelected
+};
+
+struct SlotsLoad {
+  AddressBookSlots slots;
+  bool keyOpened = false;  ///< without the key nothing but the folder is loaded
+  /// Set when a slot could not be read: the load stopped there.
+  std::optional<std::pair<Status, std::string>> readError;
+};
+
+/// Loads the slots "WAB0" to "WAB3"; a missing or empty one is written as kNoneSelected.
+SlotsLoad LoadAddressBookSlots(RegistryStore& store);
+
+}  // namespace quillbox

@@ -1,0 +1,23 @@
+#include "core/file_helpers.h"
+
+namespace quillbox {
+
+bool DirExists(FileSystem& files, const std::string& path) {
+  const auto finder = files.Find(WinPath(WithBackslash(path) + "*.*"));
+  while (const auto entry = finder->Next()) {
+    if (!entry->isHidden && !entry->isSystem) return true;
+  }
+  return false;
+}
+
+std::vector<std::string> FileList(FileSystem& files, const std::string& pattern) {
+  std::vector<std::string> names;
+  const auto finder = files.Find(WinPath(pattern));
+  while (const auto entry = finder->Next()) {
+    if (!entry->isDirectory && !entry->isHidden && !entry->isSystem) names.push_back(entry->name);
+  }
+  if (names.empty()) names.emplace_back();
+  return names;
+}
+
+}  // namespace quillbox

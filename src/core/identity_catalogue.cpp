@@ -1,0 +1,110 @@
+#include "core/identity_catalogue.h"
+
+#include <algorithm>
+#include <exception>
+
+namespace quillbox {
+namespace {
+
+/// Ends a load with a registry read error.
+struct ReadErrorEnd {
+  Status status;
+  const char* suffix;
+};
+
+Key OpenOrEnd(RegistryStore& store, const std::string& subkey, const char* suffix) {
+  OpenResult opened = store.OpenKey(CurrentUser(subkey));
+  if (opened.status != Status::Success) throw ReadErrorEnd{opened.status, suffix};
+  return std::move(opened.key);
+}
+
+void EnsureSettings(RegistryStore& store, const std::string& userId) {
+  const RegistryPath settings = CurrentUser(IdentitySettingsKey(userId));
+  if (store.OpenKey(settings).status != Status::FileNotFound || store.GetOsCode() == OsCode::Unknown) return;
+  const Key key = store.CreateKey(settings);
+  const ValueType type = IsNtFamily(store.GetOsCode()) ? ValueType::ExpandSz : ValueType::Sz;
+  if (key.IsOpen()) store.SetValueEx(key, "Store Root", type, kEmptyIdentityMarker);
+}
+
+void LoadIdentity(RegistryStore& store, FileSystem& files, IdentityInfo& identity) {
+  EnsureSettings(store, identity.userId);
+  identity.storeFolder = ReadStoreFolder(store, files, identity.userId);
+  OpenOrEnd(store, IdentityKey(identity.userId), " Identities\\Username");
+  identity.username = store.ReadStringValue(CurrentUser(IdentityKey(identity.userId)), "Username");
+}
+
+void LoadDefault(RegistryStore& store, IdentityCatalogue& catalogue) {
+  OpenOrEnd(store, kIdentitiesKey, " Identities\\USER ID");
+  catalogue.defaultUserId = store.ReadStringValue(CurrentUser(kIdentitiesKey), "Default User ID");
+  const std::string defaultKey = IdentityKey(catalogue.defaultUserId);
+  OpenOrEnd(store, defaultKey, " Default User ID Username");
+  catalogue.defaultUsername = store.ReadStringValue(CurrentUser(defaultKey), "Username");
+}
+
+void LoadAll(RegistryStore& store, FileSystem& files, CatalogueLoad& load) {
+  OpenResult identities = store.OpenKey(CurrentUser(kIdentitiesKey));
+  if (identities.status != Status::Success) {
+    load.end = CatalogueLoad::End::NoIdentitiesKey;
+    return;
+  }
+  for (const std::string& userId : store.EnumSubKeys(identities.key)) {
+    load.catalogue.identities.push_back({userId, {}, {}});
+  }
+  identities.key.Close();
+  for (IdentityInfo& identity : load.catalogue.identities) {
+    LoadIdentity(store, files, identity);
+    // The default identity is read along with the first one: a load that stops there has one username.
+    if (++load.usernamesRead == 1) LoadDefault(store, load.catalogue);
+  }
+  load.catalogue.addressBookFile = store.RegistryGetKeyValue(CurrentUser(kAddressBookKey), "").AsText();
+}
+
+}  // namespace
+
+std::string IdentityKey(const std::string& userId) {
+  return std::string(kIdentitiesKey) + "\\" + userId;
+}
+
+std::string IdentitySettingsKey(const std::string& userId) {
+  return IdentityKey(userId) + "\\Software\\Microsoft\\Outlook Express\\5.0";
+}
+
+RegistryPath CurrentUser(const std::string& subkey) {
+  return {RegistryRoot::CurrentUser, subkey};
+}
+
+CatalogueLoad LoadCatalogue(RegistryStore& store, FileSystem& files) {
+  CatalogueLoad load;
+  try {
+    store.DetectOsCode();
+    LoadAll(store, files, load);
+  } catch (const ReadErrorEnd& end) {
+    load.end = CatalogueLoad::End::ReadError;
+    load.status = end.status;
+    load.suffix = end.suffix;
+  } catch (const std::exception& error) {
+    load.end = CatalogueLoad::End::Failed;
+    load.failure = error.what();
+  }
+  return load;
+}
+
+std::string ReadStoreFolder(RegistryStore& store, FileSystem& files, const std::string& userId) {
+  return ExpandStoreRoot(files, store.ReadStringValue(CurrentUser(IdentitySettingsKey(userId)), "Store Root"));
+}
+
+std::string ExpandStoreRoot(FileSystem& files, const std::string& storeRoot) {
+  const std::size_t first = storeRoot.find('%');
+  if (first == std::string::npos) return storeRoot;
+  const std::size_t second = storeRoot.find('%', first + 1);
+  if (second == std::string::npos) return storeRoot;
+  return files.ExpandEnvironment(storeRoot.substr(first, second - first + 1)) + storeRoot.substr(second + 1);
+}
+
+bool IsAnyIdentityRunning(RegistryStore& store, const IdentityCatalogue& catalogue) {
+  return std::any_of(catalogue.identities.begin(), catalogue.identities.end(), [&](const IdentityInfo& identity) {
+    return store.RegistryGetKeyValue(CurrentUser(IdentitySettingsKey(identity.userId)), "Running") == RegValue(1);
+  });
+}
+
+}  // namespace quillbox
