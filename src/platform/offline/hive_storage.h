@@ -1,0 +1,59 @@
+// What a hive file needs of the host's disk beyond reading and writing: to be replaced with everything that hangs on
+// it, to keep its original beside it, and to know whether it can be written or has changed.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+
+#include "text/error.h"
+#include "text/unicode.h"
+
+namespace quillbox {
+
+/// An Error of a call on a host file, with its errno for callers that choose by it.
+class HostFileError : public Error {
+ public:
+  HostFileError(std::string doing, const std::filesystem::path& file, int code);
+  int Code() const { return code_; }
+  /// True when the disk or the permissions forbid the write, as opposed to a full or failing disk.
+  bool IsReadOnly() const;
+
+ private:
+  int code_;
+};
+
+/// What tells one state of a file from another. All zero for a file that is not there.
+struct FileState {
+  std::uint64_t device = 0;
+  std::uint64_t inode = 0;
+  std::uint64_t size = 0;
+  std::int64_t seconds = 0;  ///< of the last modification, since 1970 UTC
+  std::int64_t nanoseconds = 0;
+  bool operator==(const FileState&) const = default;
+};
+FileState StateOf(const std::filesystem::path& file);
+
+/// The whole file. Throws HostFileError; `doing` as in Error.
+Bytes ReadHostFile(const std::filesystem::path& file, const std::string& doing);
+
+/// Makes `file` hold `bytes`, or replaces it by them, whole or not at all. Owner, permissions, extended attributes
+/// (Windows' own ones and the time of creation among them) are taken from `like`, where it exists, as far as the system
+/// lets them. Throws HostFileError, with the file as it was and no temporary file left.
+void ReplaceHostFile(const std::filesystem::path& file, ByteView bytes, const std::string& doing,
+                     const std::filesystem::path& like);
+
+enum class KeepHow {
+  SecondName,  ///< a hard link where there are any, else a copy: for a file that will be replaced, never overwritten
+  Copy,
+};
+/// Keeps what `file` holds now as `kept`, which is left alone when it exists. Throws HostFileError.
+void KeepBeside(const std::filesystem::path& file, const std::filesystem::path& kept, KeepHow how);
+
+/// True when new files can be made in `folder`. Leaves nothing behind, not even a changed time.
+bool CanWriteFolder(const std::filesystem::path& folder);
+/// True when `file` may be written and replaced. Asks the file system and not only the permissions, which an
+/// administrator passes over.
+bool CanReplaceFile(const std::filesystem::path& file);
+
+}  // namespace quillbox

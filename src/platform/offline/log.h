@@ -1,0 +1,26 @@
+// The log of a desktop program: what no window shows goes to standard error and to a file that a person can send along.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "platform/platform.h"
+
+namespace quillbox {
+
+class FileLog : public Log {
+ public:
+  /// A log larger than this when it is opened is put aside as `quillbox.log.old`.
+  static constexpr std::uintmax_t kMaxBytes = 1u << 20;
+
+  /// Logs to `quillbox.log` in `stateFolder`, made when missing. Where that fails, standard error alone is left.
+  explicit FileLog(const std::filesystem::path& stateFolder);
+
+  /// One line with the local time. Control characters become blanks. Never throws.
+  void Write(std::string_view text) override;
+
+ private:
+  std::filesystem::path file_;
+};
+
+}  // namespace quillbox

@@ -1,0 +1,72 @@
+// The registry of a Windows that isn't running: its hive files under the roots where Windows shows them. Changes are
+// made in memory; Commit() brings them to the disk.
+#pragma once
+
+#include <deque>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+
+#include "platform/offline/hive_file.h"
+#include "platform/platform.h"
+
+namespace quillbox {
+
+class OfflineRegistry : public Registry {
+ public:
+  /// `clock` stamps what is changed, `files` reads and writes the files of SaveKey and RestoreKey, `log` gets the
+  /// reasons behind refused changes. All must outlive the registry.
+  OfflineRegistry(Clock& clock, FileSystem& files, Log& log);
+  ~OfflineRegistry() override;
+
+  /// Shows `file` at a root (HKEY_CURRENT_USER) or at a key right below one (HKEY_LOCAL_MACHINE\System, where
+  /// CurrentControlSet is the control set that Select\Current names). `file` must outlive the registry.
+  void Mount(const RegistryPath& at, HiveFile& file);
+  /// Writes every hive that changed. Throws the first Error after all were tried.
+  void Commit();
+  /// Reads afresh the hives whose files changed. Open keys stay open where their paths still exist.
+  void Reload();
+
+  OpenResult Open(const RegistryPath& path, Access access) override;
+  OpenResult Create(const RegistryPath& path) override;
+  KeyInfo Info(const Key& key) override;
+  NameResult EnumKey(const Key& key, std::uint32_t index) override;
+  ValueResult EnumValue(const Key& key, std::uint32_t index) override;
+  QueryResult Query(const Key& key, std::string_view name, std::optional<std::span<std::uint8_t>> buffer) override;
+  Status SetValue(const Key& key, std::string_view name, ValueType type, ByteView data) override;
+  Status DeleteValue(const Key& key, std::string_view name) override;
+  Status DeleteTree(const RegistryPath& path) override;
+  Status SaveKey(const Key& key, const WinPath& file) override;
+  Status RestoreKey(const Key& key, const WinPath& file, std::uint32_t flags) override;
+  bool EnablePrivilege(std::string_view name) override;
+  ValueResult EnumStoredValue(const Key& key, std::uint32_t index) override;
+  Status SetStoredValue(const Key& key, std::string_view name, ValueType type, ByteView data) override;
+
+ private:
+  class OpenKey;
+  struct MountPoint;
+  struct Place;
+  struct Use;
+  using OpenKeys = std::unordered_set<OpenKey*>;
+  enum class Need { Read, Write, Any };
+
+  std::optional<Place> Locate(const RegistryPath& path);
+  Key MakeKey(const Place& place, HiveKey key, Access access);
+  Use Check(const Key& key, Need need) const;
+  std::vector<std::string> MountNames(RegistryRoot root) const;
+  bool HasPrivilege(std::string_view name) const;
+  Hive& Edit(MountPoint& mount);
+  template <typename Change>
+  Status Try(const MountPoint& mount, std::string_view path, std::string_view doing, Status failure, Change change);
+
+  Clock& clock_;
+  FileSystem& files_;
+  Log& log_;
+  std::deque<MountPoint> mounts_;
+  std::shared_ptr<OpenKeys> openKeys_;  ///< shared with the keys, which may outlive the registry
+  std::set<std::string> privileges_;
+};
+
+}  // namespace quillbox

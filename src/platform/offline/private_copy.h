@@ -1,0 +1,35 @@
+// Where the changes to a hive go whose disk cannot be written: a copy in the user's state folder, which holds good as
+// long as the disk's own hive stays what it was when the copy was begun.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace quillbox {
+
+class PrivateCopy {
+ public:
+  /// The copy of the hive `disk` (an absolute path), below `stateFolder`. Touches nothing.
+  PrivateCopy(const std::filesystem::path& stateFolder, const std::filesystem::path& disk);
+
+  const std::filesystem::path& File() const { return file_; }
+  /// True when there is a copy and the disk's hive has not changed since it was begun.
+  bool IsCurrent() const;
+  /// True when there is a copy that IsCurrent() has turned down.
+  bool IsOutdated() const;
+  /// True when the copy's folder is there, or could be made, and can be written.
+  bool CanWrite() const;
+  /// Notes the disk's hive as it is now, ahead of writing File(). An outdated copy is kept under another name, which is
+  /// returned; else an empty path. Throws Error.
+  std::filesystem::path Begin();
+
+ private:
+  std::string DiskOrigin() const;
+
+  std::filesystem::path disk_;
+  std::filesystem::path folder_;
+  std::filesystem::path file_;
+  std::filesystem::path originFile_;
+};
+
+}  // namespace quillbox

@@ -1,0 +1,47 @@
+#include "platform/offline/state_folder.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+#include <system_error>
+
+namespace quillbox {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr const char* kFolderName = "quillbox";
+
+fs::path FromEnvironment(const char* variable) {
+  const char* value = std::getenv(variable);
+  const fs::path path = value == nullptr ? "" : value;
+  return path.is_absolute() ? path : fs::path();  // a relative one is to be ignored
+}
+
+fs::path HomeFolder() {
+  const fs::path home = FromEnvironment("HOME");
+  if (!home.empty()) return home;
+  const passwd* user = getpwuid(geteuid());
+  return user != nullptr && user->pw_dir != nullptr ? user->pw_dir : "/";
+}
+
+}  // namespace
+
+fs::path StateFolder() {
+  const fs::path state = FromEnvironment("XDG_STATE_HOME");
+  return (state.empty() ? HomeFolder() / ".local" / "state" : state) / kFolderName;
+}
+
+bool MakePrivateFolder(const fs::path& folder) {
+  std::error_code code;
+  if (fs::is_directory(folder, code)) return true;
+  if (folder.has_parent_path() && folder.parent_path() != folder && !MakePrivateFolder(folder.parent_path())) {
+    return false;
+  }
+  if (!fs::create_directory(folder, code)) return fs::is_directory(folder, code);
+  fs::permissions(folder, fs::perms::owner_all, code);
+  return true;
+}
+
+}  // namespace quillbox

@@ -1,0 +1,14 @@
+// Where the program keeps what it has to remember about disks, out of those disks' way.
+#pragma once
+
+#include <filesystem>
+
+namespace quillbox {
+
+/// `$XDG_STATE_HOME/quillbox`, or `~/.local/state/quillbox`. Not made by this call.
+std::filesystem::path StateFolder();
+
+/// Makes a folder of the program's own with all its parents, open to the user alone. False when that failed.
+bool MakePrivateFolder(const std::filesystem::path& folder);
+
+}  // namespace quillbox
