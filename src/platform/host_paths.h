@@ -1,0 +1,20 @@
+// Where the host keeps what a Windows path names. Only the places that must speak to the host's own dialogs and
+// programs need it; everything else works on WinPaths.
+#pragma once
+
+#include <filesystem>
+
+#include "text/win_path.h"
+
+namespace quillbox {
+
+class HostPaths {
+ public:
+  virtual ~HostPaths() = default;
+  /// The host's path of `path`, whether or not anything is there; empty when its drive is not there.
+  virtual std::filesystem::path HostPath(const WinPath& path) const = 0;
+  /// The Windows path under which the host's absolute `path` is seen; empty when no drive shows it.
+  virtual WinPath WindowsPathOf(const std::filesystem::path& path) const = 0;
+};
+
+}  // namespace quillbox

@@ -1,0 +1,14 @@
+// The host's clipboard.
+#pragma once
+
+#include "platform/platform.h"
+
+namespace quillbox {
+
+/// To be used while the windows run.
+class WxClipboard : public Clipboard {
+ public:
+  void Clear() override;
+};
+
+}  // namespace quillbox

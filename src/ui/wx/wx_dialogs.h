@@ -1,0 +1,34 @@
+// Questions and messages as the host's own dialogs, above the window that is in use.
+#pragma once
+
+#include "platform/dialogs.h"
+#include "platform/host_paths.h"
+
+namespace quillbox {
+
+/// To be used while the windows run.
+class WxDialogs : public Dialogs {
+ public:
+  /// The file dialogs show the host's folders and answer in Windows paths as `paths` translates them; a file that no
+  /// drive shows is refused with a message.
+  explicit WxDialogs(const HostPaths& paths) : paths_(&paths) {}
+  /// From now on `paths` translates: another disk has been opened.
+  void UseHostPaths(const HostPaths& paths) { paths_ = &paths; }
+
+  MessageAnswer Show(const Message& message) override;
+  std::optional<std::string> Input(const std::string& prompt, const std::string& title,
+                                   const std::string& proposed) override;
+  std::optional<WinPath> OpenFile(const FileDialog& dialog) override;
+  std::optional<WinPath> SaveFile(const FileDialog& dialog) override;
+  std::optional<WinPath> BrowseForFolder(const std::string& title) override;
+  OverwriteAnswer AskOverwrite(const OverwriteQuestion& question) override;
+  std::unique_ptr<Progress> ShowProgress(const std::string& title) override;
+
+ private:
+  std::optional<WinPath> AskForFile(const FileDialog& dialog, long style);
+  std::optional<WinPath> Answer(const std::filesystem::path& chosen);
+
+  const HostPaths* paths_;
+};
+
+}  // namespace quillbox
