@@ -3,6 +3,7 @@
 #include <exception>
 #include <new>
 
+#include "core/status_text.h"
 #include "text/error.h"
 
 namespace quillbox {
@@ -245,8 +246,7 @@ void RegistryStore::ShowRegistryReadError(Status code, const std::string& suffix
 }
 
 void RegistryStore::LogRefusal(const std::string& what, const RegistryPath& path, Status status) {
-  platform_.GetLog().Write(FullName(path) + ": " + what + " (status " +
-                           std::to_string(static_cast<std::uint32_t>(status)) + ")");
+  platform_.GetLog().Write(FullName(path) + ": " + what + " because " + StatusReason(status));
 }
 
 }  // namespace quillbox

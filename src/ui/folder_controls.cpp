@@ -21,7 +21,7 @@ std::vector<std::string> SortedNames(FileSystem& files, const WinPath& folder, b
 
 }  // namespace
 
-void DriveList::Fill(FileSystem& files) {
+void DriveListBox::Fill(FileSystem& files) {
   std::vector<std::string> roots;
   for (char letter = 'A'; letter <= 'Z'; ++letter) {
     const std::string root = std::string(1, letter) + ":\\";
@@ -30,16 +30,16 @@ void DriveList::Fill(FileSystem& files) {
   items = std::move(roots);
 }
 
-void DriveList::ShowDriveOf(const WinPath& path) {
+void DriveListBox::ShowDriveOf(const WinPath& path) {
   if (path.Drive() != 0) text = std::string(1, path.Drive()) + ":\\";
 }
 
-void DirList::SetPath(FileSystem& files, const WinPath& folder) {
+void DirListBox::SetPath(FileSystem& files, const WinPath& folder) {
   path_ = Resolve(folder, files.CurrentDirectory());
   Refresh(files);
 }
 
-void DirList::Refresh(FileSystem& files) {
+void DirListBox::Refresh(FileSystem& files) {
   folders_.clear();
   for (WinPath above = path_; !above.Empty(); above = above.Parent()) {
     folders_.insert(folders_.begin(), above);
@@ -58,12 +58,12 @@ void DirList::Refresh(FileSystem& files) {
   if (!folders_.empty()) selected = static_cast<int>(ownLine);
 }
 
-void FileList::SetPath(FileSystem& files, const WinPath& folder) {
+void FileListBox::SetPath(FileSystem& files, const WinPath& folder) {
   path_ = Resolve(folder, files.CurrentDirectory());
   Refresh(files);
 }
 
-void FileList::Refresh(FileSystem& files) {
+void FileListBox::Refresh(FileSystem& files) {
   items = SortedNames(files, path_, false);
 }
 

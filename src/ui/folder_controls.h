@@ -10,7 +10,7 @@
 namespace quillbox {
 
 /// Lists the drives that are there ("C:\", "D:\").
-class DriveList : public ComboBox {
+class DriveListBox : public ComboBox {
  public:
   using ComboBox::ComboBox;
   void Fill(FileSystem& files);
@@ -19,7 +19,7 @@ class DriveList : public ComboBox {
 };
 
 /// Shows a folder: the folders above it, itself, and the folders in it; opening one moves there.
-class DirList : public ListBox {
+class DirListBox : public ListBox {
  public:
   using ListBox::ListBox;
   /// Moves to `folder` without running a handler.
@@ -35,7 +35,7 @@ class DirList : public ListBox {
 };
 
 /// Lists the names of the files in a folder, hidden and system files left out.
-class FileList : public ListBox {
+class FileListBox : public ListBox {
  public:
   using ListBox::ListBox;
   void SetPath(FileSystem& files, const WinPath& folder);

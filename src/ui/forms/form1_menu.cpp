@@ -1,0 +1,138 @@
+// The main window's menu bar and the commands that only route to another window or to the system.
+#include <algorithm>
+#include <sstream>
+
+#include "ui/forms/form1.h"
+#include "ui/forms/windows.h"
+
+namespace quillbox {
+
+enum class MenuState { On, Off };
+
+struct Form1::MenuRow {
+  const char* path;  ///< captions, " > " between them
+  const char* name;
+  void (Form1::*handler)();  ///< null: the command is not there yet
+  MenuState state = MenuState::On;
+};
+
+const Form1::MenuRow Form1::kMenu[] = {
+    {"&File > OE Report > Save &As Text", "SaveAs", nullptr},
+    {"&File > OE Report > Save As HTML", "SaveAsHTML", nullptr},
+    {"&File > E&xit", "Exit", &Form1::cmdExit_Click},
+    {"Change > Change Address Book", "chAddBk", nullptr},
+    {"Change > Move Address Book", "MoveWAB", nullptr},
+    {"&Tools > Backup Files > Address Book", "addBookFile", nullptr},
+    {"&Tools > Backup Files > DBX Files", "dbxFiles", nullptr},
+    {"&Tools > Backup Folder > Make A New Backup Folder", "crtbkfldr2", &Form1::crtbkfldr2_Click},
+    {"&Tools > Backup Folder > Open Backup Folder", "opnbkfldr", &Form1::opnbkfldr_Click},
+    {"&Tools > Backup Folder > Set Existing Folder As Backup", "brbkfldr", &Form1::brbkfldr_Click},
+    {"&Tools > Backup Identities > Current Selected Identity", "Identity", nullptr},
+    {"&Tools > Backup Identities > All Identities", "allIdentities", nullptr, MenuState::Off},
+    {"&Tools > Backup Registry Entries > Address Book ", "regAddBook", nullptr},
+    {"&Tools > Backup Registry Entries > Blocked Senders List", "blkSend", nullptr},
+    {"&Tools > Backup Registry Entries > Dont Show Dialogs", "dntshowdlg", nullptr},
+    {"&Tools > Backup Registry Entries > HKLM Outlook Express", "expLMOE", nullptr},
+    {"&Tools > Backup Registry Entries > Message Rules", "msgRules", nullptr},
+    {"&Tools > Backup Registry Entries > Internet Accounts Manager", "regIAM", nullptr},
+    {"&Tools > Backup Registry Entries > Signatures", "sigs", nullptr},
+    {"&Tools > Restore Identities > Individual Identity", "resCurSelIdent", nullptr},
+    {"&Tools > Restore Identities > All Identities", "resAllIdent", nullptr, MenuState::Off},
+    {"&Tools > Restore Registry Entries > Address Book", "resAddBook", nullptr},
+    {"&Tools > Restore Registry Entries > Block Senders List", "resblkswnd", nullptr},
+    {"&Tools > Restore Registry Entries > Dont Show Dialogs", "resdontshow", nullptr},
+    {"&Tools > Restore Registry Entries > HKLM Outlook Express", "resHKLMOE", nullptr},
+    {"&Tools > Restore Registry Entries > Internet Accounts Manager", "resIAM", nullptr},
+    {"&Tools > Restore Registry Entries > Message Rules", "resMsgRules", nullptr},
+    {"&Tools > Restore Registry Entries > Signatures", "resSigs", nullptr},
+    {"&Tools > Restore Files > Address Book", "resWAB", nullptr},
+    {"&Tools > Restore Files > DBX Files", "resDBX", nullptr},
+    {"&Tools > Quickbackup - Selected Identity", "qbk", &Form1::qbk_Click},
+    {"&Tools > Backup All Identities", "bkAll", nullptr, MenuState::Off},
+    {"&Tools > Save Mail Rules to File", "svMailMsgRules", nullptr},
+    {"&Tools > Save News Rules to File", "svNewsRules", nullptr},
+    {"&Tools > Registry Entries", "regEntry", nullptr},
+    {"&Tools > Miscellaneous Settings", "msc", nullptr},
+    {"Replace > {USER_ID}", "repUSERID", nullptr, MenuState::Off},
+    {"Replace > {USER_ID} String", "usrIDString", nullptr},
+    {"Replace > Change Startup Identity", "chgStartIdent", nullptr},
+    {"Replace > UserName", "chgIdentName", nullptr},
+    {"Create > Create New Identity", "crtnewID", nullptr},
+    {"Create > Clone Identity", "CloneIdentity", nullptr},
+    {"Remove > Remove Identity", "remIdent", nullptr},
+    {"Search", "Search", nullptr},
+    {"&Help > Not Available Yet", "Notyet", &Form1::Notyet_Click},
+    {"&Help > See: %WEB%", "mnuURL", &Form1::mnuURL_Click},
+};
+
+namespace {
+
+std::vector<std::string> SplitPath(std::string path) {
+  constexpr std::string_view kBetween = " > ";
+  constexpr std::string_view kWeb = "%WEB%";
+  if (const std::size_t at = path.find(kWeb); at != std::string::npos) path.replace(at, kWeb.size(), kWebAddress);
+  std::vector<std::string> captions;
+  std::size_t start = 0;
+  for (std::size_t end; (end = path.find(kBetween, start)) != std::string::npos; start = end + kBetween.size()) {
+    captions.push_back(path.substr(start, end - start));
+  }
+  captions.push_back(path.substr(start));
+  return captions;
+}
+
+}  // namespace
+
+void Form1::BuildMenu() {
+  for (const MenuRow& row : kMenu) {
+    MenuItem item{.path = SplitPath(row.path), .name = row.name, .enabled = row.state == MenuState::On, .onClick = {}};
+    const std::string itemCaption = item.Caption();
+    item.onClick = [this, handler = row.handler, itemCaption] {
+      if (handler) return (this->*handler)();
+      NotBuiltYet(itemCaption);
+    };
+    menuBar.Add(std::move(item));
+  }
+}
+
+void Form1::NotBuiltYet(const std::string& what) {
+  sb1.panels[1] = "";
+  std::string name = Trim(what);
+  std::erase(name, '&');
+  sb1.panels[0] = "\"" + name + "\" is not built yet.";
+}
+
+void Form1::crtbkfldr2_Click() {
+  sb1.panels[1] = "";
+  windows_.form3.OpenFrom(*this);
+}
+
+void Form1::brbkfldr_Click() {
+  sb1.panels[1] = "";
+  const std::string folder = BrowseForFolder(program_.platform.GetDialogs());
+  if (folder.empty()) return;
+  program_.backupFolder.Set(folder);
+  const std::string stored = program_.backupFolder.Get();
+  lblbkuppth.caption = stored;
+  windows_.form3.EnsureLoaded();
+  windows_.form3.txtbkPth.text = stored;
+}
+
+void Form1::opnbkfldr_Click() {
+  sb1.panels[1] = "";
+  if (program_.backupFolder.Probe() == probe::kMissing) {
+    program_.platform.GetDialogs().Show({.text = "Backup Folder Has Not Been Set"});
+    return;
+  }
+  program_.platform.GetShell().Explore(program_.backupFolder.Get(), "");
+}
+
+void Form1::qbk_Click() {
+  cmdQuickBackup_Click();
+}
+
+void Form1::mnuURL_Click() {
+  sb1.panels[1] = "";
+  program_.platform.GetShell().OpenUrl(kWebAddress);
+}
+
+}  // namespace quillbox

@@ -1,0 +1,27 @@
+// Owns the windows, so that each can reach the others.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "ui/forms/form1.h"
+#include "ui/forms/form3.h"
+#include "ui/forms/program.h"
+
+namespace quillbox {
+
+class Windows {
+ public:
+  explicit Windows(Platform& platform) : program(platform), form1(program, *this), form3(program, *this) {}
+
+  Program program;
+  Form1 form1;
+  Form3 form3;
+
+  /// Every window, for a renderer.
+  std::vector<Form*> All() { return {&form1, &form3}; }
+  /// Hides every window and ends the program.
+  void UnloadAll();
+};
+
+}  // namespace quillbox
