@@ -9,23 +9,28 @@
 
 namespace quillbox {
 
+HandlerGuard::HandlerGuard(Platform& platform)
+    : log_(platform.GetLog()), dialogs_(platform.GetDialogs()), endCommand_([&platform] { platform.EndCommand(); }) {}
+
+HandlerGuard::HandlerGuard(Log& log, Dialogs& dialogs) : log_(log), dialogs_(dialogs), endCommand_([] {}) {}
+
 void HandlerGuard::Run(const std::string& what, const Handler& handler) {
   ++depth_;
   try {
     handler();
   } catch (const std::exception& error) {
-    platform_.GetLog().Write(what + " ended early: " + error.what());
+    log_.Write(what + " ended early: " + error.what());
   }
   if (--depth_ == 0) EndCommand(what);
 }
 
 void HandlerGuard::EndCommand(const std::string& what) {
   try {
-    platform_.EndCommand();
+    endCommand_();
   } catch (const std::exception& error) {
-    platform_.GetLog().Write(what + ": " + error.what());
-    platform_.GetDialogs().Show({.text = std::string("The changes could not be saved yet.\n\n") + error.what(),
-                                 .icon = MessageIcon::Exclamation});
+    log_.Write(what + ": " + error.what());
+    dialogs_.Show({.text = std::string("The changes could not be saved yet.\n\n") + error.what(),
+                   .icon = MessageIcon::Exclamation});
   }
 }
 

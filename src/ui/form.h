@@ -13,6 +13,8 @@
 
 namespace quillbox {
 
+class Dialogs;
+class Log;
 struct Platform;
 
 enum class Pointer { Normal, Hourglass };
@@ -21,14 +23,18 @@ enum class Pointer { Normal, Hourglass };
 /// outermost one has ended, the platform ends the command, so that its registry changes reach the disk at once.
 class HandlerGuard {
  public:
-  explicit HandlerGuard(Platform& platform) : platform_(platform) {}
+  explicit HandlerGuard(Platform& platform);
+  /// For windows that stand before any system is opened: nothing is ended after a handler.
+  HandlerGuard(Log& log, Dialogs& dialogs);
   /// `what` names the handler in the log ("cmdQuickBackup_Click").
   void Run(const std::string& what, const Handler& handler);
 
  private:
   void EndCommand(const std::string& what);
 
-  Platform& platform_;
+  Log& log_;
+  Dialogs& dialogs_;
+  std::function<void()> endCommand_;
   int depth_ = 0;
 };
 
