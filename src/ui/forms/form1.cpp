@@ -38,6 +38,7 @@ Form1::Form1(Program& program, Windows& windows)
       cmdShowAdditionalInfo(*this, "cmdShowAdditionalInfo", kShowInfo,
                             "Click to show additional information about Identities and Address Book location."),
       cmdExit(*this, "cmdExit", "&Exit", "Exit the program."),
+      lblSystem(*this, "lblSystem", program.platform.SystemDescription(), "The disk that is open."),
       Frame1(*this, "Frame1", "Additional Identity Information"),
       Label3(*this, "Label3", "Curent Identity Username: "),
       Label7(*this, "Label7", "Username", "Current selected Identity Username"),
@@ -90,6 +91,7 @@ LayoutNode Form1::Layout() {
       Row({Item(lblbkip), Item(lblbkuppth, 1), Item(Label1), Item(Label2)}),
       Row({Item(chkOverwrite), Item(cmdQuickBackup, 1), Item(cmdbkupall, 1)}),
       Row({Item(cmdComplete, 1), Item(cmdRestore, 1), Item(cmdShowAdditionalInfo, 1), Item(cmdExit, 1)}),
+      Item(lblSystem),
       Group(Frame1, Column({
                         Grid(4, {1, 3},
                              {Item(Label3), Item(Label7), Item(Label5), Item(Label6), Item(Label11), Item(Label10),
@@ -104,6 +106,10 @@ LayoutNode Form1::Layout() {
       Space(),
       Item(sb1),
   });
+}
+
+void Form1::Open() {
+  RunHandler("Form_Load", [this] { Form_Load(); });
 }
 
 void Form1::Form_Load() {

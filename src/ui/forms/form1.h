@@ -33,6 +33,7 @@ class Form1 : public Form {
   Button cmdRestore;
   Button cmdShowAdditionalInfo;
   Button cmdExit;
+  Label lblSystem;
   Frame Frame1;
   Label Label3;
   Label Label7;
@@ -54,6 +55,8 @@ class Form1 : public Form {
   Label Label13;
   StatusBar sb1;
 
+  /// Runs the start-up sequence as a command.
+  void Open();
   /// The start-up sequence; shows the window.
   void Form_Load();
   /// (Re)loads the catalogue and refills the pickers and labels.
