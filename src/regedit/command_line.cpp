@@ -1,0 +1,195 @@
+#include "regedit/command_line.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <utility>
+
+#include "text/unicode.h"
+#include "text/win_path.h"
+
+namespace quillbox {
+
+const std::string_view kRegeditUsage =
+    "Usage:\n"
+    "  regedit --disk FOLDER [options] /e:A FILE KEY   export KEY as 8-bit text\n"
+    "  regedit --disk FOLDER [options] /e FILE KEY     export KEY as Unicode text\n"
+    "  regedit --disk FOLDER [options] [/c] FILE       merge FILE into the registry\n"
+    "Options:\n"
+    "  --disk FOLDER       the folder that holds the Windows disk's C:\\\n"
+    "  --profile NAME      whose registry, where the disk has several profiles\n"
+    "  --drive D=FOLDER    the folder of a further drive (may be repeated)\n"
+    "  /s                  say nothing but what went wrong\n"
+    "KEY is a full name such as \"HKEY_CURRENT_USER\\Identities\".\n";
+
+namespace {
+
+constexpr std::string_view kBlanks = " \t";
+
+struct Switch {
+  std::string_view text;
+  void (*apply)(RegeditCommand& command);
+};
+
+void ExportAs(RegeditCommand& command, RegFileForm form) {
+  command.action = RegeditAction::Export;
+  command.form = form;
+}
+
+constexpr std::array<Switch, 4> kSwitches{{
+    {"/s", [](RegeditCommand& command) { command.silent = true; }},
+    {"/c", [](RegeditCommand& command) { command.action = RegeditAction::Merge; }},
+    {"/e", [](RegeditCommand& command) { ExportAs(command, RegFileForm::Unicode5); }},
+    {"/e:A", [](RegeditCommand& command) { ExportAs(command, RegFileForm::Regedit4); }},
+}};
+
+/// True when `word` is a switch, which is then applied.
+bool ApplySwitch(std::string_view word, RegeditCommand& command) {
+  const auto* found =
+      std::find_if(kSwitches.begin(), kSwitches.end(), [&](const Switch& s) { return EqualIgnoreCase(s.text, word); });
+  if (found == kSwitches.end()) return false;
+  found->apply(command);
+  return true;
+}
+
+/// Takes a Windows command line apart, text by text.
+class Scanner {
+ public:
+  explicit Scanner(std::string_view line) : rest_(line) {}
+
+  bool AtEnd() {
+    rest_.remove_prefix(std::min(rest_.find_first_not_of(kBlanks), rest_.size()));
+    return rest_.empty();
+  }
+  bool AtSwitch() { return !AtEnd() && rest_.front() == '/'; }
+  /// The next text in quotes or up to a blank.
+  std::string Word() { return Take(kBlanks); }
+  /// The next text in quotes, else everything to the end of the line.
+  std::string Last() { return Trim(Take("")); }
+
+ private:
+  std::string Take(std::string_view ends) {
+    if (AtEnd()) return {};
+    const bool quoted = rest_.front() == '"';
+    if (quoted) rest_.remove_prefix(1);
+    const std::size_t end = std::min(rest_.find_first_of(quoted ? "\"" : ends), rest_.size());
+    std::string text(rest_.substr(0, end));
+    rest_.remove_prefix(std::min(end + (quoted ? 1 : 0), rest_.size()));
+    return text;
+  }
+
+  std::string_view rest_;
+};
+
+/// Checks and fills in what both kinds of command line give last.
+void SetOperands(RegeditRequest& request, std::string file, const std::string& key) {
+  request.command.file = std::move(file);
+  if (request.command.file.empty()) {
+    request.fault = "no file is named";
+  } else if (request.command.action == RegeditAction::Export) {
+    const std::optional<RegistryPath> path = ParseRegistryPath(key);
+    if (key.empty()) {
+      request.fault = "no key is named";
+    } else if (!path) {
+      request.fault = "\"" + key + "\" begins with no root key";
+    } else {
+      request.command.key = *path;
+    }
+  }
+}
+
+std::string SetDrive(RegeditDisk& disk, const std::string& text) {
+  const bool isLetter = !text.empty() && ((text[0] >= 'A' && text[0] <= 'Z') || (text[0] >= 'a' && text[0] <= 'z'));
+  if (!isLetter || text.size() < 3 || text[1] != '=') return "--drive takes a letter and a folder: D=FOLDER";
+  disk.drives[static_cast<char>(text[0] & ~0x20)] = text.substr(2);
+  return {};
+}
+
+std::string AddLock(RegeditDisk& disk, const std::string& text) {
+  int number = -1;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size() || number < 0) return "--lock-fd takes a number";
+  disk.lockFds.push_back(number);
+  return {};
+}
+
+struct Option {
+  std::string_view text;
+  /// Gives what is wrong with `value`, or nothing.
+  std::string (*apply)(RegeditDisk& disk, const std::string& value);
+};
+
+constexpr std::array<Option, 5> kOptions{{
+    {"--disk", [](RegeditDisk& disk, const std::string& value) { return disk.folder = value, std::string(); }},
+    {"--profile", [](RegeditDisk& disk, const std::string& value) { return disk.profile = value, std::string(); }},
+    {"--directory", [](RegeditDisk& disk, const std::string& value) { return disk.directory = value, std::string(); }},
+    {"--drive", SetDrive},
+    {"--lock-fd", AddLock},
+}};
+
+constexpr std::string_view kCommandLineOption = "--command-line";
+
+void SetHandOperands(RegeditRequest& request, const std::vector<std::string>& operands) {
+  const bool isExport = request.command.action == RegeditAction::Export;
+  if (operands.size() > (isExport ? 2U : 1U)) {
+    request.fault = "\"" + operands.back() + "\" is one too many";
+    return;
+  }
+  SetOperands(request, operands.empty() ? "" : operands[0], operands.size() < 2 ? "" : operands[1]);
+  request.command.isHostFile = !WinPath(request.command.file).IsAbsolute();
+}
+
+}  // namespace
+
+RegeditRequest ParseCommandLine(std::string_view line) {
+  RegeditRequest request;
+  Scanner scanner(line);
+  scanner.Word();
+  while (scanner.AtSwitch()) {
+    const std::string word = scanner.Word();
+    if (ApplySwitch(word, request.command)) continue;
+    request.fault = "there is no switch \"" + word + "\"";
+    return request;
+  }
+  const bool isExport = request.command.action == RegeditAction::Export;
+  std::string file = isExport ? scanner.Word() : scanner.Last();
+  SetOperands(request, std::move(file), isExport ? scanner.Last() : "");
+  if (request.fault.empty() && !scanner.AtEnd()) request.fault = "there is more on the line than a command has";
+  return request;
+}
+
+RegeditRequest ParseArguments(const std::vector<std::string>& arguments) {
+  RegeditRequest request;
+  std::vector<std::string> operands;
+  const std::string* commandLine = nullptr;
+  for (std::size_t i = 0; i < arguments.size() && request.fault.empty(); ++i) {
+    const std::string& argument = arguments[i];
+    if (!argument.starts_with("--")) {
+      if (!ApplySwitch(argument, request.command)) operands.push_back(argument);
+      continue;
+    }
+    const auto* option =
+        std::find_if(kOptions.begin(), kOptions.end(), [&](const Option& o) { return o.text == argument; });
+    if (option == kOptions.end() && argument != kCommandLineOption) {
+      request.fault = "there is no option \"" + argument + "\"";
+    } else if (++i == arguments.size()) {
+      request.fault = argument + " is not followed by its value";
+    } else if (option == kOptions.end()) {
+      commandLine = &arguments[i];
+    } else {
+      request.fault = option->apply(request.disk, arguments[i]);
+    }
+  }
+  if (!request.fault.empty()) return request;
+  if (commandLine == nullptr) {
+    SetHandOperands(request, operands);
+  } else {
+    RegeditRequest started = ParseCommandLine(*commandLine);
+    request.command = std::move(started.command);
+    request.fault = operands.empty() ? started.fault : "\"" + operands[0] + "\" is one too many";
+  }
+  if (request.fault.empty() && request.disk.folder.empty()) request.fault = "no disk is named";
+  return request;
+}
+
+}  // namespace quillbox

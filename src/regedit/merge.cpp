@@ -1,0 +1,89 @@
+#include "regedit/merge.h"
+
+#include <optional>
+#include <utility>
+
+#include "regedit/outcome.h"
+#include "registry/reg_file.h"
+
+namespace quillbox {
+namespace {
+
+class Merger : public RegFileVisitor {
+ public:
+  explicit Merger(Registry& registry) : registry_(registry) {}
+
+  void OnKey(std::string_view fullName, std::size_t line) override {
+    key_.Close();
+    const std::optional<RegistryPath> path = Parse(fullName, line);
+    if (!path) return;
+    OpenResult opened = registry_.Open(*path, Access::Full);
+    if (opened.status == Status::FileNotFound) {
+      opened = registry_.Create(*path);
+      if (opened.status == Status::Success) ++report_.keysAdded;
+    }
+    if (opened.status != Status::Success) Refuse(line, fullName, opened.status);
+    key_ = std::move(opened.key);
+  }
+
+  void OnDeleteKey(std::string_view fullName, std::size_t line) override {
+    key_.Close();
+    const std::optional<RegistryPath> path = Parse(fullName, line);
+    if (path) Count(registry_.DeleteTree(*path), report_.keysDeleted, fullName, line);
+  }
+
+  // Without an open key its line was told already.
+  void OnValue(std::string_view name, std::uint32_t type, ByteView data, std::size_t line) override {
+    if (!key_.IsOpen()) return;
+    const Status status = registry_.SetStoredValue(key_, name, static_cast<ValueType>(type), data);
+    if (status == Status::Success) {
+      ++report_.valuesSet;
+    } else {
+      Refuse(line, name, status);
+    }
+  }
+
+  void OnDeleteValue(std::string_view name, std::size_t line) override {
+    if (key_.IsOpen()) Count(registry_.DeleteValue(key_, name), report_.valuesDeleted, name, line);
+  }
+
+  void OnProblem(std::size_t line, std::string_view reason) override {
+    ++report_.problemCount;
+    if (report_.problems.size() < MergeReport::kMaxProblems) report_.problems.push_back({line, std::string(reason)});
+  }
+
+  MergeReport Take() { return std::move(report_); }
+
+ private:
+  std::optional<RegistryPath> Parse(std::string_view fullName, std::size_t line) {
+    std::optional<RegistryPath> path = ParseRegistryPath(fullName);
+    if (!path) OnProblem(line, "\"" + std::string(fullName) + "\" begins with no root key");
+    return path;
+  }
+
+  void Count(Status deleted, std::size_t& counter, std::string_view name, std::size_t line) {
+    if (deleted == Status::Success) {
+      ++counter;
+    } else if (deleted != Status::FileNotFound) {
+      Refuse(line, name, deleted);
+    }
+  }
+
+  void Refuse(std::size_t line, std::string_view name, Status status) {
+    OnProblem(line, "\"" + std::string(name) + "\": " + ReasonOf(status));
+  }
+
+  Registry& registry_;
+  Key key_;
+  MergeReport report_;
+};
+
+}  // namespace
+
+MergeReport MergeFile(Registry& registry, std::string_view bytes, const std::string& name, const CodePage& codePage) {
+  Merger merger(registry);
+  ReadRegFile(bytes, name, codePage, merger);
+  return merger.Take();
+}
+
+}  // namespace quillbox

@@ -1,0 +1,35 @@
+// Merges: what a registry file says is done to a registry. A line that cannot be merged is told and left out; the
+// rest is merged.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/registry.h"
+#include "text/code_page.h"
+
+namespace quillbox {
+
+struct MergeProblem {
+  std::size_t line = 0;  ///< from 1
+  std::string reason;
+};
+
+struct MergeReport {
+  static constexpr std::size_t kMaxProblems = 200;  ///< more are counted, but not kept
+
+  std::size_t keysAdded = 0;    ///< keys named by the file that were missing; parents made on the way are not counted
+  std::size_t keysDeleted = 0;  ///< keys named by the file; those below them are not counted
+  std::size_t valuesSet = 0;
+  std::size_t valuesDeleted = 0;
+  std::vector<MergeProblem> problems;
+  std::size_t problemCount = 0;
+};
+
+/// Merges the bytes of the file `name` into `registry`. What the file deletes and is not there is no problem. Throws
+/// Error, with nothing changed, when it is no registry file.
+MergeReport MergeFile(Registry& registry, std::string_view bytes, const std::string& name, const CodePage& codePage);
+
+}  // namespace quillbox

@@ -1,0 +1,66 @@
+#include "regedit/outcome.h"
+
+#include <algorithm>
+#include <array>
+
+#include "text/error.h"
+
+namespace quillbox {
+namespace {
+
+struct Reason {
+  Status status;
+  const char* words;
+};
+
+constexpr std::array<Reason, 8> kReasons{{
+    {Status::FileNotFound, "there is no such key on this disk"},
+    {Status::PathNotFound, "there is no such key on this disk"},
+    {Status::AccessDenied, "access is denied"},
+    {Status::InvalidParameter, "the registry cannot hold such a name"},
+    {Status::DiskFull, "the disk is full"},
+    {Status::BadRegistry, "its hive cannot be used"},
+    {Status::RegistryIo, "its hive cannot be read or written"},
+    {Status::KeyDeleted, "the key was deleted meanwhile"},
+}};
+
+std::string Counted(std::size_t count, const char* thing) {
+  return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+}
+
+}  // namespace
+
+std::string ReasonOf(Status status) {
+  const auto* found =
+      std::find_if(kReasons.begin(), kReasons.end(), [status](const Reason& r) { return r.status == status; });
+  if (found != kReasons.end()) return found->words;
+  return "the registry refuses it (code " + std::to_string(static_cast<std::uint32_t>(status)) + ")";
+}
+
+std::string ExportSummary(const ExportResult& result, const std::string& key, const std::string& file) {
+  return key + ": " + Counted(result.keys, "key") + " and " + Counted(result.values, "value") + " exported to " + file +
+         "\n";
+}
+
+std::string MergeSummary(const MergeReport& report, const std::string& file) {
+  return file + ": " + Counted(report.keysAdded, "key") + " added, " + Counted(report.keysDeleted, "key") +
+         " deleted, " + Counted(report.valuesSet, "value") + " set, " + Counted(report.valuesDeleted, "value") +
+         " deleted\n";
+}
+
+std::string FormNotice(const ExportResult& result, const std::string& file) {
+  if (result.firstLoss.empty()) return {};
+  return file + ": written as Unicode text, since 8-bit text cannot hold " + result.firstLoss + "\n";
+}
+
+std::string ProblemLines(const MergeReport& report, const std::string& file) {
+  std::string lines;
+  for (const MergeProblem& problem : report.problems) {
+    lines += Describe(Error({}, {file, {}, problem.line}, problem.reason)) + "\n";
+  }
+  const std::size_t more = report.problemCount - report.problems.size();
+  if (more > 0) lines += file + ": and " + Counted(more, "more line") + " that could not be merged\n";
+  return lines;
+}
+
+}  // namespace quillbox
