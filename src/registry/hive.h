@@ -1,0 +1,114 @@
+// A registry hive file ("regf") in memory: read, changed, and given back as the bytes of a file that Windows loads.
+// Bytes in, bytes out: opening, locking and replacing files is the caller's business.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "text/unicode.h"
+
+namespace quillbox {
+
+/// A key of one Hive: the offset of its cell. Stays good until that key is deleted.
+struct HiveKey {
+  std::uint32_t cell = 0xFFFFFFFF;
+  bool operator==(const HiveKey&) const = default;
+};
+
+/// One value as stored. `data` are the stored bytes: text is UTF-16, little-endian.
+struct HiveValue {
+  std::string name;  ///< inner text; empty for the default value
+  std::uint32_t type = 0;
+  Bytes data;
+};
+
+/// 100-nanosecond intervals since 1601-01-01 UTC.
+using FileTime = std::uint64_t;
+
+/// How a hive's bytes came to be what they are.
+enum class HiveOrigin {
+  Clean,       ///< closed cleanly
+  Recovered,   ///< not closed cleanly; its log was applied
+  DirtyNoLog,  ///< not closed cleanly and no usable log; opened as it stood, since its structure is whole
+};
+
+class Hive {
+ public:
+  /// Sizes from the format; what exceeds them is refused, never truncated.
+  static constexpr std::size_t kMaxNameUnits = 255;  ///< key names, in UTF-16 units
+  static constexpr std::size_t kMaxValueNameUnits = 16383;
+  static constexpr std::size_t kMaxDepth = 512;
+  static constexpr std::uint32_t kBigDataLimit = 16344;  ///< bytes; more needs `db` where the version has it
+  static constexpr std::uint32_t kMaxDataWithoutDb = 1u << 20;
+
+  /// A new hive, version 1.3, with only a root key. `now` stamps it.
+  static Hive Create(std::string_view rootName, FileTime now);
+
+  /// Reads and validates a whole hive file. `name` is used in errors. `log` holds the bytes of the log file beside it
+  /// (the old single form, or either of the two new ones), empty when there is none; `log2` the second new one.
+  /// Throws Error with name, offset and fault.
+  static Hive Load(Bytes file, std::string name, Bytes log = {}, Bytes log2 = {});
+
+  Hive(Hive&&) noexcept;
+  Hive& operator=(Hive&&) noexcept;
+  ~Hive();
+
+  HiveOrigin Origin() const;
+  /// The whole file: sequences equal, checksum right, `now` as the time of the last write. Ready to be written as it
+  /// is.
+  Bytes Image(FileTime now);
+  /// True when a change was made since Load, Create or the last Image, or when Load recovered the hive.
+  bool Changed() const;
+  /// Stamps the keys that later calls change.
+  void SetTime(FileTime now);
+
+  HiveKey Root() const;
+  /// The key at `path` below `from`: names with single backslashes between, without regard to case; empty is `from`.
+  std::optional<HiveKey> Find(HiveKey from, std::string_view path) const;
+  /// Throws std::out_of_range on a bad index; keys come in the list's order.
+  HiveKey SubkeyAt(HiveKey key, std::size_t index) const;
+  std::size_t SubkeyCount(HiveKey key) const;
+  std::vector<HiveKey> Subkeys(HiveKey key) const;
+  std::optional<HiveKey> Parent(HiveKey key) const;  ///< nothing for the root
+  std::string Name(HiveKey key) const;
+  FileTime Time(HiveKey key) const;
+  std::string ClassName(HiveKey key) const;
+  Bytes Security(HiveKey key) const;  ///< the security descriptor, self-relative; empty when the key has none
+
+  std::size_t ValueCount(HiveKey key) const;
+  HiveValue ValueAt(HiveKey key, std::size_t index) const;  ///< in the order of creation
+  std::vector<HiveValue> Values(HiveKey key) const;
+  std::optional<HiveValue> Value(HiveKey key, std::string_view name) const;
+
+  // Changes. Each throws Error (naming the key and the limit) before it touches anything, or is done whole.
+
+  /// The subkey `name` (one name), made when missing with its parent's security descriptor.
+  HiveKey CreateSubkey(HiveKey parent, std::string_view name);
+  /// The key at `path` below `from`, every missing key made.
+  HiveKey CreatePath(HiveKey from, std::string_view path);
+  /// Writes or replaces a value.
+  void SetValue(HiveKey key, std::string_view name, std::uint32_t type, ByteView data);
+  /// False when there was no such value.
+  bool DeleteValue(HiveKey key, std::string_view name);
+  /// Deletes a key with everything below it; the root cannot be deleted.
+  void DeleteTree(HiveKey key);
+
+  /// A new hive (version 1.3) whose root holds what `key` holds: values, class, security, subkeys, times.
+  Hive SaveSubtree(HiveKey key, FileTime now) const;
+  /// Makes `key` hold what `source`'s root holds, in place of what it held; `key` keeps its name and parent.
+  void ReplaceSubtree(HiveKey key, const Hive& source);
+
+ private:
+  struct State;
+  explicit Hive(std::unique_ptr<State> state);
+  std::unique_ptr<State> state_;
+};
+
+/// True when `file` begins as a hive does; for telling a hive from .reg text without an error.
+bool LooksLikeHive(ByteView file);
+
+}  // namespace quillbox

@@ -1,0 +1,176 @@
+#include "registry/hive_cells.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+#include "registry/hive_data.h"
+
+namespace quillbox {
+
+namespace {
+
+/// How many free cells of a class are looked at before a cell of a larger class is split.
+constexpr std::size_t kCandidates = 8;
+
+}  // namespace
+
+std::uint32_t BaseChecksum(const std::uint8_t* base) {
+  std::uint32_t sum = 0;
+  for (std::size_t at = 0; at < BaseField::kChecksum; at += 4) sum ^= Load32(base + at);
+  if (sum == 0xFFFFFFFF) return 0xFFFFFFFE;
+  return sum == 0 ? 1 : sum;
+}
+
+std::size_t CellBits::LastBefore(std::size_t offset) const {
+  std::size_t word = Word(offset);
+  std::uint64_t bits = words_[word] & (Mask(offset) - 1);
+  while (bits == 0) bits = words_[--word];
+  return (word * 64 + static_cast<std::size_t>(std::bit_width(bits)) - 1) * kCellUnit;
+}
+
+HiveCells::HiveCells(Bytes file) : file_(std::move(file)) {
+  if (file_.size() < kHivePage) file_.resize(kHivePage);
+  ResizeBits();
+}
+
+void HiveCells::ResizeBits() {
+  for (CellBits* bits : {&used_, &freeStart_, &freeEnd_}) bits->Resize(BinsSize());
+}
+
+void HiveCells::Scan(const std::string& fileName) {
+  for (std::size_t bin = 0; bin < BinsSize();) {
+    const std::uint8_t* header = Header(bin);
+    if (Load32(header + BinField::kTag) != kBinTag) ThrowHiveFault(fileName, bin, "there is no bin header (\"hbin\")");
+    if (Load32(header + BinField::kOffset) != bin) ThrowHiveFault(fileName, bin, "the bin names another offset");
+    const std::size_t size = Load32(header + BinField::kSize);
+    if (size == 0 || size % kHivePage != 0 || size > BinsSize() - bin) {
+      ThrowHiveFault(fileName, bin, "the bin's size, " + std::to_string(size) + " bytes, is wrong");
+    }
+    ScanBin(fileName, bin, bin + size);
+    bin += size;
+  }
+}
+
+void HiveCells::ScanBin(const std::string& fileName, std::size_t bin, std::size_t end) {
+  for (std::size_t cell = bin + kBinHeader; cell < end;) {
+    const std::uint32_t length = Load32(Header(cell));
+    const bool inUse = length >> 31 != 0;
+    const std::size_t size = inUse ? 0U - length : length;
+    if (size == 0 || size % kCellUnit != 0 || size > end - cell) {
+      ThrowHiveFault(fileName, cell, "the cell's size, " + std::to_string(size) + " bytes, is wrong");
+    }
+    if (inUse) {
+      used_.Set(cell);
+    } else {
+      AddFree(cell, size);
+    }
+    cell += size;
+  }
+}
+
+std::size_t HiveCells::ClassOf(std::size_t size) {
+  const std::size_t units = size / kCellUnit;
+  if (units < kExactClasses) return units;
+  const auto width = static_cast<std::size_t>(std::bit_width(units));
+  return kExactClasses + (width - 7) * 4 + (units >> (width - 3)) % 4;
+}
+
+void HiveCells::AddFree(std::size_t offset, std::size_t size) {
+  Store32(Header(offset), static_cast<std::uint32_t>(size));
+  freeStart_.Set(offset);
+  freeEnd_.Set(offset + size - kCellUnit);
+  free_[ClassOf(size)].push_back(static_cast<std::uint32_t>(offset));
+}
+
+void HiveCells::RemoveFree(std::size_t offset) {
+  freeStart_.Clear(offset);
+  freeEnd_.Clear(offset + Load32(Header(offset)) - kCellUnit);
+}
+
+bool HiveCells::IsFreeOfClass(std::size_t offset, std::size_t sizeClass) const {
+  return freeStart_.Test(offset) && ClassOf(Load32(Header(offset))) == sizeClass;
+}
+
+std::uint32_t HiveCells::TakeFromClass(std::size_t sizeClass, std::size_t size) {
+  std::vector<std::uint32_t>& list = free_[sizeClass];
+  std::size_t fits = 0;
+  for (std::size_t at = list.size(); at > 0 && fits < kCandidates; --at) {
+    const std::uint32_t offset = list[at - 1];
+    const bool isFree = IsFreeOfClass(offset, sizeClass);
+    if (isFree && Load32(Header(offset)) < size) {
+      ++fits;
+      continue;
+    }
+    list[at - 1] = list.back();
+    list.pop_back();
+    if (isFree) return offset;
+  }
+  return kNoCell;
+}
+
+std::uint32_t HiveCells::TakeFree(std::size_t size) {
+  for (std::size_t sizeClass = ClassOf(size); sizeClass < kClasses; ++sizeClass) {
+    if (free_[sizeClass].empty()) continue;
+    const std::uint32_t found = TakeFromClass(sizeClass, size);
+    if (found != kNoCell) return found;
+  }
+  return kNoCell;
+}
+
+std::uint32_t HiveCells::AddBin(std::size_t cellSize) {
+  const std::size_t bin = BinsSize();
+  const std::size_t size = (cellSize + kBinHeader + kHivePage - 1) / kHivePage * kHivePage;
+  if (file_.capacity() < file_.size() + size) file_.reserve(file_.size() * 2 + size);
+  file_.resize(file_.size() + size);
+  ResizeBits();
+  std::uint8_t* header = Header(bin);
+  Store32(header + BinField::kTag, kBinTag);
+  Store32(header + BinField::kOffset, static_cast<std::uint32_t>(bin));
+  Store32(header + BinField::kSize, static_cast<std::uint32_t>(size));
+  Store32(Base() + BaseField::kBinsSize, static_cast<std::uint32_t>(BinsSize()));
+  const auto cell = static_cast<std::uint32_t>(bin + kBinHeader);
+  Store32(Header(cell), static_cast<std::uint32_t>(size - kBinHeader));
+  freeStart_.Set(cell);
+  freeEnd_.Set(bin + size - kCellUnit);
+  return cell;
+}
+
+std::uint32_t HiveCells::Allocate(std::size_t size) {
+  const std::size_t need = (size + kCellHeader + kCellUnit - 1) / kCellUnit * kCellUnit;
+  std::uint32_t cell = TakeFree(need);
+  if (cell == kNoCell) cell = AddBin(need);
+  const std::size_t found = Load32(Header(cell));
+  RemoveFree(cell);
+  if (found > need) AddFree(cell + need, found - need);
+  used_.Set(cell);
+  Store32(Header(cell), 0U - static_cast<std::uint32_t>(need));
+  std::memset(At(cell), 0, need - kCellHeader);
+  return cell;
+}
+
+void HiveCells::Free(std::uint32_t cell) {
+  std::size_t start = cell;
+  std::size_t end = cell + kCellHeader + Room(cell);
+  used_.Clear(cell);
+  if (end < BinsSize() && freeStart_.Test(end)) {
+    const std::size_t next = end;
+    end += Load32(Header(next));
+    RemoveFree(next);
+  }
+  if (freeEnd_.Test(start - kCellUnit)) {
+    start = freeStart_.LastBefore(start);
+    RemoveFree(start);
+  }
+  AddFree(start, end - start);
+}
+
+std::uint32_t HiveCells::Grow(std::uint32_t cell, std::size_t size) {
+  if (Room(cell) >= size) return cell;
+  const std::uint32_t larger = Allocate(size);
+  std::memcpy(At(larger), At(cell), Room(cell));
+  Free(cell);
+  return larger;
+}
+
+}  // namespace quillbox
