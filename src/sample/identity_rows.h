@@ -1,0 +1,27 @@
+// The sample person's identities: who they are, and the option values that each has collected.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "sample/registry_rows.h"
+
+namespace quillbox {
+
+struct SampleIdentity {
+  std::string_view userId;  ///< in braces, upper case
+  std::uint32_t directoryName;
+  std::string_view username;
+  std::string_view storeRoot;    ///< as stored, <id> standing for userId; empty: never started
+  std::string_view storeFolder;  ///< below the drive `storeDrive`, with slashes; <id> and <profile> as above
+  char storeDrive;
+  std::span<const ValueRow> settings;       ///< below the identity's "Outlook Express\5.0" key
+  std::span<const ValueRow> (*accounts)();  ///< below the identity's own "Internet Account Manager" key; may be null
+};
+
+/// In the order of their ordinals; the first one is the default.
+std::span<const SampleIdentity> SampleIdentities();
+/// Below the key "Identities". Placeholder: <default>, the default identity's userId.
+std::span<const ValueRow> IdentityListRows();
+
+}  // namespace quillbox

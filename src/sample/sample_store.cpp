@@ -1,0 +1,98 @@
+#include "sample/sample_store.h"
+
+#include <algorithm>
+#include <span>
+
+#include "sample/little_endian.h"
+#include "sample/sample_mail.h"
+
+namespace quillbox {
+namespace {
+
+constexpr std::size_t kSmallStore = 3;
+
+// Folders that stand above those with messages, by their numbers.
+constexpr std::uint32_t kTop = 1;
+constexpr std::uint32_t kLocal = 2;
+constexpr std::uint32_t kNewsServer = 3;
+constexpr std::uint32_t kFirstMailFolder = 4;
+
+struct StoreRow {
+  std::string_view folder;  ///< in the system's code page, as are store files
+  std::string_view file;    ///< in inner text
+  std::uint32_t parent;
+  MailTopic topic;
+  std::size_t count;
+};
+
+constexpr StoreRow kHome[] = {
+    {"Inbox", "Inbox.dbx", kLocal, MailTopic::Inbox, 120},
+    {"Outbox", "Outbox.dbx", kLocal, MailTopic::Sent, 0},
+    {"Sent Items", "Sent Items.dbx", kLocal, MailTopic::Sent, 60},
+    {"Deleted Items", "Deleted Items.dbx", kLocal, MailTopic::Deleted, 25},
+    {"Drafts", "Drafts.dbx", kLocal, MailTopic::Drafts, 4},
+    {"Choir", "Choir.dbx", kLocal, MailTopic::Choir, 30},
+    {"comp.lang.c++", "comp.lang.c++.dbx", kNewsServer, MailTopic::News, 45},
+};
+
+constexpr StoreRow kOffice[] = {
+    {"Inbox", "Inbox.dbx", kLocal, MailTopic::Office, 40},
+    {"Outbox", "Outbox.dbx", kLocal, MailTopic::Sent, 0},
+    {"Sent Items", "Sent Items.dbx", kLocal, MailTopic::Sent, 12},
+    {"Deleted Items", "Deleted Items.dbx", kLocal, MailTopic::Deleted, 3},
+    {"Drafts", "Drafts.dbx", kLocal, MailTopic::Drafts, 1},
+    {"Auftr\xE4ge", "Aufträge.dbx", kLocal, MailTopic::Office, 9},
+};
+
+constexpr std::string_view kCleanupLog =
+    "Wed, 15 Dec 2004 08:12:40 Cleanup started\r\n"
+    "Wed, 15 Dec 2004 08:12:41 Inbox.dbx: 4 percent wasted, left as it is\r\n"
+    "Wed, 15 Dec 2004 08:12:41 Deleted Items.dbx: 31 percent wasted, compacted\r\n"
+    "Wed, 15 Dec 2004 08:12:42 Cleanup ended\r\n";
+
+Bytes FolderListOf(std::span<const StoreRow> rows, std::span<const std::uint32_t> unread, bool small) {
+  std::vector<DbxFolder> folders = {{kTop, 0, "Outlook Express", "", 0, 0}, {kLocal, kTop, "Local Folders", "", 0, 0}};
+  const auto isNews = [](const StoreRow& row) { return row.parent == kNewsServer; };
+  if (std::any_of(rows.begin(), rows.end(), isNews))
+    folders.push_back({kNewsServer, kTop, "news.example.net", "", 0, 0});
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    const StoreRow& row = rows[i];
+    const std::size_t count = small ? std::min(row.count, kSmallStore) : row.count;
+    folders.push_back({kFirstMailFolder + static_cast<std::uint32_t>(i), row.parent, std::string(row.folder),
+                       std::string(row.folder) + ".dbx", static_cast<std::uint32_t>(count), unread[i]});
+  }
+  return FolderList(folders);
+}
+
+std::vector<NamedFile> FilesOf(std::span<const StoreRow> rows, bool small) {
+  std::vector<NamedFile> files;
+  std::vector<std::uint32_t> unread;
+  for (const StoreRow& row : rows) {
+    const auto mail = SampleMail(row.topic, small ? std::min(row.count, kSmallStore) : row.count);
+    unread.push_back(static_cast<std::uint32_t>(
+        std::count_if(mail.begin(), mail.end(), [](const DbxMessage& message) { return !message.read; })));
+    files.push_back({std::string(row.file), MessageStore(mail)});
+  }
+  files.push_back({"Folders.dbx", FolderListOf(rows, unread, small)});
+  files.push_back({"Offline.dbx", EmptyStore(DbxKind::Offline)});
+  files.push_back({"Pop3uidl.dbx", EmptyStore(DbxKind::Pop3Ids)});
+  Bytes log;
+  AppendText(log, kCleanupLog);
+  files.push_back({"cleanup.log", std::move(log)});
+  return files;
+}
+
+}  // namespace
+
+std::vector<NamedFile> StoreFiles(std::size_t identity, bool small) {
+  switch (identity) {
+    case 0:
+      return FilesOf(kHome, small);
+    case 1:
+      return FilesOf(kOffice, small);
+    default:
+      return {};
+  }
+}
+
+}  // namespace quillbox

@@ -1,0 +1,45 @@
+// make_sample_disk FOLDER: makes a Windows disk to try the program on.
+#include <cstdint>
+#include <cstdio>
+#include <exception>
+#include <string_view>
+
+#include "sample/sample_disk.h"
+
+namespace {
+
+void PrintDrive(const std::filesystem::path& drive, char letter) {
+  std::size_t files = 0;
+  std::uintmax_t bytes = 0;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(drive)) {
+    if (!entry.is_regular_file()) continue;
+    ++files;
+    bytes += entry.file_size();
+  }
+  std::printf("%c:\\  %s  (%zu files, %ju KB)\n", letter, drive.c_str(), files, bytes / 1024);
+}
+
+int Make(const char* folder) {
+  const quillbox::SampleDisk disk = quillbox::MakeSampleDisk(folder);
+  PrintDrive(disk.driveC, 'C');
+  PrintDrive(disk.driveD, 'D');
+  std::printf("profile: %s\n", disk.profile.c_str());
+  return 0;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  if (count != 2 || arguments[1][0] == '-' || arguments[1][0] == '\0') {
+    std::fputs(
+        "usage: make_sample_disk FOLDER\n  FOLDER must not exist or be empty; the drives C and D are made in it.\n",
+        stderr);
+    return 2;
+  }
+  try {
+    return Make(arguments[1]);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "make_sample_disk: %s\n", error.what());
+    return 1;
+  }
+}
