@@ -40,6 +40,8 @@ class FileSystem {
   /// Entries of the pattern's folder whose names match its last component ("*.dbx", "*.*"), folders, hidden and
   /// system entries included. An unreadable or missing folder gives an enumeration without entries.
   virtual std::unique_ptr<FileFinder> Find(const WinPath& pattern) = 0;
+  /// As Find, for walks over many files: the entries' names and isDirectory are right, everything else may be unset.
+  virtual std::unique_ptr<FileFinder> FindNames(const WinPath& pattern) { return Find(pattern); }
   /// The entry itself, or nothing when it does not exist.
   virtual std::optional<FileEntry> Stat(const WinPath& path) = 0;
 

@@ -1,0 +1,28 @@
+// Windows' hidden and system attributes of files on the host. Only some file systems keep them, each in its own way;
+// where none does, nothing is hidden.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace quillbox {
+
+struct FileAttributes {
+  bool isHidden = false;
+  bool isSystem = false;
+};
+
+/// Reads attributes of the entries of one folder. Making one finds out which way the folder's file system has, so that
+/// entries cost nothing where it has none.
+class AttributeReader {
+ public:
+  explicit AttributeReader(std::filesystem::path folder);
+  /// The attributes of the entry `name`; none set when they cannot be read.
+  FileAttributes Of(const std::string& name) const;
+
+ private:
+  std::filesystem::path folder_;
+  const struct AttributeSource* source_ = nullptr;  ///< null when the file system keeps no attributes
+};
+
+}  // namespace quillbox

@@ -1,0 +1,59 @@
+// The file system of a Windows disk that isn't running: Windows' names, drives and current directories over folders of
+// the host.
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <optional>
+
+#include "platform/file_system.h"
+#include "platform/host_paths.h"
+#include "platform/offline/drive_map.h"
+#include "platform/offline/environment.h"
+#include "text/code_page.h"
+
+namespace quillbox {
+
+class OfflineFiles : public FileSystem, public HostPaths {
+ public:
+  /// `environment` must outlive this object; it may be filled later. The current drive is C:, every current directory
+  /// its drive's root.
+  OfflineFiles(DriveMap drives, const Environment& environment);
+
+  const DriveMap& Drives() const { return drives_; }
+  /// `path` made absolute with the current drive and directories.
+  WinPath Absolute(const WinPath& path) const;
+  /// Where `path` is on the host, whether it exists or not; nothing when it is on no drive of ours.
+  std::optional<std::filesystem::path> HostPathOf(const WinPath& path) const;
+  std::filesystem::path HostPath(const WinPath& path) const override { return HostPathOf(path).value_or(""); }
+  WinPath WindowsPathOf(const std::filesystem::path& path) const override;
+  void SetCodePageNumber(unsigned number) { codePage_ = number; }
+
+  std::unique_ptr<FileFinder> Find(const WinPath& pattern) override;
+  std::unique_ptr<FileFinder> FindNames(const WinPath& pattern) override;
+  std::optional<FileEntry> Stat(const WinPath& path) override;
+  DriveType TypeOfDrive(const WinPath& root) override;
+  std::optional<std::string> VolumeLabel(const WinPath& root) override;
+  std::string ExpandEnvironment(std::string_view text) override { return environment_.Expand(text); }
+  Status MakeDirectory(const WinPath& path) override;
+  bool MakePath(const WinPath& path) override;
+  Status DeleteFile(const WinPath& path) override;
+  Status SetCurrentDrive(char letter) override;
+  Status SetCurrentDirectory(const WinPath& path) override;
+  WinPath CurrentDirectory() override { return CurrentDirectoryOf(currentDrive_); }
+  std::string ReadFile(const WinPath& path) override;
+  void WriteFile(const WinPath& path, std::string_view bytes) override;
+  unsigned CodePageNumber() override { return codePage_; }
+
+ private:
+  WinPath CurrentDirectoryOf(char letter) const;
+  std::unique_ptr<FileFinder> Find(const WinPath& pattern, bool namesOnly);
+
+  DriveMap drives_;
+  const Environment& environment_;
+  unsigned codePage_ = CodePage::kDefault;
+  char currentDrive_ = DriveMap::kSystemDrive;
+  std::map<char, WinPath> currentDirectories_;  ///< a drive without an entry is at its root
+};
+
+}  // namespace quillbox

@@ -1,0 +1,145 @@
+#include "platform/offline/offline_platform.h"
+
+#include <algorithm>
+#include <charconv>
+#include <system_error>
+#include <utility>
+
+#include "platform/offline/state_folder.h"
+#include "text/code_page.h"
+#include "text/error.h"
+
+namespace quillbox {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* kSoftware = "SOFTWARE";
+constexpr const char* kSystem = "SYSTEM";
+const RegistryPath kCodePages = {RegistryRoot::LocalMachine, "SYSTEM\\CurrentControlSet\\Control\\Nls\\CodePage"};
+
+const std::map<char, fs::path>& Checked(const std::map<char, fs::path>& drives) {
+  for (const auto& [letter, folder] : drives) {
+    std::error_code code;
+    const std::string drive = {letter, ':'};
+    if (letter < 'A' || letter > 'Z' || letter == DriveMap::kSystemDrive) {
+      throw Error("adding a drive", {drive, {}, {}}, "a further drive is a letter from A to Z other than C");
+    }
+    if (!fs::is_directory(folder, code))
+      throw Error("adding the drive " + drive, {folder.string(), {}, {}}, "there is no such folder");
+  }
+  return drives;
+}
+
+std::optional<DiskLock> LockDisk(const WindowsDisk& disk, const ProfileFolder& profile, const OfflineOptions& options,
+                                 Log& log) {
+  if (options.readOnly) return std::nullopt;
+  std::vector<fs::path> folders = {profile.hive.parent_path()};
+  if (!disk.softwareHive.empty()) folders.push_back(disk.softwareHive.parent_path());
+  return DiskLock(folders, options.lockFds, log);
+}
+
+RegistryEditor EditorFor(const WindowsDisk& disk, const ProfileFolder& profile, const OfflineOptions& options,
+                         const std::optional<DiskLock>& lock) {
+  RegistryEditor editor;
+  editor.program = options.registryEditor.empty() ? RegistryEditorBesideProgram() : options.registryEditor;
+  editor.diskArguments = {"--disk", disk.folder.string(), "--profile", profile.name};
+  const auto add = [&](const char* option, std::string value) {
+    editor.diskArguments.insert(editor.diskArguments.end(), {option, std::move(value)});
+  };
+  for (const auto& [letter, folder] : options.drives) {
+    add("--drive", std::string(1, letter) + "=" + fs::absolute(folder).string());
+  }
+  if (!options.stateFolder.empty()) add("--state-folder", fs::absolute(options.stateFolder).string());
+  if (lock) editor.lockFds = lock->Descriptors();
+  return editor;
+}
+
+}  // namespace
+
+OfflinePlatform::OfflinePlatform(const OfflineOptions& options, Dialogs& dialogs, Clipboard* clipboard)
+    : stateFolder_(options.stateFolder.empty() ? StateFolder() : options.stateFolder),
+      log_(stateFolder_),
+      dialogs_(dialogs),
+      clipboard_(clipboard),
+      disk_(FindWindowsDisk(options.folder)),
+      profile_(ChooseProfile(disk_, options.profile)),
+      lock_(LockDisk(disk_, profile_, options, log_)),
+      files_(DriveMap(disk_.folder, Checked(options.drives)), environment_),
+      registry_(clock_, files_, log_),
+      shell_(files_, dialogs_, log_),
+      processes_(registry_, files_, log_, EditorFor(disk_, profile_, options, lock_)) {
+  MountHives(options.readOnly ? HiveMode::Read : HiveMode::Write);
+  environment_ = ReadEnvironment(registry_, {disk_.windowsPath, profile_.winFolder, profile_.name});
+  files_.SetCodePageNumber(FindCodePage());
+
+  const WinPath directory(options.currentDirectory);
+  if (directory.Empty()) return;
+  if (directory.Drive() != 0) files_.SetCurrentDrive(directory.Drive());
+  if (files_.SetCurrentDirectory(directory) != Status::Success) {
+    throw Error("changing the current directory", {directory.Text(), {}, {}}, "there is no such folder");
+  }
+}
+
+OfflinePlatform::~OfflinePlatform() {
+  try {
+    registry_.Commit();
+  } catch (const std::exception& failure) {
+    log_.Write(std::string("the last changes of the registry were not written: ") + failure.what());
+  }
+}
+
+void OfflinePlatform::MountHives(HiveMode mode) {
+  hives_.push_back(std::make_unique<HiveFile>(profile_.hive, mode, stateFolder_, log_));
+  registry_.Mount({RegistryRoot::CurrentUser, ""}, *hives_.back());
+  MountMachineHive(disk_.softwareHive, kSoftware, mode);
+  MountMachineHive(disk_.systemHive, kSystem, HiveMode::Read);
+}
+
+void OfflinePlatform::MountMachineHive(const fs::path& file, const char* name, HiveMode mode) {
+  const std::string key = FullName({RegistryRoot::LocalMachine, name});
+  std::string fault = "the disk has no file for it";
+  if (!file.empty()) {
+    try {
+      hives_.push_back(std::make_unique<HiveFile>(file, mode, stateFolder_, log_));
+      registry_.Mount({RegistryRoot::LocalMachine, name}, *hives_.back());
+      return;
+    } catch (const Error& error) {
+      fault = Describe(error);
+    }
+  }
+  warnings_.push_back(key + " is not there: " + fault + ".");
+  log_.Write(warnings_.back());
+}
+
+unsigned OfflinePlatform::FindCodePage() {
+  const std::string text = ReadText(registry_, kCodePages, "ACP").value_or("");
+  unsigned number = 0;
+  std::from_chars(text.data(), text.data() + text.size(), number);
+  if (number == 0) return CodePage::kDefault;
+  try {
+    return CodePage(number).Number();
+  } catch (const Error& error) {
+    warnings_.push_back("The disk's code page cannot be used: " + Describe(error) + ".");
+    log_.Write(warnings_.back());
+    return CodePage::kDefault;
+  }
+}
+
+void OfflinePlatform::EndCommand() {
+  shell_.EndCommand();
+  registry_.Commit();
+}
+
+bool OfflinePlatform::UsesPrivateCopy() const {
+  return std::any_of(hives_.begin(), hives_.end(), [](const auto& hive) { return hive->IsPrivateCopy(); });
+}
+
+std::string OfflinePlatform::SystemDescription() {
+  std::string text = disk_.folder.string() + ", " + profile_.name;
+  if (UsesPrivateCopy()) text += " (write-protected: registry changes go to a private copy)";
+  return text;
+}
+
+}  // namespace quillbox

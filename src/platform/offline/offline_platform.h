@@ -1,0 +1,89 @@
+// The platform over a Windows disk that isn't running: finds the disk and the person's profile, locks it, opens its
+// registry, and puts the pieces of this folder together.
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/offline/disk_lock.h"
+#include "platform/offline/environment.h"
+#include "platform/offline/hive_file.h"
+#include "platform/offline/log.h"
+#include "platform/offline/offline_files.h"
+#include "platform/offline/offline_processes.h"
+#include "platform/offline/offline_registry.h"
+#include "platform/offline/offline_shell.h"
+#include "platform/offline/system_services.h"
+#include "platform/offline/windows_disk.h"
+#include "platform/platform.h"
+
+namespace quillbox {
+
+struct OfflineOptions {
+  std::filesystem::path folder;                  ///< the host folder that is C:\ .
+  std::string profile;                           ///< may be empty where there is only one
+  std::map<char, std::filesystem::path> drives;  ///< further drives by upper-case letter
+  std::vector<int> lockFds;                      ///< the disk's lock, from the program that started this one
+  std::string currentDirectory;                  ///< a Windows path; empty for C:\ .
+  std::filesystem::path stateFolder;             ///< empty for the user's own
+  std::filesystem::path registryEditor;          ///< empty for the one beside the running program
+  bool readOnly = false;                         ///< changes nothing, and needs no lock
+};
+
+class OfflinePlatform : public Platform {
+ public:
+  /// Throws Error when the disk, the profile or its hive cannot be opened, when several profiles are there and none is
+  /// named, when a drive's folder is not there, and when another program has the disk. A machine hive that cannot be
+  /// used is a warning. `dialogs` and `clipboard` must outlive the platform.
+  OfflinePlatform(const OfflineOptions& options, Dialogs& dialogs, Clipboard* clipboard = nullptr);
+  ~OfflinePlatform() override;
+  OfflinePlatform(const OfflinePlatform&) = delete;
+  OfflinePlatform& operator=(const OfflinePlatform&) = delete;
+
+  Registry& GetRegistry() override { return registry_; }
+  OfflineFiles& GetFiles() override { return files_; }
+  Shell& GetShell() override { return shell_; }
+  Processes& GetProcesses() override { return processes_; }
+  Dialogs& GetDialogs() override { return dialogs_; }
+  Clock& GetClock() override { return clock_; }
+  Guids& GetGuids() override { return guids_; }
+  Clipboard& GetClipboard() override { return clipboard_ != nullptr ? *clipboard_ : noClipboard_; }
+  Log& GetLog() override { return log_; }
+  void EndCommand() override;
+  std::string SystemDescription() override;
+
+  /// What was wrong with the disk and did not keep it from being opened, a sentence each.
+  const std::vector<std::string>& Warnings() const { return warnings_; }
+  /// True when a hive's changes go to a private copy in the state folder, since the disk cannot be written.
+  bool UsesPrivateCopy() const;
+  const ProfileFolder& Profile() const { return profile_; }
+
+ private:
+  void MountHives(HiveMode mode);
+  void MountMachineHive(const std::filesystem::path& file, const char* name, HiveMode mode);
+  unsigned FindCodePage();
+
+  std::filesystem::path stateFolder_;
+  FileLog log_;
+  SystemClock clock_;
+  RandomGuids guids_;
+  NoClipboard noClipboard_;
+  Dialogs& dialogs_;
+  Clipboard* clipboard_;
+  WindowsDisk disk_;
+  ProfileFolder profile_;
+  std::optional<DiskLock> lock_;
+  std::vector<std::unique_ptr<HiveFile>> hives_;
+  Environment environment_;
+  OfflineFiles files_;
+  OfflineRegistry registry_;
+  OfflineShell shell_;
+  OfflineProcesses processes_;
+  std::vector<std::string> warnings_;
+};
+
+}  // namespace quillbox

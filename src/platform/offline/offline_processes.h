@@ -1,0 +1,43 @@
+// Starts the one Windows program that this platform has: the registry editor, as a host program of ours that works on
+// the same disk.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "platform/offline/offline_files.h"
+#include "platform/offline/offline_registry.h"
+#include "platform/platform.h"
+
+namespace quillbox {
+
+/// How the registry editor is started for a disk.
+struct RegistryEditor {
+  std::filesystem::path program;
+  std::vector<std::string> diskArguments;  ///< which disk, profile and drives
+  std::vector<int> lockFds;                ///< the disk's lock, which the editor shares
+};
+
+class OfflineProcesses : public Processes {
+ public:
+  /// All must outlive this object.
+  OfflineProcesses(OfflineRegistry& registry, OfflineFiles& files, Log& log, RegistryEditor editor);
+
+  /// Only "regedit" is known; any other command is logged and not started. Throws Error when the registry changes so
+  /// far could not be written (nothing is started then), and when what was changed could not be read back.
+  bool RunAndWait(const std::string& commandLine, ShowStyle style) override;
+
+ private:
+  bool RunEditor(const std::string& commandLine);
+
+  OfflineRegistry& registry_;
+  OfflineFiles& files_;
+  Log& log_;
+  RegistryEditor editor_;
+};
+
+/// The registry editor that was built with the running program: `regedit` in the same folder.
+std::filesystem::path RegistryEditorBesideProgram();
+
+}  // namespace quillbox

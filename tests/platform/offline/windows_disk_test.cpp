@@ -1,0 +1,92 @@
+#include "platform/offline/windows_disk.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "sample_disk.h"
+
+namespace quillbox {
+namespace {
+
+using testing::HasSubstr;
+
+std::string WhyNot(const std::filesystem::path& folder) {
+  try {
+    FindWindowsDisk(folder);
+  } catch (const Error& error) {
+    return Describe(error);
+  }
+  return "(opened)";
+}
+
+TEST(WindowsDisk, FindsThePeopleWhereverWindowsKeptThem) {
+  const struct {
+    const char *windows, *root;
+  } rows[] = {{"winnt", "WinNT/profiles"}, {"Windows", "USERS"}, {"WINXP", "documents AND settings"}};
+  for (const auto& row : rows) {
+    TempFolder disk;
+    disk.File(std::string(row.windows) + "/SYSTEM32/Config/Software");
+    if (std::string(row.root).starts_with("WinNT")) std::filesystem::rename(disk / "winnt", disk / "WinNT");
+    disk.File(std::string(row.root) + "/zoe/NTUSER.DAT");
+    disk.File(std::string(row.root) + "/Anna/ntuser.dat");
+    for (const char* other : {"default user", "Public", "NetworkService"}) {
+      disk.File(std::string(row.root) + "/" + other + "/NTUSER.DAT");
+    }
+    disk.Folder(std::string(row.root) + "/no hive");
+    const WindowsDisk found = FindWindowsDisk(disk.Path());
+    ASSERT_EQ(found.profiles.size(), 2u) << row.root;
+    EXPECT_EQ(found.profiles[0].name, "Anna");
+    EXPECT_TRUE(std::filesystem::exists(found.profiles[0].hive));
+    EXPECT_EQ(found.profiles[1].winFolder.Text().substr(0, 3), "C:\\");
+    EXPECT_EQ(found.profiles[1].winFolder.Name(), "zoe");
+    EXPECT_TRUE(EqualIgnoreCase(found.windowsPath.Text(), std::string("C:\\") + row.windows));
+    EXPECT_TRUE(std::filesystem::exists(found.softwareHive));
+  }
+}
+
+TEST(WindowsDisk, SaysWhatIsWrongWithAFolder) {
+  TempFolder temp;
+  EXPECT_THAT(WhyNot(temp / "none"), HasSubstr("there is no such folder"));
+  EXPECT_THAT(WhyNot(temp.File("file")), HasSubstr("it is a file, not a folder"));
+  EXPECT_THAT(WhyNot(temp.Folder("empty")), HasSubstr("looked for a folder WINDOWS or WINNT"));
+  temp.Folder("nobody/Documents and Settings/Anna");
+  EXPECT_THAT(WhyNot(temp / "nobody"), HasSubstr("nobody/Documents and Settings"));
+  temp.File("98/WINDOWS/USER.DAT");
+  EXPECT_THAT(WhyNot(temp / "98"), HasSubstr("not supported yet"));
+  temp.File("xp/windows/System32/config/software");
+  temp.File("xp/Documents and Settings/Anna/NTUSER.DAT");
+  for (const char* part : {"xp/windows", "xp/Documents and Settings", "xp/Documents and Settings/Anna"}) {
+    EXPECT_THAT(WhyNot(temp / part), HasSubstr("choose the disk itself, " + (temp / "xp").string())) << part;
+  }
+}
+
+TEST(WindowsDisk, AProfileIsChosenByName) {
+  TempFolder temp;
+  temp.File("Users/Anna/NTUSER.DAT");
+  EXPECT_EQ(ChooseProfile(FindWindowsDisk(temp.Path()), "").name, "Anna");
+  temp.File("Users/Ben/NTUSER.DAT");
+  const WindowsDisk disk = FindWindowsDisk(temp.Path());
+  EXPECT_EQ(ChooseProfile(disk, "BEN").name, "Ben");
+  for (const char* name : {"", "Carl"}) {
+    try {
+      ChooseProfile(disk, name);
+      FAIL();
+    } catch (const Error& error) {
+      EXPECT_THAT(error.Why(), HasSubstr("Anna, Ben"));
+    }
+  }
+}
+
+TEST(WindowsDisk, CountsIdentitiesOrSaysWhyNot) {
+  const XpDisk disk;
+  const WindowsDisk found = FindWindowsDisk(disk.folder);
+  ASSERT_EQ(found.profiles.size(), 1u);
+  EXPECT_EQ(CountIdentities(found.profiles[0]).identities, 2u);
+  disk.temp.File("c/Documents and Settings/Anna/ntuser.dat", "regf and no more");
+  const IdentityCount damaged = CountIdentities(found.profiles[0]);
+  ASSERT_TRUE(damaged.error.has_value());
+  EXPECT_THAT(damaged.error->Place().name, HasSubstr("ntuser.dat"));
+}
+
+}  // namespace
+}  // namespace quillbox

@@ -1,0 +1,55 @@
+// A folder of its own for one test, removed with everything in it when the test ends.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+namespace quillbox {
+
+class TempFolder {
+ public:
+  TempFolder() {
+    std::string name = (std::filesystem::temp_directory_path() / "quillbox-test-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) throw std::system_error(errno, std::generic_category(), name);
+    path_ = name;
+  }
+  ~TempFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
+
+  const std::filesystem::path& Path() const { return path_; }
+  std::filesystem::path operator/(std::string_view relative) const { return path_ / relative; }
+
+  /// Makes a folder and those above it.
+  std::filesystem::path Folder(std::string_view relative) const {
+    std::filesystem::create_directories(path_ / relative);
+    return path_ / relative;
+  }
+  /// Makes or replaces a file, its folders included.
+  std::filesystem::path File(std::string_view relative, std::string_view content = {}) const {
+    const std::filesystem::path file = path_ / relative;
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << content;
+    return file;
+  }
+  /// A file's bytes; empty when there is none.
+  std::string Read(std::string_view relative) const {
+    std::ifstream in(path_ / relative, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+
+ private:
+  std::filesystem::path path_;
+};
+
+}  // namespace quillbox
