@@ -1,0 +1,166 @@
+#include "ui/wx/form_window.h"
+
+#include <wx/app.h>
+#include <wx/cursor.h>
+#include <wx/panel.h>
+#include <wx/sizer.h>
+#include <wx/statbox.h>
+#include <wx/statusbr.h>
+
+#include <algorithm>
+#include <limits>
+#include <stdexcept>
+
+#include "ui/wx/layout_builder.h"
+#include "ui/wx/menu_builder.h"
+#include "ui/wx/program_icon.h"
+#include "ui/wx/wx_runtime.h"
+#include "ui/wx/wx_text.h"
+
+namespace quillbox {
+namespace {
+
+constexpr int kTwipsPerInch = 1440;
+constexpr int kPixelsPerInch = 96;
+constexpr const char* kFontName = "Arial";
+
+bool IsGroup(wxWindow* window) {
+  return dynamic_cast<wxStaticBox*>(window) != nullptr;
+}
+
+}  // namespace
+
+FormWindow::FormWindow(Form& form) : form_(form) {
+  form_.onChanged = [this] { Follow(); };
+  Follow();
+}
+
+FormWindow::~FormWindow() {
+  form_.onChanged = nullptr;
+  for (Control* control : form_.Controls()) control->onChanged = nullptr;
+  // At once and not when the toolkit comes to it: what it has still to handle would reach for this object.
+  delete window_.get();
+}
+
+void FormWindow::Follow() {
+  if (!window_ && form_.visible) Make();
+  if (!window_) return;
+  window_->SetTitle(ToWx(form_.caption.Get()));
+  if (heightTwips_ != form_.heightTwips) {
+    heightTwips_ = form_.heightTwips;
+    AskForFit(true);
+  }
+  if (window_->IsShown() != form_.visible) {
+    if (form_.visible) Fit();
+    window_->Show(form_.visible);
+    if (form_.visible) window_->Raise();
+    wxWakeUpIdle();
+  }
+  FollowPointer();
+}
+
+void FormWindow::FollowPointer() {
+  if (pointer_ == form_.pointer) return;
+  pointer_ = form_.pointer;
+  window_->SetCursor(pointer_ == Pointer::Hourglass ? wxCursor(wxCURSOR_WAIT) : wxNullCursor);
+  PaintNow();
+}
+
+void FormWindow::Make() {
+  window_ = new wxFrame(nullptr, wxID_ANY, ToWx(form_.caption.Get()));
+  window_->SetName(form_.Name());
+  window_->SetFont(wxFontInfo(window_->GetFont().GetPointSize()).FaceName(kFontName));
+  SetProgramIcon(*window_);
+  AddMenuBar(form_, *window_);
+  MakeContent();
+  window_->SetStatusBarPane(-1);
+  window_->Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent& event) {
+    if (event.CanVeto()) event.Veto();
+    form_.close();
+  });
+  window_->Bind(wxEVT_CHAR_HOOK, &FormWindow::OnKey, this);
+  Fit();
+  window_->CentreOnScreen();
+}
+
+void FormWindow::MakeContent() {
+  const auto& controls = form_.Controls();
+  widgets_.resize(controls.size());
+  content_ = new wxPanel(window_);
+  const auto make = [&](Control& control, wxWindow& parent, bool growing) {
+    const auto at = static_cast<std::size_t>(std::find(controls.begin(), controls.end(), &control) - controls.begin());
+    widgets_.at(at) = MakeWidget(control, parent, growing);
+    positions_[widgets_[at].window] = at;
+    return widgets_[at].window;
+  };
+  content_->SetSizer(BuildLayout(form_.Layout(), *content_, make));
+  for (std::size_t i = 0; i < controls.size(); ++i) {
+    if (dynamic_cast<StatusBar*>(controls[i])) {
+      window_->SetStatusBar(static_cast<wxStatusBar*>(make(*controls[i], *window_, false)));
+    } else if (!widgets_[i].window) {
+      throw std::logic_error("the layout of " + form_.Name() + " leaves out " + controls[i]->Name());
+    }
+    controls[i]->onChanged = [this, control = controls[i]] { OnControlChanged(*control); };
+  }
+  OrderTabs(*content_);
+}
+
+/// Where a window stands in the tab order: as its control does, or as the first control inside it.
+std::size_t FormWindow::TabPosition(wxWindow& window) const {
+  const auto known = positions_.find(&window);
+  auto position = std::numeric_limits<std::size_t>::max();
+  if (known != positions_.end() && !IsGroup(&window)) return known->second;
+  for (wxWindow* child : window.GetChildren()) position = std::min(position, TabPosition(*child));
+  return position;
+}
+
+void FormWindow::OrderTabs(wxWindow& parent) {
+  std::vector<wxWindow*> children(parent.GetChildren().begin(), parent.GetChildren().end());
+  std::stable_sort(children.begin(), children.end(),
+                   [this](wxWindow* a, wxWindow* b) { return TabPosition(*a) < TabPosition(*b); });
+  for (std::size_t i = 1; i < children.size(); ++i) children[i]->MoveAfterInTabOrder(children[i - 1]);
+  for (wxWindow* child : children) {
+    if (IsGroup(child) || !positions_.count(child)) OrderTabs(*child);
+  }
+}
+
+void FormWindow::OnControlChanged(Control& control) {
+  const auto& controls = form_.Controls();
+  const auto at = static_cast<std::size_t>(std::find(controls.begin(), controls.end(), &control) - controls.begin());
+  const bool wasShown = widgets_[at].window->IsShown();
+  widgets_[at].show();
+  AskForFit(wasShown != widgets_[at].window->IsShown());
+  // A handler that works for long gives the window no other chance to show what it has just told.
+  if (pointer_ == Pointer::Hourglass) PaintNow();
+}
+
+void FormWindow::OnKey(wxKeyEvent& event) {
+  if (event.GetKeyCode() == WXK_ESCAPE && !event.HasAnyModifiers()) {
+    form_.close();
+  } else {
+    event.Skip();
+  }
+}
+
+/// A handler changes many things at once; the window is laid out when it has ended. `heightToo`: the window takes the
+/// height that the form asks for, instead of growing only when its content needs it.
+void FormWindow::AskForFit(bool heightToo) {
+  fitHeight_ = fitHeight_ || heightToo;
+  if (fitAsked_) return;
+  fitAsked_ = true;
+  window_->CallAfter([this] { Fit(); });
+}
+
+void FormWindow::Fit() {
+  fitAsked_ = false;
+  const wxSize needed = window_->ClientToWindowSize(content_->GetSizer()->CalcMin());
+  const int asked = window_->FromDIP(form_.heightTwips * kPixelsPerInch / kTwipsPerInch);
+  const wxSize now = window_->GetSize();
+  const wxSize size(std::max(now.x, needed.x), std::max(fitHeight_ ? asked : now.y, needed.y));
+  fitHeight_ = false;
+  window_->SetMinSize(needed);
+  if (size != now && !window_->IsMaximized()) window_->SetSize(size);
+  content_->Layout();
+}
+
+}  // namespace quillbox

@@ -1,0 +1,49 @@
+// One form as a real window: made when the form is first shown, and following it from then on.
+#pragma once
+
+#include <wx/frame.h>
+#include <wx/weakref.h>
+
+#include <map>
+#include <vector>
+
+#include "ui/form.h"
+#include "ui/wx/widget_factory.h"
+
+namespace quillbox {
+
+class FormWindow {
+ public:
+  /// Follows `form`, which must outlive this.
+  explicit FormWindow(Form& form);
+  ~FormWindow();
+  FormWindow(const FormWindow&) = delete;
+  FormWindow& operator=(const FormWindow&) = delete;
+
+  /// Null until the form has been shown.
+  wxFrame* Window() const { return window_; }
+
+ private:
+  void Follow();
+  void Make();
+  void MakeContent();
+  void OrderTabs(wxWindow& parent);
+  std::size_t TabPosition(wxWindow& window) const;
+  void OnControlChanged(Control& control);
+  void OnKey(wxKeyEvent& event);
+  void FollowPointer();
+  void AskForFit(bool heightToo);
+  void Fit();
+
+  Form& form_;
+  wxWeakRef<wxFrame> window_;
+  wxWindow* content_ = nullptr;
+  std::vector<Widget> widgets_;  // as Form::Controls()
+  std::map<wxWindow*, std::size_t> positions_;
+  Pointer pointer_ = Pointer::Normal;
+  int heightTwips_ = 0;
+  bool fitAsked_ = false;
+  bool fitHeight_ = true;
+};
+
+}  // namespace quillbox

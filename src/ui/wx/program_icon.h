@@ -1,0 +1,10 @@
+// The program's icon: a quill in a box.
+#pragma once
+
+class wxTopLevelWindow;
+
+namespace quillbox {
+
+void SetProgramIcon(wxTopLevelWindow& window);
+
+}  // namespace quillbox

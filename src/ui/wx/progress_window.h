@@ -1,0 +1,33 @@
+// The display of work that takes its time.
+#pragma once
+
+#include <wx/dialog.h>
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+#include "platform/dialogs.h"
+
+namespace quillbox {
+
+class ProgressDialog;
+
+/// Appears when the work has taken longer than half a second. While it is there, the program's other windows take no
+/// acts of a person, and Update lets this one be drawn and pressed.
+class WxProgress : public Progress {
+ public:
+  explicit WxProgress(std::string title);
+  ~WxProgress() override;
+  bool Update(const std::string& text, std::uint64_t done, std::uint64_t total) override;
+
+ private:
+  using SteadyClock = std::chrono::steady_clock;
+
+  std::string title_;
+  SteadyClock::time_point started_ = SteadyClock::now();
+  SteadyClock::time_point drawn_;
+  std::unique_ptr<ProgressDialog> dialog_;
+};
+
+}  // namespace quillbox

@@ -1,0 +1,240 @@
+#include "ui/wx/widget_factory.h"
+
+#include <wx/button.h>
+#include <wx/checkbox.h>
+#include <wx/combobox.h>
+#include <wx/listbox.h>
+#include <wx/statbox.h>
+#include <wx/stattext.h>
+#include <wx/statusbr.h>
+#include <wx/textctrl.h>
+
+#include <algorithm>
+
+#include "ui/wx/accessible_name.h"
+#include "ui/wx/wx_text.h"
+
+namespace quillbox {
+namespace {
+
+/// Widths that fields ask for at least, in average characters. A growing one holds a GUID in braces.
+constexpr int kFieldCharacters = 16;
+constexpr int kGrowingCharacters = 42;
+/// No label asks for more than this; its text is then shortened in the middle and the tooltip tells all of it.
+constexpr int kLabelCharacters = 120;
+constexpr int kListCharacters = 24;
+constexpr int kListLines = 7;
+
+wxColour ColourOf(Colour colour) {
+  const auto bits = static_cast<unsigned>(colour);
+  return wxColour(bits & 0xFF, bits >> 8 & 0xFF, bits >> 16 & 0xFF);
+}
+
+void SetTip(wxWindow& window, const wxString& tip) {
+  if (window.GetToolTipText() != tip) window.SetToolTip(tip);
+}
+
+/// What every kind of control shows alike, the tooltip aside.
+void ShowCommon(const Control& control, wxWindow& window) {
+  if (window.IsShown() != control.visible) window.Show(control.visible);
+  if (window.IsThisEnabled() != control.enabled) window.Enable(control.enabled);
+  const bool coloured = control.colour.Get() != Colour::Default;
+  const wxColour wanted = coloured ? ColourOf(control.colour) : wxNullColour;
+  if (coloured ? window.GetForegroundColour() != wanted : window.UseForegroundColour()) {
+    window.SetForegroundColour(wanted);
+    window.Refresh();
+  }
+}
+
+void ShowWithTip(const Control& control, wxWindow& window) {
+  ShowCommon(control, window);
+  SetTip(window, ToWx(control.tooltip.Get()));
+}
+
+wxString Joined(const wxString& first, const wxString& second) {
+  return first + (first.empty() || second.empty() ? "" : "\n") + second;
+}
+
+class Factory : public ControlVisitor {
+ public:
+  Factory(wxWindow& parent, bool growing) : parent_(parent), growing_(growing) {}
+
+  Widget Take() { return std::move(widget_); }
+
+  void Visit(Label& control) override;
+  void Visit(TextBox& control) override;
+  void Visit(ComboBox& control) override;
+  void Visit(CheckBox& control) override;
+  void Visit(Button& control) override;
+  void Visit(Frame& control) override;
+  void Visit(ListBox& control) override;
+  void Visit(StatusBar& control) override;
+
+ private:
+  int Characters(int count) const { return count * parent_.GetCharWidth(); }
+  wxSize FieldSize() const { return {Characters(growing_ ? kGrowingCharacters : kFieldCharacters), -1}; }
+
+  wxWindow& parent_;
+  bool growing_;
+  Widget widget_;
+};
+
+void Factory::Visit(Label& control) {
+  auto* text = new wxStaticText(&parent_, wxID_ANY, "", wxDefaultPosition, wxDefaultSize,
+                                wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_MIDDLE);
+  const int widest = Characters(growing_ ? kGrowingCharacters : kLabelCharacters);
+  // A label has no words besides its text, so where that is shortened the tooltip holds the whole of it.
+  const auto showTip = [text, &control] {
+    const bool shortened = text->GetClientSize().x < text->GetTextExtent(text->GetLabelText()).x;
+    SetTip(*text, Joined(shortened ? text->GetLabelText() : wxString(), ToWx(control.tooltip.Get())));
+  };
+  text->Bind(wxEVT_SIZE, [showTip](wxSizeEvent& event) {
+    event.Skip();
+    showTip();
+  });
+  widget_.window = text;
+  widget_.show = [text, &control, widest, showTip] {
+    ShowCommon(control, *text);
+    const wxString caption = ToWx(control.caption.Get());
+    if (text->GetLabelText() != caption) text->SetLabelText(caption);
+    // The toolkit's own best width of such a label is that of the shortest form.
+    text->SetMinSize(wxSize(std::min(text->GetTextExtent(caption).x + 1, widest), -1));
+    showTip();
+  };
+}
+
+void Factory::Visit(TextBox& control) {
+  auto* box = new wxTextCtrl(&parent_, wxID_ANY);
+  box->SetMinSize(FieldSize());
+  widget_.window = box;
+  widget_.show = [box, &control, selected = false]() mutable {
+    ShowWithTip(control, *box);
+    box->SetEditable(!control.readOnly);
+    const wxString text = ToWx(control.text.Get());
+    if (box->GetValue() != text) box->ChangeValue(text);
+    if (control.allSelected && !selected) box->SelectAll();
+    selected = control.allSelected;
+  };
+  box->Bind(wxEVT_TEXT, [box, &control](wxCommandEvent&) { control.type(FromWx(box->GetValue())); });
+}
+
+/// A picker is an entry that takes no typing: unlike the toolkit's read-only kind it can show a text that is not among
+/// its items, and a long path can be scrolled and copied.
+void Factory::Visit(ComboBox& control) {
+  auto* box = new wxComboBox(&parent_, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, 0, nullptr, wxCB_DROPDOWN);
+  box->SetMinSize(FieldSize());
+  box->SetEditable(control.editable);
+  widget_.window = box;
+  widget_.show = [box, &control] {
+    ShowWithTip(control, *box);
+    wxArrayString items;
+    for (const std::string& item : control.items.Get()) items.Add(ToWx(item));
+    if (box->GetStrings() != items) box->Set(items);
+    const wxString text = ToWx(control.text.Get());
+    if (box->GetValue() == text) return;
+    if (control.Index() >= 0) {
+      box->SetSelection(control.Index());
+    } else {
+      box->ChangeValue(text);
+    }
+  };
+  box->Bind(wxEVT_COMBOBOX, [&control](wxCommandEvent& event) {
+    if (event.GetSelection() >= 0) control.pick(static_cast<std::size_t>(event.GetSelection()));
+  });
+  if (control.editable) {
+    box->Bind(wxEVT_TEXT, [box, &control](wxCommandEvent&) { control.type(FromWx(box->GetValue())); });
+  } else {
+    box->Bind(wxEVT_LEFT_DOWN, [box](wxMouseEvent&) {
+      box->SetFocus();
+      box->Popup();
+    });
+  }
+}
+
+void Factory::Visit(CheckBox& control) {
+  auto* box = new wxCheckBox(&parent_, wxID_ANY, ToWx(control.caption.Get()));
+  widget_.window = box;
+  widget_.show = [box, &control] {
+    ShowWithTip(control, *box);
+    const wxString caption = ToWx(control.caption.Get());
+    if (box->GetLabel() != caption) box->SetLabel(caption);
+    if (caption.empty()) SetAccessibleName(*box, control.tooltip);
+    box->SetValue(control.checked);
+  };
+  box->Bind(wxEVT_CHECKBOX, [show = widget_.show, &control](wxCommandEvent&) {
+    control.click();
+    show();
+  });
+}
+
+void Factory::Visit(Button& control) {
+  auto* button = new wxButton(&parent_, wxID_ANY, ToWx(control.caption.Get()));
+  widget_.window = button;
+  widget_.show = [button, &control] {
+    ShowWithTip(control, *button);
+    const wxString caption = ToWx(control.caption.Get());
+    if (button->GetLabel() != caption) button->SetLabel(caption);
+    if (control.isDefault) button->SetDefault();
+  };
+  button->Bind(wxEVT_BUTTON, [&control](wxCommandEvent&) { control.click(); });
+}
+
+void Factory::Visit(Frame& control) {
+  auto* box = new wxStaticBox(&parent_, wxID_ANY, ToWx(control.caption.Get()));
+  widget_.window = box;
+  widget_.show = [box, &control] {
+    ShowWithTip(control, *box);
+    // The layout leaves a place for what says that it is shown, whatever surrounds it.
+    for (wxWindow* inside : box->GetChildren()) inside->Show(control.visible);
+    const wxString caption = ToWx(control.caption.Get());
+    if (box->GetLabel() != caption) box->SetLabel(caption);
+  };
+}
+
+void Factory::Visit(ListBox& control) {
+  auto* list =
+      new wxListBox(&parent_, wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, nullptr, wxLB_SINGLE | wxLB_HSCROLL);
+  list->SetMinSize(wxSize(Characters(kListCharacters), kListLines * parent_.GetCharHeight() * 3 / 2));
+  widget_.window = list;
+  widget_.show = [list, &control] {
+    ShowWithTip(control, *list);
+    wxArrayString items;
+    for (const std::string& item : control.items.Get()) items.Add(ToWx(item));
+    if (list->GetStrings() != items) list->Set(items);
+    if (list->GetSelection() == control.selected) return;
+    list->SetSelection(control.selected);
+    if (control.selected >= 0) list->EnsureVisible(control.selected);
+  };
+  list->Bind(wxEVT_LISTBOX, [&control](wxCommandEvent& event) {
+    const int line = event.GetSelection();
+    if (line >= 0 && line != control.selected) control.pick(static_cast<std::size_t>(line));
+  });
+  list->Bind(wxEVT_LISTBOX_DCLICK, [&control](wxCommandEvent& event) {
+    if (event.GetSelection() >= 0) control.open(static_cast<std::size_t>(event.GetSelection()));
+  });
+}
+
+void Factory::Visit(StatusBar& control) {
+  auto* bar = new wxStatusBar(&parent_);
+  bar->SetFieldsCount(static_cast<int>(control.panels.size()));
+  widget_.window = bar;
+  widget_.show = [bar, &control] {
+    ShowWithTip(control, *bar);
+    for (std::size_t i = 0; i < control.panels.size(); ++i) {
+      bar->SetStatusText(ToWx(control.panels[i].Get()), static_cast<int>(i));
+    }
+  };
+}
+
+}  // namespace
+
+Widget MakeWidget(Control& control, wxWindow& parent, bool growing) {
+  Factory factory(parent, growing);
+  control.Accept(factory);
+  Widget widget = factory.Take();
+  widget.window->SetName(control.Name());
+  widget.show();
+  return widget;
+}
+
+}  // namespace quillbox

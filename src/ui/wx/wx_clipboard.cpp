@@ -1,0 +1,12 @@
+#include "ui/wx/wx_clipboard.h"
+
+#include <wx/clipbrd.h>
+
+namespace quillbox {
+
+void WxClipboard::Clear() {
+  wxClipboardLocker lock;
+  if (!!lock) wxTheClipboard->Clear();
+}
+
+}  // namespace quillbox

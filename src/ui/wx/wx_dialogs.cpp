@@ -1,0 +1,152 @@
+#include "ui/wx/wx_dialogs.h"
+
+#include <wx/dirdlg.h>
+#include <wx/filedlg.h>
+#include <wx/msgdlg.h>
+#include <wx/textdlg.h>
+
+#include "ui/wx/overwrite_dialog.h"
+#include "ui/wx/progress_window.h"
+#include "ui/wx/wx_runtime.h"
+#include "ui/wx/wx_text.h"
+
+namespace quillbox {
+namespace {
+
+long StyleOf(MessageButtons buttons) {
+  switch (buttons) {
+    case MessageButtons::Ok:
+      return wxOK;
+    case MessageButtons::OkCancel:
+      return wxOK | wxCANCEL;
+    case MessageButtons::YesNo:
+      return wxYES_NO;
+    case MessageButtons::YesNoCancel:
+      return wxYES_NO | wxCANCEL;
+  }
+  return wxOK;
+}
+
+long StyleOf(MessageIcon icon) {
+  switch (icon) {
+    case MessageIcon::None:
+      return wxICON_NONE;
+    case MessageIcon::Exclamation:
+      return wxICON_WARNING;
+    case MessageIcon::Question:
+      return wxICON_QUESTION;
+    case MessageIcon::Error:
+      return wxICON_ERROR;
+    case MessageIcon::Information:
+      return wxICON_INFORMATION;
+  }
+  return wxICON_NONE;
+}
+
+/// A message whose window is closed without a choice is answered by its harmless button.
+MessageAnswer AnswerOf(int id, MessageButtons buttons) {
+  switch (id) {
+    case wxID_OK:
+      return MessageAnswer::Ok;
+    case wxID_YES:
+      return MessageAnswer::Yes;
+    case wxID_NO:
+      return MessageAnswer::No;
+    default:
+      if (buttons == MessageButtons::Ok) return MessageAnswer::Ok;
+      return buttons == MessageButtons::YesNo ? MessageAnswer::No : MessageAnswer::Cancel;
+  }
+}
+
+/// "Text (*.txt) | *.txt" as the toolkit wants it: no blanks about the bars, and patterns that match in either case.
+wxString ToolkitFilter(const std::string& filter) {
+  wxString result;
+  std::size_t start = 0;
+  for (bool isPattern = false; start <= filter.size(); isPattern = !isPattern) {
+    const std::size_t bar = std::min(filter.find('|', start), filter.size());
+    const wxString part = ToWx(Trim(std::string_view(filter).substr(start, bar - start)));
+    if (start > 0) result += '|';
+    result += part;
+    if (isPattern && part.Upper() != part) result += ';' + part.Upper();
+    start = bar + 1;
+  }
+  return result;
+}
+
+std::filesystem::path HostPathOf(const wxString& text) {
+  return {static_cast<const char*>(text.fn_str())};
+}
+
+wxString ToWxPath(const std::filesystem::path& path) {
+  return wxString(path.c_str(), *wxConvFileName);
+}
+
+}  // namespace
+
+MessageAnswer WxDialogs::Show(const Message& message) {
+  wxMessageDialog dialog(ActiveWindow(), ToWx(message.text), ToWx(message.title),
+                         StyleOf(message.buttons) | StyleOf(message.icon) | wxCENTRE);
+  // The words are the program's in every language that the session may have.
+  switch (message.buttons) {
+    case MessageButtons::Ok:
+      dialog.SetOKLabel("OK");
+      break;
+    case MessageButtons::OkCancel:
+      dialog.SetOKCancelLabels("OK", "Cancel");
+      break;
+    case MessageButtons::YesNo:
+      dialog.SetYesNoLabels("&Yes", "&No");
+      break;
+    case MessageButtons::YesNoCancel:
+      dialog.SetYesNoCancelLabels("&Yes", "&No", "Cancel");
+      break;
+  }
+  return AnswerOf(dialog.ShowModal(), message.buttons);
+}
+
+std::optional<std::string> WxDialogs::Input(const std::string& prompt, const std::string& title,
+                                            const std::string& proposed) {
+  wxTextEntryDialog dialog(ActiveWindow(), ToWx(prompt), ToWx(title), ToWx(proposed));
+  if (dialog.ShowModal() != wxID_OK) return std::nullopt;
+  return FromWx(dialog.GetValue());
+}
+
+std::optional<WinPath> WxDialogs::OpenFile(const FileDialog& dialog) {
+  return AskForFile(dialog, wxFD_OPEN | wxFD_FILE_MUST_EXIST);
+}
+
+std::optional<WinPath> WxDialogs::SaveFile(const FileDialog& dialog) {
+  return AskForFile(dialog, wxFD_SAVE | (dialog.askOverwrite ? wxFD_OVERWRITE_PROMPT : 0));
+}
+
+std::optional<WinPath> WxDialogs::AskForFile(const FileDialog& dialog, long style) {
+  const bool opens = (style & wxFD_OPEN) != 0;
+  const wxString title = dialog.title.empty() ? wxString(opens ? "Open" : "Save As") : ToWx(dialog.title);
+  wxFileDialog window(ActiveWindow(), title, ToWxPath(paths_->HostPath(dialog.folder)), ToWx(dialog.name),
+                      dialog.filter.empty() ? wxString("All Files|*") : ToolkitFilter(dialog.filter), style);
+  if (window.ShowModal() != wxID_OK) return std::nullopt;
+  return Answer(HostPathOf(window.GetPath()));
+}
+
+std::optional<WinPath> WxDialogs::BrowseForFolder(const std::string& title) {
+  wxDirDialog window(ActiveWindow(), ToWx(title), ToWxPath(paths_->HostPath(WinPath("C:\\"))));
+  if (window.ShowModal() != wxID_OK) return std::nullopt;
+  return Answer(HostPathOf(window.GetPath()));
+}
+
+std::optional<WinPath> WxDialogs::Answer(const std::filesystem::path& chosen) {
+  WinPath path = paths_->WindowsPathOf(chosen);
+  if (!path.Empty()) return path;
+  Show({.text = chosen.string() + " lies on no drive of the disk that is open.", .icon = MessageIcon::Exclamation});
+  return std::nullopt;
+}
+
+OverwriteAnswer WxDialogs::AskOverwrite(const OverwriteQuestion& question) {
+  return AskOverwriteWith(question, ActiveWindow());
+}
+
+std::unique_ptr<Progress> WxDialogs::ShowProgress(const std::string& title) {
+  return std::make_unique<WxProgress>(title);
+}
+
+}  // namespace quillbox

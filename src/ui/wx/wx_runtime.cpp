@@ -1,0 +1,85 @@
+#include "ui/wx/wx_runtime.h"
+
+#include <langinfo.h>
+#include <wx/app.h>
+#include <wx/evtloop.h>
+#include <wx/init.h>
+#include <wx/log.h>
+#include <wx/toplevel.h>
+#include <wx/window.h>
+
+#include <clocale>
+#include <cstdlib>
+#include <iostream>
+#include <string_view>
+
+#include "text/error.h"
+#include "ui/wx/wx_text.h"
+
+namespace quillbox {
+namespace {
+
+class App : public wxApp {
+ public:
+  bool OnInit() override {
+    SetAppName("Quillbox");
+    SetExitOnFrameDelete(false);
+    return true;
+  }
+
+  void OnAssertFailure(const wxChar* file, int line, const wxChar* function, const wxChar* condition,
+                       const wxChar* message) override {
+    std::cerr << "toolkit: " << FromWx(file) << ':' << line << " in " << FromWx(function) << ": " << FromWx(condition);
+    if (message) std::cerr << ": " << FromWx(message);
+    std::cerr << '\n';
+  }
+};
+
+/// File names and texts are UTF-8 also where the session has set no language, and numbers read alike everywhere.
+void FixLocale() {
+  if (std::string_view(nl_langinfo(CODESET)) != "UTF-8") std::setlocale(LC_CTYPE, "C.UTF-8");
+  std::setlocale(LC_NUMERIC, "C");
+}
+
+}  // namespace
+
+WxRuntime::WxRuntime() {
+  if (wxTheApp) return;
+  wxApp::SetInstance(new App);
+  static char name[] = "quillbox";
+  static char* arguments[] = {name, nullptr};
+  int count = 1;
+  if (!wxEntryStart(count, arguments)) {
+    const char* display = std::getenv("DISPLAY");
+    throw Error("opening the program's window", {display ? display : "DISPLAY", {}, {}},
+                "there is no display to show it on");
+  }
+  started_ = true;
+  FixLocale();
+  delete wxLog::SetActiveTarget(new wxLogStderr);
+  wxTheApp->CallOnInit();
+}
+
+WxRuntime::~WxRuntime() {
+  if (!started_) return;
+  wxTheApp->OnExit();
+  wxEntryCleanup();
+}
+
+wxWindow* ActiveWindow() {
+  wxWindow* last = nullptr;
+  for (wxWindow* window : wxTopLevelWindows) {
+    if (!window->IsShown() || window->IsBeingDeleted()) continue;
+    auto* topLevel = dynamic_cast<wxTopLevelWindow*>(window);
+    if (topLevel && topLevel->IsActive()) return window;
+    last = window;
+  }
+  return last;
+}
+
+void PaintNow() {
+  wxEventLoopBase* loop = wxEventLoopBase::GetActive();
+  if (loop && !loop->IsYielding()) loop->YieldFor(wxEVT_CATEGORY_UI);
+}
+
+}  // namespace quillbox

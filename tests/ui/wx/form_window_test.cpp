@@ -1,0 +1,269 @@
+#include "ui/wx/form_window.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <wx/button.h>
+#include <wx/checkbox.h>
+#include <wx/combobox.h>
+#include <wx/listbox.h>
+#include <wx/menu.h>
+#include <wx/statbox.h>
+#include <wx/stattext.h>
+#include <wx/statusbr.h>
+#include <wx/textctrl.h>
+
+#include <utility>
+
+#include "support/every_control_form.h"
+#include "support/form_platform.h"
+#include "support/window_test.h"
+
+namespace quillbox {
+namespace {
+
+constexpr const char* kLongPath =
+    "C:\\Documents and Settings\\Someone & Co\\Local Settings\\Application Data\\Identities\\"
+    "{0F2B6E4A-6A3C-4B52-9E0A-7D0E3A1C5B99}\\Microsoft\\Outlook Express";
+
+struct FormWindowTest : testing::Test {
+  FormWindowTest() {
+    form.Show();
+    Settle();
+  }
+
+  wxFrame& Window() { return *window.Window(); }
+  template <class T>
+  T& Widget(const Control& control) {
+    return Find<T>(Window(), control.Name());
+  }
+  std::string TakeActs() { return std::exchange(form.acts, ""); }
+
+  /// Every shown widget lies inside the window with at least the size that its content needs.
+  void ExpectNothingCutOff() {
+    const wxRect whole = Window().GetScreenRect();
+    for (const Control* control : form.Controls()) {
+      const auto& widget = Widget<wxWindow>(*control);
+      if (!widget.IsShownOnScreen()) continue;
+      EXPECT_TRUE(whole.Contains(widget.GetScreenRect())) << control->Name();
+      const wxSize needed = widget.GetEffectiveMinSize();
+      EXPECT_GE(widget.GetSize().x, needed.x) << control->Name();
+      EXPECT_GE(widget.GetSize().y, needed.y) << control->Name();
+    }
+  }
+
+  FormPlatform platform;
+  HandlerGuard guard{platform};
+  EveryControlForm form{guard};
+  FormWindow window{form};
+};
+
+TEST_F(FormWindowTest, WidgetsFollowTheControlsAndNoHandlerRuns) {
+  EXPECT_EQ(Widget<wxComboBox>(form.picker).GetValue(), "Combo1") << "a text that is not among the items";
+
+  form.caption = "Other";
+  form.value.caption = "Tom & Jerry";
+  form.value.colour = Colour::Red;
+  form.picker.items = {"a", "b"};
+  form.picker.text = "b";
+  form.typed.text = "*.idx";
+  form.box.text = "D:\\";
+  form.box.SelectAll();
+  form.box.readOnly = true;
+  form.check.checked = true;
+  form.cmdOk.enabled = false;
+  form.cmdInner.caption = "Please Wait";
+  form.frame.caption = "Less";
+  form.list.items = {"x", "y"};
+  form.list.selected = 1;
+  form.list.tooltip = "New tip";
+  form.bar.panels[1] = "second";
+  form.cmdClose.visible = false;
+  Settle();
+
+  EXPECT_EQ(Window().GetTitle(), "Other");
+  EXPECT_EQ(Widget<wxStaticText>(form.value).GetLabelText(), "Tom & Jerry");
+  EXPECT_EQ(Widget<wxStaticText>(form.value).GetForegroundColour(), wxColour(255, 0, 0));
+  EXPECT_EQ(Widget<wxComboBox>(form.picker).GetValue(), "b");
+  EXPECT_EQ(Widget<wxComboBox>(form.picker).GetCount(), 2U);
+  EXPECT_EQ(Widget<wxComboBox>(form.typed).GetValue(), "*.idx");
+  EXPECT_EQ(Widget<wxTextCtrl>(form.box).GetStringSelection(), "D:\\");
+  EXPECT_FALSE(Widget<wxTextCtrl>(form.box).IsEditable());
+  EXPECT_TRUE(Widget<wxCheckBox>(form.check).GetValue());
+  EXPECT_FALSE(Widget<wxButton>(form.cmdOk).IsEnabled());
+  EXPECT_EQ(Widget<wxButton>(form.cmdInner).GetLabel(), "Please Wait");
+  EXPECT_EQ(Widget<wxStaticBox>(form.frame).GetLabel(), "Less");
+  EXPECT_EQ(Widget<wxListBox>(form.list).GetStringSelection(), "y");
+  EXPECT_EQ(Widget<wxListBox>(form.list).GetToolTipText(), "New tip");
+  EXPECT_EQ(Widget<wxStatusBar>(form.bar).GetStatusText(1), "second");
+  EXPECT_FALSE(Widget<wxButton>(form.cmdClose).IsShown());
+  EXPECT_EQ(form.acts, "");
+  EXPECT_EQ(platform.commandsEnded, 0);
+}
+
+TEST_F(FormWindowTest, TextThatIsNoUnicodeIsShownAllTheSame) {
+  form.value.caption = "A\xED\xA0\x80\xF0\x9F\x98\x80";  // a lone surrogate, then a character beyond the first plane
+  EXPECT_EQ(Widget<wxStaticText>(form.value).GetLabelText(), wxString::FromUTF8("A\xEF\xBF\xBD\xF0\x9F\x98\x80"));
+}
+
+TEST_F(FormWindowTest, ActsOfAPersonRunTheHandlersOnce) {
+  ClickOn(Widget<wxButton>(form.cmdOk));
+  EXPECT_EQ(TakeActs(), "ok ");
+  ClickOn(Widget<wxCheckBox>(form.check));
+  ClickOn(Widget<wxCheckBox>(form.check));
+  EXPECT_EQ(TakeActs(), "checked unchecked ");
+  ClickOn(Widget<wxTextCtrl>(form.box));
+  TypeText("x");
+  EXPECT_EQ(TakeActs(), "box=C:\\Datax ");
+
+  const auto& list = Widget<wxListBox>(form.list);
+  MoveTo(list.GetScreenPosition() + wxPoint(20, 30));
+  wxUIActionSimulator().MouseDblClick();
+  Settle();
+  EXPECT_EQ(TakeActs(), "list=1 open=1 ");
+  Press(WXK_DOWN);
+  Press(WXK_RETURN);
+  EXPECT_EQ(TakeActs(), "list=2 open=2 ");
+}
+
+TEST_F(FormWindowTest, PickerIsPickedFromAndTakesNoTyping) {
+  auto& picker = Widget<wxComboBox>(form.picker);
+  ClickOn(picker);
+  Press(WXK_DOWN);
+  Press(WXK_DOWN);
+  Press(WXK_RETURN);
+  EXPECT_EQ(TakeActs(), "picker=two#2 ") << "the second of two equal items is the one picked";
+  TypeText("z");
+  EXPECT_EQ(picker.GetValue(), "two");
+  Press(WXK_UP);
+  Press(WXK_UP);
+  EXPECT_EQ(TakeActs(), "picker=two#1 picker=one#0 ") << "the arrow keys go on from the item shown";
+}
+
+TEST_F(FormWindowTest, EditableComboTakesTyping) {
+  Widget<wxComboBox>(form.typed).SetFocus();
+  Settle();
+  MoveTo(Widget<wxComboBox>(form.typed).GetScreenPosition() + wxPoint(10, 10));
+  wxUIActionSimulator().MouseClick();
+  Press('A', wxMOD_CONTROL);
+  TypeText("b.c");
+  EXPECT_EQ(form.typed.text.Get(), "b.c");
+}
+
+TEST_F(FormWindowTest, TabGoesInTheControlsOrderThroughFrames) {
+  Widget<wxComboBox>(form.picker).SetFocus();
+  MoveTo(Window().GetScreenRect().GetBottomLeft() + wxPoint(5, -5));
+  std::vector<std::string> order;
+  for (int i = 0; i < 10; ++i) {
+    // A picker's arrow is a stop of its own, without a name.
+    if (const wxWindow* focused = wxWindow::FindFocus()) order.push_back(focused->GetName().utf8_string());
+    Press(WXK_TAB);
+  }
+  EXPECT_THAT(order, testing::ElementsAre("picker", "typed", "check", "cmdOk", "cmdInner", "box", "list", "cmdClose"));
+}
+
+TEST_F(FormWindowTest, EnterPressesTheDefaultButtonAndEscapeTheCancelOne) {
+  ClickOn(Widget<wxTextCtrl>(form.box));
+  Press(WXK_RETURN);
+  EXPECT_TRUE(WaitFor([this] { return form.acts == "ok "; })) << form.acts;
+  Press(WXK_ESCAPE);
+  EXPECT_FALSE(form.visible);
+  EXPECT_FALSE(Window().IsShown());
+
+  form.Show();
+  Settle();
+  Window().Close();
+  EXPECT_FALSE(form.visible) << "the title bar closes like Esc";
+  EXPECT_EQ(platform.commandsEnded, 3);
+}
+
+TEST_F(FormWindowTest, MenuShowsSubmenusGreysAndRuns) {
+  wxMenuBar& bar = *Window().GetMenuBar();
+  ASSERT_EQ(bar.GetMenuCount(), 2U);
+  const int saveText = bar.FindMenuItem("File", "Save As Text");
+  const int saveHtml = bar.FindMenuItem("File", "Save As HTML");
+  ASSERT_NE(saveText, wxNOT_FOUND);
+  ASSERT_NE(saveHtml, wxNOT_FOUND);
+  EXPECT_TRUE(bar.IsEnabled(saveText));
+  EXPECT_FALSE(bar.IsEnabled(saveHtml));
+  EXPECT_EQ(bar.GetMenu(0)->GetMenuItemCount(), 2U) << "items of one menu share it";
+
+  const wxPoint searchMenu(60, 10);
+  MoveTo(Window().GetScreenPosition() + searchMenu);
+  wxUIActionSimulator().MouseClick();
+  Settle();
+  Press(WXK_DOWN);
+  Press(WXK_RETURN);
+  EXPECT_EQ(TakeActs(), "Search ");
+}
+
+TEST_F(FormWindowTest, HeightFollowsTheFormButNothingIsEverCutOff) {
+  form.frame.visible = false;
+  form.heightTwips = 7500;
+  Settle();
+  EXPECT_EQ(Window().GetSize().y, 500);
+  EXPECT_FALSE(Widget<wxTextCtrl>(form.box).IsShownOnScreen());
+  const int listHeight = Widget<wxListBox>(form.list).GetSize().y;
+
+  form.frame.visible = true;
+  form.heightTwips = 9000;
+  Settle();
+  EXPECT_EQ(Window().GetSize().y, 600);
+  EXPECT_TRUE(Widget<wxTextCtrl>(form.box).IsShownOnScreen());
+  ExpectNothingCutOff();
+
+  form.frame.visible = false;
+  form.heightTwips = 7500;
+  Settle();
+  EXPECT_EQ(Window().GetSize().y, 500);
+  EXPECT_EQ(Widget<wxListBox>(form.list).GetSize().y, listHeight) << "a hidden frame leaves no hole";
+
+  form.heightTwips = 15;
+  form.frame.visible = true;
+  form.cmdOk.caption = "A caption that is a good deal longer than anything that the window has shown so far";
+  form.lblTyped.caption = "A longer label than before, too:";
+  Settle();
+  ExpectNothingCutOff();
+}
+
+TEST_F(FormWindowTest, ShortenedLabelTellsAllInItsTooltip) {
+  auto& value = Widget<wxStaticText>(form.value);
+  EXPECT_EQ(value.GetToolTipText(), "Path to folder.");
+  form.value.caption = kLongPath;
+  Settle();
+  EXPECT_EQ(value.GetToolTipText(), wxString(kLongPath) + "\nPath to folder.");
+  EXPECT_LT(Window().GetSize().x, 1000) << "a long path must not widen the window without end";
+  Window().SetSize(Window().GetSize() + wxSize(600, 0));
+  Settle();
+  EXPECT_EQ(value.GetToolTipText(), "Path to folder.");
+}
+
+TEST_F(FormWindowTest, WhatIsPressedWhileAHandlerRunsWaitsForItsEnd) {
+  form.cmdOk.onClick = [this] {
+    form.pointer = Pointer::Hourglass;
+    const wxRect inner = Widget<wxButton>(form.cmdInner).GetScreenRect();
+    wxUIActionSimulator().MouseMove(inner.GetPosition() + inner.GetSize() / 2);
+    wxUIActionSimulator().MouseClick();
+    for (int i = 0; i < 10; ++i) {
+      wxMilliSleep(10);
+      form.cmdOk.caption = "Please Wait " + std::to_string(i);
+    }
+    form.pointer = Pointer::Normal;
+    form.acts += "ok-end ";
+  };
+  ClickOn(Widget<wxButton>(form.cmdOk));
+  Settle();
+  EXPECT_EQ(TakeActs(), "ok-end inner ");
+}
+
+TEST_F(FormWindowTest, LayoutThatLeavesOutAControlIsRefused) {
+  struct Incomplete : Form {
+    using Form::Form;
+    LayoutNode Layout() override { return Column({Item(shown)}); }
+    Label shown{*this, "shown"}, forgotten{*this, "forgotten"};
+  } incomplete(guard, "Incomplete", "");
+  FormWindow other(incomplete);
+  EXPECT_THROW(incomplete.Show(), std::logic_error);
+}
+
+}  // namespace
+}  // namespace quillbox
