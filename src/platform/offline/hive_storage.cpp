@@ -22,7 +22,7 @@ namespace {
 
 // A hive's offsets have 31 useful bits.
 constexpr std::uint64_t kMaxFileBytes = 1ull << 31;
-constexpr std::size_t kMaxAttributeBytes = 64 * 1024;
+constexpr std::size_t kMaxAttributeBytes = 65'536;
 
 // Attributes of the NTFS drivers that they do not list.
 constexpr std::array kNtfsAttributes = {"system.ntfs_attrib", "system.ntfs_crtime", "system.ntfs_acl"};
@@ -121,10 +121,10 @@ void ReplaceHostFile(const fs::path& file, ByteView bytes, const std::string& do
   }
 }
 
-void KeepBeside(const fs::path& file, const fs::path& kept, KeepHow how) {
-  if (StateOf(kept) != FileState{}) return;
-  if (how == KeepHow::SecondName && (link(file.c_str(), kept.c_str()) == 0 || errno == EEXIST)) return;
-  KeepCopy(file, kept);
+bool KeepBeside(const fs::path& file, const fs::path& kept, KeepHow how) {
+  if (StateOf(kept) != FileState{}) return false;
+  if (how == KeepHow::Copy || link(file.c_str(), kept.c_str()) != 0) KeepCopy(file, kept);
+  return true;
 }
 
 bool CanWriteFolder(const fs::path& folder) {

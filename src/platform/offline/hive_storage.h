@@ -47,8 +47,8 @@ enum class KeepHow {
   SecondName,  ///< a hard link where there are any, else a copy: for a file that will be replaced, never overwritten
   Copy,
 };
-/// Keeps what `file` holds now as `kept`, which is left alone when it exists. Throws HostFileError.
-void KeepBeside(const std::filesystem::path& file, const std::filesystem::path& kept, KeepHow how);
+/// Keeps what `file` holds now as `kept`; false when there is a `kept`, which is left alone. Throws HostFileError.
+bool KeepBeside(const std::filesystem::path& file, const std::filesystem::path& kept, KeepHow how);
 
 /// True when new files can be made in `folder`. Leaves nothing behind, not even a changed time.
 bool CanWriteFolder(const std::filesystem::path& folder);

@@ -4,10 +4,12 @@
 
 #include <deque>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
 #include <unordered_set>
+#include <vector>
 
 #include "platform/offline/hive_file.h"
 #include "platform/platform.h"
@@ -59,7 +61,7 @@ class OfflineRegistry : public Registry {
   bool HasPrivilege(std::string_view name) const;
   Hive& Edit(MountPoint& mount);
   template <typename Change>
-  Status Try(const MountPoint& mount, std::string_view path, std::string_view doing, Status failure, Change change);
+  Status Try(Status failure, Change change);
 
   Clock& clock_;
   FileSystem& files_;

@@ -20,7 +20,7 @@ fs::path FromEnvironment(const char* variable) {
 }
 
 fs::path HomeFolder() {
-  const fs::path home = FromEnvironment("HOME");
+  fs::path home = FromEnvironment("HOME");
   if (!home.empty()) return home;
   const passwd* user = getpwuid(geteuid());
   return user != nullptr && user->pw_dir != nullptr ? user->pw_dir : "/";

@@ -1,0 +1,391 @@
+#include "platform/offline/offline_registry.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <exception>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "text/error.h"
+#include "text/unicode.h"
+
+namespace quillbox {
+namespace {
+
+constexpr std::string_view kBackupPrivilege = "SeBackupPrivilege";
+constexpr std::string_view kRestorePrivilege = "SeRestorePrivilege";
+constexpr std::uint32_t kForceRestore = 8;
+
+constexpr std::string_view kCurrentControlSet = "CurrentControlSet";
+const RegistryPath kSystem = {RegistryRoot::LocalMachine, "System"};
+
+/// The names of a key path with single backslashes between them and none at either end.
+std::string Normalised(std::string_view path) {
+  std::string names;
+  for (const char c : path) {
+    if (c != '\\' || (!names.empty() && names.back() != '\\')) names += c;
+  }
+  if (!names.empty() && names.back() == '\\') names.pop_back();
+  return names;
+}
+
+/// What is left of `path` below `above` (both normalised), or nothing when it is not there or below.
+std::optional<std::string_view> Below(std::string_view path, std::string_view above) {
+  if (above.empty()) return path;
+  for (std::size_t end = 0; end != std::string_view::npos;) {
+    end = path.find('\\', end + 1);
+    if (!EqualIgnoreCase(path.substr(0, end), above)) continue;
+    return end == std::string_view::npos ? std::string_view() : path.substr(end + 1);
+  }
+  return {};
+}
+
+bool IsText(ValueType type) {
+  return type == ValueType::Sz || type == ValueType::ExpandSz || type == ValueType::MultiSz;
+}
+
+Bytes FromStored(ValueType type, Bytes stored) {
+  if (!IsText(type)) return stored;
+  const std::string text = ToUtf8(Utf16FromBytes(stored));
+  return {text.begin(), text.end()};
+}
+
+Bytes ToStored(ValueType type, ByteView data) {
+  if (!IsText(type)) return {data.begin(), data.end()};
+  return Utf16Bytes(ToUtf16(std::string(data.begin(), data.end())));
+}
+
+/// The name of the control set that the system hive calls the current one.
+std::string ControlSetName(const Hive& system) {
+  std::uint32_t number = 1;
+  const std::optional<HiveKey> select = system.Find(system.Root(), "Select");
+  const std::optional<HiveValue> current = select ? system.Value(*select, "Current") : std::nullopt;
+  if (current && current->data.size() == sizeof number) {
+    number = current->data[0] | current->data[1] << 8u | static_cast<std::uint32_t>(current->data[2]) << 16u |
+             static_cast<std::uint32_t>(current->data[3]) << 24u;
+  }
+  std::array<char, 24> name = {};
+  std::snprintf(name.data(), name.size(), "ControlSet%03u", number);
+  return name.data();
+}
+
+}  // namespace
+
+struct OfflineRegistry::MountPoint {
+  RegistryPath at;
+  HiveFile* file = nullptr;
+};
+
+/// Where a path leads: into a mounted hive, or (without a mount) to a root that is only there for its mounts.
+struct OfflineRegistry::Place {
+  RegistryRoot root = RegistryRoot::None;
+  MountPoint* mount = nullptr;
+  std::string path;  ///< below the hive's root, normalised
+};
+
+/// An open key. All are known to the registry, so that one whose key is deleted is never taken for the key that gets
+/// its cell next.
+class OfflineRegistry::OpenKey final : public KeyHandle {
+ public:
+  OpenKey(std::shared_ptr<OpenKeys> all, Place where, HiveKey hiveKey, Access granted)
+      : place(std::move(where)), key(hiveKey), access(granted), all_(std::move(all)) {
+    all_->insert(this);
+  }
+  ~OpenKey() override { all_->erase(this); }
+  OpenKey(const OpenKey&) = delete;
+  OpenKey& operator=(const OpenKey&) = delete;
+
+  bool BelongsTo(const std::shared_ptr<OpenKeys>& all) const { return all_ == all; }
+  /// True for keys below `above` in the same hive; with `itself` for that one too.
+  bool IsBelow(const Place& above, bool itself) const {
+    if (deleted || place.mount != above.mount) return false;
+    const std::optional<std::string_view> rest = Below(place.path, above.path);
+    return rest && (itself || !rest->empty());
+  }
+
+  Place place;
+  HiveKey key;
+  Access access;
+  bool deleted = false;
+
+ private:
+  std::shared_ptr<OpenKeys> all_;
+};
+
+/// A key as one call uses it: only with Success are the others set, and `hive` is null for a root without a hive.
+struct OfflineRegistry::Use {
+  Status status = Status::InvalidHandle;
+  OpenKey* open = nullptr;
+  const Hive* hive = nullptr;
+};
+
+OfflineRegistry::OfflineRegistry(Clock& clock, FileSystem& files, Log& log)
+    : clock_(clock), files_(files), log_(log), openKeys_(std::make_shared<OpenKeys>()) {}
+
+OfflineRegistry::~OfflineRegistry() = default;
+
+void OfflineRegistry::Mount(const RegistryPath& at, HiveFile& file) {
+  mounts_.push_back({{at.root, Normalised(at.subkey)}, &file});
+}
+
+void OfflineRegistry::Commit() {
+  std::exception_ptr first;
+  for (const MountPoint& mount : mounts_) {
+    try {
+      mount.file->Commit(clock_.Now());
+    } catch (const Error&) {
+      if (!first) first = std::current_exception();
+    }
+  }
+  if (first) std::rethrow_exception(first);
+}
+
+void OfflineRegistry::Reload() {
+  for (MountPoint& mount : mounts_) {
+    if (!mount.file->Reload()) continue;
+    const Hive& hive = mount.file->View();
+    for (OpenKey* open : *openKeys_) {
+      if (open->deleted || open->place.mount != &mount) continue;
+      const std::optional<HiveKey> key = hive.Find(hive.Root(), open->place.path);
+      open->deleted = !key;
+      if (key) open->key = *key;
+    }
+  }
+}
+
+std::optional<OfflineRegistry::Place> OfflineRegistry::Locate(const RegistryPath& path) {
+  const std::string names = Normalised(path.subkey);
+  bool isRoot = false;
+  for (MountPoint& mount : mounts_) {
+    if (mount.at.root != path.root) continue;
+    isRoot = names.empty();
+    const std::optional<std::string_view> rest = Below(names, mount.at.subkey);
+    if (!rest) continue;
+    Place place = {path.root, &mount, std::string(*rest)};
+    const std::optional<std::string_view> belowSet = Below(*rest, kCurrentControlSet);
+    if (belowSet && mount.at.root == kSystem.root && EqualIgnoreCase(mount.at.subkey, kSystem.subkey)) {
+      place.path = ControlSetName(mount.file->View()) + (belowSet->empty() ? "" : "\\") + std::string(*belowSet);
+    }
+    return place;
+  }
+  if (isRoot) return Place{path.root, nullptr, ""};
+  return {};
+}
+
+Key OfflineRegistry::MakeKey(const Place& place, HiveKey key, Access access) {
+  return Key(std::make_unique<OpenKey>(openKeys_, place, key, access));
+}
+
+OfflineRegistry::Use OfflineRegistry::Check(const Key& key, Need need) const {
+  auto* open = dynamic_cast<OpenKey*>(key.Handle());
+  if (open == nullptr || !open->BelongsTo(openKeys_)) return {Status::InvalidHandle, nullptr, nullptr};
+  if (open->deleted) return {Status::KeyDeleted, nullptr, nullptr};
+  const bool refused =
+      (need == Need::Read && open->access == Access::SetValue) || (need == Need::Write && open->access == Access::Read);
+  if (refused) return {Status::AccessDenied, nullptr, nullptr};
+  return {Status::Success, open, open->place.mount == nullptr ? nullptr : &open->place.mount->file->View()};
+}
+
+std::vector<std::string> OfflineRegistry::MountNames(RegistryRoot root) const {
+  std::vector<std::string> names;
+  for (const MountPoint& mount : mounts_) {
+    if (mount.at.root == root) names.push_back(mount.at.subkey);
+  }
+  return names;
+}
+
+Hive& OfflineRegistry::Edit(MountPoint& mount) {
+  Hive& hive = mount.file->Edit();
+  hive.SetTime(clock_.Now());
+  return hive;
+}
+
+/// Runs a change; its Error goes to the log, and `failure` is the answer.
+template <typename Change>
+Status OfflineRegistry::Try(Status failure, Change change) {
+  try {
+    return change();
+  } catch (const Error& error) {
+    log_.Write(Describe(error));
+    return failure;
+  }
+}
+
+OpenResult OfflineRegistry::Open(const RegistryPath& path, Access access) {
+  const std::optional<Place> place = Locate(path);
+  if (!place) return {Status::FileNotFound, {}};
+  const bool writes = access != Access::Read;
+  if (place->mount == nullptr) {
+    if (writes) return {Status::AccessDenied, {}};
+    return {Status::Success, MakeKey(*place, {}, access)};
+  }
+  const Hive& hive = place->mount->file->View();
+  const std::optional<HiveKey> key = hive.Find(hive.Root(), place->path);
+  if (!key) return {Status::FileNotFound, {}};
+  if (writes && !place->mount->file->CanWrite()) return {Status::AccessDenied, {}};
+  return {Status::Success, MakeKey(*place, *key, access)};
+}
+
+OpenResult OfflineRegistry::Create(const RegistryPath& path) {
+  const std::optional<Place> place = Locate(path);
+  if (!place || place->mount == nullptr || !place->mount->file->CanWrite()) return {Status::AccessDenied, {}};
+  OpenResult result;
+  result.status = Try(Status::InvalidParameter, [&] {
+    Hive& hive = Edit(*place->mount);
+    result.key = MakeKey(*place, hive.CreatePath(hive.Root(), place->path), Access::Full);
+    return Status::Success;
+  });
+  return result;
+}
+
+KeyInfo OfflineRegistry::Info(const Key& key) {
+  const Use use = Check(key, Need::Read);
+  if (use.status != Status::Success) return {use.status, 0, 0, 0};
+  KeyInfo info = {Status::Success, 0, 0, 0};
+  const auto add = [&](const std::string& name) {
+    ++info.subkeys;
+    info.longestSubkeyName = std::max(info.longestSubkeyName, static_cast<std::uint32_t>(name.size()));
+  };
+  if (use.hive == nullptr) {
+    for (const std::string& name : MountNames(use.open->place.root)) add(name);
+    return info;
+  }
+  for (const HiveKey subkey : use.hive->Subkeys(use.open->key)) add(use.hive->Name(subkey));
+  info.values = static_cast<std::uint32_t>(use.hive->ValueCount(use.open->key));
+  return info;
+}
+
+NameResult OfflineRegistry::EnumKey(const Key& key, std::uint32_t index) {
+  const Use use = Check(key, Need::Read);
+  if (use.status != Status::Success) return {use.status, {}};
+  if (use.hive == nullptr) {
+    const std::vector<std::string> names = MountNames(use.open->place.root);
+    if (index >= names.size()) return {Status::NoMoreItems, {}};
+    return {Status::Success, names[index]};
+  }
+  if (index >= use.hive->SubkeyCount(use.open->key)) return {Status::NoMoreItems, {}};
+  return {Status::Success, use.hive->Name(use.hive->SubkeyAt(use.open->key, index))};
+}
+
+ValueResult OfflineRegistry::EnumValue(const Key& key, std::uint32_t index) {
+  ValueResult value = EnumStoredValue(key, index);
+  value.data = FromStored(value.type, std::move(value.data));
+  return value;
+}
+
+ValueResult OfflineRegistry::EnumStoredValue(const Key& key, std::uint32_t index) {
+  const Use use = Check(key, Need::Read);
+  if (use.status != Status::Success) return {use.status, {}, {}, {}};
+  if (use.hive == nullptr || index >= use.hive->ValueCount(use.open->key)) return {Status::NoMoreItems, {}, {}, {}};
+  HiveValue value = use.hive->ValueAt(use.open->key, index);
+  return {Status::Success, std::move(value.name), static_cast<ValueType>(value.type), std::move(value.data)};
+}
+
+QueryResult OfflineRegistry::Query(const Key& key, std::string_view name,
+                                   std::optional<std::span<std::uint8_t>> buffer) {
+  const Use use = Check(key, Need::Read);
+  if (use.status != Status::Success) return {use.status, {}, 0};
+  std::optional<HiveValue> value = use.hive == nullptr ? std::nullopt : use.hive->Value(use.open->key, name);
+  if (!value) return {Status::FileNotFound, {}, 0};
+  const auto type = static_cast<ValueType>(value->type);
+  const Bytes data = FromStored(type, std::move(value->data));
+  QueryResult result = {Status::Success, type, static_cast<std::uint32_t>(data.size())};
+  if (!buffer) return result;
+  if (buffer->size() < data.size()) {
+    result.status = Status::MoreData;
+  } else {
+    std::copy(data.begin(), data.end(), buffer->begin());
+  }
+  return result;
+}
+
+Status OfflineRegistry::SetValue(const Key& key, std::string_view name, ValueType type, ByteView data) {
+  return SetStoredValue(key, name, type, ToStored(type, data));
+}
+
+Status OfflineRegistry::SetStoredValue(const Key& key, std::string_view name, ValueType type, ByteView data) {
+  const Use use = Check(key, Need::Write);
+  if (use.status != Status::Success) return use.status;
+  return Try(Status::InvalidParameter, [&] {
+    Edit(*use.open->place.mount).SetValue(use.open->key, name, static_cast<std::uint32_t>(type), data);
+    return Status::Success;
+  });
+}
+
+Status OfflineRegistry::DeleteValue(const Key& key, std::string_view name) {
+  const Use use = Check(key, Need::Write);
+  if (use.status != Status::Success) return use.status;
+  return Try(Status::InvalidParameter, [&] {
+    const bool deleted = Edit(*use.open->place.mount).DeleteValue(use.open->key, name);
+    return deleted ? Status::Success : Status::FileNotFound;
+  });
+}
+
+Status OfflineRegistry::DeleteTree(const RegistryPath& path) {
+  const std::optional<Place> place = Locate(path);
+  if (!place) return Status::FileNotFound;
+  if (place->mount == nullptr || place->path.empty()) return Status::AccessDenied;
+  const Hive& hive = place->mount->file->View();
+  const std::optional<HiveKey> key = hive.Find(hive.Root(), place->path);
+  if (!key) return Status::FileNotFound;
+  if (!place->mount->file->CanWrite()) return Status::AccessDenied;
+  return Try(Status::AccessDenied, [&] {
+    Edit(*place->mount).DeleteTree(*key);
+    for (OpenKey* open : *openKeys_) open->deleted |= open->IsBelow(*place, true);
+    return Status::Success;
+  });
+}
+
+Status OfflineRegistry::SaveKey(const Key& key, const WinPath& file) {
+  const Use use = Check(key, Need::Any);
+  if (use.status != Status::Success) return use.status;
+  if (!HasPrivilege(kBackupPrivilege) || use.hive == nullptr) return Status::AccessDenied;
+  if (files_.Stat(file)) return Status::FileExists;
+  return Try(Status::RegistryIo, [&] {
+    const FileTime now = clock_.Now();
+    const Bytes image = use.hive->SaveSubtree(use.open->key, now).Image(now);
+    files_.WriteFile(file, {reinterpret_cast<const char*>(image.data()), image.size()});
+    return Status::Success;
+  });
+}
+
+Status OfflineRegistry::RestoreKey(const Key& key, const WinPath& file, std::uint32_t flags) {
+  const Use use = Check(key, Need::Write);
+  if (use.status != Status::Success) return use.status;
+  if (!HasPrivilege(kRestorePrivilege)) return Status::AccessDenied;
+  if (flags != 0 && flags != kForceRestore) return Status::InvalidParameter;
+  const OpenKey& target = *use.open;
+  const auto isInUse = [&](const OpenKey* open) { return open != &target && open->IsBelow(target.place, true); };
+  if (flags != kForceRestore && std::any_of(openKeys_->begin(), openKeys_->end(), isInUse)) return Status::AccessDenied;
+  if (!files_.Stat(file)) return Status::FileNotFound;
+
+  std::string content;
+  const Status read = Try(Status::RegistryIo, [&] {
+    content = files_.ReadFile(file);
+    return Status::Success;
+  });
+  if (read != Status::Success) return read;
+  return Try(Status::BadRegistry, [&] {
+    const Hive source = Hive::Load(Bytes(content.begin(), content.end()), file.Text());
+    Edit(*target.place.mount).ReplaceSubtree(target.key, source);
+    for (OpenKey* open : *openKeys_) open->deleted |= open->IsBelow(target.place, false);
+    return Status::Success;
+  });
+}
+
+bool OfflineRegistry::EnablePrivilege(std::string_view name) {
+  for (const std::string_view known : {kBackupPrivilege, kRestorePrivilege}) {
+    if (!EqualIgnoreCase(name, known)) continue;
+    privileges_.insert(std::string(known));
+    return true;
+  }
+  return false;
+}
+
+bool OfflineRegistry::HasPrivilege(std::string_view name) const {
+  return privileges_.count(std::string(name)) > 0;
+}
+
+}  // namespace quillbox

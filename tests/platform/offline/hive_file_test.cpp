@@ -1,0 +1,177 @@
+#include "platform/offline/hive_file.h"
+
+#include <gmock/gmock.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+
+#include "platform/offline/offline_fixture.h"
+#include "text/error.h"
+
+namespace quillbox {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+constexpr const char* kHive = "profile/NTUSER.DAT";
+constexpr const char* kKept = "profile/NTUSER.DAT.before-quillbox";
+
+class HiveFileTest : public testing::Test, protected OfflineFixture {
+ protected:
+  HiveFileTest() { MakeHiveFile(disk / kHive); }
+
+  static std::string Value(const HiveFile& file) {
+    const Bytes data = file.View().Value(file.View().Root(), "v").value().data;
+    return {data.begin(), data.end()};
+  }
+  static void Set(HiveFile& file, std::string_view value) {
+    file.Edit().SetValue(file.View().Root(), "v", 3, AsBytes(value));
+  }
+  void Change(std::string_view value) {
+    HiveFile file = Open(kHive);
+    Set(file, value);
+    file.Commit(kTestTime + 1);
+  }
+  std::ptrdiff_t FilesInProfile() const {
+    return std::distance(fs::directory_iterator(disk / "profile"), fs::directory_iterator());
+  }
+};
+
+/// A folder and the files in it that cannot be written, for an administrator too: the test gives up that right.
+class ReadOnlyDisk {
+ public:
+  explicit ReadOnlyDisk(const TempFolder& disk) : profile_(disk / "profile") {
+    fs::permissions(disk.Path(), fs::perms::group_exec | fs::perms::others_exec, fs::perm_options::add);
+    fs::permissions(disk.Folder("state"), fs::perms::all);
+    fs::permissions(profile_, fs::perms{0555});
+    Become(0, kNobody);
+  }
+  ~ReadOnlyDisk() {
+    Become(kNobody, 0);
+    fs::permissions(profile_, fs::perms{0755});
+  }
+  ReadOnlyDisk(const ReadOnlyDisk&) = delete;
+  ReadOnlyDisk& operator=(const ReadOnlyDisk&) = delete;
+
+ private:
+  static constexpr uid_t kNobody = 65534;
+  static void Become(uid_t from, uid_t to) {
+    if (geteuid() == from && seteuid(to) != 0) ADD_FAILURE() << "cannot become user " << to;
+  }
+  fs::path profile_;
+};
+
+TEST_F(HiveFileTest, TheFirstChangeKeepsTheOriginal) {
+  const std::string original = disk.Read(kHive);
+  { Open(kHive).Commit(kTestTime + 1); }
+  EXPECT_EQ(FilesInProfile(), 1) << "nothing was changed";
+  fs::permissions(disk / kHive, fs::perms{0640});
+  Change("first");
+  Change("second");
+  EXPECT_EQ(disk.Read(kKept), original);
+  EXPECT_EQ(Value(Open(kHive, HiveMode::Read)), "second");
+  EXPECT_EQ(fs::status(disk / kHive).permissions(), fs::perms{0640});
+  EXPECT_EQ(FilesInProfile(), 2);
+}
+
+TEST_F(HiveFileTest, AFailedWriteLeavesTheFileAndTheChanges) {
+  const std::string original = disk.Read(kHive);
+  HiveFile file = Open(kHive);
+  Set(file, "new");
+  rlimit before = {};
+  getrlimit(RLIMIT_FSIZE, &before);
+  const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+  const rlimit small = {1000, before.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &small);  // as a disk with 1000 bytes left
+  EXPECT_THROW(file.Commit(kTestTime + 1), Error);
+  setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, oldHandler);
+  EXPECT_EQ(disk.Read(kHive), original);
+  EXPECT_EQ(FilesInProfile(), 2) << "the hive and what was kept of it";
+  file.Commit(kTestTime + 2);
+  EXPECT_EQ(Value(Open(kHive)), "new");
+}
+
+TEST_F(HiveFileTest, AKilledProgramLeavesAWholeHive) {
+  const std::string original = disk.Read(kHive);
+  for (int round = 0; round < 12; ++round) {
+    const pid_t child = fork();
+    if (child == 0) {
+      HiveFile file = Open(kHive);
+      for (char c = 'a';; c = c == 'z' ? 'a' : static_cast<char>(c + 1)) {
+        Set(file, std::string(600'000, c));
+        file.Commit(kTestTime + 1);
+      }
+    }
+    usleep(static_cast<useconds_t>(5'000 + 1'700 * round));
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+    const HiveFile file = Open(kHive);
+    EXPECT_EQ(file.View().Origin(), HiveOrigin::Clean);
+    const std::string value = Value(file);
+    EXPECT_TRUE(value == "old" || value == std::string(600'000, value[0]));
+  }
+  EXPECT_EQ(disk.Read(kKept), original);
+  Change("after");
+  EXPECT_EQ(Value(Open(kHive)), "after");
+}
+
+TEST_F(HiveFileTest, ChangesOfAnotherProgramAreReadAndNeverOverwritten) {
+  HiveFile file = Open(kHive);
+  EXPECT_FALSE(file.Reload());
+  Change("other");
+  Set(file, "mine");
+  EXPECT_THROW(file.Commit(kTestTime + 2), Error);
+  EXPECT_TRUE(file.Reload());
+  EXPECT_EQ(Value(file), "other");
+  Set(file, "mine");
+  file.Commit(kTestTime + 3);
+  EXPECT_FALSE(file.Reload()) << "its own change";
+  EXPECT_EQ(Value(Open(kHive)), "mine");
+}
+
+TEST_F(HiveFileTest, AReadOnlyDiskGetsAPrivateCopy) {
+  const std::string original = disk.Read(kHive);
+  {
+    const ReadOnlyDisk readOnly(disk);
+    HiveFile file = Open(kHive);
+    HiveFile reader = Open(kHive, HiveMode::Read);
+    EXPECT_TRUE(file.CanWrite() && file.IsPrivateCopy());
+    Set(file, "private");
+    file.Commit(kTestTime + 1);
+    EXPECT_TRUE(reader.Reload());
+    EXPECT_EQ(Value(reader), "private");
+    EXPECT_EQ(Value(Open(kHive)), "private") << "at the next start";
+  }
+  EXPECT_EQ(disk.Read(kHive), original);
+  EXPECT_EQ(FilesInProfile(), 1);
+
+  MakeHiveFile(disk / kHive, "changed by Windows");
+  const ReadOnlyDisk readOnly(disk);
+  HiveFile file = Open(kHive);
+  EXPECT_EQ(Value(file), "changed by Windows");
+  const fs::path copy = file.TargetFile();
+  Set(file, "private again");
+  file.Commit(kTestTime + 2);
+  EXPECT_EQ(Value(Open(kHive)), "private again");
+  EXPECT_EQ(Value(HiveFile(copy.string() + ".older-1", HiveMode::Read, disk / "state", log)), "private");
+  EXPECT_THAT(log.text, HasSubstr(".older-1"));
+}
+
+TEST_F(HiveFileTest, WithoutAnyPlaceToWriteNothingCanBeChanged) {
+  const ReadOnlyDisk readOnly(disk);
+  HiveFile file(disk / kHive, HiveMode::Write, disk / "profile/state", log);
+  registry.Mount({RegistryRoot::CurrentUser, ""}, file);
+  EXPECT_FALSE(file.CanWrite());
+  EXPECT_EQ(registry.Open({}, Access::Read).status, Status::Success);
+  EXPECT_EQ(registry.Open({}, Access::Full).status, Status::AccessDenied);
+  EXPECT_EQ(registry.Create({RegistryRoot::CurrentUser, "x"}).status, Status::AccessDenied);
+}
+
+}  // namespace
+}  // namespace quillbox
