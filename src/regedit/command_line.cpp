@@ -119,10 +119,12 @@ struct Option {
   std::string (*apply)(RegeditDisk& disk, const std::string& value);
 };
 
-constexpr std::array<Option, 5> kOptions{{
+constexpr std::array<Option, 6> kOptions{{
     {"--disk", [](RegeditDisk& disk, const std::string& value) { return disk.folder = value, std::string(); }},
     {"--profile", [](RegeditDisk& disk, const std::string& value) { return disk.profile = value, std::string(); }},
     {"--directory", [](RegeditDisk& disk, const std::string& value) { return disk.directory = value, std::string(); }},
+    {"--state-folder",
+     [](RegeditDisk& disk, const std::string& value) { return disk.stateFolder = value, std::string(); }},
     {"--drive", SetDrive},
     {"--lock-fd", AddLock},
 }};

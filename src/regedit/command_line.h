@@ -30,6 +30,7 @@ struct RegeditDisk {
   std::map<char, std::string> drives;  ///< further drives by upper-case letter
   std::vector<int> lockFds;            ///< open descriptors that hold the disk's locks, inherited from the program
   std::string directory;               ///< current directory, a Windows path; empty: the platform's choice
+  std::string stateFolder;             ///< where the program keeps private copies; empty: the user's own
 };
 
 struct RegeditRequest {

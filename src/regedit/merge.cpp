@@ -9,6 +9,12 @@
 namespace quillbox {
 namespace {
 
+std::string Quoted(std::string_view text) {
+  std::string quoted(1, '"');
+  quoted.append(text).append(1, '"');
+  return quoted;
+}
+
 class Merger : public RegFileVisitor {
  public:
   explicit Merger(Registry& registry) : registry_(registry) {}
@@ -57,7 +63,7 @@ class Merger : public RegFileVisitor {
  private:
   std::optional<RegistryPath> Parse(std::string_view fullName, std::size_t line) {
     std::optional<RegistryPath> path = ParseRegistryPath(fullName);
-    if (!path) OnProblem(line, "\"" + std::string(fullName) + "\" begins with no root key");
+    if (!path) OnProblem(line, Quoted(fullName) + " begins with no root key");
     return path;
   }
 
@@ -70,7 +76,7 @@ class Merger : public RegFileVisitor {
   }
 
   void Refuse(std::size_t line, std::string_view name, Status status) {
-    OnProblem(line, "\"" + std::string(name) + "\": " + ReasonOf(status));
+    OnProblem(line, Quoted(name) + ": " + ReasonOf(status));
   }
 
   Registry& registry_;

@@ -16,7 +16,7 @@ struct Reason {
 constexpr std::array<Reason, 8> kReasons{{
     {Status::FileNotFound, "there is no such key on this disk"},
     {Status::PathNotFound, "there is no such key on this disk"},
-    {Status::AccessDenied, "access is denied"},
+    {Status::AccessDenied, "access is denied: its hive is not on this disk or cannot be written"},
     {Status::InvalidParameter, "the registry cannot hold such a name"},
     {Status::DiskFull, "the disk is full"},
     {Status::BadRegistry, "its hive cannot be used"},

@@ -5,6 +5,7 @@
 #include "regedit/export.h"
 #include "regedit/merge.h"
 #include "regedit/outcome.h"
+#include "text/error.h"
 
 namespace quillbox {
 namespace {
@@ -35,7 +36,12 @@ RegeditExit RunMerge(Platform& platform, const RegeditCommand& command, const Wi
 RegeditExit RunRegedit(Platform& platform, const RegeditCommand& command, const WinPath& file, std::ostream& out,
                        std::ostream& err) {
   const auto run = command.action == RegeditAction::Export ? RunExport : RunMerge;
-  return run(platform, command, file, out, err);
+  try {
+    return run(platform, command, file, out, err);
+  } catch (const Error& error) {
+    if (error.Place().name != file.Text()) throw;
+    throw Error(error.Doing(), {command.file, error.Place().offset, error.Place().line}, error.Why());
+  }
 }
 
 }  // namespace quillbox

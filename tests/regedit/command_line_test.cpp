@@ -77,11 +77,9 @@ TEST(RegeditCommandLine, TakesHostArgumentsApart) {
 }
 
 TEST(RegeditCommandLine, NamesTheDisk) {
-  const RegeditDisk disk = ParseArguments({"--disk", "/mnt/c", "--profile", "Ann", "--drive", "d=/mnt/d", "--drive",
-                                           "E=e", "--lock-fd", "3", "--lock-fd", "4", "--directory", "D:\\bk", "a.reg"})
+  const RegeditDisk disk = ParseArguments({"--disk", "c", "--drive", "d=/mnt/d", "--drive", "E=e", "--lock-fd", "3",
+                                           "--lock-fd", "4", "--directory", "D:\\bk", "a.reg"})
                                .disk;
-  EXPECT_EQ(disk.folder, "/mnt/c");
-  EXPECT_EQ(disk.profile, "Ann");
   EXPECT_EQ(disk.drives, (std::map<char, std::string>{{'D', "/mnt/d"}, {'E', "e"}}));
   EXPECT_EQ(disk.lockFds, (std::vector<int>{3, 4}));
   EXPECT_EQ(disk.directory, "D:\\bk");

@@ -1,0 +1,21 @@
+// The dialogs of a program at a terminal, which asks nothing: messages go to standard error, and a question is answered
+// in the way that changes nothing.
+#pragma once
+
+#include "platform/dialogs.h"
+
+namespace quillbox {
+
+class ConsoleDialogs : public Dialogs {
+ public:
+  MessageAnswer Show(const Message& message) override;
+  std::optional<std::string> Input(const std::string& prompt, const std::string& title,
+                                   const std::string& proposed) override;
+  std::optional<WinPath> OpenFile(const FileDialog& dialog) override;
+  std::optional<WinPath> SaveFile(const FileDialog& dialog) override;
+  std::optional<WinPath> BrowseForFolder(const std::string& title) override;
+  OverwriteAnswer AskOverwrite(const OverwriteQuestion& question) override;
+  std::unique_ptr<Progress> ShowProgress(const std::string& title) override;
+};
+
+}  // namespace quillbox

@@ -1,0 +1,52 @@
+// The registry editor as a program: opens a disk, carries out one command on it, and ends.
+#include <exception>
+#include <filesystem>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "app/console_dialogs.h"
+#include "platform/offline/offline_platform.h"
+#include "regedit/run.h"
+
+namespace quillbox {
+namespace {
+
+// An export leaves the registry alone, so it also works while another program has the disk.
+OfflineOptions DiskOptions(const RegeditRequest& request) {
+  OfflineOptions options;
+  options.folder = request.disk.folder;
+  options.profile = request.disk.profile;
+  options.drives = {request.disk.drives.begin(), request.disk.drives.end()};
+  options.lockFds = request.disk.lockFds;
+  options.currentDirectory = request.disk.directory;
+  options.stateFolder = request.disk.stateFolder;
+  options.readOnly = request.command.action == RegeditAction::Export;
+  return options;
+}
+
+RegeditExit Run(const std::vector<std::string>& arguments) {
+  const RegeditRequest request = ParseArguments(arguments);
+  if (!request.fault.empty()) {
+    std::cerr << "regedit: " << request.fault << '\n' << kRegeditUsage;
+    return RegeditExit::WrongCommand;
+  }
+  ConsoleDialogs dialogs;
+  OfflinePlatform platform(DiskOptions(request), dialogs);
+  const std::string& given = request.command.file;
+  const WinPath file =
+      request.command.isHostFile ? platform.GetFiles().WindowsPathOf(std::filesystem::absolute(given)) : WinPath(given);
+  return RunRegedit(platform, request.command, file, std::cout, std::cerr);
+}
+
+}  // namespace
+}  // namespace quillbox
+
+int main(int argc, char** argv) {
+  try {
+    return static_cast<int>(quillbox::Run({argv + 1, argv + argc}));
+  } catch (const std::exception& error) {
+    std::cerr << "regedit: " << error.what() << '\n';
+    return static_cast<int>(quillbox::RegeditExit::Failed);
+  }
+}

@@ -1,0 +1,139 @@
+// The registry editor as it is really used: started as a program on a disk.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+
+#include <map>
+#include <set>
+
+#include "platform/offline/offline_fixture.h"
+#include "registry/reg_file.h"
+
+namespace quillbox {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+struct Outcome {
+  int code = -1;
+  std::string out, err;
+};
+
+/// Every value of a registry file as `key|name|type|bytes`, and every key.
+class Contents : public RegFileVisitor {
+ public:
+  void OnKey(std::string_view fullName, std::size_t) override { all.insert(key_ = fullName); }
+  void OnDeleteKey(std::string_view, std::size_t) override { ADD_FAILURE(); }
+  void OnValue(std::string_view name, std::uint32_t type, ByteView data, std::size_t) override {
+    all.insert(key_ + "|" + std::string(name) + "|" + std::to_string(type) + "|" +
+               std::string(data.begin(), data.end()));
+  }
+  void OnDeleteValue(std::string_view, std::size_t) override { ADD_FAILURE(); }
+  void OnProblem(std::size_t line, std::string_view reason) override { ADD_FAILURE() << line << ": " << reason; }
+
+  std::set<std::string> all;
+
+ private:
+  std::string key_;
+};
+
+std::set<std::string> ContentsOf(const std::string& file) {
+  Contents contents;
+  ReadRegFile(file, "file", CodePage(), contents);
+  return contents.all;
+}
+
+class RegeditProgram : public testing::Test {
+ protected:
+  RegeditProgram() {
+    MakeHiveFile(kHive);
+    MakeHiveFile(folder / "c/WINDOWS/system32/config/software");
+    setenv("XDG_STATE_HOME", (folder / "state").c_str(), 1);
+    folder.File("start.reg",
+                "REGEDIT4\r\n[HKEY_CURRENT_USER\\Identities\\{1}]\r\n\"Username\"=\"Ann\"\r\n@=hex(2):25,41,25,00\r\n"
+                "\"list\"=hex(7):61,00,62,00,00\r\n\"n\"=dword:1\r\n\"b\"=hex:01,02\r\n");
+  }
+
+  /// Runs `command` in a shell, in the test's folder.
+  Outcome Shell(const std::string& command) {
+    const std::string line = "cd '" + folder.Path().string() + "' && " + command + " >out 2>err";
+    const int status = std::system(line.c_str());
+    return {WEXITSTATUS(status), folder.Read("out"), folder.Read("err")};
+  }
+  Outcome Run(const std::string& arguments) { return Shell("'" QUILLBOX_BIN_DIR "/regedit' " + arguments); }
+
+  TempFolder folder;
+  const std::filesystem::path kHive = folder / "c/Documents and Settings/Ann/NTUSER.DAT";
+};
+
+TEST_F(RegeditProgram, MergesAndExportsByHand) {
+  const Outcome merged = Run("--disk c start.reg");
+  EXPECT_EQ(merged.code, 0) << merged.err;
+  EXPECT_EQ(merged.out, "start.reg: 1 key added, 0 keys deleted, 5 values set, 0 values deleted\n");
+  const Outcome exported = Run("--disk c --profile ann /e:A out.reg 'hkcu\\Identities'");
+  EXPECT_EQ(exported.code, 0) << exported.err;
+  EXPECT_EQ(exported.out, "HKEY_CURRENT_USER\\Identities: 2 keys and 5 values exported to out.reg\n");
+  EXPECT_EQ(folder.Read("out.reg"),
+            "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Identities]\r\n\r\n[HKEY_CURRENT_USER\\Identities\\{1}]\r\n"
+            "\"Username\"=\"Ann\"\r\n@=hex(2):25,41,25,00\r\n\"list\"=hex(7):61,00,62,00,00\r\n\"n\"=dword:00000001\r\n"
+            "\"b\"=hex:01,02\r\n\r\n");
+}
+
+TEST_F(RegeditProgram, TakesTheProgramsCommandLines) {
+  folder.Folder("c/My Mail");
+  std::filesystem::rename(folder / "start.reg", folder / "c/My Mail/All.reg");
+  const std::string disk = "--disk c --profile Ann --directory 'C:\\My Mail' --command-line ";
+  const Outcome merged = Run(disk + "'regedit /s /c \"C:\\My Mail\\All.reg'");
+  EXPECT_EQ(merged.code, 0) << merged.err;
+  EXPECT_EQ(merged.out, "");
+  const Outcome exported = Run(disk + "'regedit /s /e:A \"Ann.reg\"  HKEY_CURRENT_USER\\Identities\\{1}'");
+  EXPECT_EQ(exported.code, 0) << exported.err;
+  EXPECT_EQ(exported.out, "");
+  EXPECT_THAT(folder.Read("c/My Mail/Ann.reg"), HasSubstr("[HKEY_CURRENT_USER\\Identities\\{1}]\r\n\"Username\""));
+}
+
+TEST_F(RegeditProgram, WrongCommandsGetUsageAndFailuresAReason) {
+  for (const char* wrong :
+       {"", "--disk c --x a.reg", "start.reg", "--disk c --command-line 'regedit /s /e:A \"a.reg\"'"}) {
+    const Outcome outcome = Run(wrong);
+    EXPECT_EQ(outcome.code, 2) << wrong;
+    EXPECT_THAT(outcome.err, HasSubstr("Usage:")) << wrong;
+  }
+  folder.File("kept.reg", "an earlier export");
+  folder.File("wrong.reg", "no registry file");
+  for (const char* failing :
+       {"--disk nowhere start.reg", "--disk c --profile Bob start.reg", "--disk c missing.reg", "--disk c wrong.reg",
+        "--disk c /s /e kept.reg 'HKEY_CURRENT_USER\\Never'", "--disk c /e no/folder.reg HKEY_CURRENT_USER"}) {
+    const Outcome outcome = Run(failing);
+    EXPECT_EQ(outcome.code, 1) << failing;
+    EXPECT_THAT(outcome.err, AllOf(HasSubstr("regedit: "), testing::EndsWith("\n"))) << failing;
+    EXPECT_EQ(outcome.out, "") << failing;
+  }
+  EXPECT_EQ(folder.Read("kept.reg"), "an earlier export");
+  EXPECT_THAT(Run("--disk c missing.reg").err, HasSubstr("regedit: missing.reg: "));
+}
+
+TEST_F(RegeditProgram, SilentMergeReportsLinesAndMergesTheRest) {
+  folder.File("bad.reg", "REGEDIT4\n[HKEY_CURRENT_USER\\Identities]\n\"a\"=\"1\"\n\"b\"=\"2\n\"c\"=\"3\"");
+  const Outcome merged = Run("--disk c /s bad.reg");
+  EXPECT_EQ(merged.code, 1);
+  EXPECT_EQ(merged.out, "");
+  EXPECT_THAT(merged.err, HasSubstr("bad.reg, line 4: "));
+  Run("--disk c /s /e:A out.reg HKEY_CURRENT_USER\\\\Identities");
+  EXPECT_THAT(folder.Read("out.reg"), HasSubstr("\"a\"=\"1\"\r\n\"c\"=\"3\"\r\n"));
+}
+
+TEST_F(RegeditProgram, IndependentReaderFindsTheSame) {
+  if (Shell("command -v hivexregedit").code != 0) GTEST_SKIP() << "hivexregedit is not installed";
+  ASSERT_EQ(Run("--disk c start.reg").code, 0);
+  ASSERT_EQ(Run("--disk c /e out.reg 'HKEY_CURRENT_USER\\Identities'").code, 0);
+  const Outcome other =
+      Shell("hivexregedit --export --prefix HKEY_CURRENT_USER '" + kHive.string() + "' '\\Identities'");
+  ASSERT_EQ(other.code, 0) << other.err;
+  EXPECT_EQ(ContentsOf(folder.Read("out.reg")), ContentsOf(other.out));
+}
+
+}  // namespace
+}  // namespace quillbox
