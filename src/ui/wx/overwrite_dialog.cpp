@@ -2,6 +2,7 @@
 
 #include <wx/button.h>
 #include <wx/datetime.h>
+#include <wx/dcclient.h>
 #include <wx/dialog.h>
 #include <wx/sizer.h>
 #include <wx/stattext.h>
@@ -33,7 +34,8 @@ wxString SizeText(std::uint64_t bytes) {
 
 wxString TimeText(std::uint64_t fileTime) {
   if (fileTime / kFileTimeTicks < kFileTimeOfUnix) return "date not known";
-  return wxDateTime(static_cast<time_t>(fileTime / kFileTimeTicks - kFileTimeOfUnix)).Format("%d %B %Y, %H:%M:%S");
+  return "modified " +
+         wxDateTime(static_cast<time_t>(fileTime / kFileTimeTicks - kFileTimeOfUnix)).Format("%d %B %Y, %H:%M:%S");
 }
 
 class OverwriteDialog : public wxDialog {
@@ -60,13 +62,15 @@ class OverwriteDialog : public wxDialog {
  private:
   wxStaticText* Text(const wxString& words) {
     auto* text = new wxStaticText(this, wxID_ANY, "");
-    text->SetLabelText(words);
-    text->Wrap(FromDIP(kWidest));
+    const wxString shown =
+        wxControl::Ellipsize(words, wxClientDC(this), wxELLIPSIZE_MIDDLE, FromDIP(kWidest), wxELLIPSIZE_FLAGS_NONE);
+    text->SetLabelText(shown);
+    if (shown != words) text->SetToolTip(words);
     return text;
   }
 
   void AddFile(wxSizer& rows, const WinPath& path, std::uint64_t size, std::uint64_t modified) {
-    const wxString facts = ToWx(path.Text()) + "\n" + SizeText(size) + "\nmodified " + TimeText(modified);
+    const wxString facts = ToWx(path.Text()) + "\n" + SizeText(size) + "\n" + TimeText(modified);
     rows.Add(Text(facts), wxSizerFlags().Expand().Border(wxLEFT | wxBOTTOM, 2 * gap_));
   }
 

@@ -10,6 +10,7 @@
 
 #include <clocale>
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <string_view>
 
@@ -41,10 +42,20 @@ void FixLocale() {
   std::setlocale(LC_NUMERIC, "C");
 }
 
+/// Where the session has no message bus (a bare display), the toolkit's libraries would complain with every dialog that
+/// they cannot keep its size.
+void KeepDesktopSettingsInMemoryWithoutBus() {
+  const char* folder = std::getenv("XDG_RUNTIME_DIR");
+  if (std::getenv("DBUS_SESSION_BUS_ADDRESS") || (folder && std::filesystem::exists(std::string(folder) + "/bus")))
+    return;
+  setenv("GSETTINGS_BACKEND", "memory", 0);
+}
+
 }  // namespace
 
 WxRuntime::WxRuntime() {
   if (wxTheApp) return;
+  KeepDesktopSettingsInMemoryWithoutBus();
   wxApp::SetInstance(new App);
   static char name[] = "quillbox";
   static char* arguments[] = {name, nullptr};

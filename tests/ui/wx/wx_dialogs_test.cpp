@@ -1,0 +1,174 @@
+#include "ui/wx/wx_dialogs.h"
+
+#include <gtest/gtest.h>
+#include <wx/button.h>
+#include <wx/filedlg.h>
+#include <wx/frame.h>
+#include <wx/gauge.h>
+#include <wx/stattext.h>
+#include <wx/textctrl.h>
+#include <wx/timer.h>
+
+#include <fstream>
+
+#include "support/temp_folder.h"
+#include "support/window_test.h"
+
+namespace quillbox {
+namespace {
+
+/// C:\ is the folder given; the host's other folders lie on no drive.
+struct OneDrive : HostPaths {
+  explicit OneDrive(std::filesystem::path toRoot) : root(std::move(toRoot)) {}
+  std::filesystem::path HostPath(const WinPath& path) const override {
+    std::string rest = path.Text().substr(std::min<std::size_t>(3, path.Text().size()));
+    std::replace(rest.begin(), rest.end(), '\\', '/');
+    return root / rest;
+  }
+  WinPath WindowsPathOf(const std::filesystem::path& path) const override {
+    const std::string inside = path.lexically_relative(root).string();
+    if (inside.empty() || inside.starts_with("..")) return WinPath();
+    std::string text = inside == "." ? "C:\\" : "C:\\" + inside;
+    std::replace(text.begin(), text.end(), '/', '\\');
+    return WinPath(text);
+  }
+  std::filesystem::path root;
+};
+
+struct WxDialogsTest : testing::Test {
+  WxDialogsTest() {
+    window.Show();
+    Settle();
+    MoveTo(window.GetScreenRect().GetPosition() + window.GetSize() / 2);
+  }
+  ~WxDialogsTest() override { window.Hide(); }
+
+  /// Does `act` a moment after the question that the caller is about to ask has opened.
+  void WhenAsked(std::function<void()> act) {
+    timer.Bind(wxEVT_TIMER, [act = std::move(act)](wxTimerEvent&) { act(); });
+    timer.StartOnce(400);
+  }
+  void AnswerWith(int key, int modifiers = wxMOD_NONE) {
+    WhenAsked([=] { wxUIActionSimulator().Char(key, modifiers); });
+  }
+
+  TempFolder folder;
+  OneDrive paths{folder.Path()};
+  WxDialogs dialogs{paths};
+  wxFrame window{nullptr, wxID_ANY, "Owner", wxPoint(100, 100), wxSize(600, 400)};
+  wxTimer timer;
+};
+
+TEST_F(WxDialogsTest, EveryButtonOfAMessageGivesItsAnswer) {
+  struct Case {
+    MessageButtons buttons;
+    int key;
+    MessageAnswer answer;
+  };
+  const Case cases[] = {
+      {MessageButtons::Ok, WXK_RETURN, MessageAnswer::Ok},
+      {MessageButtons::Ok, WXK_ESCAPE, MessageAnswer::Ok},
+      {MessageButtons::OkCancel, WXK_RETURN, MessageAnswer::Ok},
+      {MessageButtons::OkCancel, WXK_ESCAPE, MessageAnswer::Cancel},
+      {MessageButtons::YesNo, 'Y', MessageAnswer::Yes},
+      {MessageButtons::YesNo, 'N', MessageAnswer::No},
+      {MessageButtons::YesNoCancel, 'N', MessageAnswer::No},
+      {MessageButtons::YesNoCancel, WXK_ESCAPE, MessageAnswer::Cancel},
+  };
+  for (const Case& test : cases) {
+    AnswerWith(test.key, test.key < 128 && test.key > ' ' ? wxMOD_ALT : wxMOD_NONE);
+    EXPECT_EQ(dialogs.Show({.text = "Proceed?", .buttons = test.buttons}), test.answer) << test.key;
+  }
+}
+
+TEST_F(WxDialogsTest, InputIsTypedOrCancelled) {
+  WhenAsked([] {
+    wxUIActionSimulator().Text("xy");
+    wxUIActionSimulator().Char(WXK_RETURN);
+  });
+  EXPECT_EQ(dialogs.Input("Enter folder name", "Quillbox", "proposed"), "xy") << "typing replaces the proposed text";
+  AnswerWith(WXK_ESCAPE);
+  EXPECT_EQ(dialogs.Input("Enter folder name", "Quillbox", "kept"), std::nullopt);
+}
+
+TEST_F(WxDialogsTest, OverwriteQuestionShowsBothFilesAndGivesEveryAnswer) {
+  const OverwriteQuestion question{.source = WinPath("C:\\Store\\Tom & Jerry.dbx"),
+                                   .target = WinPath("D:\\Backup\\Tom & Jerry.dbx"),
+                                   .sourceSize = 1234567,
+                                   .targetSize = 1,
+                                   .sourceModified = 127'000'000'000'000'000,
+                                   .targetModified = 0};
+  const std::pair<const char*, OverwriteAnswer> cases[] = {{"&Yes", OverwriteAnswer::Yes},
+                                                           {"Yes to &All", OverwriteAnswer::YesToAll},
+                                                           {"&No", OverwriteAnswer::No},
+                                                           {"Cancel", OverwriteAnswer::Cancel}};
+  for (const auto& [label, answer] : cases) {
+    std::string words;
+    WhenAsked([&words, wanted = wxString(label)] {
+      wxButton* press = nullptr;
+      for (wxWindow* child : OpenDialog()->GetChildren()) {
+        if (const auto* text = dynamic_cast<wxStaticText*>(child)) words += text->GetLabelText().utf8_string() + "\n";
+        auto* button = dynamic_cast<wxButton*>(child);
+        if (button && button->GetLabel() == wanted) press = button;
+      }
+      const wxRect place = press->GetScreenRect();
+      wxUIActionSimulator().MouseMove(place.GetPosition() + place.GetSize() / 2);
+      wxUIActionSimulator().MouseClick();
+    });
+    EXPECT_EQ(dialogs.AskOverwrite(question), answer);
+    for (const char* part : {"Tom & Jerry.dbx\"", "C:\\Store\\Tom & Jerry.dbx\n1,234,567 bytes\nmodified 1",
+                             "D:\\Backup\\Tom & Jerry.dbx\n1 byte\ndate not known"}) {
+      EXPECT_NE(words.find(part), std::string::npos) << part << " in\n" << words;
+    }
+    MoveTo(window.GetScreenRect().GetPosition() + window.GetSize() / 2);
+  }
+  AnswerWith(WXK_ESCAPE);
+  EXPECT_EQ(dialogs.AskOverwrite(question), OverwriteAnswer::Cancel);
+}
+
+TEST_F(WxDialogsTest, FileDialogsAnswerInWindowsPaths) {
+  std::filesystem::create_directories(folder.Path() / "Backup");
+  std::ofstream(folder.Path() / "Backup" / "Main.reg") << "REGEDIT4";
+  FileDialog dialog{.title = "",
+                    .folder = WinPath("C:\\Backup"),
+                    .name = "New.reg",
+                    .filter = "Registration Files (*.reg) | *.reg",
+                    .askOverwrite = false};
+  AnswerWith(WXK_RETURN);
+  EXPECT_EQ(dialogs.SaveFile(dialog), WinPath("C:\\Backup\\New.reg"));
+  AnswerWith(WXK_ESCAPE);
+  EXPECT_EQ(dialogs.OpenFile(dialog), std::nullopt);
+  AnswerWith(WXK_RETURN);
+  EXPECT_EQ(dialogs.BrowseForFolder("Select a directory"), WinPath("C:\\"));
+}
+
+TEST_F(WxDialogsTest, ProgressAppearsLateTakesTheOtherWindowsOutAndCancels) {
+  const auto progress = dialogs.ShowProgress("Copying");
+  EXPECT_TRUE(progress->Update("Inbox.dbx", 0, 100));
+  EXPECT_EQ(OpenDialog(), nullptr) << "work that is done at once shows nothing";
+  wxMilliSleep(520);
+  EXPECT_TRUE(progress->Update("Inbox.dbx", 3'000'000'000, 6'000'000'000));
+  ASSERT_NE(OpenDialog(), nullptr);
+  EXPECT_FALSE(window.IsEnabled());
+  int shares = 0;
+  for (wxWindow* child : OpenDialog()->GetChildren()) {
+    if (const auto* gauge = dynamic_cast<wxGauge*>(child)) shares = gauge->GetValue() * 100 / gauge->GetRange();
+  }
+  EXPECT_EQ(shares, 50);
+
+  const wxWindow* cancel = OpenDialog()->FindWindow(wxID_CANCEL);
+  const auto cancelled = [&] {
+    wxMilliSleep(60);
+    return !progress->Update("Inbox.dbx", 4'000'000'000, 0);
+  };
+  for (int i = 0; i < 5; ++i) EXPECT_FALSE(cancelled());
+  const wxRect place = cancel->GetScreenRect();
+  wxUIActionSimulator().MouseMove(place.GetPosition() + place.GetSize() / 2);
+  wxUIActionSimulator().MouseClick();
+  bool ended = false;
+  for (int i = 0; i < 20 && !ended; ++i) ended = cancelled();
+  EXPECT_TRUE(ended);
+}
+
+}  // namespace
+}  // namespace quillbox
