@@ -61,6 +61,17 @@ class HiveCells {
   void Put64(std::uint32_t cell, std::size_t field, std::uint64_t number) { Store64(At(cell) + field, number); }
   std::uint16_t Tag(std::uint32_t cell) const { return Get16(cell, 0); }
 
+  /// Tells the processor that the record at `cell`, which may be any number, will be read soon.
+  void Prefetch(std::uint32_t cell) const {
+#if defined(__GNUC__)
+    if (cell < BinsSize()) __builtin_prefetch(Base() + kHivePage + cell);
+#endif
+  }
+  /// A number of the record at `cell`, which may be any number; kNoCell where that is outside the bins.
+  std::uint32_t Peek(std::uint32_t cell, std::size_t field) const {
+    return cell + kCellHeader + field + 4 <= BinsSize() ? Get32(cell, field) : kNoCell;
+  }
+
   /// A cell with room for `size` bytes, all zero. The caller has made sure that the bins stay within kMaxBinsSize.
   std::uint32_t Allocate(std::size_t size);
   void Free(std::uint32_t cell);

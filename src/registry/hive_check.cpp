@@ -184,7 +184,24 @@ class Checker {
     }
     const std::size_t stride = LeafStride(cells_.Tag(level.leaf));
     ++level.seen;
+    PrefetchAfter(level.leaf, level.nextEntry, stride);
     return cells_.Get32(level.leaf, ListField::kEntries + stride * level.nextEntry++);
+  }
+
+  /// The walk follows names, which leads all over the file: without looking ahead it would wait for memory at every
+  /// record of every key. Each stage needs what the one before it has fetched.
+  void PrefetchAfter(std::uint32_t leaf, std::size_t entry, std::size_t stride) const {
+    const std::size_t count = cells_.Get16(leaf, ListField::kCount);
+    const auto key = [&](std::size_t ahead) {
+      return entry + ahead < count ? cells_.Get32(leaf, ListField::kEntries + (entry + ahead) * stride) : kNoCell;
+    };
+    const auto values = [&](std::size_t ahead) { return cells_.Peek(key(ahead), KeyField::kValueList); };
+    cells_.Prefetch(key(16));
+    cells_.Prefetch(values(12));
+    for (const std::size_t first : {0, 4}) {
+      cells_.Prefetch(cells_.Peek(values(8), first));
+      cells_.Prefetch(cells_.Peek(cells_.Peek(values(4), first), ValueField::kData));
+    }
   }
 
   void CheckChild(Level& level, std::uint32_t subkey) {

@@ -141,10 +141,11 @@ void PointToLeaf(HiveData& hive, std::uint32_t key, std::size_t leafIndex, std::
   }
 }
 
-/// Moves the upper half of a full leaf into a leaf of its own behind it.
+/// Moves the upper half of a full leaf into a leaf of its own behind it; only the last entry where names are added in
+/// their order, so that the leaves get full.
 void SplitLeaf(HiveData& hive, std::uint32_t key, const ListSpot& spot) {
   const std::size_t count = Count(hive, spot.leaf);
-  const std::size_t kept = count / 2;
+  const std::size_t kept = spot.entry == count ? count - 1 : count / 2;
   const std::size_t stride = Stride(hive, spot.leaf);
   const std::uint32_t second = MakeList(hive, hive.cells.Tag(spot.leaf), count - kept);
   std::memcpy(hive.cells.At(second) + ListField::kEntries,

@@ -1,0 +1,138 @@
+// Programs of others read what we write. A program that is not installed is skipped.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+
+#include "registry/hive_tools.h"
+#include "registry/reg_file.h"
+#include "support/temp_folder.h"
+
+namespace quillbox {
+namespace {
+
+/// Lines as Lines() gives them, without an order, from what another program exported.
+class LineCollector : public RegFileVisitor {
+ public:
+  explicit LineCollector(std::string root) : root_(std::move(root)) {}
+
+  void OnKey(std::string_view fullName, std::size_t) override {
+    key_ = std::string(fullName.substr(std::min(root_.size(), fullName.size())));
+    if (key_ == "\\") key_.clear();
+    lines.push_back(key_);
+  }
+  void OnValue(std::string_view name, std::uint32_t type, ByteView data, std::size_t) override {
+    lines.push_back(ValueLine(key_, {std::string(name), type, Bytes(data.begin(), data.end())}));
+  }
+  void OnDeleteKey(std::string_view, std::size_t line) override { OnProblem(line, "deletes a key"); }
+  void OnDeleteValue(std::string_view, std::size_t line) override { OnProblem(line, "deletes a value"); }
+  void OnProblem(std::size_t line, std::string_view reason) override { ADD_FAILURE() << line << ": " << reason; }
+
+  std::vector<std::string> lines;
+
+ private:
+  std::string root_;
+  std::string key_;
+};
+
+class OtherReaders : public testing::Test {
+ protected:
+  /// Twenty thousand keys, a third of them deleted and some made again, and values of every form.
+  OtherReaders() : hive_(Hive::Create("Test", kMonday)) {
+    const auto name = [](int number) {
+      return "Keys\\key " + std::to_string(static_cast<unsigned>(number) * 2654435761U);
+    };
+    const Bytes text = Utf16Bytes(std::u16string_view(u"text", 5));
+    for (int number = 0; number < 20000; ++number) {
+      hive_.SetValue(hive_.CreatePath(hive_.Root(), name(number)), "Username", 1, text);
+    }
+    for (int number = 0; number < 20000; number += 3) hive_.DeleteTree(*hive_.Find(hive_.Root(), name(number)));
+    for (int number = 0; number < 20000; number += 30) hive_.CreatePath(hive_.Root(), name(number) + "\\below");
+    const HiveKey values = hive_.CreateSubkey(hive_.Root(), "Values");
+    hive_.SetValue(values, "", 1, text);
+    hive_.SetValue(values, "number", 4, Pattern(4));
+    for (const std::size_t size : {5U, 16344U, 16345U, 100000U}) {
+      hive_.SetValue(values, "bytes " + std::to_string(size), 3, Pattern(size));
+    }
+    const Bytes image = hive_.Image(kMonday);
+    std::ofstream(folder_ / "hive", std::ios::binary)
+        .write(reinterpret_cast<const char*>(image.data()), static_cast<std::streamsize>(image.size()));
+  }
+
+  static bool IsMissing(const std::string& program) {
+    return std::system(("command -v " + program + " >/dev/null").c_str()) != 0;
+  }
+
+  /// Runs `command` in the test's folder; what it wrote to its output is in the file `out` there.
+  int Run(const std::string& command) const {
+    return std::system(("cd '" + folder_.Path().string() + "' && " + command + " >out 2>errors").c_str());
+  }
+
+  std::string FileText(const char* name) const {
+    std::ifstream file(folder_ / name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  std::vector<std::string> Expected(std::string_view path, const std::string& prefix) const {
+    std::vector<std::string> lines;
+    AppendLines(lines, hive_, *hive_.Find(hive_.Root(), path), prefix, false);
+    std::sort(lines.begin(), lines.end());
+    return lines;
+  }
+
+  /// What an export says, below the key name `root`.
+  std::vector<std::string> Exported(const char* file, const std::string& root) const {
+    LineCollector collector(root);
+    ReadRegFile(FileText(file), file, CodePage(), collector);
+    std::sort(collector.lines.begin(), collector.lines.end());
+    return collector.lines;
+  }
+
+  std::size_t CountInOutput(const std::string& text) const {
+    const std::string output = FileText("out");
+    std::size_t count = 0;
+    for (std::size_t at = output.find(text); at != std::string::npos; at = output.find(text, at + 1)) ++count;
+    return count;
+  }
+
+  /// Lines of the whole hive that are about a value, or about a key.
+  std::size_t CountLines(bool values) const {
+    const std::vector<std::string> lines = Lines(hive_);
+    return static_cast<std::size_t>(std::count_if(lines.begin(), lines.end(), [&](const std::string& line) {
+      return (line.find(" = ") != std::string::npos) == values;
+    }));
+  }
+
+  TempFolder folder_;
+  Hive hive_;
+};
+
+TEST_F(OtherReaders, HivexregeditExportsTheSame) {
+  if (IsMissing("hivexregedit")) GTEST_SKIP() << "hivexregedit is not installed";
+  ASSERT_EQ(Run("hivexregedit --export hive '\\' --prefix Test"), 0) << FileText("errors");
+  EXPECT_EQ(Exported("out", "Test"), Expected("", ""));
+}
+
+TEST_F(OtherReaders, RegedExportsTheSame) {
+  if (IsMissing("reged")) GTEST_SKIP() << "reged is not installed";
+  for (const char* key : {"Keys", "Values"}) {
+    ASSERT_EQ(Run(std::string("reged -x hive Test '\\") + key + "' export"), 0) << FileText("errors");
+    EXPECT_EQ(Exported("export", "Test"), Expected(key, std::string("\\") + key));
+  }
+}
+
+TEST_F(OtherReaders, HivexmlAndReglookupCountTheSame) {
+  if (IsMissing("hivexml") || IsMissing("reglookup")) GTEST_SKIP() << "hivexml or reglookup is not installed";
+  ASSERT_EQ(Run("hivexml hive"), 0) << FileText("errors");
+  EXPECT_EQ(CountInOutput("<node "), CountLines(false));
+  EXPECT_EQ(CountInOutput("<value "), CountLines(true));
+  ASSERT_EQ(Run("reglookup -s hive"), 0);
+  EXPECT_EQ(FileText("errors"), "");
+  EXPECT_EQ(CountInOutput(",KEY,"), CountLines(false));
+  EXPECT_EQ(CountInOutput("\n") - 1, CountLines(false) + CountLines(true));
+}
+
+}  // namespace
+}  // namespace quillbox

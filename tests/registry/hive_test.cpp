@@ -1,0 +1,250 @@
+#include "registry/hive.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "registry/hive_tools.h"
+#include "text/error.h"
+
+namespace quillbox {
+namespace {
+
+using testing::HasSubstr;
+
+std::string ErrorOf(const std::function<void()>& work) {
+  try {
+    work();
+  } catch (const Error& error) {
+    return Describe(error);
+  }
+  return "no error";
+}
+
+std::string Numbered(int number) {
+  return "key " + std::to_string(static_cast<unsigned>(number) * 2654435761U);
+}
+
+/// The security cell of a key, as the file has it.
+std::uint32_t SecurityCell(Bytes& file, HiveKey key) {
+  return Load32(Record(file, key.cell) + KeyField::kSecurity);
+}
+
+std::uint32_t SecurityCount(Bytes file, HiveKey key) {
+  return Load32(Record(file, SecurityCell(file, key)) + SecurityField::kCount);
+}
+
+TEST(Hive, SplitsLongSubkeyListsAndTakesThemApartAgain) {
+  for (const std::uint32_t minor : {3U, 5U}) {
+    Hive hive = EmptyHive(minor);
+    constexpr int kKeys = 3000;
+    for (int number = 0; number < kKeys; ++number) hive.CreatePath(hive.Root(), "Parent\\" + Numbered(number));
+    hive = Hive::Load(hive.Image(kMonday), "many");
+    const HiveKey parent = *hive.Find(hive.Root(), "pARENT");
+    ASSERT_EQ(hive.SubkeyCount(parent), static_cast<std::size_t>(kKeys));
+    const std::vector<HiveKey> subkeys = hive.Subkeys(parent);
+    for (std::size_t at = 0; at < subkeys.size(); ++at) {
+      ASSERT_EQ(hive.SubkeyAt(parent, at), subkeys[at]);
+      ASSERT_TRUE(at == 0 || hive.Name(subkeys[at - 1]) < hive.Name(subkeys[at]));
+    }
+    for (int number = 0; number < kKeys; ++number) hive.DeleteTree(*hive.Find(parent, Numbered(number)));
+    EXPECT_EQ(hive.SubkeyCount(parent), 0U);
+    EXPECT_EQ(Hive::Load(hive.Image(kMonday), "none").SubkeyCount(parent), 0U);
+  }
+}
+
+TEST(Hive, ReusesWhatWasFreed) {
+  Hive hive = EmptyHive(5);
+  const auto cycle = [&](int round) {
+    for (int number = 0; number < 700; ++number) {
+      const HiveKey key = hive.CreatePath(hive.Root(), "Tree\\" + Numbered(number + round));
+      hive.SetValue(key, "text", 1, Pattern(static_cast<std::size_t>(number % 90)));
+    }
+    hive.SetValue(*hive.Find(hive.Root(), "Tree"), "big", 3, Pattern(70000));
+    hive.DeleteTree(*hive.Find(hive.Root(), "Tree"));
+    return hive.Image(kMonday).size();
+  };
+  const std::size_t first = cycle(0);
+  for (int round = 1; round < 20; ++round) ASSERT_LE(cycle(round), first) << "in round " << round;
+
+  const HiveKey key = hive.CreateSubkey(hive.Root(), "Values");
+  for (int number = 0; number < 20000; ++number) {
+    hive.SetValue(key, "same", 3, Pattern(static_cast<std::size_t>(number * 37 % 3000)));
+  }
+  EXPECT_LE(hive.Image(kMonday).size(), first);
+}
+
+TEST(Hive, FindsValuesOfAKeyWithMany) {
+  Hive hive = EmptyHive(3);
+  for (int number = 0; number < 500; ++number) hive.SetValue(hive.Root(), Numbered(number), 4, Pattern(4));
+  for (int number = 0; number < 500; number += 2) ASSERT_TRUE(hive.DeleteValue(hive.Root(), Numbered(number)));
+  hive.SetValue(hive.Root(), "KEY 0", 1, Pattern(3));
+  EXPECT_FALSE(hive.DeleteValue(hive.Root(), Numbered(2)));
+  EXPECT_EQ(hive.Value(hive.Root(), Numbered(0))->type, 1U);
+  EXPECT_EQ(hive.Value(hive.Root(), Numbered(1))->type, 4U);
+  EXPECT_EQ(hive.ValueCount(hive.Root()), 251U);
+}
+
+TEST(Hive, StoresBigDataAsItsVersionDoes) {
+  for (const std::uint32_t minor : {3U, 5U}) {
+    Hive hive = EmptyHive(minor);
+    for (const std::size_t size : {16343U, 16344U, 16345U, 32688U, 32689U, 1000000U}) {
+      hive.SetValue(hive.Root(), std::to_string(size), 3, Pattern(size));
+    }
+    const Bytes image = hive.Image(kMonday);
+    hive = Hive::Load(image, "big");
+    for (const HiveValue& value : hive.Values(hive.Root())) {
+      EXPECT_EQ(value.data, Pattern(std::stoul(value.name))) << value.name;
+    }
+    const Bytes record = {'d', 'b', 2, 0};
+    const bool hasRecord = std::search(image.begin(), image.end(), record.begin(), record.end()) != image.end();
+    EXPECT_EQ(hasRecord, minor > 3);
+
+    const Bytes tooBig(Hive::kMaxDataWithoutDb + 1);
+    if (minor == 3) {
+      EXPECT_THAT(ErrorOf([&] { hive.SetValue(hive.CreateSubkey(hive.Root(), "k"), "v", 3, tooBig); }),
+                  HasSubstr("big\\k: its data are 1048577 bytes long"));
+    } else {
+      hive.SetValue(hive.Root(), "too big for 1.3", 3, tooBig);
+      EXPECT_THAT(ErrorOf([&] { (void)hive.SaveSubtree(hive.Root(), kMonday); }), HasSubstr("too big for 1.3"));
+      Hive old = EmptyHive(3);
+      EXPECT_THAT(ErrorOf([&] { old.ReplaceSubtree(old.Root(), hive); }), HasSubstr("1048576"));
+    }
+  }
+}
+
+TEST(Hive, CountsTheKeysOfEachSecurityDescriptor) {
+  Hive hive = EmptyHive(3);
+  const HiveKey one = hive.CreateSubkey(hive.Root(), "one");
+  const HiveKey below = hive.CreatePath(one, "below\\deep");
+  EXPECT_EQ(hive.Security(below), hive.Security(hive.Root()));
+  EXPECT_EQ(SecurityCount(hive.Image(kMonday), one), 4U);
+
+  // A tree with a descriptor of its own, from another hive.
+  Bytes other = hive.SaveSubtree(one, kMonday).Image(kMonday);
+  Record(other, SecurityCell(other, Hive::Load(other, "o").Root()))[SecurityField::kDescriptor] = 9;
+  const Hive source = Hive::Load(other, "other");
+  const HiveKey two = hive.CreateSubkey(hive.Root(), "two");
+  hive.ReplaceSubtree(two, source);
+  Bytes file = hive.Image(kMonday);
+  EXPECT_NE(hive.Security(two), hive.Security(one));
+  EXPECT_EQ(hive.Security(two), hive.Security(*hive.Find(two, "below\\deep")));
+  EXPECT_EQ(SecurityCount(file, two), 3U);
+  EXPECT_EQ(SecurityCount(file, one), 4U);
+  EXPECT_EQ(SecurityCount(hive.SaveSubtree(hive.Root(), kMonday).Image(kMonday), Hive::Load(file, "f").Root()), 4U);
+
+  hive.ReplaceSubtree(two, hive.SaveSubtree(one, kMonday));
+  file = hive.Image(kMonday);
+  EXPECT_EQ(SecurityCount(file, one), 7U);
+  const std::uint32_t security = SecurityCell(file, one);
+  EXPECT_EQ(Load32(Record(file, security) + SecurityField::kNext), security);
+  hive.DeleteTree(two);
+  hive.DeleteTree(one);
+  EXPECT_EQ(SecurityCount(hive.Image(kMonday), hive.Root()), 1U);
+}
+
+TEST(Hive, StampsTheKeysThatAChangeTouches) {
+  Hive hive = EmptyHive(3);
+  const HiveKey parent = hive.CreateSubkey(hive.Root(), "parent");
+  const HiveKey child = hive.CreateSubkey(parent, "child");
+  hive.SetValue(child, "v", 1, {});
+  EXPECT_TRUE(hive.Changed());
+  hive.Image(kMonday);
+  EXPECT_FALSE(hive.Changed());
+  hive.SetTime(kTuesday);
+  const auto times = [&] { return std::vector<FileTime>{hive.Time(hive.Root()), hive.Time(parent), hive.Time(child)}; };
+  EXPECT_FALSE(hive.DeleteValue(child, "none"));
+  hive.CreateSubkey(parent, "CHILD");
+  EXPECT_FALSE(hive.Changed());
+  EXPECT_EQ(times(), (std::vector<FileTime>{kMonday, kMonday, kMonday}));
+  hive.DeleteValue(child, "V");
+  EXPECT_EQ(times(), (std::vector<FileTime>{kMonday, kMonday, kTuesday}));
+  hive.DeleteTree(child);
+  EXPECT_TRUE(hive.Changed());
+  EXPECT_EQ(hive.Time(parent), kTuesday);
+  EXPECT_EQ(hive.Time(hive.Root()), kMonday);
+  EXPECT_THAT(ErrorOf([&] { (void)hive.Time(child); }), HasSubstr("has been deleted"));
+}
+
+TEST(Hive, CarriesASubtreeWithAllThatBelongsToIt) {
+  Hive hive = EmptyHive(5);
+  const HiveKey tree = hive.CreatePath(hive.Root(), "Software\\Tree");
+  for (int number = 0; number < 1200; ++number) {
+    hive.SetTime(kMonday + static_cast<FileTime>(number));
+    hive.SetValue(hive.CreateSubkey(tree, Numbered(number)), "n", 4, Pattern(4));
+  }
+  hive.SetValue(tree, "big", 3, Pattern(100000));
+  // A class name (here from what were a value's data) and fields without a meaning to us, as other systems leave them.
+  const HiveKey some = *hive.Find(tree, Numbered(5));
+  hive.SetValue(some, "class", 1, Utf16Bytes(u"Klass"));
+  Bytes file = hive.Image(kMonday);
+  std::uint8_t* key = Record(file, some.cell);
+  std::uint8_t* value = Record(file, Load32(Record(file, Load32(key + KeyField::kValueList)) + 4));
+  Store32(key + KeyField::kClass, Load32(value + ValueField::kData));
+  Store16(key + KeyField::kClassLength, 10);
+  Store32(value + ValueField::kDataSize, kInlineData);
+  Store16(key + KeyField::kFlags, Load16(key + KeyField::kFlags) | 0x3000);
+  Store32(key + KeyField::kWork, 0xABCD);
+  hive = Hive::Load(file, "with fields");
+  ASSERT_EQ(hive.ClassName(some), "Klass");
+
+  const Hive saved = Hive::Load(hive.SaveSubtree(tree, kTuesday).Image(kTuesday), "saved");
+  EXPECT_EQ(Lines(saved, true), Lines(hive, tree, true));
+  EXPECT_EQ(saved.Name(saved.Root()), "Tree");
+
+  Hive target = EmptyHive(3);
+  const HiveKey place = target.CreatePath(target.Root(), "Place\\Old");
+  target.CreateSubkey(place, "gone");
+  target.SetTime(kTuesday);
+  target.ReplaceSubtree(place, saved);
+  EXPECT_EQ(Lines(target, place), Lines(hive, tree));
+  EXPECT_EQ(target.Name(place), "Old");
+  EXPECT_EQ(target.Time(*target.Find(place, Numbered(6))), kMonday + 6);
+  Bytes image = target.Image(kTuesday);
+  const std::uint8_t* copied = Record(image, target.Find(place, Numbered(5))->cell);
+  EXPECT_EQ(Load16(copied + KeyField::kFlags), 0x3020);
+  EXPECT_EQ(Load32(copied + KeyField::kWork), 0xABCDU);
+}
+
+TEST(Hive, RefusesWhatExceedsALimitAndStaysAsItWas) {
+  Hive hive = EmptyHive(3);
+  HiveKey deepest = hive.Root();
+  for (std::size_t depth = 1; depth < Hive::kMaxDepth; ++depth) deepest = hive.CreateSubkey(deepest, "d");
+  const Bytes before = hive.Image(kMonday);
+  const std::vector<std::pair<std::string, std::function<void()>>> faults = {
+      {"512 levels", [&] { hive.CreateSubkey(deepest, "x"); }},
+      {"512 levels", [&] { hive.CreatePath(deepest, "x\\y"); }},
+      {"is empty", [&] { hive.CreateSubkey(hive.Root(), ""); }},
+      {"is empty", [&] { hive.CreatePath(hive.Root(), "x\\\\y"); }},
+      {"256 characters", [&] { hive.CreatePath(hive.Root(), "x\\" + std::string(256, 'n')); }},
+      {"backslash", [&] { hive.CreateSubkey(hive.Root(), "a\\b"); }},
+      {"16383 characters", [&] { hive.SetValue(hive.Root(), std::string(16384, 'n'), 1, {}); }},
+      {"cannot be deleted", [&] { hive.DeleteTree(hive.Root()); }},
+      {"512 levels", [&] { hive.ReplaceSubtree(*hive.Find(hive.Root(), "d"), hive); }},
+  };
+  for (const auto& [text, fault] : faults) EXPECT_THAT(ErrorOf(fault), HasSubstr(text));
+  EXPECT_FALSE(hive.Changed());
+  EXPECT_EQ(Lines(hive), Lines(Hive::Load(before, "before")));
+  hive.CreateSubkey(hive.Root(), std::string(255, 'n'));
+  hive.SetValue(hive.Root(), std::string(16383, 'n'), 1, {});
+  EXPECT_EQ(Lines(Hive::Load(hive.Image(kMonday), "after")), Lines(hive));
+}
+
+TEST(Hive, FindsKeysOfAListInAnotherOrder) {
+  Hive hive = EmptyHive(3);
+  for (const char* name : {"alpha", "beta", "gamma", "delta"}) hive.CreatePath(hive.Root(), name);
+  const HiveKey alpha = *hive.Find(hive.Root(), "alpha");
+  Bytes file = hive.Image(kMonday);
+  Record(file, alpha.cell)[KeyField::kName] = 'x';
+  hive = Hive::Load(file, "unordered");
+  for (const char* name : {"xlpha", "beta", "gamma", "delta"}) {
+    ASSERT_TRUE(hive.Find(hive.Root(), name)) << name;
+    hive.CreateSubkey(hive.Root(), name);
+  }
+  for (const HiveKey key : hive.Subkeys(hive.Root())) hive.DeleteTree(key);
+  EXPECT_EQ(Lines(Hive::Load(hive.Image(kMonday), "empty")), std::vector<std::string>{""});
+}
+
+}  // namespace
+}  // namespace quillbox

@@ -1,0 +1,76 @@
+// What the tests of hives share: hives of any version, and everything that a hive holds as lines of text to compare.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "registry/hive.h"
+#include "registry/hive_layout.h"
+
+namespace quillbox {
+
+constexpr FileTime kMonday = 132000000000000000;
+constexpr FileTime kTuesday = kMonday + 864000000000;
+
+/// Sets a number of a hive's base block, and the checksum right.
+inline void SetBase(Bytes& file, std::size_t field, std::uint32_t number) {
+  Store32(file.data() + field, number);
+  Store32(file.data() + BaseField::kChecksum, BaseChecksum(file.data()));
+}
+
+/// The record in a cell of a hive's file.
+inline std::uint8_t* Record(Bytes& file, std::uint32_t cell) {
+  return file.data() + kHivePage + cell + kCellHeader;
+}
+
+/// An empty hive of version 1.`minor`.
+inline Hive EmptyHive(std::uint32_t minor) {
+  Bytes file = Hive::Create("Test", kMonday).Image(kMonday);
+  SetBase(file, BaseField::kMinor, minor);
+  return Hive::Load(file, "empty");
+}
+
+inline std::string Hex(ByteView bytes) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string text;
+  for (const std::uint8_t byte : bytes) text.append({kDigits[byte >> 4], kDigits[byte & 15]});
+  return text;
+}
+
+inline std::string ValueLine(const std::string& path, const HiveValue& value) {
+  return path + " : " + value.name + " = " + std::to_string(value.type) + " " + Hex(value.data);
+}
+
+/// Keys in the hive's order with `path` before their names, each followed by its values; `details`: times, classes
+/// and security descriptors too.
+inline void AppendLines(std::vector<std::string>& lines, const Hive& hive, HiveKey key, const std::string& path,
+                        bool details) {
+  lines.push_back(path);
+  if (details) {
+    lines.push_back(std::to_string(hive.Time(key)) + " " + hive.ClassName(key) + " " + Hex(hive.Security(key)));
+  }
+  for (const HiveValue& value : hive.Values(key)) lines.push_back(ValueLine(path, value));
+  for (const HiveKey subkey : hive.Subkeys(key)) {
+    AppendLines(lines, hive, subkey, path + "\\" + hive.Name(subkey), details);
+  }
+}
+
+inline std::vector<std::string> Lines(const Hive& hive, HiveKey key, bool details = false) {
+  std::vector<std::string> lines;
+  AppendLines(lines, hive, key, "", details);
+  return lines;
+}
+
+inline std::vector<std::string> Lines(const Hive& hive, bool details = false) {
+  return Lines(hive, hive.Root(), details);
+}
+
+/// Bytes that differ from one place to the next, so that pieces in a wrong order show.
+inline Bytes Pattern(std::size_t size, std::size_t seed = 1) {
+  Bytes data(size);
+  for (std::size_t at = 0; at < size; ++at) data[at] = static_cast<std::uint8_t>((at * 31 + at / 256 + seed) & 0xFF);
+  return data;
+}
+
+}  // namespace quillbox
