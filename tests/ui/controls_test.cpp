@@ -1,0 +1,133 @@
+#include "ui/controls.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "support/every_control_form.h"
+#include "support/form_platform.h"
+
+namespace quillbox {
+namespace {
+
+struct ControlsTest : testing::Test {
+  std::string TakeActs() { return std::exchange(form.acts, ""); }
+
+  FormPlatform platform;
+  HandlerGuard guard{platform};
+  EveryControlForm form{guard};
+};
+
+TEST_F(ControlsTest, OnlyActsRunHandlers) {
+  form.picker.text = "two";
+  form.picker.items = {"three"};
+  form.box.text = "D:\\";
+  form.check.checked = true;
+  form.list.selected = 2;
+  EXPECT_EQ(TakeActs(), "");
+
+  form.picker.pick("three");
+  form.box.type("x");
+  form.check.click();
+  form.cmdOk.click();
+  form.list.pick(0);
+  form.list.open(1);
+  EXPECT_EQ(TakeActs(), "picker=three#0 box=x unchecked ok list=0 open=1 ");
+  EXPECT_EQ(platform.commandsEnded, 6) << "each act is a command of its own";
+}
+
+TEST_F(ControlsTest, WhatIsOffTakesNoActs) {
+  for (Control* control : form.Controls()) control->enabled = false;
+  form.picker.pick(0);
+  form.box.type("x");
+  form.check.click();
+  form.cmdOk.click();
+  form.list.pick(0);
+  form.list.open(0);
+  form.menuBar.click("SaveAsHTML");
+  form.box.enabled = true;
+  form.box.readOnly = true;
+  form.box.type("x");
+  EXPECT_EQ(TakeActs(), "");
+  EXPECT_EQ(form.box.text.Get(), "C:\\Data");
+}
+
+TEST_F(ControlsTest, PickerKnowsWhichOfEqualItemsWasPicked) {
+  EXPECT_EQ(form.picker.Index(), -1) << "its text is none of its items";
+  form.picker.pick(2);
+  EXPECT_EQ(form.picker.Index(), 2);
+  form.picker.Add("four");
+  EXPECT_EQ(form.picker.Index(), 1) << "other items: the first that reads so";
+  EXPECT_THROW(form.picker.pick("five"), std::invalid_argument);
+  form.picker.Clear();
+  EXPECT_EQ(form.picker.Index(), -1);
+  form.picker.type("typed");
+  EXPECT_EQ(form.picker.text.Get(), "") << "a picker takes no typing";
+  form.typed.type("*.x");
+  EXPECT_EQ(form.typed.text.Get(), "*.x");
+}
+
+TEST_F(ControlsTest, SelectionEndsWithTheTextOrTheItems) {
+  form.box.SelectAll();
+  EXPECT_TRUE(form.box.allSelected);
+  form.box.text = "other";
+  EXPECT_FALSE(form.box.allSelected);
+  form.list.selected = 2;
+  form.list.items = {"a"};
+  EXPECT_EQ(form.list.selected, -1);
+  form.list.pick(1);
+  EXPECT_EQ(form.list.selected, -1) << "a line that is not there";
+}
+
+TEST_F(ControlsTest, RendererHearsOfChangesAndOnlyOfThose) {
+  int heard = 0;
+  for (Control* control : form.Controls()) control->onChanged = [&] { ++heard; };
+  form.onChanged = [&] { ++heard; };
+  form.value.caption = form.value.caption.Get();
+  EXPECT_EQ(heard, 0);
+  form.value.colour = Colour::Red;
+  form.bar.panels[1] = "x";
+  form.pointer = Pointer::Hourglass;
+  form.check.tooltip = "y";
+  EXPECT_EQ(heard, 4);
+}
+
+TEST_F(ControlsTest, FailedHandlerIsLoggedAndTheCommandEndsOnce) {
+  form.cmdOk.onClick = [this] {
+    form.cmdInner.click();
+    EXPECT_EQ(platform.commandsEnded, 0) << "a handler inside another is one command with it";
+    throw std::runtime_error("the folder is gone");
+  };
+  form.cmdOk.click();
+  EXPECT_EQ(TakeActs(), "inner ");
+  EXPECT_THAT(platform.logged, testing::ElementsAre("EveryControl.cmdOk_Click ended early: the folder is gone"));
+  EXPECT_EQ(platform.commandsEnded, 1);
+}
+
+TEST_F(ControlsTest, ChangesThatCannotBeSavedAreTold) {
+  platform.onEndCommand = [] { throw std::runtime_error("the disk is full"); };
+  form.cmdOk.click();
+  EXPECT_THAT(platform.dialogs.LastMessage(), testing::HasSubstr("the disk is full"));
+  EXPECT_EQ(platform.logged.size(), 1U);
+}
+
+TEST_F(ControlsTest, ClosingPressesTheCancelButtonUnlessItIsOff) {
+  form.Show();
+  form.close();
+  EXPECT_FALSE(form.visible);
+  form.Show();
+  form.cmdClose.enabled = false;
+  form.close();
+  EXPECT_TRUE(form.visible);
+}
+
+TEST_F(ControlsTest, MenuRunsItsItemsByName) {
+  form.menuBar.click("SaveAs");
+  form.menuBar.click("SaveAsHTML");
+  EXPECT_EQ(TakeActs(), "SaveAs ");
+  EXPECT_THROW(form.menuBar.click("Missing"), std::invalid_argument);
+}
+
+}  // namespace
+}  // namespace quillbox

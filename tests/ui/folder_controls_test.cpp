@@ -1,0 +1,118 @@
+#include "ui/folder_controls.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <stdexcept>
+
+#include "support/form_platform.h"
+#include "ui/form.h"
+
+namespace quillbox {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+struct ListFinder : FileFinder {
+  explicit ListFinder(std::vector<FileEntry> toGive) : entries(std::move(toGive)) {}
+  std::optional<FileEntry> Next() override {
+    if (at == entries.size()) return std::nullopt;
+    return entries[at++];
+  }
+  std::vector<FileEntry> entries;
+  std::size_t at = 0;
+};
+
+/// Drives A: (a diskette), C: and Z: with folders by their paths; nothing can be changed.
+struct FixedFiles : FileSystem {
+  std::unique_ptr<FileFinder> Find(const WinPath& pattern) override {
+    return std::make_unique<ListFinder>(folders[pattern.Parent().Text()]);
+  }
+  DriveType TypeOfDrive(const WinPath& root) override {
+    const auto known = drives.find(root.Drive());
+    return known == drives.end() ? DriveType::NoRoot : known->second;
+  }
+  WinPath CurrentDirectory() override { return WinPath("C:\\Data"); }
+
+  std::optional<FileEntry> Stat(const WinPath&) override { throw std::logic_error("not asked for"); }
+  std::optional<std::string> VolumeLabel(const WinPath&) override { return std::nullopt; }
+  std::string ExpandEnvironment(std::string_view text) override { return std::string(text); }
+  Status MakeDirectory(const WinPath&) override { return Status::AccessDenied; }
+  bool MakePath(const WinPath&) override { return false; }
+  Status DeleteFile(const WinPath&) override { return Status::AccessDenied; }
+  Status SetCurrentDrive(char) override { return Status::Success; }
+  Status SetCurrentDirectory(const WinPath&) override { return Status::Success; }
+  std::string ReadFile(const WinPath&) override { return {}; }
+  void WriteFile(const WinPath&, std::string_view) override {}
+  unsigned CodePageNumber() override { return 1252; }
+
+  std::map<char, DriveType> drives{{'A', DriveType::Removable}, {'C', DriveType::Fixed}, {'Z', DriveType::Remote}};
+  std::map<std::string, std::vector<FileEntry>> folders{
+      {"C:\\", {{.name = "Data", .isDirectory = true}, {.name = "boot.ini", .isHidden = true}}},
+      {"C:\\Data",
+       {{.name = ".", .isDirectory = true},
+        {.name = "..", .isDirectory = true},
+        {.name = "zoo", .isDirectory = true},
+        {.name = "Mail", .isDirectory = true},
+        {.name = "System", .isDirectory = true, .isSystem = true},
+        {.name = "b.txt"},
+        {.name = "A.dbx"},
+        {.name = "thumbs.db", .isHidden = true}}},
+  };
+};
+
+struct ListsForm : Form {
+  using Form::Form;
+  LayoutNode Layout() override { return Space(); }
+  DriveListBox drives{*this, "Drive1"};
+  DirListBox folders{*this, "Dir1"};
+  FileListBox names{*this, "File1"};
+};
+
+struct FolderControlsTest : testing::Test {
+  FormPlatform platform;
+  HandlerGuard guard{platform};
+  ListsForm form{guard, "Lists", ""};
+  FixedFiles files;
+};
+
+TEST_F(FolderControlsTest, DrivesThatAreThereAreListedOnceHoweverOftenFilled) {
+  form.drives.Fill(files);
+  form.drives.Fill(files);
+  EXPECT_THAT(form.drives.items.Get(), ElementsAre("A:\\", "C:\\", "Z:\\"));
+  form.drives.ShowDriveOf(WinPath("c:\\Data\\Mail"));
+  EXPECT_EQ(form.drives.text.Get(), "C:\\");
+  EXPECT_EQ(form.drives.Index(), 1);
+}
+
+TEST_F(FolderControlsTest, FolderListShowsTheWayDownAndTheFoldersInside) {
+  int ran = 0;
+  form.folders.onSelect = form.folders.onOpen = [&] { ++ran; };
+  form.folders.SetPath(files, WinPath("C:\\Data\\"));
+  EXPECT_THAT(form.folders.items.Get(), ElementsAre("C:\\", "  Data", "    Mail", "    zoo"));
+  EXPECT_EQ(form.folders.selected, 1) << "the folder itself";
+  EXPECT_EQ(form.folders.FolderAt(0), WinPath("C:\\"));
+  EXPECT_EQ(form.folders.FolderAt(1), WinPath("C:\\Data"));
+  EXPECT_EQ(form.folders.FolderAt(3), WinPath("C:\\Data\\zoo"));
+
+  files.folders["C:\\Data"].push_back({.name = "New", .isDirectory = true});
+  form.folders.Refresh(files);
+  EXPECT_EQ(form.folders.FolderAt(3), WinPath("C:\\Data\\New"));
+
+  form.folders.SetPath(files, WinPath("Mail"));
+  EXPECT_EQ(form.folders.Path(), WinPath("C:\\Data\\Mail")) << "relative to the current directory";
+  EXPECT_THAT(form.folders.items.Get(), ElementsAre("C:\\", "  Data", "    Mail"));
+  EXPECT_EQ(ran, 0);
+}
+
+TEST_F(FolderControlsTest, FileListLeavesOutFoldersAndHiddenFiles) {
+  form.names.SetPath(files, WinPath("C:\\Data"));
+  EXPECT_THAT(form.names.items.Get(), ElementsAre("A.dbx", "b.txt"));
+  form.names.SetPath(files, WinPath("C:\\Gone"));
+  EXPECT_THAT(form.names.items.Get(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace quillbox
