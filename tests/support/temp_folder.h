@@ -2,8 +2,9 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
+#include <cerrno>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -37,7 +38,7 @@ class TempFolder {
   }
   /// Makes or replaces a file, its folders included.
   std::filesystem::path File(std::string_view relative, std::string_view content = {}) const {
-    const std::filesystem::path file = path_ / relative;
+    std::filesystem::path file = path_ / relative;
     std::filesystem::create_directories(file.parent_path());
     std::ofstream(file, std::ios::binary) << content;
     return file;

@@ -115,7 +115,7 @@ bool OfflineProcesses::RunEditor(const std::string& commandLine) {
     log_.Write(editor_.program.string() + " could not be started: " + SystemReason(end.startError));
     return false;
   }
-  if (end.exitCode != 0 || !end.errors.empty()) {
+  if (end.exitCode != 0) {
     log_.Write(commandLine + ": ended with code " + std::to_string(end.exitCode) + ": " + end.errors);
   }
   return true;

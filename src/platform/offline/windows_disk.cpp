@@ -149,7 +149,7 @@ WindowsDisk FindWindowsDisk(const fs::path& given) {
     if (root) roots.push_back(*root);
   }
   const std::optional<fs::path> windows = FindWindowsFolder(disk.folder);
-  if (IsOldWindows(disk.folder) || (!windows && roots.empty())) FailWithoutWindows(disk.folder);
+  if (!windows && (roots.empty() || IsOldWindows(disk.folder))) FailWithoutWindows(disk.folder);
 
   disk.windowsFolder = windows.value_or(fs::path());
   disk.windowsPath = windows ? OnSystemDrive(windows->filename()) : WinPath("C:\\WINDOWS");

@@ -15,7 +15,6 @@
 namespace quillbox {
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 
 struct OfflineShellTest : testing::Test {

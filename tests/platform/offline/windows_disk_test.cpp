@@ -53,6 +53,9 @@ TEST(WindowsDisk, SaysWhatIsWrongWithAFolder) {
   EXPECT_THAT(WhyNot(temp / "nobody"), HasSubstr("nobody/Documents and Settings"));
   temp.File("98/WINDOWS/USER.DAT");
   EXPECT_THAT(WhyNot(temp / "98"), HasSubstr("not supported yet"));
+  temp.File("98/WINNT/System32/config/software");
+  temp.File("98/Documents and Settings/Anna/NTUSER.DAT");
+  EXPECT_EQ(WhyNot(temp / "98"), "(opened)") << "a newer Windows beside it";
   temp.File("xp/windows/System32/config/software");
   temp.File("xp/Documents and Settings/Anna/NTUSER.DAT");
   for (const char* part : {"xp/windows", "xp/Documents and Settings", "xp/Documents and Settings/Anna"}) {
