@@ -4,7 +4,6 @@
 
 #include <chrono>
 
-#include "platform/offline/log.h"
 #include "platform/offline/offline_fixture.h"
 #include "text/error.h"
 
@@ -95,16 +94,6 @@ TEST_F(OfflineRegistryTest, FiftyThousandSubkeysAreQuick) {
   for (const std::string& name : names) registry.DeleteTree(User("many\\" + name));
   EXPECT_EQ(registry.Info(many).subkeys, 0u);
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));  // a slow machine, with sanitizers
-}
-
-TEST(FileLog, NeverFailsAndKeepsItsLinesWhole) {
-  const TempFolder folder;
-  FileLog(folder / "a/b").Write("first\nline\x1B[2J");
-  FileLog(folder / "a/b").Write("second");
-  const std::string text = folder.Read("a/b/quillbox.log");
-  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 2);
-  EXPECT_THAT(text, testing::HasSubstr("  first line [2J\n"));
-  EXPECT_NO_THROW(FileLog("/proc/none").Write("to standard error alone"));
 }
 
 }  // namespace
