@@ -61,6 +61,10 @@ fs::path RealPath(const fs::path& hive) {
 HiveFile::HiveFile(const fs::path& hive, HiveMode mode, const fs::path& stateFolder, Log& log)
     : disk_(RealPath(hive)), mode_(mode), log_(log), copy_(stateFolder, disk_) {
   Read(Source());
+  if (copy_.IsOutdated()) {
+    log_.Write(disk_.string() + ": changed since its private copy was begun; " + copy_.File().string() +
+               " is not used");
+  }
   if (mode_ == HiveMode::Read) return;
   if (!private_ && !CanReplaceFile(disk_)) {
     private_ = true;

@@ -49,10 +49,10 @@ class ReadOnlyDisk {
     fs::permissions(disk.Path(), fs::perms::group_exec | fs::perms::others_exec, fs::perm_options::add);
     fs::permissions(disk.Folder("state"), fs::perms::all);
     fs::permissions(profile_, fs::perms{0555});
-    Become(0, kNobody);
+    if (administrator_) Become(kNobody);
   }
   ~ReadOnlyDisk() {
-    Become(kNobody, 0);
+    if (administrator_) Become(0);
     fs::permissions(profile_, fs::perms{0755});
   }
   ReadOnlyDisk(const ReadOnlyDisk&) = delete;
@@ -60,9 +60,10 @@ class ReadOnlyDisk {
 
  private:
   static constexpr uid_t kNobody = 65534;
-  static void Become(uid_t from, uid_t to) {
-    if (geteuid() == from && seteuid(to) != 0) ADD_FAILURE() << "cannot become user " << to;
+  static void Become(uid_t user) {
+    if (seteuid(user) != 0) ADD_FAILURE() << "cannot become user " << user;
   }
+  const bool administrator_ = geteuid() == 0;
   fs::path profile_;
 };
 
