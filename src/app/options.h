@@ -1,0 +1,52 @@
+// The command line of the program, and the disk that it opened last.
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quillbox {
+
+/// Which disk to open, and as whom.
+struct DiskChoice {
+  std::filesystem::path folder;                  ///< C:\ on the host; empty: none named
+  std::string profile;                           ///< empty: the only one
+  std::map<char, std::filesystem::path> drives;  ///< further drives by upper-case letter
+
+  bool operator==(const DiskChoice&) const = default;
+};
+
+enum class OptionsEnd { Run, Help, Version, Wrong };
+
+struct Options {
+  OptionsEnd end = OptionsEnd::Run;
+  std::string fault;    ///< of Wrong: what is wrong
+  bool choose = false;  ///< ask for the disk even if one was open before
+  DiskChoice disk;
+};
+
+inline constexpr const char* kUsage =
+    "usage: quillbox [FOLDER] [--profile NAME] [--drive D=FOLDER]...\n"
+    "\n"
+    "Opens FOLDER as drive C: of a Windows that isn't running. Without FOLDER it opens the\n"
+    "disk it had open last, or asks.\n"
+    "\n"
+    "  --profile NAME     whose registry to open, where the disk holds several people's\n"
+    "  --drive D=FOLDER   a further drive of that Windows\n"
+    "  --choose           asks for the disk even if one was open before\n"
+    "  --help, --version\n";
+
+/// `arguments` without the program's name. Host paths are made absolute.
+Options ParseOptions(const std::vector<std::string>& arguments);
+
+/// `D=FOLDER` as a drive; nothing when it does not read so.
+std::optional<std::pair<char, std::filesystem::path>> ParseDrive(const std::string& text);
+
+/// The disk opened last, kept in the state folder; empty when there is none.
+DiskChoice LoadLastDisk(const std::filesystem::path& stateFolder);
+/// Remembers `disk`. A failure is no reason to stop: it throws Error for the log.
+void SaveLastDisk(const std::filesystem::path& stateFolder, const DiskChoice& disk);
+
+}  // namespace quillbox

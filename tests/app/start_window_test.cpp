@@ -1,0 +1,73 @@
+#include "app/start_window.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/platform.h"
+#include "sample/sample_disk.h"
+#include "support/scripted_dialogs.h"
+#include "support/temp_folder.h"
+
+namespace quillbox {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+struct SilentLog : Log {
+  void Write(std::string_view) override {}
+};
+
+class StartWindowTest : public ::testing::Test {
+ protected:
+  std::string Wherever(const char* below) { return paths.WindowsPathOf(temp / below).Text(); }
+
+  TempFolder temp;
+  HostOnlyPaths paths;
+  SilentLog log;
+  ScriptedDialogs dialogs;
+  HandlerGuard guard{log, dialogs};
+  std::vector<DiskChoice> opened;
+  StartWindow window{guard, dialogs, [this](const DiskChoice& choice) { opened.push_back(choice); }};
+};
+
+TEST_F(StartWindowTest, AChosenDiskShowsItsProfilesAndOpens) {
+  const SampleDisk sample = MakeSampleDisk(temp / "disk", {.smallStores = true});
+  dialogs.folderAnswers = {WinPath(Wherever("disk/C"))};
+  window.Show();
+  window.cmdChoose.click();
+  EXPECT_EQ(window.lstProfiles.items, std::vector<std::string>{"Ann Miller — 3 identities"});
+  EXPECT_TRUE(window.cmdOpen.enabled);
+  window.cmdOpen.click();
+  EXPECT_THAT(opened, ElementsAre(DiskChoice{sample.driveC, "Ann Miller", {}}));
+  EXPECT_FALSE(window.visible);
+}
+
+TEST_F(StartWindowTest, AFolderThatIsNoDiskSaysWhy) {
+  dialogs.folderAnswers = {WinPath(Wherever(""))};
+  window.cmdChoose.click();
+  EXPECT_NE(window.lblFault.caption, "");
+  EXPECT_FALSE(window.cmdOpen.enabled);
+  window.cmdOpen.click();
+  EXPECT_TRUE(opened.empty());
+}
+
+TEST_F(StartWindowTest, ADamagedHiveIsNamedBesideItsProfile) {
+  MakeSampleDisk(temp / "disk", {.smallStores = true});
+  temp.File("disk/C/Documents and Settings/Ann Miller/NTUSER.DAT", "no hive");
+  window.Look({.folder = temp / "disk/C", .profile = {}, .drives = {}});
+  EXPECT_THAT(window.lstProfiles.items.Get(), ElementsAre(HasSubstr("Ann Miller — cannot be read: ")));
+}
+
+TEST_F(StartWindowTest, ASampleDiskIsMadeWhereThePersonSays) {
+  dialogs.folderAnswers = {WinPath(Wherever("")), WinPath(Wherever(""))};
+  window.cmdSample.click();
+  window.lstProfiles.open(0);
+  EXPECT_THAT(opened,
+              ElementsAre(DiskChoice{temp / "quillbox-sample/C", "Ann Miller", {{'D', temp / "quillbox-sample/D"}}}));
+  window.cmdSample.click();
+  EXPECT_THAT(window.lblFault.caption.Get(), HasSubstr("quillbox-sample"));
+}
+
+}  // namespace
+}  // namespace quillbox

@@ -1,0 +1,82 @@
+#include "core/identity_catalogue.h"
+
+#include "core/address_book_slots.h"
+#include "support/sample_platform.h"
+
+namespace quillbox {
+namespace {
+
+class IdentityCatalogueTest : public SamplePlatform {
+ protected:
+  void SetUp() override { MakeDisk(); }
+  CatalogueLoad Load() { return LoadCatalogue(Store(), platform->GetFiles()); }
+  IdentityInfo Find(const std::string& username) {
+    for (const IdentityInfo& identity : Load().catalogue.identities) {
+      if (identity.username == username) return identity;
+    }
+    ADD_FAILURE() << "no identity " << username;
+    return {};
+  }
+};
+
+TEST_F(IdentityCatalogueTest, LoadsWhatTheRegistryHolds) {
+  const CatalogueLoad load = Load();
+  EXPECT_EQ(load.end, CatalogueLoad::End::Complete);
+  ASSERT_GE(load.catalogue.identities.size(), 3u);
+  EXPECT_EQ(load.catalogue.defaultUsername, "Main Identity");
+  const IdentityInfo main = Find("Main Identity");
+  EXPECT_EQ(main.userId, load.catalogue.defaultUserId);
+  EXPECT_EQ(main.storeFolder, "C:\\Documents and Settings\\Ann Miller\\Local Settings\\Application Data\\Identities\\" +
+                                  main.userId + "\\Microsoft\\Outlook Express");
+  EXPECT_THAT(load.catalogue.addressBookFile, ::testing::EndsWith(".wab"));
+}
+
+TEST_F(IdentityCatalogueTest, AnIdentityNeverStartedGetsTheMarker) {
+  const IdentityInfo guest = Find("Guest");
+  EXPECT_EQ(guest.storeFolder, kEmptyIdentityMarker);
+  const OpenResult settings = Store().OpenKey(CurrentUser(IdentitySettingsKey(guest.userId)));
+  EXPECT_EQ(platform->GetRegistry().Query(settings.key, "Store Root", std::nullopt).type, ValueType::ExpandSz);
+}
+
+TEST_F(IdentityCatalogueTest, ExpandsOnlyTheFirstVariable) {
+  FileSystem& files = platform->GetFiles();
+  const std::string profile = "C:\\Documents and Settings\\Ann Miller";
+  EXPECT_EQ(ExpandStoreRoot(files, "%UserProfile%\\a\\%Temp%"), profile + "\\a\\%Temp%");
+  EXPECT_EQ(ExpandStoreRoot(files, "C:\\Mail\\%userprofile%\\Store"), profile + "\\Store");
+  EXPECT_EQ(ExpandStoreRoot(files, "C:\\100% mail"), "C:\\100% mail");
+  EXPECT_EQ(ExpandStoreRoot(files, "C:\\Mail\\%NotSet%\\Store"), "%NotSet%\\Store");
+}
+
+TEST_F(IdentityCatalogueTest, StopsWhereAKeyCannotBeOpened) {
+  Store().SetKeyValue(kIdentitiesKey, "Default User ID", "{gone}", ValueType::Sz);
+  const CatalogueLoad load = Load();
+  EXPECT_EQ(load.end, CatalogueLoad::End::ReadError);
+  EXPECT_EQ(load.suffix, " Default User ID Username");
+  EXPECT_EQ(load.usernamesRead, 1u);
+
+  Store().DeleteKey(CurrentUser(kIdentitiesKey));
+  EXPECT_EQ(Load().end, CatalogueLoad::End::NoIdentitiesKey);
+}
+
+TEST_F(IdentityCatalogueTest, AValueThatIsNoTextEndsTheLoad) {
+  const std::string key = IdentitySettingsKey(Load().catalogue.defaultUserId);
+  Store().SetKeyValue(key, "Store Root", RegValue(7), ValueType::Dword);
+  const CatalogueLoad load = Load();
+  EXPECT_EQ(load.end, CatalogueLoad::End::Failed);
+  EXPECT_THAT(load.failure, ::testing::HasSubstr("Store Root"));
+}
+
+TEST_F(IdentityCatalogueTest, AddressBookSlotsAreMadeAndRead) {
+  Store().SetKeyValue(kAddressBookKey, "WAB1", "D:\\Books\\old.wab", ValueType::Sz);
+  const OpenResult key = Store().OpenKey(CurrentUser(kAddressBookKey));
+  platform->GetRegistry().SetValue(key.key, "WAB3", ValueType::Sz, {});
+  const SlotsLoad load = LoadAddressBookSlots(Store());
+  EXPECT_THAT(load.slots.captions, ::testing::ElementsAre(kNoneSelected, "old.wab", kNoneSelected, kNoneSelected));
+  EXPECT_THAT(load.slots.folder, ::testing::EndsWith("\\Address Book\\"));
+  EXPECT_EQ(Read(kAddressBookKey, "WAB2"), RegValue(kNoneSelected));
+  Store().DeleteKey(CurrentUser(kAddressBookKey));
+  EXPECT_FALSE(LoadAddressBookSlots(Store()).keyOpened);
+}
+
+}  // namespace
+}  // namespace quillbox

@@ -1,0 +1,124 @@
+// The offline platform on a small sample disk in a temporary folder, with what it would show, start or open recorded.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/identity_catalogue.h"
+#include "core/registry_store.h"
+#include "platform/offline/offline_platform.h"
+#include "sample/sample_disk.h"
+#include "support/scripted_dialogs.h"
+#include "support/temp_folder.h"
+
+namespace quillbox {
+
+/// Passes every command line on to the real registry editor and keeps it.
+struct RecordingProcesses : Processes {
+  explicit RecordingProcesses(Processes& toInner) : inner(toInner) {}
+  bool RunAndWait(const std::string& commandLine, ShowStyle style) override {
+    commandLines.push_back(commandLine);
+    return !forward || inner.RunAndWait(commandLine, style);
+  }
+  Processes& inner;
+  bool forward = true;
+  std::vector<std::string> commandLines;
+};
+
+/// Keeps what would be opened in the host's file manager or browser; copies are real.
+struct RecordingShell : Shell {
+  explicit RecordingShell(Shell& toInner) : inner(toInner) {}
+  void Explore(const std::string& folder, const std::string& parameters) override {
+    explored.push_back(parameters.empty() ? folder : folder + "|" + parameters);
+  }
+  void OpenUrl(const std::string& url) override { urls.push_back(url); }
+  bool CopyFile(const WinPath& source, const WinPath& target, bool noConfirm) override {
+    return inner.CopyFile(source, target, noConfirm);
+  }
+  Shell& inner;
+  std::vector<std::string> explored;
+  std::vector<std::string> urls;
+};
+
+struct RecordingLog : Log {
+  void Write(std::string_view text) override { lines.emplace_back(text); }
+  std::vector<std::string> lines;
+};
+
+struct RecordingPlatform : Platform {
+  RecordingPlatform(const OfflineOptions& options, Dialogs& dialogs)
+      : offline(options, dialogs), processes(offline.GetProcesses()), shell(offline.GetShell()) {}
+
+  Registry& GetRegistry() override { return offline.GetRegistry(); }
+  FileSystem& GetFiles() override { return offline.GetFiles(); }
+  Shell& GetShell() override { return shell; }
+  Processes& GetProcesses() override { return processes; }
+  Dialogs& GetDialogs() override { return offline.GetDialogs(); }
+  Clock& GetClock() override { return offline.GetClock(); }
+  Guids& GetGuids() override { return offline.GetGuids(); }
+  Clipboard& GetClipboard() override { return offline.GetClipboard(); }
+  Log& GetLog() override { return log; }
+  void EndCommand() override {
+    ++commandsEnded;
+    offline.EndCommand();
+  }
+  std::string SystemDescription() override { return offline.SystemDescription(); }
+
+  OfflinePlatform offline;
+  RecordingProcesses processes;
+  RecordingShell shell;
+  RecordingLog log;
+  int commandsEnded = 0;
+};
+
+class SamplePlatform : public ::testing::Test {
+ protected:
+  void MakeDisk(const SampleOptions& options = {.smallStores = true}) {
+    sample = MakeSampleDisk(temp / "disk", options);
+    OpenDisk();
+  }
+
+  /// Opens the disk (again), as a new start of the program does.
+  virtual void OpenDisk() {
+    store.reset();
+    platform.reset();
+    OfflineOptions options;
+    options.folder = sample.driveC;
+    options.profile = sample.profile;
+    options.drives = {{'D', sample.driveD}};
+    options.stateFolder = temp / "state";
+    options.registryEditor = QUILLBOX_BIN_DIR "/regedit";
+    platform = std::make_unique<RecordingPlatform>(options, dialogs);
+    store = std::make_unique<RegistryStore>(*platform);
+  }
+
+  RegistryStore& Store() { return *store; }
+  RegValue Read(const std::string& subkey, const std::string& name) {
+    return Store().RegistryGetKeyValue(CurrentUser(subkey), name);
+  }
+
+  /// The names in a host folder, sorted.
+  static std::vector<std::string> Names(const std::filesystem::path& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) names.push_back(entry.path().filename());
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+  static std::string Content(const std::filesystem::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+
+  TempFolder temp;
+  ScriptedDialogs dialogs;
+  SampleDisk sample;
+  std::unique_ptr<RecordingPlatform> platform;
+  std::unique_ptr<RegistryStore> store;
+};
+
+}  // namespace quillbox

@@ -1,0 +1,34 @@
+// The program's windows on a small sample disk, without a display: what a test of a command needs to click and to look
+// at what is then on the disk.
+#pragma once
+
+#include <memory>
+
+#include "support/sample_platform.h"
+#include "ui/forms/windows.h"
+
+namespace quillbox {
+
+class SampleWindows : public SamplePlatform {
+ protected:
+  static constexpr const char* kBackup = "D:\\Backup";
+
+  void OpenDisk() override {
+    windows.reset();
+    SamplePlatform::OpenDisk();
+    windows = std::make_unique<Windows>(*platform);
+  }
+
+  /// Makes D:\Backup and has it be the backup folder, then starts the program.
+  Form1& Start() {
+    std::filesystem::create_directories(BackupFolderOnHost());
+    windows->program.backupFolder.Set(kBackup);
+    windows->form1.Open();
+    return windows->form1;
+  }
+  std::filesystem::path BackupFolderOnHost() const { return sample.driveD / "Backup"; }
+
+  std::unique_ptr<Windows> windows;
+};
+
+}  // namespace quillbox

@@ -1,0 +1,162 @@
+#include "support/sample_windows.h"
+
+namespace quillbox {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+class QuickBackupTest : public SampleWindows {
+ protected:
+  void SetUp() override { MakeDisk(); }
+  Form1& StartOn(const std::string& username) {
+    Form1& form = Start();
+    form.cmbUserNames.pick(username);
+    return form;
+  }
+  std::filesystem::path StoreOnHost() {
+    return *std::optional(platform->offline.GetFiles().HostPath(WinPath(windows->form1.Text1.text)));
+  }
+  void Rename(const std::string& username) {
+    Store().SetKeyValue(IdentityKey(windows->form1.Label6.caption), "Username", username, ValueType::Sz);
+    windows->form1.GetInputPaths();
+    windows->form1.cmbUserNames.pick(username);
+  }
+  /// Nothing but the backup folder itself may have come to be.
+  void ExpectNoBackup() { EXPECT_TRUE(Names(BackupFolderOnHost()).empty()); }
+};
+
+TEST_F(QuickBackupTest, TheFolderHoldsExactlyWhatBelongsToTheIdentity) {
+  Form1& form = StartOn("Main Identity");
+  form.cmdQuickBackup.click();
+  EXPECT_EQ(form.sb1.panels[0], "Backup Complete");
+  EXPECT_EQ(form.sb1.panels[1], "");
+  EXPECT_EQ(form.cmdQuickBackup.caption, "QuickBackup --- Backup The Selected Identity Now");
+  EXPECT_EQ(form.pointer, Pointer::Normal);
+  EXPECT_TRUE(dialogs.messages.empty());
+
+  std::vector<std::string> expected{"Ann Miller.wab", "HKLMOutlookExpress.reg", "IAM.reg", "Main Identity.reg",
+                                    "WAB.reg"};
+  for (const std::string& name : Names(StoreOnHost())) {
+    if (name.ends_with(".dbx") && name != "Pop3uidl.dbx" && name.find('.') == name.size() - 4) expected.push_back(name);
+  }
+  std::sort(expected.begin(), expected.end());
+  const auto folder = BackupFolderOnHost() / "Main Identity";
+  EXPECT_EQ(Names(folder), expected);
+  EXPECT_EQ(Content(folder / "Inbox.dbx"), Content(StoreOnHost() / "Inbox.dbx"));
+  EXPECT_EQ(std::filesystem::last_write_time(folder / "Inbox.dbx"),
+            std::filesystem::last_write_time(StoreOnHost() / "Inbox.dbx"));
+  EXPECT_THAT(Content(folder / "Main Identity.reg"),
+              HasSubstr("REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Identities\\" + form.Label6.caption.Get() + "]\r\n"));
+  EXPECT_THAT(Content(folder / "IAM.reg"), HasSubstr("\"Account Name\"="));
+  EXPECT_EQ(platform->GetFiles().CurrentDirectory().Text(), kBackup);
+}
+
+TEST_F(QuickBackupTest, ExportsRunInOrderWithTheirCommandLines) {
+  Form1& form = StartOn("Main Identity");
+  form.menuBar.click("qbk");
+  const std::string folder = std::string(kBackup) + "\\Main Identity\\";
+  EXPECT_THAT(
+      platform->processes.commandLines,
+      ElementsAre("regedit /s /e:A \"" + folder + "Main Identity.reg\"  HKEY_CURRENT_USER\\Identities\\" +
+                      form.Label6.caption.Get(),
+                  "regedit /s /e:A \"" + folder + "WAB.reg\"  \"HKEY_CURRENT_USER\\Software\\Microsoft\\WAB\"",
+                  "regedit /s /e:A \"" + folder +
+                      "HKLMOutlookExpress.reg\"  \"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Outlook Express\"",
+                  "regedit /s /e:A \"" + folder +
+                      "IAM.reg\"  \"HKEY_CURRENT_USER\\SOFTWARE\\Microsoft\\Internet Account Manager\\Accounts\""));
+}
+
+TEST_F(QuickBackupTest, ExistingFilesAreReplacedOnlyWhenThePersonSaysSo) {
+  Form1& form = StartOn("Main Identity");
+  form.cmdQuickBackup.click();
+  const auto inbox = BackupFolderOnHost() / "Main Identity/Inbox.dbx";
+  const std::string original = Content(inbox);
+  std::ofstream(inbox) << "older";
+
+  dialogs.overwriteAnswers = {OverwriteAnswer::Cancel};
+  form.cmdQuickBackup.click();
+  EXPECT_EQ(Content(inbox), "older");
+  EXPECT_EQ(form.sb1.panels[0], "Backup Complete");
+  EXPECT_THAT(form.sb1.panels[1].Get(), HasSubstr("Files not copied: "));
+
+  dialogs.overwriteAnswers = {OverwriteAnswer::YesToAll};
+  form.cmdQuickBackup.click();
+  EXPECT_EQ(Content(inbox), original);
+  EXPECT_EQ(dialogs.overwriteQuestions.size(), 2u);
+
+  std::ofstream(inbox) << "older";
+  form.chkOverwrite.click();
+  form.cmdQuickBackup.click();
+  EXPECT_EQ(Content(inbox), original);
+  EXPECT_EQ(dialogs.overwriteQuestions.size(), 2u);
+}
+
+TEST_F(QuickBackupTest, WhatCannotBeBackedUpIsRefusedFirst) {
+  Form1& form = StartOn("Guest");
+  form.cmdQuickBackup.click();
+  EXPECT_EQ(dialogs.LastMessage(),
+            "This Identity is empty, there are no values to save. Please select another Identity.");
+  EXPECT_EQ(dialogs.messages.back().icon, MessageIcon::Exclamation);
+
+  form.cmbUserNames.pick("Main Identity");
+  windows->program.backupFolder.Reset();
+  form.cmdQuickBackup.click();
+  EXPECT_EQ(dialogs.LastMessage(), "Please select a backup folder or create one from the Tools menu");
+  ExpectNoBackup();
+  EXPECT_TRUE(platform->processes.commandLines.empty());
+}
+
+TEST_F(QuickBackupTest, AUsernameNeverLeavesTheBackupFolder) {
+  Form1& form = StartOn("Main Identity");
+  for (const char* username : {"..\\..\\x", "..", "CON", "a:b", "a/b", ""}) {
+    SCOPED_TRACE(username);
+    dialogs.messages.clear();
+    Rename(username);
+    form.cmdQuickBackup.click();
+    ASSERT_EQ(dialogs.messages.size(), 1u);
+    EXPECT_THAT(dialogs.LastMessage(), HasSubstr(std::string("The backup of \"") + username + "\" was not made"));
+    EXPECT_EQ(form.sb1.panels[0], "");
+    EXPECT_EQ(form.pointer, Pointer::Normal);
+  }
+  ExpectNoBackup();
+  EXPECT_TRUE(platform->processes.commandLines.empty());
+  EXPECT_FALSE(std::filesystem::exists(sample.driveD / "x"));
+}
+
+TEST_F(QuickBackupTest, AFolderThatCannotBeMadeIsNamedWithTheReason) {
+  Form1& form = StartOn("Main Identity");
+  temp.File("disk/D/Backup/Main Identity", "a file in the way");
+  form.cmdQuickBackup.click();
+  EXPECT_THAT(dialogs.LastMessage(), HasSubstr("D:\\Backup\\Main Identity"));
+  EXPECT_EQ(Content(BackupFolderOnHost() / "Main Identity"), "a file in the way");
+
+  std::filesystem::remove_all(BackupFolderOnHost());
+  form.cmdQuickBackup.click();
+  EXPECT_THAT(dialogs.LastMessage(), HasSubstr("\"D:\\Backup\" cannot be used because the folder does not exist"));
+}
+
+TEST_F(QuickBackupTest, AStoreThatIsGoneIsToldAndTheRestBackedUp) {
+  Form1& form = StartOn("Main Identity");
+  std::filesystem::remove_all(StoreOnHost());
+  form.cmdQuickBackup.click();
+  EXPECT_THAT(dialogs.LastMessage(), HasSubstr("\"" + form.Text1.text.Get() + "\" does not exist"));
+  EXPECT_EQ(Names(BackupFolderOnHost() / "Main Identity"),
+            (std::vector<std::string>{"Ann Miller.wab", "HKLMOutlookExpress.reg", "IAM.reg", "Main Identity.reg",
+                                      "WAB.reg"}));
+}
+
+TEST_F(QuickBackupTest, AnUnknownWindowsCopiesTheFilesAndExportsNothing) {
+  Store().DeleteKey({RegistryRoot::LocalMachine, "Software\\Microsoft\\Windows NT\\CurrentVersion"});
+  Form1& form = StartOn("Main Identity");
+  form.cmdQuickBackup.click();
+  EXPECT_TRUE(platform->processes.commandLines.empty());
+  EXPECT_THAT(Names(BackupFolderOnHost() / "Main Identity"), Contains("Inbox.dbx"));
+  EXPECT_THAT(Names(BackupFolderOnHost() / "Main Identity"), Not(Contains("IAM.reg")));
+  EXPECT_EQ(form.sb1.panels[0], "Backup Complete");
+}
+
+}  // namespace
+}  // namespace quillbox
