@@ -13,6 +13,10 @@ class Checker {
   explicit Checker(HiveData& hive) : hive_(hive), cells_(hive.cells), unclaimed_(hive.cells.Used()) {}
 
   void Run() {
+    if (!cells_.IsUsed(hive_.root)) {
+      ThrowHiveFault(hive_.name, 0, "the root key's offset leads to no cell in use");
+    }
+    Claim(hive_.root, hive_.root, KeyField::kName, "root key");
     CheckKey(hive_.root);
     Enter(hive_.root);
     while (!path_.empty()) {
@@ -198,7 +202,7 @@ class Checker {
     const auto values = [&](std::size_t ahead) { return cells_.Peek(key(ahead), KeyField::kValueList); };
     cells_.Prefetch(key(16));
     cells_.Prefetch(values(12));
-    for (const std::size_t first : {0, 4}) {
+    for (const std::size_t first : {std::size_t{0}, std::size_t{4}}) {
       cells_.Prefetch(cells_.Peek(values(8), first));
       cells_.Prefetch(cells_.Peek(cells_.Peek(values(4), first), ValueField::kData));
     }
@@ -227,22 +231,12 @@ class Checker {
   CellBits unclaimed_;
   std::vector<Level> path_;
   std::unordered_map<std::uint32_t, std::uint32_t> securityCounts_;
-
- public:
-  void ClaimRoot() {
-    if (!cells_.IsUsed(hive_.root)) {
-      ThrowHiveFault(hive_.name, 0, "the root key's offset leads to no cell in use");
-    }
-    Claim(hive_.root, hive_.root, KeyField::kName, "root key");
-  }
 };
 
 }  // namespace
 
 void CheckHive(HiveData& hive) {
-  Checker checker(hive);
-  checker.ClaimRoot();
-  checker.Run();
+  Checker(hive).Run();
 }
 
 }  // namespace quillbox

@@ -43,8 +43,8 @@ struct HiveData {
 
 // hive_load.cpp, hive_check.cpp
 void LoadHive(HiveData& hive, Bytes file, ByteView log, ByteView log2);
-/// Walks everything that can be reached from the root, once; sets `root`'s followers in HiveData right. Throws Error
-/// on the first thing that is not as it must be.
+/// Walks everything that can be reached from the root, once, and notes what HiveData keeps of it. Throws Error on the
+/// first thing that is not as it must be.
 void CheckHive(HiveData& hive);
 
 // hive_keys.cpp
@@ -91,7 +91,7 @@ void WriteValue(HiveData& hive, std::uint32_t key, const NewName& name, std::uin
 void CopyValue(HiveData& hive, std::uint32_t key, const HiveData& source, std::uint32_t value);
 void RemoveValue(HiveData& hive, std::uint32_t key, std::uint32_t value);
 void FreeValues(HiveData& hive, std::uint32_t key);
-/// True when the data of a value of this size stand in one cell of their own.
+/// True when `dataCell` holds not the data of a value of this size but a `db` record that leads to their pieces.
 bool IsBigData(const HiveData& hive, std::uint32_t dataCell, std::uint32_t size);
 
 // hive_security.cpp

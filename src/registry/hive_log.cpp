@@ -112,7 +112,7 @@ bool ApplySectorLog(Bytes& file, ByteView log) {
 
 /// The entry at the start of `log`, or nothing where its chain ends.
 std::optional<LogEntry> ReadEntry(ByteView log) {
-  if (log.size() < EntryField::kEnd || Load32(log.data()) != kEntryTag) return std::nullopt;
+  if (log.size() < EntryField::kEnd || Load32(log.data() + EntryField::kTag) != kEntryTag) return std::nullopt;
   const std::size_t size = Load32(log.data() + EntryField::kSize);
   if (size < kSector || size % kSector != 0 || size > log.size()) return std::nullopt;
   const ByteView entry = log.first(size);

@@ -231,6 +231,24 @@ TEST(Hive, RefusesWhatExceedsALimitAndStaysAsItWas) {
   EXPECT_EQ(Lines(Hive::Load(hive.Image(kMonday), "after")), Lines(hive));
 }
 
+TEST(Hive, WorksOnPlainListsOfOlderSystems) {
+  Hive hive = EmptyHive(3);
+  for (const char* name : {"beta", "delta", "alpha"}) hive.CreateSubkey(hive.Root(), name);
+  Bytes file = hive.Image(kMonday);
+  std::uint8_t* list = Record(file, Load32(Record(file, hive.Root().cell) + KeyField::kSubkeyList));
+  Store16(list, kPlainLeafTag);
+  for (std::size_t at = 0; at < 3; ++at) {
+    Store32(list + ListField::kEntries + at * 4, Load32(list + ListField::kEntries + at * 8));
+  }
+  hive = Hive::Load(file, "plain");
+  for (int number = 0; number < 1500; ++number) hive.CreateSubkey(hive.Root(), Numbered(number));
+  hive.DeleteTree(*hive.Find(hive.Root(), "BETA"));
+  hive = Hive::Load(hive.Image(kMonday), "plain");
+  EXPECT_EQ(hive.SubkeyCount(hive.Root()), 1502U);
+  EXPECT_TRUE(hive.Find(hive.Root(), "Delta"));
+  EXPECT_FALSE(hive.Find(hive.Root(), "beta"));
+}
+
 TEST(Hive, FindsKeysOfAListInAnotherOrder) {
   Hive hive = EmptyHive(3);
   for (const char* name : {"alpha", "beta", "gamma", "delta"}) hive.CreatePath(hive.Root(), name);
