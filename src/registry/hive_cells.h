@@ -83,8 +83,12 @@ class HiveCells {
   static constexpr std::size_t kClasses = 160;      ///< above: four classes for each doubling
   static std::size_t ClassOf(std::size_t size);
 
-  std::uint8_t* Header(std::size_t offset) { return file_.data() + kHivePage + offset; }
-  const std::uint8_t* Header(std::size_t offset) const { return file_.data() + kHivePage + offset; }
+  std::uint8_t* Header(std::size_t offset) {
+    return file_.data() + kHivePage + offset;
+  }
+  const std::uint8_t* Header(std::size_t offset) const {
+    return file_.data() + kHivePage + offset;
+  }
   void ScanBin(const std::string& fileName, std::size_t bin, std::size_t end);
   void AddFree(std::size_t offset, std::size_t size);
   void RemoveFree(std::size_t offset);

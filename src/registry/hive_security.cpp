@@ -49,15 +49,14 @@ void ReleaseSecurity(HiveData& hive, std::uint32_t security) {
 
 Bytes DefaultDescriptor() {
   return {
-      1, 0, 0x04, 0x80, 20,   0, 0,    0, 36, 0, 0, 0, 0,    0, 0, 0, 48, 0, 0, 0,  // owner @20, group @36, access list
-                                                                                    // @48
-      1, 2, 0,    0,    0,    0, 0,    5, 32, 0, 0, 0, 0x20, 2, 0, 0,               // owner: the administrators
-      1, 1, 0,    0,    0,    0, 0,    5, 18, 0, 0, 0,                              // group: the system
-      2, 0, 72,   0,    3,    0, 0,    0,  // three entries, inherited by subkeys
-      0, 2, 24,   0,    0x3F, 0, 0x0F, 0, 1,  2, 0, 0, 0,    0, 0, 5, 32, 0, 0, 0, 0x20,
-      2, 0, 0,                                                                      // administrators: all
-      0, 2, 20,   0,    0x3F, 0, 0x0F, 0, 1,  1, 0, 0, 0,    0, 0, 5, 18, 0, 0, 0,  // system: all
-      0, 2, 20,   0,    0x19, 0, 0x02, 0, 1,  1, 0, 0, 0,    0, 0, 1, 0,  0, 0, 0,  // everyone: read
+      1, 0, 0x04, 0x80, 20, 0, 0, 0, 36, 0, 0, 0, 0, 0, 0, 0, 48, 0, 0, 0,  // owner @20, group @36, access list
+                                                                            // @48
+      1, 2, 0, 0, 0, 0, 0, 5, 32, 0, 0, 0, 0x20, 2, 0, 0,                   // owner: the administrators
+      1, 1, 0, 0, 0, 0, 0, 5, 18, 0, 0, 0,                                  // group: the system
+      2, 0, 72, 0, 3, 0, 0, 0,                                              // three entries, inherited by subkeys
+      0, 2, 24, 0, 0x3F, 0, 0x0F, 0, 1, 2, 0, 0, 0, 0, 0, 5, 32, 0, 0, 0, 0x20, 2, 0, 0,  // administrators: all
+      0, 2, 20, 0, 0x3F, 0, 0x0F, 0, 1, 1, 0, 0, 0, 0, 0, 5, 18, 0, 0, 0,                 // system: all
+      0, 2, 20, 0, 0x19, 0, 0x02, 0, 1, 1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0,                  // everyone: read
   };
 }
 
