@@ -57,15 +57,14 @@ Bytes SectorLog(const Interrupted& hive) {
 
 /// An entry of the newer logs that makes the first `size` bytes of the bins what `image` has there.
 Bytes Entry(const Bytes& image, std::uint32_t sequence, std::size_t first, std::size_t size) {
-  Bytes entry(40 + 8);
+  Bytes entry((48 + size + kSector - 1) / kSector * kSector);
   std::memcpy(entry.data(), "HvLE", 4);
   Store32(&entry[12], sequence);
   Store32(&entry[16], static_cast<std::uint32_t>(image.size() - kHivePage));
   Store32(&entry[20], 1);
   Store32(&entry[40], static_cast<std::uint32_t>(first));
   Store32(&entry[44], static_cast<std::uint32_t>(size));
-  Append(entry, &image[kHivePage + first], size);
-  entry.resize((entry.size() + kSector - 1) / kSector * kSector);
+  std::memcpy(&entry[48], &image[kHivePage + first], size);
   Store32(&entry[4], static_cast<std::uint32_t>(entry.size()));
   Store64(&entry[24], Marvin32(kLogHashSeed, ByteView(entry).subspan(40)));
   Store64(&entry[32], Marvin32(kLogHashSeed, ByteView(entry).first(32)));
