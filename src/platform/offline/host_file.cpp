@@ -1,6 +1,7 @@
 #include "platform/offline/host_file.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <array>
@@ -18,6 +19,8 @@ constexpr std::size_t kReadChunk = std::size_t{256} * 1024;
 constexpr std::int64_t kSecondsFrom1601To1970 = 11'644'473'600;
 constexpr mode_t kAllModeBits = 07777;
 constexpr mode_t kNewFileMode = 0666;
+constexpr std::string_view kTemporaryName = ".quillbox-";
+constexpr std::string_view kTemporaryEnd = "XXXXXX";
 
 mode_t ProcessUmask() {
   const mode_t mask = umask(0);
@@ -62,13 +65,15 @@ NewFile::NewFile(fs::path target) : target_(FollowLink(std::move(target))) {
   if (replaces && S_ISDIR(existing.st_mode)) ThrowErrno(EISDIR);
   if (replaces && faccessat(AT_FDCWD, target_.c_str(), W_OK, AT_EACCESS) != 0) ThrowErrno(errno);
 
-  temporary_ = (target_.parent_path() / ".quillbox-XXXXXX").string();
+  temporary_ = (target_.parent_path() / (std::string(kTemporaryName) + std::string(kTemporaryEnd))).string();
   fd_ = HostFd(mkostemp(temporary_.data(), O_CLOEXEC));
   if (!fd_) {
     const int code = errno;
     temporary_.clear();
     ThrowErrno(code);
   }
+  // The lock tells RemoveAbandonedFiles that the file is in use.
+  flock(fd_.Get(), LOCK_EX | LOCK_NB);
   // File systems without modes refuse this, and their files need none.
   static_cast<void>(fchmod(fd_.Get(), replaces ? existing.st_mode & kAllModeBits : kNewFileMode & ~ProcessUmask()));
 }
@@ -96,6 +101,16 @@ void NewFile::Commit() {
   if (rename(temporary_.c_str(), target_.c_str()) != 0) ThrowErrno(errno);
   temporary_.clear();
   FlushFolder(target_.parent_path());
+}
+
+void RemoveAbandonedFiles(const fs::path& folder) {
+  std::error_code code;
+  for (fs::directory_iterator entry(folder, code), end; !code && entry != end; entry.increment(code)) {
+    const std::string name = entry->path().filename().string();
+    if (name.size() != kTemporaryName.size() + kTemporaryEnd.size() || !name.starts_with(kTemporaryName)) continue;
+    const HostFd fd(open(entry->path().c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    if (fd && flock(fd.Get(), LOCK_EX | LOCK_NB) == 0) unlink(entry->path().c_str());
+  }
 }
 
 std::string ReadWholeFile(const fs::path& file) {

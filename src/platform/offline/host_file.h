@@ -56,6 +56,9 @@ class NewFile {
   HostFd fd_;
 };
 
+/// Removes what killed programs have left in a folder: temporary files of NewFile that nobody is writing any more.
+void RemoveAbandonedFiles(const std::filesystem::path& folder);
+
 /// A whole file. Throws std::system_error.
 std::string ReadWholeFile(const std::filesystem::path& file);
 

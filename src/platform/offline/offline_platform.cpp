@@ -83,6 +83,8 @@ OfflinePlatform::OfflinePlatform(const OfflineOptions& options, Dialogs& dialogs
 }
 
 OfflinePlatform::~OfflinePlatform() {
+  // A command that failed halfway must not be half written.
+  if (std::uncaught_exceptions() > 0) return;
   try {
     registry_.Commit();
   } catch (const std::exception& failure) {
@@ -91,6 +93,7 @@ OfflinePlatform::~OfflinePlatform() {
 }
 
 void OfflinePlatform::MountHives(HiveMode mode) {
+  if (mode == HiveMode::Write) RemoveAbandonedFiles(profile_.hive.parent_path());
   hives_.push_back(std::make_unique<HiveFile>(profile_.hive, mode, stateFolder_, log_));
   registry_.Mount({RegistryRoot::CurrentUser, ""}, *hives_.back());
   MountMachineHive(disk_.softwareHive, kSoftware, mode);

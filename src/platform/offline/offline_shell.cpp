@@ -12,6 +12,7 @@
 #include <system_error>
 
 #include "platform/offline/file_copy.h"
+#include "platform/offline/host_file.h"
 #include "text/error.h"
 #include "text/unicode.h"
 
@@ -58,6 +59,7 @@ OfflineShell::~OfflineShell() {
 }
 
 void OfflineShell::EndCommand() {
+  swept_.clear();
   yesToAll_ = false;
   cancelled_ = false;
   progress_.reset();
@@ -107,6 +109,7 @@ bool OfflineShell::MayReplace(const Copy& copy, const FileEntry& existing) {
 }
 
 bool OfflineShell::Run(const Copy& copy) {
+  if (swept_.insert(copy.to->parent_path()).second) RemoveAbandonedFiles(copy.to->parent_path());
   try {
     return CopyWholeFile({*copy.from, copy.source.Text()}, {*copy.to, copy.target.Text()},
                          [&](std::uint64_t done, std::uint64_t total) { return Report(copy, done, total); });

@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,7 @@ class OfflineShell : public Shell {
   Log& log_;
   std::string opener_;
   std::vector<pid_t> started_;
+  std::set<std::filesystem::path> swept_;  ///< folders that this command has freed of abandoned copies
   bool yesToAll_ = false;
   bool cancelled_ = false;
   std::unique_ptr<Progress> progress_;  ///< one for all copies of a command

@@ -3,12 +3,14 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 
 #include <chrono>
 #include <thread>
 
 #include "offline_fixture.h"
+#include "platform/offline/host_file.h"
 #include "support/file_size_limit.h"
 #include "support/scripted_dialogs.h"
 
@@ -130,6 +132,18 @@ TEST_F(OfflineShellTest, AFullDiskLeavesTheEarlierBackup) {
   EXPECT_THAT(dialogs.LastMessage(), HasSubstr("C:\\bk\\Large.dbx: File too large"));
   EXPECT_EQ(disk.Read("bk/Large.dbx"), "earlier");
   EXPECT_EQ(Backups(), "Large.dbx");
+}
+
+TEST_F(OfflineShellTest, WhatAKilledCopyLeftIsRemovedByTheNextOne) {
+  disk.File("bk/.quillbox-a1B2c3", "half a file");
+  const auto inUse = disk.File("bk/.quillbox-d4E5f6", "another program's");
+  const HostFd holder(open(inUse.c_str(), O_RDONLY | O_CLOEXEC));
+  ASSERT_EQ(flock(holder.Get(), LOCK_EX), 0);
+  disk.File("bk/.quillbox-notes.txt", "the person's own");
+  EXPECT_TRUE(Copy("C:\\Mail\\Sent.dbx", "C:\\bk\\Sent.dbx"));
+  EXPECT_FALSE(std::filesystem::exists(disk / "bk/.quillbox-a1B2c3"));
+  EXPECT_TRUE(std::filesystem::exists(inUse));
+  EXPECT_TRUE(std::filesystem::exists(disk / "bk/.quillbox-notes.txt"));
 }
 
 TEST_F(OfflineShellTest, AFileThatChangesMeanwhileIsCopiedAgainOrNotAtAll) {
