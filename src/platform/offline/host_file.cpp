@@ -41,6 +41,15 @@ void FlushFolder(const fs::path& folder) {
   if (fd) fsync(fd.Get());
 }
 
+void WriteAll(int fd, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = write(fd, bytes.data(), bytes.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) ThrowErrno(written < 0 ? errno : EIO);
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+}
+
 }  // namespace
 
 HostFd& HostFd::operator=(HostFd&& other) noexcept {
@@ -63,6 +72,8 @@ NewFile::NewFile(fs::path target) : target_(FollowLink(std::move(target))) {
   struct stat existing = {};
   const bool replaces = stat(target_.c_str(), &existing) == 0;
   if (replaces && S_ISDIR(existing.st_mode)) ThrowErrno(EISDIR);
+  // A device, pipe or socket has a place of its own: a file put there would take it away from everybody.
+  if (replaces && !S_ISREG(existing.st_mode)) ThrowErrno(ENOTSUP);
   if (replaces && faccessat(AT_FDCWD, target_.c_str(), W_OK, AT_EACCESS) != 0) ThrowErrno(errno);
 
   temporary_ = (target_.parent_path() / (std::string(kTemporaryName) + std::string(kTemporaryEnd))).string();
@@ -83,12 +94,7 @@ NewFile::~NewFile() {
 }
 
 void NewFile::Write(std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = write(fd_.Get(), bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) ThrowErrno(written < 0 ? errno : EIO);
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
+  WriteAll(fd_.Get(), bytes);
 }
 
 void NewFile::SetTimes(const timespec& accessed, const timespec& modified) {
@@ -101,6 +107,17 @@ void NewFile::Commit() {
   if (rename(temporary_.c_str(), target_.c_str()) != 0) ThrowErrno(errno);
   temporary_.clear();
   FlushFolder(target_.parent_path());
+}
+
+bool IsStream(const fs::path& file) {
+  struct stat existing = {};
+  return stat(file.c_str(), &existing) == 0 && !S_ISREG(existing.st_mode) && !S_ISDIR(existing.st_mode);
+}
+
+void WriteToStream(const fs::path& file, std::string_view bytes) {
+  const HostFd fd(open(file.c_str(), O_WRONLY | O_CLOEXEC));
+  if (!fd) ThrowErrno(errno);
+  WriteAll(fd.Get(), bytes);
 }
 
 void RemoveAbandonedFiles(const fs::path& folder) {

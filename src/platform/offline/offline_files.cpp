@@ -185,6 +185,7 @@ void OfflineFiles::WriteFile(const WinPath& path, std::string_view bytes) {
     throw Error(kDoing, place, "no file can have that name: " + fault);
   }
   try {
+    if (IsStream(*host)) return WriteToStream(*host, bytes);
     NewFile file(*host);
     file.Write(bytes);
     file.Commit();

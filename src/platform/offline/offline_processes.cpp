@@ -32,10 +32,9 @@ bool IsEditorCommand(std::string_view commandLine) {
   return commandLine.empty() || commandLine.front() == ' ' || commandLine.front() == '/';
 }
 
-struct ProcessEnd {
+struct ProgramRun {
   int startError = 0;  ///< an errno when it could not be started
-  int exitCode = 0;    ///< 128 and the signal's number when a signal ended it
-  std::string errors;  ///< what it wrote to standard error
+  ProcessEnd end;      ///< the exit code is 128 and the signal's number when a signal ended it
 };
 
 /// Everything that comes out of a pipe, of which the first part is kept.
@@ -59,9 +58,9 @@ int WaitFor(pid_t child) {
 }
 
 /// Runs a program to its end. `passedFds` stay open in it under their own numbers.
-ProcessEnd RunProgram(const fs::path& program, std::vector<std::string> arguments, const std::vector<int>& passedFds) {
+ProgramRun RunProgram(const fs::path& program, std::vector<std::string> arguments, const std::vector<int>& passedFds) {
   std::array<int, 2> ends = {-1, -1};
-  if (pipe2(ends.data(), O_CLOEXEC) != 0) return {errno, 0, {}};
+  if (pipe2(ends.data(), O_CLOEXEC) != 0) return {errno, {}};
   const HostFd readEnd(ends[0]);
   HostFd writeEnd(ends[1]);
 
@@ -77,16 +76,17 @@ ProcessEnd RunProgram(const fs::path& program, std::vector<std::string> argument
   posix_spawn_file_actions_adddup2(&actions, writeEnd.Get(), STDERR_FILENO);
   // Duplicating a descriptor onto itself keeps it open across the exec.
   for (const int fd : passedFds) posix_spawn_file_actions_adddup2(&actions, fd, fd);
-  ProcessEnd end;
+  ProgramRun run;
   pid_t child = 0;
-  end.startError = posix_spawn(&child, program.c_str(), &actions, nullptr, argv.data(), environ);
+  run.startError = posix_spawn(&child, program.c_str(), &actions, nullptr, argv.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
-  if (end.startError != 0) return end;
+  if (run.startError != 0) return run;
 
   writeEnd.Close();
-  end.errors = Drain(readEnd.Get());
-  end.exitCode = WaitFor(child);
-  return end;
+  run.end.started = true;
+  run.end.errors = Drain(readEnd.Get());
+  run.end.exitCode = WaitFor(child);
+  return run;
 }
 
 }  // namespace
@@ -94,31 +94,31 @@ ProcessEnd RunProgram(const fs::path& program, std::vector<std::string> argument
 OfflineProcesses::OfflineProcesses(OfflineRegistry& registry, OfflineFiles& files, Log& log, RegistryEditor editor)
     : registry_(registry), files_(files), log_(log), editor_(std::move(editor)) {}
 
-bool OfflineProcesses::RunAndWait(const std::string& commandLine, ShowStyle /*style*/) {
+ProcessEnd OfflineProcesses::RunAndWait(const std::string& commandLine, ShowStyle /*style*/) {
   if (!IsEditorCommand(commandLine)) {
     log_.Write("not started, since only the registry editor is known here: " + commandLine);
-    return false;
+    return {};
   }
   registry_.Commit();
-  const bool started = RunEditor(commandLine);
-  if (started) registry_.Reload();
-  return started;
+  ProcessEnd end = RunEditor(commandLine);
+  if (end.started) registry_.Reload();
+  return end;
 }
 
-bool OfflineProcesses::RunEditor(const std::string& commandLine) {
+ProcessEnd OfflineProcesses::RunEditor(const std::string& commandLine) {
   std::vector<std::string> arguments = editor_.diskArguments;
   for (const int fd : editor_.lockFds) arguments.insert(arguments.end(), {"--lock-fd", std::to_string(fd)});
   arguments.insert(arguments.end(), {"--directory", files_.CurrentDirectory().Text(), "--command-line", commandLine});
 
-  const ProcessEnd end = RunProgram(editor_.program, std::move(arguments), editor_.lockFds);
-  if (end.startError != 0) {
-    log_.Write(editor_.program.string() + " could not be started: " + SystemReason(end.startError));
-    return false;
+  ProgramRun run = RunProgram(editor_.program, std::move(arguments), editor_.lockFds);
+  if (run.startError != 0) {
+    log_.Write(editor_.program.string() + " could not be started: " + SystemReason(run.startError));
+  } else if (run.end.exitCode != 0) {
+    log_.Write(commandLine + ": ended with code " + std::to_string(run.end.exitCode) + ": " + run.end.errors);
+  } else if (!run.end.errors.empty()) {
+    log_.Write(commandLine + ": " + run.end.errors);
   }
-  if (end.exitCode != 0) {
-    log_.Write(commandLine + ": ended with code " + std::to_string(end.exitCode) + ": " + end.errors);
-  }
-  return true;
+  return std::move(run.end);
 }
 
 fs::path RegistryEditorBesideProgram() {

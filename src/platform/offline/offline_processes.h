@@ -26,10 +26,10 @@ class OfflineProcesses : public Processes {
 
   /// Only "regedit" is known; any other command is logged and not started. Throws Error when the registry changes so
   /// far could not be written (nothing is started then), and when what was changed could not be read back.
-  bool RunAndWait(const std::string& commandLine, ShowStyle style) override;
+  ProcessEnd RunAndWait(const std::string& commandLine, ShowStyle style) override;
 
  private:
-  bool RunEditor(const std::string& commandLine);
+  ProcessEnd RunEditor(const std::string& commandLine);
 
   OfflineRegistry& registry_;
   OfflineFiles& files_;

@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
+#include <unistd.h>
 
+#include "platform/offline/host_file.h"
 #include "support/file_size_limit.h"
 #include "support/temp_folder.h"
 #include "text/error.h"
@@ -147,6 +149,21 @@ TEST_F(OfflineFilesTest, WritesAFileWholeOrNotAtAll) {
   EXPECT_EQ(files.DeleteFile(WinPath("c:\\keep.txt")), Status::Success);
   EXPECT_EQ(files.DeleteFile(WinPath("c:\\keep.txt")), Status::FileNotFound);
   EXPECT_EQ(files.DeleteFile(WinPath("c:\\none\\keep.txt")), Status::PathNotFound);
+}
+
+TEST_F(OfflineFilesTest, ADeviceIsWrittenToAndNeverReplaced) {
+  std::filesystem::create_symlink("/dev/null", c / "null");
+  ASSERT_EQ(mkfifo((c / "pipe").c_str(), 0600), 0);
+  const HostFd reader(open((c / "pipe").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  files.WriteFile(WinPath("C:\\null"), "gone");
+  files.WriteFile(WinPath("C:\\pipe"), "through");
+  std::string got(7, '\0');
+  EXPECT_EQ(read(reader.Get(), got.data(), got.size()), 7);
+  EXPECT_EQ(got, "through");
+  EXPECT_TRUE(std::filesystem::is_symlink(c / "null"));
+  EXPECT_TRUE(std::filesystem::is_fifo(c / "pipe"));
+  EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+  EXPECT_THROW(NewFile(c / "null"), std::system_error);
 }
 
 TEST_F(OfflineFilesTest, KnowsItsDrives) {

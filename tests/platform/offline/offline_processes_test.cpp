@@ -37,7 +37,7 @@ cp ')" + (disk.anna / "ntuser.dat").string() +
   platform.GetFiles().SetCurrentDrive('D');
   platform.GetRegistry().Create({RegistryRoot::CurrentUser, "Identities\\{3}"});
   const std::string command = R"(regedit /e:A Main.reg "HKEY_CURRENT_USER\Identities\{1}\)";
-  EXPECT_TRUE(platform.GetProcesses().RunAndWait(command, ShowStyle::Normal));
+  EXPECT_TRUE(platform.GetProcesses().RunAndWait(command, ShowStyle::Normal).started);
   const std::string out = disk.temp.Read("out");
   for (const std::string& part :
        {"<--disk>\n<" + disk.folder.string() + ">", std::string("<--profile>\n<Anna>"),
@@ -54,7 +54,10 @@ TEST_F(OfflineProcessesTest, WhatTheEditorChangedIsSeenAndItsFailureLogged) {
   SetEditor("cp '" + (disk.temp / "other.dat").string() + "' '" + (disk.anna / "ntuser.dat").string() +
             "'\necho 'line 3 makes no sense' >&2\nexit 1\n");
   OfflinePlatform platform(options, dialogs);
-  EXPECT_TRUE(platform.GetProcesses().RunAndWait("REGEDIT.EXE /s x.reg", ShowStyle::Normal));
+  const ProcessEnd end = platform.GetProcesses().RunAndWait("REGEDIT.EXE /s x.reg", ShowStyle::Normal);
+  EXPECT_TRUE(end.started);
+  EXPECT_EQ(end.exitCode, 1);
+  EXPECT_EQ(end.errors, "line 3 makes no sense\n");
   EXPECT_EQ(platform.GetRegistry().Open({RegistryRoot::CurrentUser, "Identities\\{9}"}, Access::Read).status,
             Status::Success);
   EXPECT_THAT(disk.temp.Read("state/quillbox.log"), HasSubstr("ended with code 1: line 3 makes no sense"));
@@ -64,7 +67,7 @@ TEST_F(OfflineProcessesTest, OtherCommandsAreNotStarted) {
   options.registryEditor = disk.temp / "no editor";
   OfflinePlatform platform(options, dialogs);
   for (const char* command : {"regedit /s x.reg", "regedit32 x", "notepad x", "", " regedit"}) {
-    EXPECT_FALSE(platform.GetProcesses().RunAndWait(command, ShowStyle::Normal)) << command;
+    EXPECT_FALSE(platform.GetProcesses().RunAndWait(command, ShowStyle::Normal).started) << command;
   }
 }
 
