@@ -83,26 +83,35 @@ void FormWindow::Make() {
   window_->CentreOnScreen();
 }
 
+wxWindow* FormWindow::MakeWidgetOf(Control& control, wxWindow& parent, bool growing) {
+  const std::size_t position = PositionOf(control);
+  widgets_[position] = MakeWidget(control, parent, growing);
+  positions_[widgets_[position].window] = position;
+  return widgets_[position].window;
+}
+
 void FormWindow::MakeContent() {
   const auto& controls = form_.Controls();
   widgets_.resize(controls.size());
   content_ = new wxPanel(window_);
-  const auto make = [&](Control& control, wxWindow& parent, bool growing) {
-    const auto at = static_cast<std::size_t>(std::find(controls.begin(), controls.end(), &control) - controls.begin());
-    widgets_.at(at) = MakeWidget(control, parent, growing);
-    positions_[widgets_[at].window] = at;
-    return widgets_[at].window;
-  };
-  content_->SetSizer(BuildLayout(form_.Layout(), *content_, make));
-  for (std::size_t i = 0; i < controls.size(); ++i) {
-    if (dynamic_cast<StatusBar*>(controls[i])) {
-      window_->SetStatusBar(static_cast<wxStatusBar*>(make(*controls[i], *window_, false)));
-    } else if (!widgets_[i].window) {
-      throw std::logic_error("the layout of " + form_.Name() + " leaves out " + controls[i]->Name());
+  content_->SetSizer(BuildLayout(form_.Layout(), *content_, [this](Control& control, wxWindow& parent, bool growing) {
+    // A status bar stands at the window's foot, wherever the layout names it.
+    return dynamic_cast<StatusBar*>(&control) ? nullptr : MakeWidgetOf(control, parent, growing);
+  }));
+  for (Control* control : controls) {
+    if (dynamic_cast<StatusBar*>(control)) {
+      window_->SetStatusBar(static_cast<wxStatusBar*>(MakeWidgetOf(*control, *window_, false)));
+    } else if (!widgets_[PositionOf(*control)].window) {
+      throw std::logic_error("the layout of " + form_.Name() + " leaves out " + control->Name());
     }
-    controls[i]->onChanged = [this, control = controls[i]] { OnControlChanged(*control); };
+    control->onChanged = [this, control] { OnControlChanged(*control); };
   }
   OrderTabs(*content_);
+}
+
+std::size_t FormWindow::PositionOf(const Control& control) const {
+  const auto& controls = form_.Controls();
+  return static_cast<std::size_t>(std::find(controls.begin(), controls.end(), &control) - controls.begin());
 }
 
 /// Where a window stands in the tab order: as its control does, or as the first control inside it.
@@ -124,12 +133,11 @@ void FormWindow::OrderTabs(wxWindow& parent) {
   }
 }
 
-void FormWindow::OnControlChanged(Control& control) {
-  const auto& controls = form_.Controls();
-  const auto at = static_cast<std::size_t>(std::find(controls.begin(), controls.end(), &control) - controls.begin());
-  const bool wasShown = widgets_[at].window->IsShown();
-  widgets_[at].show();
-  AskForFit(wasShown != widgets_[at].window->IsShown());
+void FormWindow::OnControlChanged(const Control& control) {
+  const Widget& widget = widgets_[PositionOf(control)];
+  const bool wasShown = widget.window->IsShown();
+  widget.show();
+  AskForFit(wasShown != widget.window->IsShown());
   // A handler that works for long gives the window no other chance to show what it has just told.
   if (pointer_ == Pointer::Hourglass) PaintNow();
 }

@@ -27,9 +27,11 @@ class FormWindow {
   void Follow();
   void Make();
   void MakeContent();
+  wxWindow* MakeWidgetOf(Control& control, wxWindow& parent, bool growing);
+  std::size_t PositionOf(const Control& control) const;
   void OrderTabs(wxWindow& parent);
   std::size_t TabPosition(wxWindow& window) const;
-  void OnControlChanged(Control& control);
+  void OnControlChanged(const Control& control);
   void OnKey(wxKeyEvent& event);
   void FollowPointer();
   void AskForFit(bool heightToo);

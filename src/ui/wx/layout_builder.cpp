@@ -30,7 +30,8 @@ class Builder {
   wxSizerItem* Make(const LayoutNode& node, bool growing) {
     switch (node.kind) {
       case LayoutNode::Kind::Item:
-        return new wxSizerItem(make_(*node.control, parent_, growing), wxSizerFlags());
+        if (wxWindow* widget = make_(*node.control, parent_, growing)) return new wxSizerItem(widget, wxSizerFlags());
+        break;
       case LayoutNode::Kind::Row:
         return new wxSizerItem(MakeBox(node, wxHORIZONTAL), wxSizerFlags());
       case LayoutNode::Kind::Column:

@@ -10,7 +10,8 @@ class wxWindow;
 
 namespace quillbox {
 
-/// Makes the widget of a control in `parent`; `growing` as in MakeWidget.
+/// Makes the widget of a control in `parent`; `growing` as in MakeWidget. Null for a control that has its place
+/// outside the layout.
 using WidgetMaker = std::function<wxWindow*(Control& control, wxWindow& parent, bool growing)>;
 
 /// The layout of `root` inside `parent`, with a margin around it. The caller hands it to `parent`.

@@ -22,15 +22,6 @@ constexpr auto kDrawnEvery = 50ms;
 constexpr int kGap = 8;
 constexpr int kWidth = 420;
 constexpr int kGaugeRange = 1000;
-constexpr std::uint64_t kKilobyte = 1024;
-
-/// How much is done, in kilobytes once the whole is large enough for that.
-wxString AmountText(std::uint64_t done, std::uint64_t total) {
-  const std::uint64_t unit = std::max(done, total) >= 10 * kKilobyte ? kKilobyte : 1;
-  const std::string name = unit == kKilobyte ? " KB" : " bytes";
-  const std::string amount = std::to_string(done / unit);
-  return total == 0 ? amount + name : amount + " of " + std::to_string(total / unit) + name;
-}
 
 }  // namespace
 
@@ -38,8 +29,7 @@ class ProgressDialog : public wxDialog {
  public:
   ProgressDialog(wxWindow* parent, const std::string& title) : wxDialog(parent, wxID_ANY, ToWx(title)), others_(this) {
     auto* rows = new wxBoxSizer(wxVERTICAL);
-    for (wxWindow* row :
-         {static_cast<wxWindow*>(text_), static_cast<wxWindow*>(gauge_), static_cast<wxWindow*>(amount_)}) {
+    for (wxWindow* row : {static_cast<wxWindow*>(text_), static_cast<wxWindow*>(gauge_)}) {
       row->SetMinSize(wxSize(FromDIP(kWidth), -1));
       rows->Add(row, wxSizerFlags().Expand().Border(wxBOTTOM, FromDIP(kGap)));
     }
@@ -61,7 +51,6 @@ class ProgressDialog : public wxDialog {
 
   void Display(const std::string& text, std::uint64_t done, std::uint64_t total) {
     text_->SetLabelText(ToWx(text));
-    amount_->SetLabelText(AmountText(done, total));
     if (total == 0) {
       gauge_->Pulse();
     } else {
@@ -71,11 +60,9 @@ class ProgressDialog : public wxDialog {
   }
 
  private:
-  static constexpr long kTextStyle = wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_MIDDLE;
-
-  wxStaticText* text_ = new wxStaticText(this, wxID_ANY, " ", wxDefaultPosition, wxDefaultSize, kTextStyle);
+  wxStaticText* text_ = new wxStaticText(this, wxID_ANY, " ", wxDefaultPosition, wxDefaultSize,
+                                         wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_MIDDLE);
   wxGauge* gauge_ = new wxGauge(this, wxID_ANY, kGaugeRange);
-  wxStaticText* amount_ = new wxStaticText(this, wxID_ANY, " ", wxDefaultPosition, wxDefaultSize, kTextStyle);
   bool cancelled_ = false;
   wxWindowDisabler others_;
 };

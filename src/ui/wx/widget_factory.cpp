@@ -17,9 +17,12 @@
 namespace quillbox {
 namespace {
 
-/// Widths that fields ask for at least, in average characters. A growing one holds a GUID in braces.
-constexpr int kFieldCharacters = 16;
-constexpr int kGrowingCharacters = 42;
+/// What a field shows uncut at the least: a growing one a GUID, which is the widest thing that many of them hold.
+constexpr const char* kFieldText = "Some short value";
+constexpr const char* kGrowingText = "{0DADA0D0-0DD0-0DD0-0DD0-0DDADA0D0DD0}";
+/// What an entry has besides its text: its border, and the arrow of one with a list.
+constexpr int kEntryExtra = 30;
+constexpr int kArrowExtra = 40;
 /// No label asks for more than this; its text is then shortened in the middle and the tooltip tells all of it.
 constexpr int kLabelCharacters = 120;
 constexpr int kListCharacters = 24;
@@ -72,7 +75,8 @@ class Factory : public ControlVisitor {
 
  private:
   int Characters(int count) const { return count * parent_.GetCharWidth(); }
-  wxSize FieldSize() const { return {Characters(growing_ ? kGrowingCharacters : kFieldCharacters), -1}; }
+  int FieldWidth() const { return parent_.GetTextExtent(growing_ ? kGrowingText : kFieldText).x; }
+  wxSize EntrySize(int extra) const { return {FieldWidth() + parent_.FromDIP(extra), -1}; }
 
   wxWindow& parent_;
   bool growing_;
@@ -82,7 +86,7 @@ class Factory : public ControlVisitor {
 void Factory::Visit(Label& control) {
   auto* text = new wxStaticText(&parent_, wxID_ANY, "", wxDefaultPosition, wxDefaultSize,
                                 wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_MIDDLE);
-  const int widest = Characters(growing_ ? kGrowingCharacters : kLabelCharacters);
+  const int widest = growing_ ? FieldWidth() : Characters(kLabelCharacters);
   // A label has no words besides its text, so where that is shortened the tooltip holds the whole of it.
   const auto showTip = [text, &control] {
     const bool shortened = text->GetClientSize().x < text->GetTextExtent(text->GetLabelText()).x;
@@ -105,7 +109,7 @@ void Factory::Visit(Label& control) {
 
 void Factory::Visit(TextBox& control) {
   auto* box = new wxTextCtrl(&parent_, wxID_ANY);
-  box->SetMinSize(FieldSize());
+  box->SetMinSize(EntrySize(kEntryExtra));
   widget_.window = box;
   widget_.show = [box, &control, selected = false]() mutable {
     ShowWithTip(control, *box);
@@ -122,7 +126,7 @@ void Factory::Visit(TextBox& control) {
 /// its items, and a long path can be scrolled and copied.
 void Factory::Visit(ComboBox& control) {
   auto* box = new wxComboBox(&parent_, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, 0, nullptr, wxCB_DROPDOWN);
-  box->SetMinSize(FieldSize());
+  box->SetMinSize(EntrySize(kEntryExtra + kArrowExtra));
   box->SetEditable(control.editable);
   widget_.window = box;
   widget_.show = [box, &control] {

@@ -67,7 +67,7 @@ WxRuntime::WxRuntime() {
   }
   started_ = true;
   FixLocale();
-  delete wxLog::SetActiveTarget(new wxLogStderr);
+  delete wxLog::SetActiveTarget(new wxLogStderr);  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): the log owns it
   wxTheApp->CallOnInit();
 }
 

@@ -105,13 +105,12 @@ TEST_F(WxDialogsTest, OverwriteQuestionShowsBothFilesAndGivesEveryAnswer) {
   for (const auto& [label, answer] : cases) {
     std::string words;
     WhenAsked([&words, wanted = wxString(label)] {
-      wxButton* press = nullptr;
+      wxRect place;
       for (wxWindow* child : OpenDialog()->GetChildren()) {
         if (const auto* text = dynamic_cast<wxStaticText*>(child)) words += text->GetLabelText().utf8_string() + "\n";
-        auto* button = dynamic_cast<wxButton*>(child);
-        if (button && button->GetLabel() == wanted) press = button;
+        const auto* button = dynamic_cast<wxButton*>(child);
+        if (button && button->GetLabel() == wanted) place = button->GetScreenRect();
       }
-      const wxRect place = press->GetScreenRect();
       wxUIActionSimulator().MouseMove(place.GetPosition() + place.GetSize() / 2);
       wxUIActionSimulator().MouseClick();
     });
