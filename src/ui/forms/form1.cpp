@@ -86,8 +86,8 @@ Form1::Form1(Program& program, Windows& windows)
 
 LayoutNode Form1::Layout() {
   return Column({
-      Row({Column({Item(Label12), Item(cmbUserNames)}, 1), Column({Item(lblSelUserID), Item(cmbUserIDs)}),
-           Column({Item(Label4), Item(inpth1)}, 2)}),
+      Grid(3, {1, 2},
+           {Item(Label12), Item(lblSelUserID), Item(Label4), Item(cmbUserNames), Item(cmbUserIDs), Item(inpth1)}),
       Row({Item(lblbkip), Item(lblbkuppth, 1), Item(Label1), Item(Label2)}),
       Row({Item(chkOverwrite), Item(cmdQuickBackup, 1), Item(cmdbkupall, 1)}),
       Row({Item(cmdComplete, 1), Item(cmdRestore, 1), Item(cmdShowAdditionalInfo, 1), Item(cmdExit, 1)}),
