@@ -15,10 +15,6 @@ constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kContinuation = "\\\r\n  ";
 constexpr std::size_t kIndent = 2;
 
-bool IsAscii(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
-
 std::size_t LengthInUnits(std::string_view text) {
   return IsAscii(text) ? text.size() : ToUtf16(text).size();
 }

@@ -51,14 +51,6 @@ Decoded DecodeAt(std::string_view text, std::size_t position) {
   return {};
 }
 
-bool IsAscii(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
-
-char AsciiUpper(char c) {
-  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
 using UpperCaseLookup = std::array<char16_t, 0x10000>;
 
 UpperCaseLookup MakeUpperCaseLookup() {
@@ -73,6 +65,10 @@ UpperCaseLookup MakeUpperCaseLookup() {
 }
 
 }  // namespace
+
+bool IsAscii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
 
 void AppendUtf8(std::string& text, char32_t codePoint) {
   if (codePoint > 0x10FFFF) codePoint = kReplacement;

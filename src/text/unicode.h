@@ -22,6 +22,11 @@ std::u16string ToUtf16(std::string_view text);
 std::string ToUtf8(std::u16string_view units);
 /// True when `text` is well-formed UTF-8, lone surrogates in WTF-8 form included.
 bool IsInnerText(std::string_view text);
+/// True when every byte is below 0x80. Such text needs no decoding, and AsciiUpper is all of its upper case.
+bool IsAscii(std::string_view text);
+inline char AsciiUpper(char c) {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
 /// One code point as inner text.
 void AppendUtf8(std::string& text, char32_t codePoint);
 

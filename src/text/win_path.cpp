@@ -49,6 +49,30 @@ bool IsDeviceName(std::string_view name) {
                      [base](std::string_view device) { return EqualIgnoreCase(base, device); });
 }
 
+/// Whether `text`, put through `upper`, is what the upper-case `mask` with its "*" and "?" stands for.
+template <class Text, class Mask, class Upper>
+bool MatchesMask(const Text& text, const Mask& mask, Upper upper) {
+  std::size_t t = 0;
+  std::size_t m = 0;
+  std::size_t star = Mask::npos;
+  std::size_t resume = 0;
+  while (t < text.size()) {
+    if (m < mask.size() && mask[m] == '*') {
+      star = m++;
+      resume = t;
+    } else if (m < mask.size() && (mask[m] == '?' || mask[m] == upper(text[t]))) {
+      ++m;
+      ++t;
+    } else if (star != Mask::npos) {
+      m = star + 1;
+      t = ++resume;
+    } else {
+      return false;
+    }
+  }
+  return mask.find_first_not_of('*', m) == Mask::npos;
+}
+
 }  // namespace
 
 char WinPath::Drive() const {
@@ -132,29 +156,19 @@ std::string FileNameFault(std::string_view name) {
   return {};
 }
 
+Wildcard::Wildcard(std::string_view pattern)
+    : matchesAll_(pattern == "*.*" || pattern == "*"),
+      plain_(IsAscii(pattern) ? UpperCase(pattern) : std::string()),
+      units_(UpperCase(ToUtf16(pattern))) {}
+
+bool Wildcard::Matches(std::string_view name) const {
+  if (matchesAll_) return true;
+  if (!plain_.empty() && IsAscii(name)) return MatchesMask(name, plain_, AsciiUpper);
+  return MatchesMask(ToUtf16(name), units_, [](char16_t unit) { return UpperCase(unit); });
+}
+
 bool MatchesWildcard(std::string_view name, std::string_view pattern) {
-  if (pattern == "*.*") return true;
-  const std::u16string text = UpperCase(ToUtf16(name));
-  const std::u16string mask = UpperCase(ToUtf16(pattern));
-  std::size_t t = 0;
-  std::size_t m = 0;
-  std::size_t star = std::u16string::npos;
-  std::size_t resume = 0;
-  while (t < text.size()) {
-    if (m < mask.size() && mask[m] == u'*') {
-      star = m++;
-      resume = t;
-    } else if (m < mask.size() && (mask[m] == u'?' || mask[m] == text[t])) {
-      ++m;
-      ++t;
-    } else if (star != std::u16string::npos) {
-      m = star + 1;
-      t = ++resume;
-    } else {
-      return false;
-    }
-  }
-  return mask.find_first_not_of(u'*', m) == std::u16string::npos;
+  return Wildcard(pattern).Matches(name);
 }
 
 std::string Trim(std::string_view text) {

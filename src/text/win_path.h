@@ -53,8 +53,19 @@ std::string GetFileName(std::string_view path);
 /// text when it can. A name that leaves its folder ("..", "a\b") is refused too.
 std::string FileNameFault(std::string_view name);
 
-/// True when `name` matches the wildcard `pattern` as Windows' file search does: "*" and "?", without regard to case,
-/// "*.*" matches every name.
+/// A wildcard pattern as Windows' file search takes it: "*" and "?", without regard to case; "*.*" matches every name.
+class Wildcard {
+ public:
+  explicit Wildcard(std::string_view pattern);
+  bool Matches(std::string_view name) const;
+
+ private:
+  bool matchesAll_;
+  std::string plain_;  ///< in upper case; empty for a pattern that is no ASCII
+  std::u16string units_;
+};
+
+/// Wildcard's answer for one name.
 bool MatchesWildcard(std::string_view name, std::string_view pattern);
 
 /// `text` without blanks at both ends.

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <system_error>
@@ -33,8 +34,15 @@ bool IsForbiddenLast(char c) {
   return c == ' ' || c == '.';
 }
 
-bool IsPlainAscii(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+/// True for most names: ASCII that Windows takes as it is.
+bool IsUsualName(std::string_view name) {
+  static const std::array<bool, 256> kUsual = [] {
+    std::array<bool, 256> usual{};
+    for (int c = 0; c < 0x80; ++c) usual[static_cast<std::size_t>(c)] = !IsForbidden(static_cast<char>(c));
+    return usual;
+  }();
+  return !name.empty() && !IsForbiddenLast(name.back()) &&
+         std::all_of(name.begin(), name.end(), [](char c) { return kUsual[static_cast<unsigned char>(c)]; });
 }
 
 /// Length of the strict UTF-8 sequence (no surrogates) at `at`, or 0 when there is none.
@@ -62,10 +70,6 @@ char32_t ThreeByteCodePoint(std::string_view text, std::size_t at) {
 bool LeavesItsFolder(std::string_view hostName) {
   return hostName.empty() || hostName == "." || hostName == ".." || hostName.find('/') != std::string_view::npos ||
          hostName.find('\0') != std::string_view::npos;
-}
-
-char AsciiUpper(char c) {
-  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
 /// EqualIgnoreCase, made quick for the plain names that most are.
@@ -106,6 +110,7 @@ std::optional<fs::path> Below(const fs::path& path, const fs::path& folder) {
 }  // namespace
 
 std::string WindowsName(std::string_view hostName) {
+  if (IsUsualName(hostName)) return std::string(hostName);
   std::string name;
   name.reserve(hostName.size());
   for (std::size_t at = 0; at < hostName.size();) {
@@ -151,10 +156,10 @@ std::optional<std::string> FindEntry(const fs::path& folder, std::string_view wi
 
   const std::unique_ptr<DIR, int (*)(DIR*)> dir(opendir(folder.c_str()), closedir);
   if (!dir) return std::nullopt;
-  const bool plain = IsPlainAscii(windowsName);
+  const bool plain = IsAscii(windowsName);
   while (const dirent* entry = readdir(dir.get())) {
     const std::string_view stored = entry->d_name;
-    if (stored != "." && stored != ".." && SameName(WindowsName(stored), windowsName, plain && IsPlainAscii(stored))) {
+    if (stored != "." && stored != ".." && SameName(WindowsName(stored), windowsName, plain && IsAscii(stored))) {
       return std::string(stored);
     }
   }

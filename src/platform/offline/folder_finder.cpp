@@ -37,10 +37,9 @@ std::optional<FileEntry> ReadHostEntry(int folderFd, const std::string& storedNa
   return entry;
 }
 
-FolderFinder::FolderFinder(const std::filesystem::path& folder, std::string pattern, Options options)
+FolderFinder::FolderFinder(const std::filesystem::path& folder, const std::string& pattern, Options options)
     : dir_(opendir(folder.c_str())),
-      pattern_(std::move(pattern)),
-      matchesAll_(pattern_ == "*" || pattern_ == "*.*"),
+      pattern_(pattern),
       namesOnly_(options.namesOnly),
       dotsGiven_(options.isRoot ? 2 : 0) {
   if (dir_ && !namesOnly_) attributes_.emplace(folder);
@@ -52,7 +51,7 @@ std::optional<FileEntry> FolderFinder::Next() {
   while (const dirent* stored = readdir(dir_.get())) {
     if (IsDots(stored->d_name)) continue;
     std::string name = WindowsName(stored->d_name);
-    if (!matchesAll_ && !MatchesWildcard(name, pattern_)) continue;
+    if (!pattern_.Matches(name)) continue;
     std::optional<FileEntry> entry = Read(*stored);
     if (!entry) continue;
     entry->name = std::move(name);
@@ -64,7 +63,7 @@ std::optional<FileEntry> FolderFinder::Next() {
 std::optional<FileEntry> FolderFinder::NextDots() {
   while (dotsGiven_ < 2) {
     const char* name = kDots[static_cast<std::size_t>(dotsGiven_++)];
-    if (!matchesAll_ && !MatchesWildcard(name, pattern_)) continue;
+    if (!pattern_.Matches(name)) continue;
     FileEntry entry = ReadHostEntry(dirfd(dir_.get()), name, nullptr).value_or(FileEntry());
     entry.name = name;
     entry.isDirectory = true;

@@ -24,8 +24,8 @@ class FolderFinder : public FileFinder {
     bool namesOnly = false;  ///< leaves out what costs a call for each entry
   };
 
-  /// `pattern` is matched as MatchesWildcard does. A folder that cannot be read has no entries.
-  FolderFinder(const std::filesystem::path& folder, std::string pattern, Options options);
+  /// `pattern` is a Wildcard. A folder that cannot be read has no entries.
+  FolderFinder(const std::filesystem::path& folder, const std::string& pattern, Options options);
 
   std::optional<FileEntry> Next() override;
 
@@ -37,8 +37,7 @@ class FolderFinder : public FileFinder {
     void operator()(DIR* dir) const { closedir(dir); }
   };
   std::unique_ptr<DIR, Close> dir_;
-  std::string pattern_;
-  bool matchesAll_;
+  Wildcard pattern_;
   bool namesOnly_;
   int dotsGiven_;  ///< 2 when "." and ".." are done with
   std::optional<AttributeReader> attributes_;
