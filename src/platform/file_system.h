@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/status.h"
 #include "text/win_path.h"
@@ -33,6 +34,23 @@ class FileFinder {
   virtual std::optional<FileEntry> Next() = 0;
 };
 
+/// What a step of a walk has come to.
+struct WalkStep {
+  std::string folder;               ///< with its final backslash
+  std::vector<std::string> files;   ///< names of files in it that match the pattern
+  std::vector<std::string> unread;  ///< "folder: reason" of each that could not be read on the way here
+};
+
+/// A running walk through a folder and everything below it. A folder's own files come first, then its subfolders one
+/// by one, each with what is below it, all in the order that the file system gives. Links to folders are not entered,
+/// so that every walk ends.
+class FolderWalk {
+ public:
+  virtual ~FolderWalk() = default;
+  /// Goes on by a piece of work that takes no noticeable time, with or without a find. False at the end.
+  virtual bool Step(WalkStep& step) = 0;
+};
+
 class FileSystem {
  public:
   virtual ~FileSystem() = default;
@@ -42,6 +60,8 @@ class FileSystem {
   virtual std::unique_ptr<FileFinder> Find(const WinPath& pattern) = 0;
   /// As Find, for walks over many files: the entries' names and isDirectory are right, everything else may be unset.
   virtual std::unique_ptr<FileFinder> FindNames(const WinPath& pattern) { return Find(pattern); }
+  /// Walks the folder `root` for files whose names match `pattern` (without a folder). Paths are told as `root` reads.
+  virtual std::unique_ptr<FolderWalk> Walk(const WinPath& root, const std::string& pattern) = 0;
   /// The entry itself, or nothing when it does not exist.
   virtual std::optional<FileEntry> Stat(const WinPath& path) = 0;
 

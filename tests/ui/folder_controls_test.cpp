@@ -36,6 +36,9 @@ struct FixedFiles : FileSystem {
   }
   WinPath CurrentDirectory() override { return WinPath("C:\\Data"); }
 
+  std::unique_ptr<FolderWalk> Walk(const WinPath&, const std::string&) override {
+    throw std::logic_error("not asked for");
+  }
   std::optional<FileEntry> Stat(const WinPath&) override { throw std::logic_error("not asked for"); }
   std::optional<std::string> VolumeLabel(const WinPath&) override { return std::nullopt; }
   std::string ExpandEnvironment(std::string_view text) override { return std::string(text); }

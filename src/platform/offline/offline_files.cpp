@@ -11,6 +11,7 @@
 
 #include "platform/offline/folder_finder.h"
 #include "platform/offline/host_file.h"
+#include "platform/offline/host_walk.h"
 #include "platform/offline/volume_label.h"
 #include "text/error.h"
 #include "text/unicode.h"
@@ -26,6 +27,11 @@ constexpr mode_t kNewFolderMode = 0777;
 class NoEntries : public FileFinder {
  public:
   std::optional<FileEntry> Next() override { return std::nullopt; }
+};
+
+class NoWalk : public FolderWalk {
+ public:
+  bool Step(WalkStep& /*step*/) override { return false; }
 };
 
 class OneEntry : public FileFinder {
@@ -93,6 +99,12 @@ std::unique_ptr<FileFinder> OfflineFiles::Find(const WinPath& pattern, bool name
   const std::optional<fs::path> host = drives_.HostPath(folder);
   if (!host) return std::make_unique<NoEntries>();
   return std::make_unique<FolderFinder>(*host, std::move(name), FolderFinder::Options{IsRoot(folder), namesOnly});
+}
+
+std::unique_ptr<FolderWalk> OfflineFiles::Walk(const WinPath& root, const std::string& pattern) {
+  const std::optional<fs::path> host = root.Empty() ? std::nullopt : HostPathOf(root);
+  if (!host) return std::make_unique<NoWalk>();
+  return std::make_unique<HostWalk>(*host, WithBackslash(root.Text()), pattern);
 }
 
 std::optional<FileEntry> OfflineFiles::Stat(const WinPath& path) {

@@ -31,6 +31,7 @@ class OfflineFiles : public FileSystem, public HostPaths {
 
   std::unique_ptr<FileFinder> Find(const WinPath& pattern) override;
   std::unique_ptr<FileFinder> FindNames(const WinPath& pattern) override;
+  std::unique_ptr<FolderWalk> Walk(const WinPath& root, const std::string& pattern) override;
   std::optional<FileEntry> Stat(const WinPath& path) override;
   DriveType TypeOfDrive(const WinPath& root) override;
   std::optional<std::string> VolumeLabel(const WinPath& root) override;

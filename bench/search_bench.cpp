@@ -1,0 +1,119 @@
+// The file search beside `find ROOT -iname PATTERN` on the same tree of 300,000 files, in turns. Prints the times'
+// medians and their ratio.
+//
+//   search_bench [FOLDER]    FOLDER keeps the tree for further runs; without it the tree is made and removed
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "backup/file_search.h"
+#include "platform/offline/offline_files.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kFiles = 300000;
+constexpr int kFilesPerFolder = 40;
+constexpr int kFoldersPerFolder = 6;
+constexpr int kOneInThisManyIsFound = 25;
+constexpr int kRounds = 11;
+constexpr const char* kPattern = "*.dbx";
+
+/// A tree as a disk's: folders in folders, some files in each. Folder i lies in folder (i - 1) / kFoldersPerFolder.
+void MakeTree(const fs::path& root) {
+  std::vector<fs::path> folders;
+  for (int file = 0; file < kFiles; ++file) {
+    if (file % kFilesPerFolder == 0) {
+      const auto number = folders.size();
+      folders.push_back(number == 0 ? root
+                                    : folders[(number - 1) / kFoldersPerFolder] / ("Folder " + std::to_string(number)));
+      fs::create_directories(folders.back());
+    }
+    const char* name = file % kOneInThisManyIsFound == 0 ? "Outlook Folder %d.dbx" : "some other file %d.txt";
+    char text[64];
+    std::snprintf(text, sizeof text, name, file);
+    const int fd = open((folders.back() / text).c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0666);
+    if (fd < 0) throw std::runtime_error("the tree could not be made in " + root.string());
+    close(fd);
+  }
+}
+
+double Milliseconds(const std::function<void()>& work) {
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+double Median(std::vector<double> values) {
+  std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2), values.end());
+  return values[values.size() / 2];
+}
+
+std::size_t Search(const fs::path& root) {
+  const quillbox::Environment environment;
+  quillbox::OfflineFiles files(quillbox::DriveMap{root}, environment);
+  quillbox::FoundFiles found;
+  quillbox::SearchReport report;
+  quillbox::SearchFiles(files, quillbox::WinPath("C:\\"), kPattern, found, report,
+                        [](const std::string&, std::size_t) { return true; });
+  return found.Count();
+}
+
+/// Runs find with its output thrown away, in the plain locale, which is its quickest.
+void Find(const fs::path& root) {
+  std::string folder = root.string();
+  std::string pattern = kPattern;
+  char program[] = "find";
+  char option[] = "-iname";
+  char* arguments[] = {program, folder.data(), option, pattern.data(), nullptr};
+  char locale[] = "LC_ALL=C";
+  char* environment[] = {locale, nullptr};
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+  pid_t child = 0;
+  int status = 1;
+  if (posix_spawnp(&child, program, &actions, nullptr, arguments, environment) == 0) waitpid(child, &status, 0);
+  posix_spawn_file_actions_destroy(&actions);
+  if (status != 0) throw std::runtime_error("find failed");
+}
+
+void Measure(const fs::path& root) {
+  std::size_t found = Search(root);
+  Find(root);
+  std::vector<double> ours;
+  std::vector<double> theirs;
+  for (int round = 0; round < kRounds; ++round) {
+    ours.push_back(Milliseconds([&] { found = Search(root); }));
+    theirs.push_back(Milliseconds([&] { Find(root); }));
+  }
+  std::printf("%zu of %d files found: search %.0f ms, find %.0f ms: %.2f times\n", found, kFiles, Median(ours),
+              Median(theirs), Median(ours) / Median(theirs));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    const bool keep = argc > 1;
+    const fs::path root = keep ? fs::path(argv[1]) : fs::temp_directory_path() / "quillbox-search-bench";
+    if (!fs::exists(root)) MakeTree(root);
+    Measure(root);
+    if (!keep) fs::remove_all(root);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "search_bench: %s\n", error.what());
+    return 1;
+  }
+  return 0;
+}

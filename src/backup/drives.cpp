@@ -1,0 +1,64 @@
+#include "backup/drives.h"
+
+#include <algorithm>
+
+namespace quillbox {
+namespace {
+
+constexpr char kFirstDrive = 'B';
+constexpr char kLastDrive = 'Z';
+constexpr const char* kFixed = "Fixed Drive";
+constexpr const char* kCdRom = "CD-ROM";
+constexpr const char* kNoLabel = "{volume has no label}";
+
+std::vector<std::string> RootsOfType(FileSystem& files, const std::string& type) {
+  std::vector<std::string> roots;
+  for (char letter = kFirstDrive; letter <= kLastDrive; ++letter) {
+    std::string root{letter, ':', '\\'};
+    if (DriveTypeText(files, root) == type) roots.push_back(std::move(root));
+  }
+  return roots;
+}
+
+}  // namespace
+
+std::string DriveTypeText(FileSystem& files, std::string root) {
+  if (root.size() == 1) root += ":\\";
+  if (root.size() == 2 && root.ends_with(':')) root += '\\';
+  switch (files.TypeOfDrive(WinPath(root))) {
+    case DriveType::Removable:
+      return "Removable Drive";
+    case DriveType::Fixed:
+      return kFixed;
+    case DriveType::Remote:
+      return "Remote Drive";
+    case DriveType::CdRom:
+      return kCdRom;
+    case DriveType::RamDisk:
+      return "RAM Disk";
+    case DriveType::Unknown:
+    case DriveType::NoRoot:
+      break;
+  }
+  return "Drive Doesn't Exist";
+}
+
+DriveList ListDrives(FileSystem& files) {
+  DriveList list;
+  std::string hardDrives;
+  for (const std::string& root : RootsOfType(files, kFixed)) {
+    std::string label = files.VolumeLabel(WinPath(root)).value_or("");
+    label.resize(std::min(label.find('\0'), label.size()));
+    list.items.push_back(root + (label.empty() ? kNoLabel : label));
+    list.roots.push_back(root);
+    hardDrives += (hardDrives.empty() ? "" : ", ") + root;
+  }
+  for (const std::string& root : RootsOfType(files, kCdRom)) {
+    list.items.push_back(root + kCdRom);
+    list.roots.push_back(root);
+  }
+  if (list.items.size() > 1) list.items.push_back(std::string(kAllDrives) + " (" + hardDrives + ")");
+  return list;
+}
+
+}  // namespace quillbox

@@ -1,0 +1,171 @@
+#include "backup/file_search.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <map>
+
+#include "backup/drives.h"
+#include "platform/offline/offline_files.h"
+#include "support/temp_folder.h"
+
+namespace quillbox {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+struct FileSearchTest : testing::Test {
+  /// The paths of the files found, in their order.
+  std::vector<std::string> Search(const std::string& root, const std::string& pattern) {
+    found.Clear();
+    report = {};
+    SearchFiles(files, WinPath(root), pattern, found, report, progress);
+    std::vector<std::string> paths;
+    for (std::size_t i = 0; i < found.Count(); ++i) paths.push_back(found.Folder(i) + found.Name(i));
+    return paths;
+  }
+
+  TempFolder temp;
+  std::filesystem::path c = temp.Folder("c");
+  Environment environment;
+  OfflineFiles files{DriveMap(c), environment};
+  FoundFiles found;
+  SearchReport report;
+  SearchProgress progress = [](const std::string&, std::size_t) { return true; };
+};
+
+TEST_F(FileSearchTest, EachFolderComesBeforeWhatIsBelowItAndEachMatchOnce) {
+  for (const char* file : {"top.dbx", "a/Inbox.DBX", "a/b/c/deep.dbx", "a/b/no.dbx.bak", "z/Sent Items.dbx"}) {
+    temp.File(std::string("c/") + file);
+  }
+  temp.Folder("c/a/folder.dbx");
+  temp.File("c/a/folder.dbx/inside.dbx");
+  const std::vector<std::string> paths = Search("C:\\", "*.dbx");
+  EXPECT_THAT(paths, UnorderedElementsAre("C:\\top.dbx", "C:\\a\\Inbox.DBX", "C:\\a\\b\\c\\deep.dbx",
+                                          "C:\\a\\folder.dbx\\inside.dbx", "C:\\z\\Sent Items.dbx"));
+  EXPECT_EQ(paths.front(), "C:\\top.dbx");
+  const auto at = [&](const char* path) { return std::find(paths.begin(), paths.end(), path) - paths.begin(); };
+  EXPECT_LT(at("C:\\a\\Inbox.DBX"), at("C:\\a\\b\\c\\deep.dbx"));
+  EXPECT_EQ(std::abs(at("C:\\a\\b\\c\\deep.dbx") - at("C:\\a\\folder.dbx\\inside.dbx")), 1) << "a's are not torn apart";
+
+  EXPECT_THAT(Search("c:\\A\\B", "*.*"), UnorderedElementsAre("c:\\A\\B\\no.dbx.bak", "c:\\A\\B\\c\\deep.dbx"));
+  for (const char* pattern : {"", "a\\*.dbx", "*.wab"}) EXPECT_THAT(Search("C:\\", pattern), IsEmpty()) << pattern;
+  for (const char* root : {"None Selected", "", "Q:\\", "C:\\top.dbx"}) {
+    EXPECT_THAT(Search(root, "*.dbx"), IsEmpty()) << root;
+    EXPECT_THAT(report.unread, IsEmpty()) << root;
+  }
+}
+
+TEST_F(FileSearchTest, LinksToFoldersAreNotEntered) {
+  temp.File("c/a/Inbox.dbx");
+  temp.File("outside/far.dbx");
+  std::filesystem::create_directory_symlink(c, c / "a/loop");
+  std::filesystem::create_directory_symlink(c / "a", c / "a/loop.dbx");
+  std::filesystem::create_symlink(temp / "outside/far.dbx", c / "a/linked.dbx");
+  std::filesystem::create_symlink("nowhere", c / "a/broken.dbx");
+  EXPECT_THAT(Search("C:\\", "*.dbx"),
+              UnorderedElementsAre("C:\\a\\Inbox.dbx", "C:\\a\\linked.dbx", "C:\\a\\broken.dbx"));
+}
+
+TEST_F(FileSearchTest, AFolderThatCannotBeReadIsToldAndTheRestIsSearched) {
+  temp.File("c/a/in.dbx");
+  temp.File("c/b/in.dbx");
+  temp.File("c/top.dbx");
+  // The root can still be opened, no folder below it; unlike permissions that holds for the administrator, too.
+  const int lowest = dup(STDIN_FILENO);
+  close(lowest);
+  rlimit before = {};
+  getrlimit(RLIMIT_NOFILE, &before);
+  const rlimit limited = {static_cast<rlim_t>(lowest) + 1, before.rlim_max};
+  setrlimit(RLIMIT_NOFILE, &limited);
+  const auto paths = Search("C:\\", "*.dbx");
+  setrlimit(RLIMIT_NOFILE, &before);
+  EXPECT_THAT(paths, ElementsAre("C:\\top.dbx"));
+  EXPECT_THAT(report.unread, UnorderedElementsAre("C:\\a: Too many open files", "C:\\b: Too many open files"));
+}
+
+TEST_F(FileSearchTest, NamesThatAreNoTextAreFoundAndCanBeOpened) {
+  temp.File(
+      "c/bad\xFF"
+      "dir/caf\xE9.dbx",
+      "mail");
+  temp.File("c/\xC3\x84rger/\xC3\xBC.DBX");
+  const auto paths = Search("C:\\", "*.dbx");
+  ASSERT_EQ(paths.size(), 2U);
+  for (const std::string& path : paths) EXPECT_TRUE(files.Stat(WinPath(path))) << path;
+  EXPECT_THAT(Search("C:\\", "\xC3\x9C.dbx"), ElementsAre("C:\\\xC3\x84rger\\\xC3\xBC.DBX")) << "in either case";
+}
+
+/// Far deeper than folders may be open at a time, with paths longer than the system takes at once, and with something
+/// to come back to on every level.
+TEST_F(FileSearchTest, DepthHasNoLimit) {
+  constexpr int kDepth = 1500;
+  int folder = open(c.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  for (int i = 0; i < kDepth; ++i) {
+    for (const char* name : {"deeper", "aside"}) ASSERT_EQ(mkdirat(folder, name, 0777), 0);
+    for (const char* name : {"a.dbx", "aside/b.dbx"}) {
+      const int file = openat(folder, name, O_CREAT | O_WRONLY | O_CLOEXEC, 0666);
+      ASSERT_GE(file, 0);
+      close(file);
+    }
+    const int next = openat(folder, "deeper", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_GE(next, 0);
+    close(folder);
+    folder = next;
+  }
+  close(folder);
+  EXPECT_EQ(Search("C:\\", "*.dbx").size(), 2U * kDepth);
+  EXPECT_THAT(report.unread, IsEmpty());
+}
+
+TEST_F(FileSearchTest, CancelKeepsWhatWasFound) {
+  for (int i = 0; i < 5; ++i) temp.File("c/" + std::to_string(i) + "/Inbox.dbx");
+  std::vector<std::string> told;
+  progress = [&](const std::string& folder, std::size_t count) {
+    told.push_back(folder);
+    return count < 2;
+  };
+  EXPECT_EQ(Search("C:\\", "*.dbx").size(), 2U);
+  EXPECT_TRUE(report.cancelled);
+  EXPECT_EQ(told.front(), "C:\\");
+}
+
+/// Drives of every type; C has no label, D one with rubbish behind its end.
+struct MachineDrives : OfflineFiles {
+  using OfflineFiles::OfflineFiles;
+  DriveType TypeOfDrive(const WinPath& root) override {
+    const auto known = types.find(root.Drive());
+    return root.IsAbsolute() && known != types.end() ? known->second : DriveType::NoRoot;
+  }
+  std::optional<std::string> VolumeLabel(const WinPath& root) override {
+    return root.Drive() == 'D' ? std::string("DATA\0rubbish", 12) : std::string();
+  }
+  std::map<char, DriveType> types;
+};
+
+TEST(DriveList, FixedDrivesThenCdRomsThenAll) {
+  const TempFolder temp;
+  const Environment environment;
+  MachineDrives files(DriveMap(temp.Path()), environment);
+  files.types = {{'C', DriveType::Fixed}};
+  EXPECT_THAT(ListDrives(files).items, ElementsAre("C:\\{volume has no label}"));
+
+  files.types = {{'A', DriveType::Fixed}, {'B', DriveType::CdRom},   {'C', DriveType::Fixed}, {'D', DriveType::Fixed},
+                 {'E', DriveType::CdRom}, {'R', DriveType::RamDisk}, {'Z', DriveType::Remote}};
+  const DriveList list = ListDrives(files);
+  EXPECT_THAT(list.items, ElementsAre("C:\\{volume has no label}", "D:\\DATA", "B:\\CD-ROM", "E:\\CD-ROM",
+                                      "All Hard Drives (C:\\, D:\\)"));
+  EXPECT_THAT(list.roots, ElementsAre("C:\\", "D:\\", "B:\\", "E:\\"));
+  EXPECT_EQ(DriveTypeText(files, "r"), "RAM Disk");
+  EXPECT_EQ(DriveTypeText(files, "Z:"), "Remote Drive");
+  EXPECT_EQ(DriveTypeText(files, "Q:\\"), "Drive Doesn't Exist");
+}
+
+}  // namespace
+}  // namespace quillbox
