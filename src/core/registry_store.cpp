@@ -15,6 +15,9 @@ constexpr int kInternalError = 51;
 
 constexpr std::uint32_t kForceRestore = 8;
 
+/// What a file's name ends in while it is being made.
+constexpr const char* kUnfinished = ".unfinished";
+
 struct OsRow {
   OsCode code;
   std::string_view text;
@@ -187,20 +190,44 @@ void RegistryStore::DeleteKey(const RegistryPath& path) {
   if (status != Status::Success) LogRefusal("the key was not deleted", path, status);
 }
 
-void RegistryStore::SaveKey(const RegistryPath& path, const WinPath& file) {
+void RegistryStore::SaveKey(const RegistryPath& path, const WinPath& file, OnFailure onFailure) {
   if (!EnablePrivilege("SeBackupPrivilege")) return;
   const OpenResult opened = registry_.Open(path, Access::Full);
-  if (platform_.GetFiles().Stat(file)) platform_.GetFiles().DeleteFile(file);
-  const Status status = opened.status == Status::Success ? registry_.SaveKey(opened.key, file) : opened.status;
-  if (status != Status::Success) LogRefusal("the key was not saved to " + file.Text(), path, status);
+  const Status status = opened.status == Status::Success ? ReplaceByKey(opened.key, file) : opened.status;
+  if (status == Status::Success) return;
+  if (opened.status == Status::FileNotFound) platform_.GetFiles().DeleteFile(file);
+  const std::string refusal = LogRefusal("the key was not saved to " + file.Text(), path, status);
+  if (onFailure == OnFailure::Tell) reports_.Add(refusal);
+}
+
+// The registry saves to new files only. An older file stays until the new one is complete, so that a full disk does
+// not cost an earlier backup.
+Status RegistryStore::ReplaceByKey(const Key& key, const WinPath& file) {
+  FileSystem& files = platform_.GetFiles();
+  if (!files.Stat(file)) return registry_.SaveKey(key, file);
+  const WinPath unfinished(file.Text() + kUnfinished);
+  files.DeleteFile(unfinished);
+  Status status = registry_.SaveKey(key, unfinished);
+  if (status == Status::Success) {
+    try {
+      files.WriteFile(file, files.ReadFile(unfinished));
+    } catch (const Error& error) {
+      platform_.GetLog().Write(Describe(error));
+      status = Status::RegistryIo;
+    }
+  }
+  files.DeleteFile(unfinished);
+  return status;
 }
 
 void RegistryStore::RestoreKey(const RegistryPath& path, const WinPath& file) {
   if (!EnablePrivilege("SeRestorePrivilege")) return;
   const OpenResult opened = registry_.Open(path, Access::Full);
-  const Status status =
-      opened.status == Status::Success ? registry_.RestoreKey(opened.key, file, kForceRestore) : opened.status;
-  if (status != Status::Success) LogRefusal("the key was not restored from " + file.Text(), path, status);
+  if (opened.status != Status::Success) {
+    return reports_.Add(LogRefusal("the key could not take what is in " + file.Text(), path, opened.status));
+  }
+  const Status status = registry_.RestoreKey(opened.key, file, kForceRestore);
+  if (status != Status::Success) reports_.Add(LogRefusal("the key was not restored from " + file.Text(), path, status));
 }
 
 bool RegistryStore::HasProductName(const RegistryPath& path) {
@@ -218,7 +245,7 @@ void RegistryStore::DetectOsCode() {
   if (product == RegValue("Microsoft Windows XP")) osCode_ = OsCode::XP;
 }
 
-void RegistryStore::RegExport(const std::string& key, const std::string& file, KeyForm form) {
+void RegistryStore::RegExport(const std::string& key, const std::string& file, KeyForm form, OnFailure onFailure) {
   const OsRow& row = RowOf(osCode_);
   if (row.exportCommand.empty()) return;
   std::string command = std::string(row.exportCommand) + file + "\"";
@@ -233,11 +260,19 @@ void RegistryStore::RegExport(const std::string& key, const std::string& file, K
       command += " " + key;
       break;
   }
-  platform_.GetProcesses().RunAndWait(command, ShowStyle::MinimisedWithFocus);
+  RunEditor(command, onFailure);
 }
 
-void RegistryStore::RegMerge(const std::string& file) {
-  platform_.GetProcesses().RunAndWait("regedit /s /c \"" + file, ShowStyle::MinimisedWithFocus);
+void RegistryStore::RegMerge(const std::string& file, OnFailure onFailure) {
+  RunEditor("regedit /s /c \"" + file, onFailure);
+}
+
+void RegistryStore::RunEditor(const std::string& commandLine, OnFailure onFailure) {
+  const ProcessEnd end = platform_.GetProcesses().RunAndWait(commandLine, ShowStyle::MinimisedWithFocus);
+  if (onFailure == OnFailure::LogOnly || (end.started && end.exitCode == 0)) return;
+  if (!end.started) return reports_.Add("The registry editor could not be started.");
+  if (!end.errors.empty()) return reports_.Add(end.errors);
+  reports_.Add("The registry editor ended with code " + std::to_string(end.exitCode) + ": " + commandLine);
 }
 
 void RegistryStore::ShowRegistryReadError(Status code, const std::string& suffix) {
@@ -245,8 +280,11 @@ void RegistryStore::ShowRegistryReadError(Status code, const std::string& suffix
       {.text = "Registry read error " + std::to_string(static_cast<std::uint32_t>(code)) + suffix});
 }
 
-void RegistryStore::LogRefusal(const std::string& what, const RegistryPath& path, Status status) {
-  platform_.GetLog().Write(FullName(path) + ": " + what + " because " + StatusReason(status));
+/// The refusal in words, which the log has afterwards.
+std::string RegistryStore::LogRefusal(const std::string& what, const RegistryPath& path, Status status) {
+  std::string words = FullName(path) + ": " + what + " because " + StatusReason(status);
+  platform_.GetLog().Write(words);
+  return words;
 }
 
 }  // namespace quillbox

@@ -1,6 +1,6 @@
 // The one component through which the program reads and writes the registry, and has the registry editor export and
 // merge keys. It keeps no key open between calls, raises nothing for a key or value that is not there, and shows no
-// message of its own but the two named below.
+// message of its own but the two named below and what goes wrong with registry files.
 #pragma once
 
 #include <string>
@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/reg_value.h"
+#include "core/registry_reports.h"
 #include "platform/platform.h"
 #include "platform/registry.h"
 
@@ -36,12 +37,16 @@ enum class KeyForm {
   PlainAfterOneBlank  ///< one blank, then the key without quotes
 };
 
+/// Whether the person reads why a key's file could not be written or used. The log has it in any case.
+enum class OnFailure { Tell, LogOnly };
+
 /// Whether a read takes REG_EXPAND_SZ values for text or for nothing.
 enum class ExpandableText { Read, Ignore };
 
 class RegistryStore {
  public:
-  explicit RegistryStore(Platform& platform) : platform_(platform), registry_(platform.GetRegistry()) {}
+  explicit RegistryStore(Platform& platform)
+      : platform_(platform), registry_(platform.GetRegistry()), reports_(platform.GetDialogs()) {}
 
   /// A value by the types REG_SZ, REG_EXPAND_SZ (not expanded), REG_BINARY and REG_DWORD; Empty for a missing key or
   /// value and for every other type. Text is cut at its first NUL. An empty name reads the default value.
@@ -70,9 +75,10 @@ class RegistryStore {
   void DeleteKey(const RegistryPath& path);
 
   bool EnablePrivilege(std::string_view name) { return registry_.EnablePrivilege(name); }
-  /// Writes a key as a hive file, replacing a file of that name; silent.
-  void SaveKey(const RegistryPath& path, const WinPath& file);
-  /// Replaces what an existing key holds by a hive file's content; silent.
+  /// Writes a key as a hive file, whole or not at all, in place of a file of that name. For a key that does not exist
+  /// that file goes away.
+  void SaveKey(const RegistryPath& path, const WinPath& file, OnFailure onFailure = OnFailure::Tell);
+  /// Replaces what an existing key holds by a hive file's content; a file that is no usable hive changes nothing.
   void RestoreKey(const RegistryPath& path, const WinPath& file);
 
   /// Reads the kind of Windows afresh; it stays what it was when nothing tells.
@@ -80,9 +86,13 @@ class RegistryStore {
   OsCode GetOsCode() const { return osCode_; }
 
   /// Has the registry editor export `key` (its full name) to `file` and waits for it; nothing without an OS code.
-  void RegExport(const std::string& key, const std::string& file, KeyForm form = KeyForm::Quoted);
+  void RegExport(const std::string& key, const std::string& file, KeyForm form = KeyForm::Quoted,
+                 OnFailure onFailure = OnFailure::Tell);
   /// Has the registry editor merge `file` and waits for it.
-  void RegMerge(const std::string& file);
+  void RegMerge(const std::string& file, OnFailure onFailure = OnFailure::Tell);
+
+  /// Where the failures of exports, merges, saves and restores are gathered.
+  RegistryReports& Reports() { return reports_; }
 
   /// The message "Registry read error", the code and `suffix` as it is.
   void ShowRegistryReadError(Status code, const std::string& suffix);
@@ -91,10 +101,13 @@ class RegistryStore {
   RegValue ReadTyped(const Key& key, std::string_view name, const QueryResult& asked, ExpandableText expandable);
   void WriteIfOpen(const RegistryPath& path, std::string_view name, const RegValue& value, ValueType type);
   bool HasProductName(const RegistryPath& path);
-  void LogRefusal(const std::string& what, const RegistryPath& path, Status status);
+  void RunEditor(const std::string& commandLine, OnFailure onFailure);
+  Status ReplaceByKey(const Key& key, const WinPath& file);
+  std::string LogRefusal(const std::string& what, const RegistryPath& path, Status status);
 
   Platform& platform_;
   Registry& registry_;
+  RegistryReports reports_;
   OsCode osCode_ = OsCode::Unknown;
 };
 

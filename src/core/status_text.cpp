@@ -15,7 +15,7 @@ constexpr StatusRow kRows[] = {
     {Status::FileExists, "a file of that name is in the way"},
     {Status::InvalidParameter, "Windows allows nothing of that name"},
     {Status::BadRegistry, "it is no usable hive file"},
-    {Status::RegistryIo, "the registry could not be read or written"},
+    {Status::RegistryIo, "a file could not be read or written (the log says more)"},
     {Status::KeyDeleted, "it was deleted meanwhile"},
 };
 

@@ -26,13 +26,19 @@ class Shell {
 
 enum class ShowStyle { Normal = 1, MinimisedWithFocus = 2 };
 
+/// How a process ended that was started and waited for.
+struct ProcessEnd {
+  bool started = false;  ///< false: the rest means nothing
+  int exitCode = 0;
+  std::string errors;  ///< what it wrote to standard error, where the platform can tell
+};
+
 class Processes {
  public:
   virtual ~Processes() = default;
-  /// Starts a command line in the current directory and returns when the process has ended. False when it could not
-  /// be started; its exit code is for the log only. Registry changes so far are on the disk before it starts, and what
-  /// it changed is seen afterwards.
-  virtual bool RunAndWait(const std::string& commandLine, ShowStyle style) = 0;
+  /// Starts a command line in the current directory and returns when the process has ended. Registry changes so far
+  /// are on the disk before it starts, and what it changed is seen afterwards.
+  virtual ProcessEnd RunAndWait(const std::string& commandLine, ShowStyle style) = 0;
 };
 
 class Clock {

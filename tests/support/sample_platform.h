@@ -21,9 +21,10 @@ namespace quillbox {
 /// Passes every command line on to the real registry editor and keeps it.
 struct RecordingProcesses : Processes {
   explicit RecordingProcesses(Processes& toInner) : inner(toInner) {}
-  bool RunAndWait(const std::string& commandLine, ShowStyle style) override {
+  ProcessEnd RunAndWait(const std::string& commandLine, ShowStyle style) override {
     commandLines.push_back(commandLine);
-    return !forward || inner.RunAndWait(commandLine, style);
+    if (!forward) return {.started = true, .exitCode = 0, .errors = {}};
+    return inner.RunAndWait(commandLine, style);
   }
   Processes& inner;
   bool forward = true;
