@@ -53,8 +53,12 @@ BackupFolderCheck BackupFolder::Check(bool withMessage) {
 std::optional<WinPath> BackupFolder::Guard(FolderMessage wording) {
   const std::string folder = Get();
   if (folder != kNoneSelected) return WinPath(folder);
-  platform_.GetDialogs().Show({.text = Wording(wording)});
+  Tell(wording);
   return std::nullopt;
+}
+
+void BackupFolder::Tell(FolderMessage wording) {
+  platform_.GetDialogs().Show({.text = Wording(wording)});
 }
 
 void BackupFolder::Enter(const WinPath& folder) {

@@ -41,6 +41,8 @@ class BackupFolder {
   BackupFolderCheck Check(bool withMessage);
   /// The guard of a backup command: the folder as stored, or nothing after the message has been shown.
   std::optional<WinPath> Guard(FolderMessage wording);
+  /// Shows the guard's message.
+  void Tell(FolderMessage wording);
   /// Makes the folder's drive the current drive and the folder the current directory. Throws Error when that fails.
   void Enter(const WinPath& folder);
 

@@ -1,9 +1,15 @@
 #include "backup/identity_backup.h"
 
+#include <algorithm>
+#include <iterator>
+#include <map>
+#include <utility>
+
+#include "backup/registry_items.h"
 #include "core/file_helpers.h"
-#include "core/identity_catalogue.h"
 #include "core/status_text.h"
 #include "text/error.h"
+#include "text/unicode.h"
 
 namespace quillbox {
 namespace {
@@ -11,14 +17,14 @@ namespace {
 constexpr const char* kPop3Uidl = "Pop3uidl.dbx";
 
 struct SharedExport {
-  const char* key;
+  RegistryItem item;
   const char* file;
   const char* status;
 };
 constexpr SharedExport kSharedExports[] = {
-    {backup_keys::kAddressBook, "WAB.reg", "Address Book Subkey Backup Complete"},
-    {backup_keys::kMachine, "HKLMOutlookExpress.reg", "HKLM Outlook Express Export Complete"},
-    {backup_keys::kAccounts, "IAM.reg", "Internet Accounts Manager Subkey Backup Complete"},
+    {RegistryItem::AddressBook, "WAB.reg", "Address Book Subkey Backup Complete"},
+    {RegistryItem::Machine, "HKLMOutlookExpress.reg", "HKLM Outlook Express Export Complete"},
+    {RegistryItem::Accounts, "IAM.reg", "Internet Accounts Manager Subkey Backup Complete"},
 };
 
 }  // namespace
@@ -32,6 +38,19 @@ bool IsStoreFileToCopy(const std::string& name, Pop3Uidl pop3Uidl) {
   if (name.size() < kEnding) return false;
   if (name.substr(0, name.size() - kEnding).find('.') != std::string::npos) return false;
   return pop3Uidl == Pop3Uidl::Copy || name != kPop3Uidl;
+}
+
+std::vector<std::string> SharedUsernames(const std::vector<IdentityInfo>& identities) {
+  std::map<std::u16string, std::pair<std::string, std::size_t>> counts;
+  for (const IdentityInfo& identity : identities) {
+    auto& [username, count] = counts[UpperCase(ToUtf16(identity.username))];
+    if (count++ == 0) username = identity.username;
+  }
+  std::vector<std::string> shared;
+  for (const auto& [upper, seen] : counts) {
+    if (seen.second > 1) shared.push_back(seen.first);
+  }
+  return shared;
 }
 
 std::optional<WinPath> IdentityBackup::EnterIdentityFolder(const WinPath& backupFolder, const std::string& username) {
@@ -67,13 +86,68 @@ bool IdentityBackup::CheckIdentitiesKey() {
   return false;
 }
 
+void IdentityBackup::Save(const std::string& userId, const std::string& username, const WinPath& target,
+                          const BackupScope& scope, OverwriteSetting overwrite) {
+  CopyStore(userId, target, scope.pop3Uidl, overwrite);
+  CopyAddressBook(target, overwrite);
+  ExportIdentity(userId, username, target);
+  if (scope.sharedKeys) ExportSharedKeys(target);
+  if (scope.signatures) SaveSignatures(userId);
+}
+
+std::optional<std::size_t> IdentityBackup::SaveAll(const WinPath& backupFolder, const IdentityCatalogue& catalogue,
+                                                   const BackupScope& scope, OverwriteSetting overwrite) {
+  TellSharedFolders(catalogue);
+  std::size_t saved = 0;
+  for (const IdentityInfo& identity : catalogue.identities) {
+    folder_.Enter(backupFolder);
+    if (IsEmpty(identity)) continue;
+    const auto target = EnterIdentityFolder(backupFolder, identity.username);
+    if (!target) continue;
+    if (!CheckIdentitiesKey()) return std::nullopt;
+    Save(identity.userId, identity.username, *target, scope, overwrite);
+    ++saved;
+  }
+  return saved;
+}
+
+/// An identity whose setting is no text is not taken for empty: its other parts are saved, and the copying tells why
+/// its store is not.
+bool IdentityBackup::IsEmpty(const IdentityInfo& identity) {
+  try {
+    return ReadStoreFolder(store_, platform_.GetFiles(), identity.userId) == kEmptyIdentityMarker;
+  } catch (const Error&) {
+    return false;
+  }
+}
+
+void IdentityBackup::TellSharedFolders(const IdentityCatalogue& catalogue) {
+  std::vector<IdentityInfo> saved;
+  std::copy_if(catalogue.identities.begin(), catalogue.identities.end(), std::back_inserter(saved),
+               [](const IdentityInfo& identity) { return identity.storeFolder != kEmptyIdentityMarker; });
+  for (const std::string& username : SharedUsernames(saved)) {
+    platform_.GetDialogs().Show({.text = "Several identities are named \"" + username +
+                                         "\". Their backups share one folder, in which the file of a later one takes "
+                                         "the place of an earlier one's file of that name. To keep them apart, give "
+                                         "them different names first.",
+                                 .icon = MessageIcon::Exclamation});
+  }
+}
+
 void IdentityBackup::CopyStore(const std::string& userId, const WinPath& target, Pop3Uidl pop3Uidl,
                                OverwriteSetting overwrite) {
-  const std::string folder = ReadStoreFolder(store_, platform_.GetFiles(), userId);
-  if (!DirExists(platform_.GetFiles(), folder)) {
-    platform_.GetDialogs().Show({.text = "The message store folder \"" + folder +
-                                         "\" does not exist. None of its files can be copied; the rest of the backup "
-                                         "goes on.",
+  std::string folder;
+  std::string fault;
+  try {
+    folder = ReadStoreFolder(store_, platform_.GetFiles(), userId);
+    if (folder.empty() || !DirExists(platform_.GetFiles(), folder)) {
+      fault = "The message store folder \"" + folder + "\" does not exist.";
+    }
+  } catch (const Error& error) {
+    fault = "The message store folder is not known: " + Describe(error) + ".";
+  }
+  if (!fault.empty()) {
+    platform_.GetDialogs().Show({.text = fault + " None of its files can be copied; the rest of the backup goes on.",
                                  .icon = MessageIcon::Exclamation});
     return;
   }
@@ -100,9 +174,18 @@ void IdentityBackup::ExportIdentity(const std::string& userId, const std::string
 void IdentityBackup::ExportSharedKeys(const WinPath& target) {
   if (store_.GetOsCode() == OsCode::Unknown) return;
   for (const SharedExport& row : kSharedExports) {
-    store_.RegExport(row.key, target.Join(row.file).Text());
+    store_.RegExport(RowOf(row.item).key, target.Join(row.file).Text());
     status_(row.status);
   }
+}
+
+// An identity without signatures is nothing to tell.
+void IdentityBackup::SaveSignatures(const std::string& userId) {
+  const std::string key = IdentitySettingsKey(userId) + "\\Signatures";
+  const bool exists = store_.OpenKey(CurrentUser(key), Access::Read).status == Status::Success;
+  RegistryItems(platform_, store_, folder_)
+      .Export(RowOf(RegistryItem::Signatures), userId, kSignaturesInBackup.On(store_.GetOsCode()),
+              exists ? OnFailure::Tell : OnFailure::LogOnly);
 }
 
 void IdentityBackup::Copy(const WinPath& source, const WinPath& target, OverwriteSetting overwrite) {

@@ -1,5 +1,5 @@
-// What the backups of one identity share: making its folder, copying its message store and the address book, and
-// exporting registry keys.
+// The backup of identities: each one's folder, the copies of its message store and of the address book, and the
+// exports of registry keys. The quick backup, the backup of all identities and the complete backup differ in a row.
 #pragma once
 
 #include <functional>
@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "backup/backup_folder.h"
+#include "core/identity_catalogue.h"
 #include "core/registry_store.h"
 #include "platform/platform.h"
 
@@ -26,6 +27,19 @@ enum class Pop3Uidl { Skip, Copy };
 /// and it is not "Pop3uidl.dbx" unless that is wanted.
 bool IsStoreFileToCopy(const std::string& name, Pop3Uidl pop3Uidl);
 
+/// What a kind of backup saves of an identity beside its store, the address book file and its own key.
+struct BackupScope {
+  Pop3Uidl pop3Uidl;
+  bool sharedKeys;  ///< the address book, Outlook Express machine and accounts keys
+  bool signatures;
+};
+inline constexpr BackupScope kQuickBackup{Pop3Uidl::Skip, true, false};
+inline constexpr BackupScope kBackupOfAll{Pop3Uidl::Skip, true, true};
+inline constexpr BackupScope kCompleteBackup{Pop3Uidl::Copy, false, true};
+
+/// The usernames that several of the identities have, each once, as folders compare them: without regard to case.
+std::vector<std::string> SharedUsernames(const std::vector<IdentityInfo>& identities);
+
 /// Receives the texts that a running backup shows in the status bar's first panel.
 using StatusSink = std::function<void(const std::string&)>;
 
@@ -40,19 +54,28 @@ class IdentityBackup {
   /// False after telling the person that the identities' key cannot be opened.
   bool CheckIdentitiesKey();
 
-  /// Copies the store files of the identity into `target`, telling each to the status. A store folder that is gone is
-  /// told to the person.
-  void CopyStore(const std::string& userId, const WinPath& target, Pop3Uidl pop3Uidl, OverwriteSetting overwrite);
-  void CopyAddressBook(const WinPath& target, OverwriteSetting overwrite);
-  /// Exports the identity's own key to U.reg in `target`.
-  void ExportIdentity(const std::string& userId, const std::string& username, const WinPath& target);
-  /// Exports the address book, Outlook Express machine and accounts keys into `target`.
-  void ExportSharedKeys(const WinPath& target);
+  /// Saves one identity into `target`, which is the current directory, and tells each step to the status.
+  void Save(const std::string& userId, const std::string& username, const WinPath& target, const BackupScope& scope,
+            OverwriteSetting overwrite);
+  /// Saves every identity that is not empty into a folder of its own. One whose folder cannot be used is told to the
+  /// person and passed over. The number of identities saved, or nothing when the identities' key could not be opened.
+  /// Throws Error when the backup folder cannot be entered.
+  std::optional<std::size_t> SaveAll(const WinPath& backupFolder, const IdentityCatalogue& catalogue,
+                                     const BackupScope& scope, OverwriteSetting overwrite);
 
   /// Files that were to be copied and were not, since this object was made.
   std::size_t FilesNotCopied() const { return filesNotCopied_; }
 
  private:
+  /// A store folder that is gone is told to the person.
+  void CopyStore(const std::string& userId, const WinPath& target, Pop3Uidl pop3Uidl, OverwriteSetting overwrite);
+  void CopyAddressBook(const WinPath& target, OverwriteSetting overwrite);
+  /// Exports the identity's own key to U.reg in `target`.
+  void ExportIdentity(const std::string& userId, const std::string& username, const WinPath& target);
+  void ExportSharedKeys(const WinPath& target);
+  void SaveSignatures(const std::string& userId);
+  bool IsEmpty(const IdentityInfo& identity);
+  void TellSharedFolders(const IdentityCatalogue& catalogue);
   void Copy(const WinPath& source, const WinPath& target, OverwriteSetting overwrite);
 
   Platform& platform_;
@@ -61,12 +84,5 @@ class IdentityBackup {
   StatusSink status_;
   std::size_t filesNotCopied_ = 0;
 };
-
-/// The registry keys that a backup saves beside the identity's own.
-namespace backup_keys {
-inline constexpr const char* kAddressBook = "HKEY_CURRENT_USER\\Software\\Microsoft\\WAB";
-inline constexpr const char* kMachine = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Outlook Express";
-inline constexpr const char* kAccounts = "HKEY_CURRENT_USER\\SOFTWARE\\Microsoft\\Internet Account Manager\\Accounts";
-}  // namespace backup_keys
 
 }  // namespace quillbox

@@ -79,9 +79,10 @@ Form1::Form1(Program& program, Windows& windows)
   cmdOpenWab.onClick = [this] { cmdOpenWab_Click(); };
   cmdRefresh.onClick = [this] { cmdRefresh_Click(); };
   cmdExit.onClick = [this] { cmdExit_Click(); };
-  for (Button* button : {&cmdbkupall, &cmdComplete, &cmdRestore, &cmdSearch}) {
-    button->onClick = [this, button] { NotBuiltYet(button->caption); };
-  }
+  cmdbkupall.onClick = [this] { cmdbkupall_Click(); };
+  cmdComplete.onClick = [this] { cmdComplete_Click(); };
+  cmdRestore.onClick = [this] { cmdRestore_Click(); };
+  cmdSearch.onClick = [this] { NotBuiltYet(cmdSearch.caption); };
 }
 
 LayoutNode Form1::Layout() {

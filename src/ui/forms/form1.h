@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "backup/identity_backup.h"
+#include "backup/registry_items.h"
 #include "ui/form.h"
 #include "ui/forms/program.h"
 
@@ -79,6 +81,18 @@ class Form1 : public Form {
   void BuildMenu();
   void NotBuiltYet(const std::string& what);
   void ClearStatus();
+  void ExportItem(RegistryItem item);
+  void RestoreItem(RegistryItem item);
+  void ExportSilently(RegistryItem item);
+  void RestoreSilently(RegistryItem item);
+  /// Where the dialogs for registry files open.
+  WinPath DialogFolder();
+  void BackUpAll(const BackupScope& scope);
+  /// Runs a command of several steps and tells the person in one message what went wrong with registry files, and what
+  /// ended it early. `what` begins a sentence.
+  void TellFailure(const std::string& what, const Handler& command);
+  StatusSink ToStatus();
+  void ShowFilesNotCopied(std::size_t count);
   void CheckBackupFolder(bool withMessage);
   void chkbox();
   void ShowLoadedIdentities(const CatalogueLoad& load);
@@ -98,6 +112,39 @@ class Form1 : public Form {
   void brbkfldr_Click();
   void opnbkfldr_Click();
   void qbk_Click();
+  void cmdbkupall_Click();
+  void bkAll_Click();
+  void cmdComplete_Click();
+  void bkupallIdentities() { ExportSilently(RegistryItem::AllIdentities); }
+  void bkupIAM() { ExportSilently(RegistryItem::Accounts); }
+  void bkupAddBook() { ExportSilently(RegistryItem::AddressBook); }
+  void bkupcomplete();
+  void cmdRestore_Click();
+  void resbkupAllIdent();
+  void resbkupIAM() { RestoreSilently(RegistryItem::Accounts); }
+  void resbkupAddBook() { RestoreSilently(RegistryItem::AddressBook); }
+  void resComplete();
+  void resDBX_Click();
+  void addBookFile_Click();
+  void resWAB_Click();
+  void Identity_Click() { ExportItem(RegistryItem::Identity); }
+  void allIdentities_Click() { ExportItem(RegistryItem::AllIdentities); }
+  void regAddBook_Click() { ExportItem(RegistryItem::AddressBook); }
+  void blkSend_Click() { ExportItem(RegistryItem::BlockedSenders); }
+  void dntshowdlg_Click() { ExportItem(RegistryItem::DialogSuppressions); }
+  void expLMOE_Click() { ExportItem(RegistryItem::Machine); }
+  void msgRules_Click() { ExportItem(RegistryItem::MessageRules); }
+  void regIAM_Click() { ExportItem(RegistryItem::Accounts); }
+  void sigs_Click() { ExportItem(RegistryItem::Signatures); }
+  void resCurSelIdent_Click() { RestoreItem(RegistryItem::Identity); }
+  void resAllIdent_Click() { RestoreItem(RegistryItem::AllIdentities); }
+  void resAddBook_Click() { RestoreItem(RegistryItem::AddressBook); }
+  void resblkswnd_Click() { RestoreItem(RegistryItem::BlockedSenders); }
+  void resdontshow_Click() { RestoreItem(RegistryItem::DialogSuppressions); }
+  void resHKLMOE_Click() { RestoreItem(RegistryItem::Machine); }
+  void resIAM_Click() { RestoreItem(RegistryItem::Accounts); }
+  void resMsgRules_Click() { RestoreItem(RegistryItem::MessageRules); }
+  void resSigs_Click() { RestoreItem(RegistryItem::Signatures); }
   void mnuURL_Click();
   void Notyet_Click() {}
 

@@ -1,28 +1,11 @@
-// The main window's backup folder and quick backup.
+// The main window's backup folder, the quick backup, and the backups of all identities.
 #include "backup/identity_backup.h"
+#include "backup/registry_items.h"
+#include "text/error.h"
 #include "ui/forms/form1.h"
 #include "ui/forms/windows.h"
 
 namespace quillbox {
-namespace {
-
-/// Shows "Please Wait" on a button until it goes out of scope.
-class PleaseWaitScope {
- public:
-  explicit PleaseWaitScope(Button& button) : button_(button), caption_(button.caption) {
-    button_.caption = "Please Wait";
-  }
-  ~PleaseWaitScope() { button_.caption = caption_; }
-  PleaseWaitScope(const PleaseWaitScope&) = delete;
-  PleaseWaitScope& operator=(const PleaseWaitScope&) = delete;
-
- private:
-  Button& button_;
-  std::string caption_;
-};
-
-}  // namespace
-
 void Form1::CheckBackupFolder(bool withMessage) {
   const BackupFolderCheck check = program_.backupFolder.Check(withMessage);
   if (!check.keyOpened) return;
@@ -52,25 +35,83 @@ void Form1::cmdQuickBackup_Click() {
                                          .icon = MessageIcon::Exclamation});
     return;
   }
+  const RegistryReports::Scope reports(program_.store.Reports());
   const HourglassScope hourglass(*this);
   sb1.panels[0] = "";
   const std::string userId = Label6.caption;
   const std::string username = Label7.caption;
-  IdentityBackup backup(program_.platform, program_.store, program_.backupFolder,
-                        [this](const std::string& text) { sb1.panels[0] = text; });
+  IdentityBackup backup(program_.platform, program_.store, program_.backupFolder, ToStatus());
   const auto target = backup.EnterIdentityFolder(*folder, username);
   if (!target || !backup.CheckIdentitiesKey()) return;
   {
     const PleaseWaitScope pleaseWait(cmdQuickBackup);
     program_.overwrite = chkOverwrite.checked;
-    backup.CopyStore(userId, *target, Pop3Uidl::Skip, program_.overwrite);
-    backup.CopyAddressBook(*target, program_.overwrite);
-    backup.ExportIdentity(userId, username, *target);
-    backup.ExportSharedKeys(*target);
+    backup.Save(userId, username, *target, kQuickBackup, program_.overwrite);
   }
   program_.backupFolder.Enter(*folder);
   sb1.panels[0] = "Backup Complete";
-  if (backup.FilesNotCopied() > 0) sb1.panels[1] = "Files not copied: " + std::to_string(backup.FilesNotCopied());
+  ShowFilesNotCopied(backup.FilesNotCopied());
+}
+
+void Form1::cmdbkupall_Click() {
+  TellFailure("The backup", [this] { BackUpAll(kBackupOfAll); });
+}
+
+void Form1::bkAll_Click() {
+  cmdbkupall_Click();
+}
+
+void Form1::cmdComplete_Click() {
+  TellFailure("The complete backup", [this] {
+    bkupallIdentities();
+    bkupIAM();
+    bkupAddBook();
+    addBookFile_Click();
+    bkupcomplete();
+  });
+}
+
+void Form1::bkupcomplete() {
+  BackUpAll(kCompleteBackup);
+}
+
+void Form1::BackUpAll(const BackupScope& scope) {
+  sb1.panels[1] = "";
+  const auto folder = program_.backupFolder.Guard(FolderMessage::WithFullStop);
+  if (!folder) return;
+  program_.overwrite = chkOverwrite.checked;
+  std::optional<std::size_t> saved;
+  {
+    const HourglassScope hourglass(*this);
+    const PleaseWaitScope pleaseWait(cmdbkupall);
+    sb1.panels[0] = "";
+    IdentityBackup backup(program_.platform, program_.store, program_.backupFolder, ToStatus());
+    saved = backup.SaveAll(*folder, program_.catalogue, scope, program_.overwrite);
+  }
+  if (!saved) return;
+  program_.backupFolder.Enter(*folder);
+  sb1.panels[0] = "Backup Complete";
+  sb1.panels[1] = std::to_string(*saved) + " Identities Backed Up";
+}
+
+void Form1::TellFailure(const std::string& what, const Handler& command) {
+  const RegistryReports::Scope reports(program_.store.Reports());
+  try {
+    command();
+  } catch (const Error& error) {
+    program_.platform.GetLog().Write(what + " ended early: " + Describe(error));
+    program_.platform.GetDialogs().Show(
+        {.text = what + " ended early. What was done until then stays done.\n\n" + Describe(error),
+         .icon = MessageIcon::Exclamation});
+  }
+}
+
+StatusSink Form1::ToStatus() {
+  return [this](const std::string& text) { sb1.panels[0] = text; };
+}
+
+void Form1::ShowFilesNotCopied(std::size_t count) {
+  if (count > 0) sb1.panels[1] = "Files not copied: " + std::to_string(count);
 }
 
 }  // namespace quillbox

@@ -1,0 +1,89 @@
+#include "backup/store_restore.h"
+
+#include <algorithm>
+
+#include "core/file_helpers.h"
+#include "core/status_text.h"
+#include "text/error.h"
+#include "text/unicode.h"
+
+namespace quillbox {
+namespace {
+
+bool Holds(const std::vector<std::string>& usernames, const std::string& username) {
+  return std::any_of(usernames.begin(), usernames.end(),
+                     [&](const std::string& other) { return EqualIgnoreCase(other, username); });
+}
+
+/// Why a store folder read from the registry is nothing to restore into; empty when it is. Anything but a full path
+/// would be taken as a folder in the backup.
+std::string StoreFolderFault(const std::string& folder) {
+  if (folder == kEmptyIdentityMarker) return "it was never started in Outlook Express and has no message store yet";
+  if (WinPath(folder).IsAbsolute() || folder.starts_with("\\\\")) return {};
+  return "its message store folder \"" + folder + "\" is no full path";
+}
+
+}  // namespace
+
+void StoreRestore::RestoreAll(const WinPath& backupFolder, const IdentityCatalogue& catalogue,
+                              OverwriteSetting overwrite) {
+  folder_.Enter(backupFolder);
+  const std::vector<std::string> shared = TellSharedFolders(backupFolder, catalogue);
+  std::vector<std::string> skipped;
+  for (const IdentityInfo& identity : catalogue.identities) {
+    std::string reason = FileNameFault(identity.username);
+    if (!reason.empty()) {
+      reason = "no folder can have its name: " + reason;
+    } else if (DirExists(platform_.GetFiles(), identity.username)) {
+      const bool mayReplace = overwrite && !Holds(shared, identity.username);
+      reason = Restore(identity, backupFolder.Join(identity.username), mayReplace);
+      folder_.Enter(backupFolder);
+    }
+    if (!reason.empty()) skipped.push_back("\"" + identity.username + "\" " + identity.userId + ": " + reason);
+  }
+  TellSkipped(skipped);
+}
+
+std::vector<std::string> StoreRestore::TellSharedFolders(const WinPath& backupFolder,
+                                                         const IdentityCatalogue& catalogue) {
+  std::vector<std::string> shared = SharedUsernames(catalogue.identities);
+  for (const std::string& username : shared) {
+    if (!FileNameFault(username).empty() || !DirExists(platform_.GetFiles(), username)) continue;
+    platform_.GetDialogs().Show({.text = "Several identities are named \"" + username +
+                                         "\", and nothing tells whose files the folder \"" +
+                                         backupFolder.Join(username).Text() +
+                                         "\" holds. They are restored to each of them; before a file is replaced you "
+                                         "are asked.",
+                                 .icon = MessageIcon::Exclamation});
+  }
+  return shared;
+}
+
+std::string StoreRestore::Restore(const IdentityInfo& identity, const WinPath& from, OverwriteSetting overwrite) {
+  FileSystem& files = platform_.GetFiles();
+  const Status entered = files.SetCurrentDirectory(from);
+  if (entered != Status::Success) return "the folder \"" + from.Text() + "\" cannot be used: " + StatusReason(entered);
+  std::string folder;
+  try {
+    folder = ReadStoreFolder(store_, files, identity.userId);
+  } catch (const Error& error) {
+    return Describe(error);
+  }
+  if (std::string fault = StoreFolderFault(folder); !fault.empty()) return fault;
+  if (!MakeFolder(files, folder)) return "its message store folder \"" + folder + "\" cannot be made";
+  for (const std::string& name : FileList(files, "*.dbx")) {
+    if (!IsStoreFileToCopy(name, Pop3Uidl::Skip)) continue;
+    if (!ShellFileCopy(platform_.GetShell(), from.Join(name), WinPath(folder).Join(name), overwrite)) ++filesNotCopied_;
+    status_(name + " Restore Complete");
+  }
+  return {};
+}
+
+void StoreRestore::TellSkipped(const std::vector<std::string>& reasons) {
+  if (reasons.empty()) return;
+  std::string text = "The messages of these identities were not restored:\n";
+  for (const std::string& reason : reasons) text += "\n" + reason;
+  platform_.GetDialogs().Show({.text = text, .icon = MessageIcon::Exclamation});
+}
+
+}  // namespace quillbox

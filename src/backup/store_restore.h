@@ -1,0 +1,42 @@
+// The way back of a complete backup's message stores: the .dbx files of each identity's folder into its store folder.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "backup/backup_folder.h"
+#include "backup/identity_backup.h"
+#include "core/identity_catalogue.h"
+#include "core/registry_store.h"
+#include "platform/platform.h"
+
+namespace quillbox {
+
+class StoreRestore {
+ public:
+  StoreRestore(Platform& platform, RegistryStore& store, BackupFolder& folder, StatusSink status)
+      : platform_(platform), store_(store), folder_(folder), status_(std::move(status)) {}
+
+  /// Copies back the stores of all identities that have a folder in `backupFolder`, telling each file to the status; a
+  /// store folder that is gone is made. Those that cannot be restored are named in one message at the end. Where
+  /// several identities share a folder, the person is asked before any file is replaced. Throws Error when the backup
+  /// folder cannot be entered.
+  void RestoreAll(const WinPath& backupFolder, const IdentityCatalogue& catalogue, OverwriteSetting overwrite);
+
+  /// Files that were to be copied and were not, since this object was made.
+  std::size_t FilesNotCopied() const { return filesNotCopied_; }
+
+ private:
+  std::vector<std::string> TellSharedFolders(const WinPath& backupFolder, const IdentityCatalogue& catalogue);
+  /// Why the identity's store cannot be restored, or an empty text when it was.
+  std::string Restore(const IdentityInfo& identity, const WinPath& from, OverwriteSetting overwrite);
+  void TellSkipped(const std::vector<std::string>& reasons);
+
+  Platform& platform_;
+  RegistryStore& store_;
+  BackupFolder& folder_;
+  StatusSink status_;
+  std::size_t filesNotCopied_ = 0;
+};
+
+}  // namespace quillbox

@@ -1,0 +1,82 @@
+// The main window's single exports and merges of registry items, and the copies of the address book file.
+#include "backup/identity_backup.h"
+#include "backup/registry_items.h"
+#include "ui/forms/form1.h"
+#include "ui/forms/windows.h"
+
+namespace quillbox {
+namespace {
+
+constexpr const char* kAddressBookCopied = " Address Book Copy Complete";
+
+}  // namespace
+
+void Form1::ExportItem(RegistryItem item) {
+  sb1.panels[1] = "";
+  RegistryItems items(program_.platform, program_.store, program_.backupFolder);
+  const RegistryItemRow& row = RowOf(item);
+  const std::string userId = Label6.caption;
+  if (!items.MayExport(row, userId)) return;
+  const auto file = items.AskExportFile(row, DialogFolder());
+  if (!file) return;
+  if (items.Export(row, userId, file->Text())) sb1.panels[0] = row.exportDone;
+}
+
+void Form1::RestoreItem(RegistryItem item) {
+  RegistryItems items(program_.platform, program_.store, program_.backupFolder);
+  const RegistryItemRow& row = RowOf(item);
+  const auto file = items.AskRestoreFile(row, DialogFolder());
+  if (!file) return;
+  sb1.panels[1] = "";
+  if (row.bringsIdentities && file->Empty()) return;
+  items.Restore(row, Label6.caption, *file);
+  sb1.panels[0] = row.restoreDone;
+  if (row.bringsIdentities) GetInputPaths();
+}
+
+WinPath Form1::DialogFolder() {
+  windows_.form3.EnsureLoaded();
+  return WinPath(windows_.form3.txtbkPth.text);
+}
+
+void Form1::ExportSilently(RegistryItem item) {
+  RegistryItems(program_.platform, program_.store, program_.backupFolder).ExportSilently(item);
+}
+
+void Form1::addBookFile_Click() {
+  const WinPath file(txtwabloc.text);
+  sb1.panels[1] = "";
+  // The folder window may show a folder that was never set.
+  const std::string folder = windows_.form3.txtbkPth.text;
+  if (folder == kNoneSelected || program_.backupFolder.Get() == kNoneSelected) {
+    return program_.backupFolder.Tell(FolderMessage::WithFullStop);
+  }
+  if (file.Empty()) {
+    program_.platform.GetDialogs().Show(
+        {.text = "The registry names no address book file, so none was copied.", .icon = MessageIcon::Exclamation});
+    return;
+  }
+  ShellFileCopy(program_.platform.GetShell(), file, WinPath(folder + "\\" + NameFromFullPath(file.Text())), false);
+  sb1.panels[0] = kAddressBookCopied;
+}
+
+void Form1::resWAB_Click() {
+  sb1.panels[1] = "";
+  const std::string current = program_.store.RegistryGetKeyValue(CurrentUser(kAddressBookKey), "").AsText();
+  const std::string folder = DirectoryFromFile(current);
+  const auto file = program_.platform.GetDialogs().OpenFile({.title = {},
+                                                             .folder = WinPath(lblbkuppth.caption),
+                                                             .name = "AddressBook.WAB",
+                                                             .filter = "Address Book (*.WAB) | *.WAB"});
+  if (!file) return;
+  if (folder.empty()) {
+    program_.platform.GetDialogs().Show(
+        {.text = "The registry names no address book file, so there is no folder to copy \"" + file->Text() + "\" to.",
+         .icon = MessageIcon::Exclamation});
+    return;
+  }
+  ShellFileCopy(program_.platform.GetShell(), *file, WinPath(folder), false);
+  sb1.panels[0] = kAddressBookCopied;
+}
+
+}  // namespace quillbox
