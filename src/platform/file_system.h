@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -51,6 +52,24 @@ class FolderWalk {
   virtual bool Step(WalkStep& step) = 0;
 };
 
+/// A file that is read from its start, piece by piece.
+class FileReader {
+ public:
+  virtual ~FileReader() = default;
+  /// Fills `buffer` from its start, whole unless the file ends first; the bytes read. Throws Error.
+  virtual std::size_t Read(std::span<char> buffer) = 0;
+};
+
+/// A file in the making. Destroyed before Commit() it leaves no trace, and what was in its place stays.
+class FileWriter {
+ public:
+  virtual ~FileWriter() = default;
+  /// Throws Error when the bytes cannot be written.
+  virtual void Write(std::string_view bytes) = 0;
+  /// Puts the whole file in its place; throws Error when that fails. Nothing may be written afterwards.
+  virtual void Commit() = 0;
+};
+
 class FileSystem {
  public:
   virtual ~FileSystem() = default;
@@ -89,6 +108,10 @@ class FileSystem {
   virtual std::string ReadFile(const WinPath& path) = 0;
   /// Makes or replaces a file, whole or not at all; throws Error when it cannot be written.
   virtual void WriteFile(const WinPath& path, std::string_view bytes) = 0;
+
+  /// The same for files of any size. Both throw Error when the file cannot be opened or made.
+  virtual std::unique_ptr<FileReader> OpenForReading(const WinPath& path) = 0;
+  virtual std::unique_ptr<FileWriter> StartFile(const WinPath& path) = 0;
 
   /// The system's 8-bit code page, by its number.
   virtual unsigned CodePageNumber() = 0;

@@ -49,6 +49,8 @@ struct FixedFiles : FileSystem {
   Status SetCurrentDirectory(const WinPath&) override { return Status::Success; }
   std::string ReadFile(const WinPath&) override { return {}; }
   void WriteFile(const WinPath&, std::string_view) override {}
+  std::unique_ptr<FileReader> OpenForReading(const WinPath&) override { return nullptr; }
+  std::unique_ptr<FileWriter> StartFile(const WinPath&) override { return nullptr; }
   unsigned CodePageNumber() override { return 1252; }
 
   std::map<char, DriveType> drives{{'A', DriveType::Removable}, {'C', DriveType::Fixed}, {'Z', DriveType::Remote}};

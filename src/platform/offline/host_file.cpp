@@ -41,15 +41,6 @@ void FlushFolder(const fs::path& folder) {
   if (fd) fsync(fd.Get());
 }
 
-void WriteAll(int fd, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = write(fd, bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) ThrowErrno(written < 0 ? errno : EIO);
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-}
-
 }  // namespace
 
 HostFd& HostFd::operator=(HostFd&& other) noexcept {
@@ -114,10 +105,13 @@ bool IsStream(const fs::path& file) {
   return stat(file.c_str(), &existing) == 0 && !S_ISREG(existing.st_mode) && !S_ISDIR(existing.st_mode);
 }
 
-void WriteToStream(const fs::path& file, std::string_view bytes) {
-  const HostFd fd(open(file.c_str(), O_WRONLY | O_CLOEXEC));
-  if (!fd) ThrowErrno(errno);
-  WriteAll(fd.Get(), bytes);
+void WriteAll(int fd, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = write(fd, bytes.data(), bytes.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) ThrowErrno(written < 0 ? errno : EIO);
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
 }
 
 void RemoveAbandonedFiles(const fs::path& folder) {

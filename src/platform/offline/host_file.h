@@ -58,8 +58,8 @@ class NewFile {
 
 /// True for a device, pipe or socket, which is written to and never replaced.
 bool IsStream(const std::filesystem::path& file);
-/// Writes to what IsStream() is true for. Throws std::system_error.
-void WriteToStream(const std::filesystem::path& file, std::string_view bytes);
+/// Writes all of `bytes`. Throws std::system_error.
+void WriteAll(int fd, std::string_view bytes);
 
 /// Removes what killed programs have left in a folder: temporary files of NewFile that nobody is writing any more.
 void RemoveAbandonedFiles(const std::filesystem::path& folder);

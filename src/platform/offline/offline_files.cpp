@@ -11,6 +11,7 @@
 
 #include "platform/offline/folder_finder.h"
 #include "platform/offline/host_file.h"
+#include "platform/offline/host_streams.h"
 #include "platform/offline/host_walk.h"
 #include "platform/offline/volume_label.h"
 #include "text/error.h"
@@ -23,6 +24,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr mode_t kNewFolderMode = 0777;
+constexpr const char* kNoSuchPlace = "there is no such drive or folder";
 
 class NoEntries : public FileFinder {
  public:
@@ -177,33 +179,36 @@ Status OfflineFiles::SetCurrentDirectory(const WinPath& path) {
 }
 
 std::string OfflineFiles::ReadFile(const WinPath& path) {
-  constexpr const char* kDoing = "reading a file";
   const std::optional<fs::path> host = HostPathOf(path);
-  if (!host) throw Error(kDoing, {path.Text(), {}, {}}, "there is no such drive or folder");
+  if (!host) throw Error(kReading, {path.Text(), {}, {}}, kNoSuchPlace);
   try {
     return ReadWholeFile(*host);
   } catch (const std::system_error& failure) {
-    throw Error(kDoing, {path.Text(), {}, {}}, SystemReason(failure.code().value()));
+    throw Error(kReading, {path.Text(), {}, {}}, SystemReason(failure.code().value()));
   }
 }
 
 void OfflineFiles::WriteFile(const WinPath& path, std::string_view bytes) {
+  const std::unique_ptr<FileWriter> file = StartFile(path);
+  file->Write(bytes);
+  file->Commit();
+}
+
+std::unique_ptr<FileReader> OfflineFiles::OpenForReading(const WinPath& path) {
+  const std::optional<fs::path> host = HostPathOf(path);
+  if (!host) throw Error(kReading, {path.Text(), {}, {}}, kNoSuchPlace);
+  return OpenHostFile(*host, path.Text());
+}
+
+std::unique_ptr<FileWriter> OfflineFiles::StartFile(const WinPath& path) {
   const WinPath absolute = Absolute(path);
   const ErrorPlace place{absolute.Text(), {}, {}};
-  constexpr const char* kDoing = "writing a file";
   const std::optional<fs::path> host = drives_.HostPath(absolute);
-  if (!host) throw Error(kDoing, place, "there is no such drive or folder");
+  if (!host) throw Error(kWriting, place, kNoSuchPlace);
   if (const std::string fault = FileNameFault(absolute.Name()); !fault.empty() && !Exists(*host)) {
-    throw Error(kDoing, place, "no file can have that name: " + fault);
+    throw Error(kWriting, place, "no file can have that name: " + fault);
   }
-  try {
-    if (IsStream(*host)) return WriteToStream(*host, bytes);
-    NewFile file(*host);
-    file.Write(bytes);
-    file.Commit();
-  } catch (const std::system_error& failure) {
-    throw Error(kDoing, place, SystemReason(failure.code().value()));
-  }
+  return StartHostFile(*host, absolute.Text());
 }
 
 }  // namespace quillbox

@@ -44,6 +44,8 @@ class OfflineFiles : public FileSystem, public HostPaths {
   WinPath CurrentDirectory() override { return CurrentDirectoryOf(currentDrive_); }
   std::string ReadFile(const WinPath& path) override;
   void WriteFile(const WinPath& path, std::string_view bytes) override;
+  std::unique_ptr<FileReader> OpenForReading(const WinPath& path) override;
+  std::unique_ptr<FileWriter> StartFile(const WinPath& path) override;
   unsigned CodePageNumber() override { return codePage_; }
 
  private:

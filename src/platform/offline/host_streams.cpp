@@ -1,0 +1,97 @@
+#include "platform/offline/host_streams.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include "platform/offline/host_file.h"
+#include "text/error.h"
+
+namespace quillbox {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// Runs `work`; what the host refuses becomes an Error about the file `name`.
+template <class Work>
+auto Named(const char* doing, const std::string& name, const Work& work) {
+  try {
+    return work();
+  } catch (const std::system_error& failure) {
+    throw Error(doing, {name, {}, {}}, SystemReason(failure.code().value()));
+  }
+}
+
+class HostReader : public FileReader {
+ public:
+  HostReader(const fs::path& file, std::string name)
+      : name_(std::move(name)), fd_(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+    if (!fd_) throw Error(kReading, {name_, {}, {}}, SystemReason(errno));
+  }
+
+  std::size_t Read(std::span<char> buffer) override {
+    std::size_t length = 0;
+    while (length < buffer.size()) {
+      const ssize_t got = read(fd_.Get(), buffer.data() + length, buffer.size() - length);
+      if (got < 0 && errno == EINTR) continue;
+      if (got < 0) throw Error(kReading, {name_, {}, {}}, SystemReason(errno));
+      if (got == 0) break;
+      length += static_cast<std::size_t>(got);
+    }
+    return length;
+  }
+
+ private:
+  std::string name_;
+  HostFd fd_;
+};
+
+class HostWriter : public FileWriter {
+ public:
+  HostWriter(const fs::path& file, std::string name) : name_(std::move(name)), file_(file) {}
+  void Write(std::string_view bytes) override {
+    Named(kWriting, name_, [&] { file_.Write(bytes); });
+  }
+  void Commit() override {
+    Named(kWriting, name_, [&] { file_.Commit(); });
+  }
+
+ private:
+  std::string name_;
+  NewFile file_;
+};
+
+class StreamWriter : public FileWriter {
+ public:
+  StreamWriter(const fs::path& file, std::string name)
+      : name_(std::move(name)), fd_(open(file.c_str(), O_WRONLY | O_CLOEXEC)) {
+    if (!fd_) ThrowErrno(errno);
+  }
+  void Write(std::string_view bytes) override {
+    Named(kWriting, name_, [&] { WriteAll(fd_.Get(), bytes); });
+  }
+  void Commit() override {}
+
+ private:
+  std::string name_;
+  HostFd fd_;
+};
+
+}  // namespace
+
+std::unique_ptr<FileReader> OpenHostFile(const fs::path& file, std::string name) {
+  return std::make_unique<HostReader>(file, std::move(name));
+}
+
+std::unique_ptr<FileWriter> StartHostFile(const fs::path& file, std::string name) {
+  return Named(kWriting, name, [&]() -> std::unique_ptr<FileWriter> {
+    if (IsStream(file)) return std::make_unique<StreamWriter>(file, name);
+    return std::make_unique<HostWriter>(file, name);
+  });
+}
+
+}  // namespace quillbox

@@ -1,0 +1,22 @@
+// Files of the host as the platform's readers and writers: piece by piece, with failures that name the file as a person
+// knows it.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "platform/file_system.h"
+
+namespace quillbox {
+
+/// What these do, as their errors say it.
+inline constexpr const char* kReading = "reading a file";
+inline constexpr const char* kWriting = "writing a file";
+
+/// `name` is what errors call the file. Throws Error.
+std::unique_ptr<FileReader> OpenHostFile(const std::filesystem::path& file, std::string name);
+/// The file is made whole or not at all; a device or pipe is written to as it stands. Throws Error.
+std::unique_ptr<FileWriter> StartHostFile(const std::filesystem::path& file, std::string name);
+
+}  // namespace quillbox
