@@ -263,16 +263,22 @@ void RegistryStore::RegExport(const std::string& key, const std::string& file, K
   RunEditor(command, onFailure);
 }
 
-void RegistryStore::RegMerge(const std::string& file, OnFailure onFailure) {
-  RunEditor("regedit /s /c \"" + file, onFailure);
+bool RegistryStore::RegMerge(const std::string& file, OnFailure onFailure) {
+  return RunEditor("regedit /s /c \"" + file, onFailure);
 }
 
-void RegistryStore::RunEditor(const std::string& commandLine, OnFailure onFailure) {
+bool RegistryStore::RunEditor(const std::string& commandLine, OnFailure onFailure) {
   const ProcessEnd end = platform_.GetProcesses().RunAndWait(commandLine, ShowStyle::MinimisedWithFocus);
-  if (onFailure == OnFailure::LogOnly || (end.started && end.exitCode == 0)) return;
-  if (!end.started) return reports_.Add("The registry editor could not be started.");
-  if (!end.errors.empty()) return reports_.Add(end.errors);
-  reports_.Add("The registry editor ended with code " + std::to_string(end.exitCode) + ": " + commandLine);
+  if (end.started && end.exitCode == 0) return true;
+  if (onFailure == OnFailure::LogOnly) return false;
+  if (!end.started) {
+    reports_.Add("The registry editor could not be started.");
+  } else if (!end.errors.empty()) {
+    reports_.Add(end.errors);
+  } else {
+    reports_.Add("The registry editor ended with code " + std::to_string(end.exitCode) + ": " + commandLine);
+  }
+  return false;
 }
 
 void RegistryStore::ShowRegistryReadError(Status code, const std::string& suffix) {

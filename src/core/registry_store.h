@@ -88,8 +88,10 @@ class RegistryStore {
   /// Has the registry editor export `key` (its full name) to `file` and waits for it; nothing without an OS code.
   void RegExport(const std::string& key, const std::string& file, KeyForm form = KeyForm::Quoted,
                  OnFailure onFailure = OnFailure::Tell);
-  /// Has the registry editor merge `file` and waits for it.
-  void RegMerge(const std::string& file, OnFailure onFailure = OnFailure::Tell);
+  /// Has the registry editor merge `file` and waits for it. False when not all of the file could be merged.
+  bool RegMerge(const std::string& file, OnFailure onFailure = OnFailure::Tell);
+  /// Runs the registry editor with a command line of the caller's own and waits for it. False when it failed.
+  bool RunEditor(const std::string& commandLine, OnFailure onFailure = OnFailure::Tell);
 
   /// Where the failures of exports, merges, saves and restores are gathered.
   RegistryReports& Reports() { return reports_; }
@@ -101,7 +103,6 @@ class RegistryStore {
   RegValue ReadTyped(const Key& key, std::string_view name, const QueryResult& asked, ExpandableText expandable);
   void WriteIfOpen(const RegistryPath& path, std::string_view name, const RegValue& value, ValueType type);
   bool HasProductName(const RegistryPath& path);
-  void RunEditor(const std::string& commandLine, OnFailure onFailure);
   Status ReplaceByKey(const Key& key, const WinPath& file);
   std::string LogRefusal(const std::string& what, const RegistryPath& path, Status status);
 
