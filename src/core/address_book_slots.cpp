@@ -6,15 +6,12 @@
 namespace quillbox {
 namespace {
 
-struct SlotRow {
-  const char* value;
-  const char* errorSuffix;
-};
-constexpr SlotRow kSlots[] = {
-    {"WAB0", "WAB File Name subkey 1"},
-    {"WAB1", " WAB File Name subkey 2"},
-    {"WAB2", " WAB File Name subkey 3"},
-    {"WAB3", " WAB File Name subkey 4"},
+/// What follows the code in the message about a slot that cannot be read.
+constexpr std::array<const char*, kSlotCount> kErrorSuffixes = {
+    "WAB File Name subkey 1",
+    " WAB File Name subkey 2",
+    " WAB File Name subkey 3",
+    " WAB File Name subkey 4",
 };
 
 std::string LoadSlot(RegistryStore& store, const char* value) {
@@ -36,13 +33,13 @@ SlotsLoad LoadAddressBookSlots(RegistryStore& store) {
   store.DetectOsCode();
   load.keyOpened = store.OpenKey(key).status == Status::Success;
   if (!load.keyOpened) return load;
-  for (std::size_t i = 0; i < std::size(kSlots); ++i) {
+  for (std::size_t i = 0; i < kSlotCount; ++i) {
     const Status opened = store.OpenKey(key).status;
     if (opened != Status::Success) {
-      load.readError = {opened, kSlots[i].errorSuffix};
+      load.readError = {opened, kErrorSuffixes[i]};
       return load;
     }
-    load.slots.captions[i] = LoadSlot(store, kSlots[i].value);
+    load.slots.captions[i] = LoadSlot(store, kSlotValues[i]);
   }
   return load;
 }

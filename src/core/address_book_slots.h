@@ -13,9 +13,14 @@ namespace quillbox {
 /// The text of a backup folder or address book slot that is not set.
 inline constexpr const char* kNoneSelected = "None Selected";
 
+inline constexpr std::size_t kSlotCount = 4;
+/// The values, beside the address book in use, that remember a file each.
+inline constexpr std::array<const char*, kSlotCount> kSlotValues = {"WAB0", "WAB1", "WAB2", "WAB3"};
+
 struct AddressBookSlots {
-  std::string folder;                   ///< of the address book in use, final backslash included
-  std::array<std::string, 4> captions;  ///< file name of each slot, or kNoneSelected
+  std::string folder;  ///< of the address book in use, final backslash included
+  /// File name of each slot, or kNoneSelected.
+  std::array<std::string, kSlotCount> captions = {kNoneSelected, kNoneSelected, kNoneSelected, kNoneSelected};
 };
 
 struct SlotsLoad {

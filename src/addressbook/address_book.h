@@ -1,0 +1,49 @@
+// The setting that says which address book file Windows' address book opens, and what a person does with it: switching
+// to another file, remembering four of them, keeping a copy of the setting, and moving the file.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string>
+
+#include "core/address_book_slots.h"
+#include "core/registry_store.h"
+#include "platform/platform.h"
+
+namespace quillbox {
+
+/// Full paths of the remembered files; an empty one is a slot without a file.
+using SlotFiles = std::array<std::string, kSlotCount>;
+
+class AddressBook {
+ public:
+  AddressBook(Platform& platform, RegistryStore& store) : platform_(platform), store_(store) {}
+
+  /// The file in use, a full path; empty when the setting is missing or anything but plain text.
+  std::string InUse() { return Read(""); }
+  void Use(const std::string& file) { Write("", file); }
+
+  /// Has the file of a slot (0 to 3) be the one in use, whether or not it exists. False, and nothing is changed, when
+  /// the slot holds no file.
+  bool UseSlot(std::size_t slot);
+  /// Remembers `files` in the four slots.
+  void FillSlots(const SlotFiles& files);
+
+  /// Keeps a copy of the setting. False, and an older copy stays, when there is no setting.
+  bool SaveSetting();
+  /// Brings the saved copy back. The file that is then in use; empty, and nothing is changed, when there is no copy.
+  std::string RestoreSetting();
+
+  /// Sets the file in use to the file of its name in `folder`, then copies it there; the old file stays. The shell
+  /// asks before it replaces a file and tells what it cannot copy; the setting is changed all the same.
+  void MoveTo(const std::string& folder);
+
+ private:
+  std::string Read(const char* value);
+  void Write(const char* value, const std::string& text);
+
+  Platform& platform_;
+  RegistryStore& store_;
+};
+
+}  // namespace quillbox

@@ -1,0 +1,25 @@
+// The report of what the main window knows: the identities and their folders, the address book, and the files that the
+// last search has found.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "core/identity_catalogue.h"
+#include "reports/report_template.h"
+
+namespace quillbox {
+
+struct IdentityReportFacts {
+  std::string created;  ///< the time of the report in words
+  std::vector<IdentityInfo> identities;
+  std::string defaultUsername, defaultUserId;
+  std::string addressBookFile;
+  std::string selectedFolder;  ///< the identities with this store folder are the selected ones
+  std::string fileType;        ///< what was searched for ("*.dbx")
+  std::vector<std::string> foundFiles;
+};
+
+std::string MakeIdentityReport(const IdentityReportFacts& facts, ReportFormat format);
+
+}  // namespace quillbox

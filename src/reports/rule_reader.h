@@ -1,0 +1,45 @@
+// Reads the message rules that an identity has, of mail or of news, as the reports need them: decoded.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "core/registry_store.h"
+#include "reports/rule_decoder.h"
+
+namespace quillbox {
+
+/// What a rule is called, without what it tests and does.
+struct RuleHeader {
+  std::string number;  ///< the name of its key
+  std::string name, enabled, version;
+};
+
+class RuleReader {
+ public:
+  /// `codePage` is that of stored word lists.
+  RuleReader(RegistryStore& store, RuleSet set, CodePage codePage)
+      : store_(store), set_(set), codePage_(std::move(codePage)) {}
+
+  RuleSet Set() const { return set_; }
+
+  /// The keys of the identity's rules, in the registry's order; none when its rule set cannot be opened.
+  std::vector<RegistryPath> EnumRules(const std::string& userId);
+  RuleHeader Header(const RegistryPath& rule);
+  /// The keys of a rule's criteria and actions, in the registry's order; none when their key cannot be opened.
+  std::vector<RegistryPath> EnumCriteria(const RegistryPath& rule) { return EnumKeys(rule.Child("Criteria")); }
+  std::vector<RegistryPath> EnumActions(const RegistryPath& rule) { return EnumKeys(rule.Child("Actions")); }
+  /// Throws Error for a criterion that cannot be decoded.
+  CriterionTexts Criterion(const RegistryPath& entry);
+  ActionTexts Action(const RegistryPath& entry);
+
+ private:
+  std::vector<RegistryPath> EnumKeys(const RegistryPath& parent);
+  RegValue Read(const RegistryPath& key, const char* value);
+
+  RegistryStore& store_;
+  RuleSet set_;
+  CodePage codePage_;
+};
+
+}  // namespace quillbox

@@ -1,0 +1,47 @@
+#include "reports/identity_report.h"
+
+#include "reports/golden.h"
+#include "support/sample_platform.h"
+
+namespace quillbox {
+namespace {
+
+using ::testing::HasSubstr;
+
+class IdentityReportTest : public SamplePlatform {
+ protected:
+  void SetUp() override {
+    MakeDisk();
+    const IdentityCatalogue catalogue = LoadCatalogue(*store, platform->GetFiles()).catalogue;
+    facts = {.created = "3/7/2004 12:05:09 AM",
+             .identities = catalogue.identities,
+             .defaultUsername = catalogue.defaultUsername,
+             .defaultUserId = catalogue.defaultUserId,
+             .addressBookFile = catalogue.addressBookFile,
+             .selectedFolder = "D:\\Mail\\Office",
+             .fileType = "*.dbx",
+             .foundFiles = {"Folders.dbx", "Inbox.dbx", "Inbox.dbx"}};
+  }
+  IdentityReportFacts facts;
+};
+
+TEST_F(IdentityReportTest, TheSampleDisksReportsReadAsTheyShould) {
+  for (const auto& [name, format] :
+       {std::pair("identities.txt", ReportFormat::Text), std::pair("identities.htm", ReportFormat::Html)}) {
+    WriteReport(platform->GetFiles(), WinPath("D:\\report"), MakeIdentityReport(facts, format));
+    ExpectGolden(name, Content(sample.driveD / "report"));
+  }
+}
+
+TEST_F(IdentityReportTest, AllIdentitiesOfTheSelectedFolderAreListedAndOtherFileTypesHaveNoLabel) {
+  facts.identities[0].storeFolder = facts.selectedFolder;
+  facts.identities[0].username = "<Main>";
+  facts.fileType = "*.idx";
+  const std::string report = MakeIdentityReport(facts, ReportFormat::Html);
+  EXPECT_THAT(report, HasSubstr("<Main>: {2B7C0E64-91D3-4F5A-8C17-6E0D53A9F421}</DIV>\r\n"
+                                "Büro: {8F41D3C2-5B0A-4E76-A9D8-13C7E2046FB5}</DIV>\r\n"));
+  EXPECT_THAT(MakeIdentityReport(facts, ReportFormat::Text), HasSubstr("\r\nNumber of  Files Found: 3\r\n"));
+}
+
+}  // namespace
+}  // namespace quillbox
