@@ -1,0 +1,142 @@
+#include "identities/clone_identity.h"
+
+#include "backup/identity_backup.h"
+#include "core/file_helpers.h"
+#include "core/identity_catalogue.h"
+#include "identities/create_identity.h"
+#include "identities/user_id.h"
+#include "text/error.h"
+
+namespace quillbox {
+namespace {
+
+// Appended to the backup folder.
+constexpr const char* kSourceFile = "\\IdentitySource.reg";
+constexpr const char* kDestinationFile = "\\IdentyDestination.reg";
+constexpr const char* kAccountsFile = "\\MainIAM.reg";
+constexpr const char* kIdentityFile = "\\Identity.reg";
+constexpr const char* kNewAccountsFile = "\\NewIAM.reg";
+constexpr const char* kStoreRootFile = "\\Store Root2K.reg";
+constexpr const char* kExports[] = {kSourceFile, kDestinationFile, kAccountsFile};
+constexpr const char* kRemoved[] = {kSourceFile, kDestinationFile, kIdentityFile, kNewAccountsFile, kAccountsFile};
+
+constexpr const char* kAccountsKey = "SOFTWARE\\Microsoft\\Internet Account Manager\\Accounts";
+constexpr const char* kIdentityAccounts = "\\Software\\Microsoft\\Internet Account Manager";
+
+}  // namespace
+
+IdentityClone::IdentityClone(Platform& platform, RegistryStore& store, CloneRequest request)
+    : platform_(platform),
+      store_(store),
+      request_(std::move(request)),
+      codePage_(platform.GetFiles().CodePageNumber()) {}
+
+std::string IdentityClone::Refusal() {
+  for (const auto& [role, userId] : {std::pair("Source", request_.source), {"Destination", request_.destination}}) {
+    if (!IsUserId(userId)) {
+      return std::string("The ") + role + " Identity is not a {USER_ID}: \"" + userId +
+             "\". Please choose or create another one.";
+    }
+    if (store_.OpenKey(CurrentUser(IdentityKey(userId)), Access::Read).status != Status::Success) {
+      return std::string("The ") + role + " Identity " + userId + " is not in the registry (any more).";
+    }
+  }
+  return {};
+}
+
+void IdentityClone::CloneSettings() {
+  struct FilesGuard {
+    IdentityClone& clone;
+    ~FilesGuard() { clone.RemoveFiles(); }
+  };
+  const FilesGuard guard{*this};
+  // What an earlier clone has left must not be taken for this one's.
+  for (const char* name : kExports) platform_.GetFiles().DeleteFile(File(name));
+  Export(kSourceFile, " " + FullName(CurrentUser(IdentityKey(request_.source))));
+  Export(kDestinationFile, " " + FullName(CurrentUser(IdentityKey(request_.destination))));
+  const bool hasAccounts = store_.OpenKey(CurrentUser(kAccountsKey), Access::Read).status == Status::Success;
+  if (hasAccounts) Export(kAccountsFile, "  \"" + FullName(CurrentUser(kAccountsKey)) + "\"");
+
+  const std::string expanded = DefaultStoreFolder(store_, platform_.GetFiles(), request_.destination);
+  const std::vector<OwnValue> own = ReadOwnValues(Read(kDestinationFile), codePage_, request_.destination);
+  platform_.GetFiles().WriteFile(
+      File(kIdentityFile), RewriteIdentity(Read(kSourceFile), codePage_, request_.source, request_.destination, own));
+  WriteStoreRoot(expanded);
+  Merge(kIdentityFile, "The settings of " + request_.source + " were merged.");
+  if (hasAccounts) CloneAccounts();
+  if (IsNtFamily(store_.GetOsCode())) {
+    platform_.GetFiles().WriteFile(File(kStoreRootFile),
+                                   StoreRootFile(request_.destination, UnexpandedStoreFolder(request_.destination),
+                                                 store_.GetOsCode() == OsCode::NT));
+  }
+}
+
+void IdentityClone::Export(const char* name, const std::string& key) {
+  const std::string file = File(name).Text();
+  if (store_.RunEditor("regedit /s /e:A \"" + file + "\"" + key)) return;
+  throw Error("exporting " + Trim(key), {file, {}, {}}, "the registry editor could not make the file");
+}
+
+RegText IdentityClone::Read(const char* name) {
+  const WinPath file = File(name);
+  return {file.Text(), platform_.GetFiles().ReadFile(file)};
+}
+
+void IdentityClone::Merge(const char* name, const std::string& what) {
+  if (!store_.RegMerge(File(name).Text())) {
+    throw Error("merging the clone", {File(name).Text(), {}, {}}, "the registry editor did not merge all of it");
+  }
+  done_.push_back(what);
+}
+
+void IdentityClone::WriteStoreRoot(const std::string& expanded) {
+  const OpenResult settings = store_.OpenKey(CurrentUser(IdentitySettingsKey(request_.destination)));
+  const OsCode os = store_.GetOsCode();
+  if (settings.status != Status::Success || os == OsCode::Unknown) return;
+  const Status written = os == OsCode::SE ? store_.SetValueEx(settings.key, "Store Root", ValueType::Sz, expanded)
+                                          : store_.SetValueEx(settings.key, "Store Root", ValueType::ExpandSz,
+                                                              UnexpandedStoreFolder(request_.destination));
+  if (written == Status::Success) done_.push_back("The \"Store Root\" of " + request_.destination + " was set.");
+}
+
+void IdentityClone::CloneAccounts() {
+  platform_.GetFiles().WriteFile(File(kNewAccountsFile),
+                                 RewriteAccounts(Read(kAccountsFile), codePage_, request_.destination));
+  const RegistryPath accounts = CurrentUser(IdentityKey(request_.destination) + kIdentityAccounts);
+  if (store_.OpenKey(accounts, Access::Read).status != Status::FileNotFound) return;
+  if (!store_.CreateKey(accounts).IsOpen()) return;
+  Merge(kNewAccountsFile, "The accounts were merged.");
+}
+
+void IdentityClone::RemoveFiles() {
+  if (request_.keepFiles) return;
+  for (const char* name : kRemoved) platform_.GetFiles().DeleteFile(File(name));
+  const OsCode os = store_.GetOsCode();
+  if (os == OsCode::W2K || os == OsCode::NT) platform_.GetFiles().DeleteFile(File(kStoreRootFile));
+}
+
+std::string IdentityClone::CopyMessages() {
+  FileSystem& files = platform_.GetFiles();
+  std::string from;
+  std::string fault;
+  try {
+    from = ReadStoreFolder(store_, files, request_.source);
+    if (from.empty()) fault = "the registry does not say where its messages are (it has no \"Store Root\")";
+    if (from == kEmptyIdentityMarker) fault = "it was never started in Outlook Express and has no message store yet";
+    if (fault.empty() && !DirExists(files, from)) fault = "its message store folder \"" + from + "\" does not exist";
+  } catch (const Error& error) {
+    fault = Describe(error);
+  }
+  if (!fault.empty()) {
+    return "The Identity was cloned, but the DBX files of " + request_.source + " were not copied: " + fault + ".";
+  }
+  const std::string to = DefaultStoreFolder(store_, files, request_.destination);
+  if (!DirExists(files, to)) CreateFolder(files, to);
+  for (const std::string& name : FileList(files, WithBackslash(from) + "*.*")) {
+    if (name.empty()) continue;
+    if (!ShellFileCopy(platform_.GetShell(), WinPath(from).Join(name), WinPath(to + name), false)) ++filesNotCopied_;
+  }
+  return {};
+}
+
+}  // namespace quillbox

@@ -1,0 +1,56 @@
+// The clone of an identity: everything that the registry keeps under the source goes under the destination, by exports
+// that are rewritten and merged, and its message store files are copied.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "core/registry_store.h"
+#include "identities/clone_files.h"
+#include "platform/platform.h"
+
+namespace quillbox {
+
+struct CloneRequest {
+  std::string source;       ///< {USER_ID}
+  std::string destination;  ///< {USER_ID}
+  WinPath backupFolder;     ///< for the temporary files
+  bool keepFiles = false;   ///< whether the temporary files stay
+};
+
+class IdentityClone {
+ public:
+  IdentityClone(Platform& platform, RegistryStore& store, CloneRequest request);
+
+  /// Why this cannot be cloned, as a message to the person; empty when it can be tried.
+  std::string Refusal();
+
+  /// Clones the registry's part. Throws Error when a step fails; Done() then says what was already changed.
+  void CloneSettings();
+  /// The changes of the registry so far, each as a sentence.
+  const std::vector<std::string>& Done() const { return done_; }
+
+  /// Copies the source's message store files to the destination's own folder, which is made when it is missing. A
+  /// message to the person when nothing can be copied, empty otherwise.
+  std::string CopyMessages();
+  /// Files that were to be copied and were not.
+  std::size_t FilesNotCopied() const { return filesNotCopied_; }
+
+ private:
+  WinPath File(const char* name) const { return WinPath(request_.backupFolder.Text() + name); }
+  void Export(const char* name, const std::string& key);
+  RegText Read(const char* name);
+  void Merge(const char* name, const std::string& what);
+  void WriteStoreRoot(const std::string& expanded);
+  void CloneAccounts();
+  void RemoveFiles();
+
+  Platform& platform_;
+  RegistryStore& store_;
+  CloneRequest request_;
+  CodePage codePage_;
+  std::vector<std::string> done_;
+  std::size_t filesNotCopied_ = 0;
+};
+
+}  // namespace quillbox

@@ -1,0 +1,49 @@
+#include "identities/manage_identities.h"
+
+#include <algorithm>
+
+#include "identities/user_id.h"
+
+namespace quillbox {
+namespace {
+
+constexpr const char* kStartAs = "Start As";
+
+}  // namespace
+
+void RemoveIdentity(RegistryStore& store, const std::string& userId) {
+  if (userId.empty() || userId.find('\\') != std::string::npos) return;
+  store.DeleteKey(CurrentUser(IdentityKey(userId)));
+}
+
+void SetDefaultIdentity(RegistryStore& store, const std::string& userId) {
+  store.SetKeyValue(kIdentitiesKey, "Default User ID", userId, ValueType::Sz);
+}
+
+std::string ReadStartAs(RegistryStore& store) {
+  const RegValue value = store.RegistryGetKeyValue(CurrentUser(kIdentitiesKey), kStartAs);
+  return value.Data() ? std::string() : value.AsText();
+}
+
+void SetStartAs(RegistryStore& store, const std::string& userId) {
+  store.SetKeyValue(kIdentitiesKey, kStartAs, userId, ValueType::Sz);
+  if (userId != kNobody) return;
+  store.SetKeyValue(kIdentitiesKey, "Last Username", "", ValueType::Sz);
+  store.SetKeyValue(kIdentitiesKey, "Last User ID", kNobody, ValueType::Sz);
+}
+
+bool RenameIdentity(RegistryStore& store, IdentityCatalogue& catalogue, const std::string& userId,
+                    const std::string& current, const std::string& username) {
+  std::vector<IdentityInfo>& identities = catalogue.identities;
+  const auto has = [](const std::string& name) {
+    return [&name](const IdentityInfo& identity) { return identity.username == name; };
+  };
+  if (std::any_of(identities.begin(), identities.end(), has(username))) return false;
+  for (IdentityInfo& identity : identities) {
+    if (has(current)(identity)) identity.username = username;
+  }
+  store.SetKeyValue(IdentityKey(userId), "Username", username, ValueType::Sz);
+  return true;
+}
+
+}  // namespace quillbox

@@ -1,0 +1,27 @@
+// Changes of the identities that there are: removing one, its username, the default one and the one to start as.
+#pragma once
+
+#include <string>
+
+#include "core/identity_catalogue.h"
+#include "core/registry_store.h"
+
+namespace quillbox {
+
+/// Deletes the identity's key with everything below it. Its message store stays, and so do the values that name it.
+/// Nothing happens when `userId` is empty or more than one key's name.
+void RemoveIdentity(RegistryStore& store, const std::string& userId);
+
+void SetDefaultIdentity(RegistryStore& store, const std::string& userId);
+
+/// The identity that Outlook Express starts as; kNobody has it ask.
+std::string ReadStartAs(RegistryStore& store);
+/// With kNobody the identity used last is forgotten, too.
+void SetStartAs(RegistryStore& store, const std::string& userId);
+
+/// Gives the identity `userId` the name `username` in the registry, and in `catalogue` every identity that had the name
+/// `current`. False, with nothing changed, when an identity has that very name.
+bool RenameIdentity(RegistryStore& store, IdentityCatalogue& catalogue, const std::string& userId,
+                    const std::string& current, const std::string& username);
+
+}  // namespace quillbox

@@ -1,0 +1,49 @@
+// Replacement of one text by another wherever it occurs, in 8-bit text and in UTF-16 alike.
+#pragma once
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+namespace quillbox {
+
+enum class Case { Ignore, Match };
+
+/// Whether two characters are one letter; letters beyond ASCII have to be the same.
+template <class Unit>
+bool IsSameLetter(Unit a, Unit b) {
+  const auto lower = [](Unit c) { return c >= 'A' && c <= 'Z' ? static_cast<Unit>(c | 0x20) : c; };
+  return lower(a) == lower(b);
+}
+
+/// The position of `search` in `text` at or after `from`, or npos. The text must not be empty that is searched for.
+template <class Unit>
+std::size_t FindString(std::basic_string_view<Unit> text, std::basic_string_view<Unit> search, std::size_t from,
+                       Case matchCase) {
+  if (matchCase == Case::Match) return text.find(search, from);
+  const auto found = std::search(text.begin() + static_cast<std::ptrdiff_t>(std::min(from, text.size())), text.end(),
+                                 search.begin(), search.end(), IsSameLetter<Unit>);
+  return found == text.end() ? text.npos : static_cast<std::size_t>(found - text.begin());
+}
+
+/// `text` with every occurrence of `search` replaced; what was put in is not searched again.
+template <class Unit>
+std::basic_string<Unit> ReplaceString(std::basic_string_view<Unit> text, std::basic_string_view<Unit> search,
+                                      std::basic_string_view<Unit> replacement, Case matchCase) {
+  std::basic_string<Unit> replaced;
+  std::size_t done = 0;
+  while (!search.empty()) {
+    const std::size_t at = FindString(text, search, done, matchCase);
+    if (at == text.npos) break;
+    replaced.append(text, done, at - done).append(replacement);
+    done = at + search.size();
+  }
+  return replaced.append(text, done, text.npos);
+}
+
+inline std::string ReplaceString(std::string_view text, std::string_view search, std::string_view replacement,
+                                 Case matchCase) {
+  return ReplaceString<char>(text, search, replacement, matchCase);
+}
+
+}  // namespace quillbox

@@ -1,0 +1,276 @@
+#include "identities/replace_user_id.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "identities/replace_string.h"
+#include "identities/user_id.h"
+#include "registry/reg_file_form.h"
+#include "text/code_page.h"
+#include "text/error.h"
+#include "text/unicode.h"
+
+namespace quillbox {
+namespace {
+
+static_assert(std::endian::native == std::endian::little, "UTF-16 is read into memory as the file has it");
+
+constexpr std::size_t kPieceBytes = std::size_t{256} * 1024;  ///< read and written at a time
+
+enum class Encoding { EightBit, Utf8, Utf16 };
+
+struct Mark {
+  Encoding encoding;
+  std::string_view bytes;
+};
+constexpr Mark kMarks[] = {{Encoding::Utf16, kUtf16Mark}, {Encoding::Utf8, kUtf8Mark}};
+
+/// A file's lines as they stand in it, in pieces of whole lines.
+template <class Unit>
+class Pieces {
+ public:
+  using View = std::basic_string_view<Unit>;
+  /// `begun` is what was read already.
+  Pieces(FileReader& file, std::string_view begun) : file_(file), buffer_(kMaxLineBytes / sizeof(Unit)) {
+    have_ = begun.size();
+    std::memcpy(buffer_.data(), begun.data(), begun.size());
+  }
+
+  /// The next piece, good until the next call; nothing at the end. Line ends are never cut.
+  std::optional<View> Next() {
+    const std::size_t unitsDone = std::exchange(done_, 0);
+    have_ -= unitsDone * sizeof(Unit);
+    std::memmove(buffer_.data(), buffer_.data() + unitsDone, have_);
+    while (done_ == 0) {
+      const std::size_t wanted = std::min(kPieceBytes, buffer_.size() * sizeof(Unit) - have_);
+      const std::size_t got = file_.Read({reinterpret_cast<char*>(buffer_.data()) + have_, wanted});
+      have_ += got;
+      const View all(buffer_.data(), have_ / sizeof(Unit));
+      if (got < wanted) {
+        if (all.empty()) return std::nullopt;
+        done_ = all.size();
+      } else {
+        done_ = WholeLines(all);
+        if (done_ == 0 && all.size() == buffer_.size()) done_ = Cut(all);
+      }
+    }
+    return View(buffer_.data(), done_);
+  }
+
+  /// The bytes at the file's end that make no unit.
+  std::string_view Rest() const {
+    return {reinterpret_cast<const char*>(buffer_.data() + done_), have_ % sizeof(Unit)};
+  }
+
+ private:
+  /// A CR at the end may be half of a line end.
+  static std::size_t WholeLines(View all) {
+    static constexpr Unit kEnds[] = {'\r', '\n'};
+    const bool half = !all.empty() && all.back() == '\r';
+    return all.substr(0, all.size() - (half ? 1 : 0)).find_last_of(View(kEnds, 2)) + 1;
+  }
+  /// Where a line that is too long is cut: before a {USER_ID} that could be only half there.
+  static std::size_t Cut(View all) {
+    const std::size_t last = all.size() - (all.back() == '\r' ? 1 : 0);
+    return std::min(all.find('{', last - (kUserIdLength - 1)), last);
+  }
+
+  FileReader& file_;
+  std::vector<Unit> buffer_;
+  std::size_t have_ = 0;  ///< bytes in the buffer
+  std::size_t done_ = 0;  ///< units of the piece given last
+};
+
+/// Gathers small writes.
+class Output {
+ public:
+  explicit Output(FileWriter& file) : file_(file) { pending_.reserve(kPieceBytes); }
+  template <class Unit>
+  void Put(std::basic_string_view<Unit> text) {
+    const std::string_view bytes(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(Unit));
+    if (pending_.size() + bytes.size() > kPieceBytes) Flush();
+    if (bytes.size() >= kPieceBytes) return file_.Write(bytes);
+    pending_ += bytes;
+  }
+  void Flush() {
+    if (!pending_.empty()) file_.Write(pending_);
+    pending_.clear();
+  }
+
+ private:
+  FileWriter& file_;
+  std::string pending_;
+};
+
+/// Whether every line of the piece ends with CR LF.
+template <class Unit>
+bool HasCrLfOnly(std::basic_string_view<Unit> piece) {
+  if (piece.empty()) return true;
+  unsigned lone = piece.front() == '\n' || piece.back() == '\r';
+  const Unit* units = piece.data();
+  const std::size_t pairs = piece.size() - 1;
+  for (std::size_t i = 0; i < pairs; ++i) lone |= (units[i] == '\r') != (units[i + 1] == '\n');
+  return lone == 0;
+}
+
+template <class Unit>
+std::basic_string<Unit> WithCrLf(std::basic_string_view<Unit> piece) {
+  std::basic_string<Unit> text;
+  text.reserve(piece.size() + piece.size() / 16);
+  for (std::size_t i = 0; i < piece.size(); ++i) {
+    if (piece[i] != '\r' && piece[i] != '\n') {
+      text += piece[i];
+      continue;
+    }
+    if (piece[i] == '\r' && i + 1 < piece.size() && piece[i + 1] == '\n') ++i;
+    text += '\r';
+    text += '\n';
+  }
+  return text;
+}
+
+template <class Unit>
+class Rewriter {
+ public:
+  using Text = std::basic_string<Unit>;
+  using View = std::basic_string_view<Unit>;
+  Rewriter(Output& output, Text old, Text replacement)
+      : output_(output), old_(std::move(old)), replacement_(std::move(replacement)) {}
+
+  void Run(Pieces<Unit>& pieces) {
+    static constexpr Unit kLineEnd[] = {'\r', '\n'};
+    bool endsWithLine = true;
+    while (const auto piece = pieces.Next()) {
+      endsWithLine = piece->back() == '\r' || piece->back() == '\n';
+      if (HasCrLfOnly(*piece)) {
+        PutLines(*piece);
+      } else {
+        PutLines(WithCrLf(*piece));
+      }
+    }
+    if (!endsWithLine) output_.Put(View(kLineEnd, 2));
+    output_.Put(pieces.Rest());
+  }
+
+ private:
+  void PutLines(View piece) {
+    std::size_t done = 0;
+    for (std::size_t at = piece.find(old_); at != piece.npos; at = piece.find(old_, done)) {
+      const std::size_t start = std::max(piece.rfind('\n', at) + 1, done);
+      output_.Put(piece.substr(done, start - done));
+      done = std::min(piece.find('\r', at), piece.size());
+      output_.Put(View(ReplaceString<Unit>(piece.substr(start, done - start), old_, replacement_, Case::Ignore)));
+    }
+    output_.Put(piece.substr(done));
+  }
+
+  Output& output_;
+  Text old_;
+  Text replacement_;
+};
+
+/// One registry file being read: its encoding is known, and what was read to know it is kept.
+class Source {
+ public:
+  Source(FileSystem& files, WinPath path) : path_(std::move(path)), codePage_(files.CodePageNumber()) {
+    file_ = files.OpenForReading(path_);
+    begun_.resize(kUtf8Mark.size());
+    begun_.resize(file_->Read(begun_));
+    for (const Mark& mark : kMarks) {
+      if (!begun_.starts_with(mark.bytes)) continue;
+      encoding_ = mark.encoding;
+      mark_ = mark.bytes;
+      begun_.erase(0, mark_.size());
+    }
+  }
+
+  bool IsUtf16() const { return encoding_ == Encoding::Utf16; }
+  std::string_view MarkBytes() const { return mark_; }
+  template <class Unit>
+  Pieces<Unit> Lines() {
+    return Pieces<Unit>(*file_, begun_);
+  }
+  std::string FindOld() { return IsUtf16() ? FindOldIn<char16_t>() : FindOldIn<char>(); }
+
+  /// `text` as it stands in this file.
+  std::string Encoded(const std::string& text) const {
+    if (encoding_ != Encoding::EightBit || IsAscii(text)) return text;
+    if (std::optional<std::string> bytes = codePage_.Encode(text)) return *bytes;
+    throw Error(
+        "replacing the {USER_ID}", {path_.Text(), {}, {}},
+        "the file is in code page " + std::to_string(codePage_.Number()) + ", which cannot hold \"" + text + "\"");
+  }
+
+ private:
+  std::u16string Decoded(std::u16string_view line) const { return std::u16string(line); }
+  std::u16string Decoded(std::string_view line) const {
+    return ToUtf16(encoding_ == Encoding::EightBit ? codePage_.Decode(line) : std::string(line));
+  }
+
+  /// A byte "{" may be the second half of a double-byte character, so the line is decoded before it is believed.
+  template <class Unit>
+  std::string FindOldIn() {
+    static constexpr Unit kEnds[] = {'\r', '\n'};
+    Pieces<Unit> pieces = Lines<Unit>();
+    while (const auto piece = pieces.Next()) {
+      for (std::size_t at = piece->find('{'); at != piece->npos;) {
+        const std::size_t before = piece->substr(0, at).find_last_of({kEnds, 2}) + 1;
+        const std::size_t end = std::min(piece->find_first_of({kEnds, 2}, at), piece->size());
+        const std::u16string line = Decoded(piece->substr(before, end - before));
+        if (const std::size_t brace = line.find(u'{'); brace != line.npos) {
+          const std::u16string old = line.substr(brace, kUserIdLength);
+          return old.size() == kUserIdLength ? ToUtf8(old) : std::string();
+        }
+        at = piece->find('{', end);
+      }
+    }
+    return {};
+  }
+
+  WinPath path_;
+  CodePage codePage_;
+  std::unique_ptr<FileReader> file_;
+  Encoding encoding_ = Encoding::EightBit;
+  std::string_view mark_;
+  std::string begun_;
+};
+
+void CopyAsItIs(FileReader& from, Output& to) {
+  std::vector<char> piece(kPieceBytes);
+  while (const std::size_t got = from.Read(piece)) to.Put(std::string_view(piece.data(), got));
+}
+
+}  // namespace
+
+WinPath ReplacedFile(const std::string& backupFolder, const WinPath& input) {
+  return WinPath(backupFolder + "\\New" + GetFileName(input.Text()) + ".reg");
+}
+
+std::string FindOldUserId(FileSystem& files, const WinPath& input) {
+  return Source(files, input).FindOld();
+}
+
+void ReplaceUserId(FileSystem& files, const WinPath& input, const WinPath& output, const std::string& userId) {
+  const std::string old = FindOldUserId(files, input);
+  Source source(files, input);
+  const std::string replacement = source.Encoded(userId);
+  const std::unique_ptr<FileWriter> file = files.StartFile(output);
+  Output out(*file);
+  if (old.empty()) {
+    CopyAsItIs(*files.OpenForReading(input), out);
+  } else if (out.Put(source.MarkBytes()); source.IsUtf16()) {
+    auto lines = source.Lines<char16_t>();
+    Rewriter<char16_t>(out, ToUtf16(old), ToUtf16(userId)).Run(lines);
+  } else {
+    auto lines = source.Lines<char>();
+    Rewriter<char>(out, source.Encoded(old), replacement).Run(lines);
+  }
+  out.Flush();
+  file->Commit();
+}
+
+}  // namespace quillbox

@@ -1,0 +1,28 @@
+// Carries a registry file over to another identity: the first {USER_ID} in it is replaced wherever it occurs. The file
+// passes through once, piece by piece, so its size does not matter; it keeps its encoding.
+#pragma once
+
+#include <string>
+
+#include "platform/file_system.h"
+
+namespace quillbox {
+
+/// Lines up to this length are judged whole; a longer one is taken for several, each judged by itself.
+inline constexpr std::size_t kMaxLineBytes = std::size_t{1} << 20;
+
+/// The file that a replacement makes of `input`: "New", the name up to its first full stop and ".reg", in
+/// `backupFolder`.
+WinPath ReplacedFile(const std::string& backupFolder, const WinPath& input);
+
+/// The {USER_ID} that a replacement would replace: the 38 characters from the first "{" in the file. Empty without any
+/// "{", or when the line ends before them. Throws Error when the file cannot be read.
+std::string FindOldUserId(FileSystem& files, const WinPath& input);
+
+/// Writes `output`, whole or not at all: each line of `input` that holds the old {USER_ID} exactly has it replaced by
+/// `userId` in whatever case it occurs there; the other lines stay. Lines end with CR LF. A file without an old
+/// {USER_ID} is copied as it is. Throws Error when a file cannot be read or written, or when the input's encoding
+/// cannot hold `userId`.
+void ReplaceUserId(FileSystem& files, const WinPath& input, const WinPath& output, const std::string& userId);
+
+}  // namespace quillbox
