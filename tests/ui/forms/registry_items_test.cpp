@@ -1,0 +1,247 @@
+#include "support/file_size_limit.h"
+#include "support/registry_snapshot.h"
+#include "support/sample_windows.h"
+
+namespace quillbox {
+namespace {
+
+using ::testing::AllOf;
+using ::testing::Each;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
+/// The menu items of one row; "*" stands for the {USER_ID}. The signatures, a hive file here, have no command.
+struct Item {
+  RegistryItem item;
+  const char *save, *restore;
+  std::string commandEnd;
+};
+const std::string kSettings = "  \"HKEY_CURRENT_USER\\Identities\\*\\Software\\Microsoft\\Outlook Express\\5.0\\";
+const Item kItems[] = {
+    {RegistryItem::Identity, "Identity", "resCurSelIdent", " HKEY_CURRENT_USER\\Identities\\*"},
+    {RegistryItem::AllIdentities, "allIdentities", "resAllIdent", "  \"HKEY_CURRENT_USER\\Identities\\\""},
+    {RegistryItem::AddressBook, "regAddBook", "resAddBook", "  \"HKEY_CURRENT_USER\\Software\\Microsoft\\WAB\""},
+    {RegistryItem::BlockedSenders, "blkSend", "resblkswnd", kSettings + "Block Senders\""},
+    {RegistryItem::DialogSuppressions, "dntshowdlg", "resdontshow", kSettings + "Dont Show Dialogs\""},
+    {RegistryItem::Machine, "expLMOE", "resHKLMOE", "  \"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Outlook Express\""},
+    {RegistryItem::MessageRules, "msgRules", "resMsgRules", kSettings + "Rules\""},
+    {RegistryItem::Accounts, "regIAM", "resIAM",
+     "  \"HKEY_CURRENT_USER\\SOFTWARE\\Microsoft\\Internet Account Manager\\Accounts\""},
+    {RegistryItem::Signatures, "sigs", "resSigs", ""},
+};
+
+class RegistryItemsTest : public SampleWindows {
+ protected:
+  void SetUp() override {
+    MakeDisk();
+    form = &Start();
+    form->cmbUserNames.pick("Main Identity");
+    userId = form->Label6.caption;
+  }
+  /// Chooses a menu item, a switched-off one too.
+  void Click(const char* item) { form->RunHandler(item, form->menuBar.Item(item).onClick); }
+  void Save(const char* item, const WinPath& chosen) {
+    dialogs.saveFileAnswers = {chosen};
+    Click(item);
+  }
+  void Restore(const char* item, const WinPath& chosen) {
+    dialogs.openFileAnswers = {chosen};
+    Click(item);
+  }
+  std::string OfIdentity(std::string text) {
+    const std::size_t star = text.find('*');
+    return star == std::string::npos ? text : text.replace(star, 1, userId);
+  }
+  RegistrySnapshot Identities() { return SnapshotOf(platform->GetRegistry(), CurrentUser(kIdentitiesKey)); }
+  RegistryPath SettingsKey(const std::string& name) { return CurrentUser(IdentitySettingsKey(userId) + "\\" + name); }
+
+  Form1* form = nullptr;
+  std::string userId;
+  const WinPath file{"D:\\Backup\\item.reg"};
+};
+
+TEST_F(RegistryItemsTest, EachItemIsSavedAndComesBackAsItWas) {
+  for (const Item& item : kItems) {
+    if (item.commandEnd.empty()) continue;
+    SCOPED_TRACE(item.save);
+    form->cmbUserIDs.pick(userId);
+    std::string key = Trim(OfIdentity(item.commandEnd));
+    std::erase(key, '"');
+    const RegistryPath path = ParseRegistryPath(key).value();
+    const RegistrySnapshot before = SnapshotOf(platform->GetRegistry(), path);
+    ASSERT_FALSE(before.empty());
+    platform->processes.commandLines.clear();
+    form->sb1.panels[1] = "old";
+
+    Save(item.save, file);
+    EXPECT_EQ(dialogs.saveFileDialogs.back().folder.Text(), kBackup);
+    EXPECT_TRUE(dialogs.saveFileDialogs.back().askOverwrite);
+    EXPECT_EQ(form->sb1.panels[0], RowOf(item.item).exportDone);
+    EXPECT_EQ(form->sb1.panels[1], "");
+    Store().DeleteKey(path);
+    Restore(item.restore, file);
+    EXPECT_EQ(form->sb1.panels[0], RowOf(item.item).restoreDone);
+    EXPECT_EQ(SnapshotOf(platform->GetRegistry(), path), before);
+    EXPECT_EQ(platform->processes.commandLines,
+              (std::vector<std::string>{"regedit /s /e:A \"D:\\Backup\\item.reg\"" + OfIdentity(item.commandEnd),
+                                        "regedit /s /c \"D:\\Backup\\item.reg"}));
+    EXPECT_EQ(form->Label2.caption, "3");
+  }
+  EXPECT_TRUE(dialogs.messages.empty());
+}
+
+TEST_F(RegistryItemsTest, SignaturesAreAHiveFileOnXp) {
+  const RegistryPath key = SettingsKey("Signatures");
+  const RegistrySnapshot before = SnapshotOf(platform->GetRegistry(), key);
+  platform->processes.commandLines.clear();
+  Save("sigs", file);
+  EXPECT_EQ(dialogs.saveFileDialogs.back().name, "SignaturesXP.reg");
+  EXPECT_THAT(temp.Read("disk/D/Backup/item.reg"), StartsWith("regf"));
+  Store().DeleteKey(key.Child("00000000"));
+  Store().CreateKey(key.Child("of another time"));
+  Restore("resSigs", file);
+  EXPECT_EQ(SnapshotOf(platform->GetRegistry(), key), before);
+  EXPECT_EQ(form->sb1.panels[0], "Signatures Import Complete");
+  EXPECT_TRUE(platform->processes.commandLines.empty());
+
+  // A damaged file changes nothing; nor does one that is text.
+  const std::string hive = temp.Read("disk/D/Backup/item.reg");
+  for (const std::string& bad : {hive.substr(0, hive.size() / 2), std::string("REGEDIT4\r\n"), std::string()}) {
+    temp.File("disk/D/Backup/item.reg", bad);
+    Restore("resSigs", file);
+    EXPECT_THAT(dialogs.LastMessage(), HasSubstr("the key was not restored from D:\\Backup\\item.reg"));
+    EXPECT_EQ(SnapshotOf(platform->GetRegistry(), key), before);
+  }
+}
+
+TEST_F(RegistryItemsTest, TheKindOfWindowsChoosesTheFormAndTheNameOfSignatures) {
+  const RegistryPath nt{RegistryRoot::LocalMachine, "Software\\Microsoft\\Windows NT\\CurrentVersion"};
+  const auto signatures = [&] {
+    windows->program.store.DetectOsCode();
+    platform->processes.commandLines.clear();
+    Save("sigs", file);
+    const std::string command = platform->processes.commandLines.empty() ? "" : platform->processes.commandLines[0];
+    return dialogs.saveFileDialogs.back().name + " " + command.substr(0, command.find('"'));
+  };
+  Store().SetKeyValue2(nt.subkey, "ProductName", "Microsoft Windows 2000", ValueType::Sz);
+  EXPECT_EQ(signatures(), "SignaturesWin2k.reg ");
+  Store().SetKeyValue2(nt.subkey, "ProductName", "Windows NT", ValueType::Sz);
+  EXPECT_EQ(signatures(), "Signatures.reg regedit /s /e:A ");
+  const std::string windows98 = "Software\\Microsoft\\Windows\\CurrentVersion";
+  Store().CreateKey({RegistryRoot::LocalMachine, windows98});
+  Store().SetKeyValue2(windows98, "ProductName", "Microsoft Windows 98", ValueType::Sz);
+  Store().DeleteKey(nt);
+  EXPECT_EQ(signatures(), "Signatures.reg regedit /s /e ");
+
+  // Started anew with no kind of Windows to be told: nothing is exported, and all items but one say that they are done.
+  Store().DeleteKey({RegistryRoot::LocalMachine, windows98});
+  platform->EndCommand();
+  OpenDisk();
+  form = &Start();
+  form->cmbUserIDs.pick(userId);
+  for (const Item& item : kItems) {
+    form->sb1.panels[0] = "before";
+    Save(item.save, WinPath("D:\\never.reg"));
+    EXPECT_EQ(form->sb1.panels[0], item.item == RegistryItem::Accounts ? "before" : RowOf(item.item).exportDone);
+  }
+  EXPECT_TRUE(platform->processes.commandLines.empty());
+  EXPECT_FALSE(std::filesystem::exists(sample.driveD / "never.reg"));
+}
+
+TEST_F(RegistryItemsTest, AMissingKeyIsToldBeforeAMissingFolder) {
+  windows->program.backupFolder.Reset();
+  form->cmbUserNames.pick("Guest");
+  for (const Item& item : kItems) {
+    const RegistryItemRow& row = RowOf(item.item);
+    const bool withBlank = row.item == RegistryItem::Machine || row.item == RegistryItem::Accounts;
+    const std::string noFolder =
+        std::string("Please select a backup folder or create one from the Tools menu") + (withBlank ? " " : ".");
+    Click(item.save);
+    EXPECT_EQ(dialogs.LastMessage(), row.missing ? row.missing : noFolder);
+    EXPECT_EQ(dialogs.messages.back().icon, row.missing ? MessageIcon::Exclamation : MessageIcon::None);
+
+    form->sb1.panels[0] = "before";
+    dialogs.openFileAnswers = {std::nullopt};
+    Click(item.restore);
+    EXPECT_EQ(form->sb1.panels[0], "before");
+  }
+  form->cmbUserNames.pick("Main Identity");
+  Click("sigs");
+  EXPECT_EQ(dialogs.LastMessage(), "Please select a backup folder or create one from the Tools menu.");
+  EXPECT_TRUE(platform->processes.commandLines.empty());
+}
+
+TEST_F(RegistryItemsTest, FilesThatCannotBeMergedAreToldAndDamageNothing) {
+  Save("msgRules", file);
+  const std::string good = temp.Read("disk/D/Backup/item.reg");
+  const RegistrySnapshot before = Identities();
+  const struct {
+    std::string content, told;
+  } files[] = {
+      {"not a registry file", "this is no registry file"},
+      {std::string("\0\1\2\xFF", 4), "this is no registry file"},
+      {good.substr(0, good.rfind("=") + 2), "line "},
+      {"REGEDIT4\r\n\r\n[HKEY_USERS\\S-1\\Identities]\r\n\"x\"=\"y\"\r\n", "line 3: \"HKEY_USERS\\S-1\\Identities\""},
+  };
+  for (const auto& bad : files) {
+    dialogs.messages.clear();
+    temp.File("disk/D/Backup/item.reg", bad.content);
+    Restore("resMsgRules", file);
+    ASSERT_EQ(dialogs.messages.size(), 1u) << bad.told;
+    EXPECT_THAT(dialogs.LastMessage(), AllOf(HasSubstr("D:\\Backup\\item.reg"), HasSubstr(bad.told)));
+    EXPECT_EQ(form->sb1.panels[0], "Message Rules Import Complete");
+    EXPECT_EQ(Identities(), before);
+  }
+}
+
+TEST_F(RegistryItemsTest, AFileOfAnotherDisksIdentityIsToldApart) {
+  const RegistrySnapshot before = Identities();
+  temp.File(
+      "disk/D/Backup/item.reg",
+      "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Identities\\{F0}\\Software\\Microsoft\\Outlook Express\\5.0\\Rules]\r\n");
+  Restore("resMsgRules", file);
+  EXPECT_THAT(dialogs.LastMessage(), HasSubstr("this registry did not have:\n\n{F0}\n"));
+  Store().DeleteKey(CurrentUser("Identities\\{F0}"));
+  EXPECT_EQ(Identities(), before);
+
+  // All identities of another disk bring that disk's backup folder along, which is not taken over.
+  temp.File("disk/D/Backup/item.reg",
+            "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Identities]\r\n\"Quillbox\"=\"E:\\\\Old\"\r\n");
+  Restore("resAllIdent", file);
+  EXPECT_EQ(windows->program.backupFolder.Get(), kBackup);
+}
+
+TEST_F(RegistryItemsTest, AnExportThatCannotBeWrittenIsToldAndLeavesTheOlderFile) {
+  Save("Identity", file);
+  const std::string older = temp.Read("disk/D/Backup/item.reg");
+  for (const char* item : {"Identity", "sigs"}) {
+    const FileSizeLimit full(1024);
+    Save(item, file);
+    EXPECT_THAT(dialogs.LastMessage(), AllOf(StartsWith("Not everything was done:"), HasSubstr("item.reg"))) << item;
+  }
+  EXPECT_EQ(temp.Read("disk/D/Backup/item.reg"), older);
+  EXPECT_EQ(Names(BackupFolderOnHost()), std::vector<std::string>{"item.reg"});
+  Save("Identity", WinPath("D:\\Gone\\item.reg"));
+  EXPECT_THAT(dialogs.LastMessage(), HasSubstr("D:\\Gone\\item.reg"));
+}
+
+TEST_F(RegistryItemsTest, TheAddressBookFileGoesThereAndBack) {
+  const auto book = *std::optional(platform->offline.GetFiles().HostPath(WinPath(form->txtwabloc.text)));
+  const std::string content = Content(book);
+  Click("addBookFile");
+  EXPECT_EQ(form->sb1.panels[0], " Address Book Copy Complete");
+  EXPECT_EQ(Content(BackupFolderOnHost() / "Ann Miller.wab"), content);
+  std::ofstream(book) << "newer";
+  dialogs.overwriteAnswers = {OverwriteAnswer::Yes};
+  Restore("resWAB", WinPath("D:\\Backup\\Ann Miller.wab"));
+  EXPECT_EQ(dialogs.openFileDialogs.back().name, "AddressBook.WAB");
+  EXPECT_EQ(Content(book), content);
+
+  Store().DeleteKey(CurrentUser("Software\\Microsoft\\WAB"));
+  Restore("resWAB", WinPath("D:\\Backup\\Ann Miller.wab"));
+  EXPECT_THAT(dialogs.LastMessage(), HasSubstr("no folder to copy"));
+}
+
+}  // namespace
+}  // namespace quillbox
