@@ -88,7 +88,9 @@ void ComboBox::pick(const std::string& item) {
 }
 
 void ComboBox::type(const std::string& newText) {
-  if (CanAct() && editable) text = newText;
+  if (!CanAct() || !editable || text == newText) return;
+  text = newText;
+  Run("Change", onChange);
 }
 
 CheckBox::CheckBox(Form& form, std::string name, std::string text, std::string tip) : Control(form, std::move(name)) {

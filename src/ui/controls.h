@@ -15,6 +15,7 @@ namespace quillbox {
 
 class Form;
 class ControlVisitor;
+class ListView;
 
 /// What a control does when a person acts on it. Run by the form, which guards it.
 using Handler = std::function<void()>;
@@ -89,6 +90,7 @@ class ComboBox : public Control {
   Property<std::string> text;
   bool editable = false;
   Handler onClick;
+  Handler onChange;  ///< after typing
 
   void Add(const std::string& item);
   void Clear();
@@ -167,6 +169,7 @@ class ControlVisitor {
   virtual void Visit(Button& control) = 0;
   virtual void Visit(Frame& control) = 0;
   virtual void Visit(ListBox& control) = 0;
+  virtual void Visit(ListView& control) = 0;
   virtual void Visit(StatusBar& control) = 0;
 };
 

@@ -46,11 +46,21 @@ Form::Form(HandlerGuard& guard, std::string name, std::string title) : guard_(gu
 }
 
 void Form::close() {
+  if (Button* button = CancelButton()) return button->click();
+  Hide();
+}
+
+void Form::escape() {
+  if (Button* button = CancelButton()) return button->click();
+  close();
+}
+
+Button* Form::CancelButton() const {
   for (Control* control : controls_) {
     auto* button = dynamic_cast<Button*>(control);
-    if (button && button->isCancel) return button->click();
+    if (button && button->isCancel) return button;
   }
-  Hide();
+  return nullptr;
 }
 
 void Form::RunHandler(const std::string& what, const Handler& handler) {

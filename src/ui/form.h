@@ -59,9 +59,11 @@ class Form {
 
   /// How the controls lie; asked once, when the window is first rendered.
   virtual LayoutNode Layout() = 0;
-  /// A person closes the window by its title bar or Esc. Unless a window says otherwise that presses the button that
-  /// Esc presses, or hides the window when it has none.
+  /// A person closes the window by its title bar. Unless a window says otherwise that presses the button that Esc
+  /// presses, or hides the window when it has none.
   virtual void close();
+  /// A person presses Esc: that presses its button, or closes a window that has none.
+  void escape();
 
   /// All controls, in tab order.
   const std::vector<Control*>& Controls() const { return controls_; }
@@ -72,6 +74,7 @@ class Form {
 
  private:
   friend class Control;
+  Button* CancelButton() const;
   void Add(Control& control) { controls_.push_back(&control); }
 
   HandlerGuard& guard_;
@@ -89,6 +92,21 @@ class HourglassScope {
 
  private:
   Form& form_;
+};
+
+/// Shows "Please Wait" on a button until it goes out of scope.
+class PleaseWaitScope {
+ public:
+  explicit PleaseWaitScope(Button& button) : button_(button), caption_(button.caption) {
+    button_.caption = "Please Wait";
+  }
+  ~PleaseWaitScope() { button_.caption = caption_; }
+  PleaseWaitScope(const PleaseWaitScope&) = delete;
+  PleaseWaitScope& operator=(const PleaseWaitScope&) = delete;
+
+ private:
+  Button& button_;
+  std::string caption_;
 };
 
 }  // namespace quillbox

@@ -9,6 +9,7 @@ constexpr int kHeightWithoutInfo = 4215;  // twips
 constexpr int kHeightWithInfo = 8790;
 constexpr const char* kShowInfo = "Show Additional Identity Info";
 constexpr const char* kHideInfo = "Hide Additional Identity Info";
+constexpr const char* kNoSearches = "0 Searches";
 constexpr const char* kRunning = "Outlook Express is currently running. Please close it if you intend to make changes.";
 constexpr const char* kNotRunning = "Outlook Express is not currently running.";
 
@@ -82,7 +83,7 @@ Form1::Form1(Program& program, Windows& windows)
   cmdbkupall.onClick = [this] { cmdbkupall_Click(); };
   cmdComplete.onClick = [this] { cmdComplete_Click(); };
   cmdRestore.onClick = [this] { cmdRestore_Click(); };
-  cmdSearch.onClick = [this] { NotBuiltYet(cmdSearch.caption); };
+  cmdSearch.onClick = [this] { cmdSearch_Click(); };
 }
 
 LayoutNode Form1::Layout() {
@@ -115,13 +116,16 @@ void Form1::Open() {
 
 void Form1::Form_Load() {
   sb1.panels[1] = "";
+  windows_.form2.FillFileTypes();
   Frame1.visible = false;
   heightTwips = kHeightWithoutInfo;
   sb1.panels[0] = "";
   cmbUserIDs.Clear();
   CheckBackupFolder(true);
+  windows_.form2.Label3.caption = kNoSearches;
   GetInputPaths();
   Show();
+  windows_.form2.Load();
   IsOERuuning();
   loadup();
   chkbox();
@@ -199,6 +203,13 @@ void Form1::OpenExplorer(const std::string& folder) {
   program_.platform.GetShell().Explore(folder, "");
 }
 
+void Form1::OpenExplorer2(const std::string& folder) {
+  sb1.panels[1] = "";
+  const ListView& list = windows_.form2.lvFiles;
+  const std::string name = list.selected < 0 ? "" : list.Text(static_cast<std::size_t>(list.selected.Get()), 0);
+  program_.platform.GetShell().Explore(folder, "/n,/e,/select " + name);
+}
+
 void Form1::close() {
   RunHandler("Form_Unload", [this] { windows_.UnloadAll(); });
 }
@@ -265,7 +276,14 @@ void Form1::cmdExit_Click() {
   windows_.UnloadAll();
 }
 
+void Windows::OpenSearch() {
+  for (auto& panel : form1.sb1.panels) panel = "";
+  form2.Open();
+  form1.Hide();
+}
+
 void Windows::UnloadAll() {
+  form2.Hide();
   form3.Hide();
   form1.Hide();
   program.quit();

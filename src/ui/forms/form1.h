@@ -69,6 +69,8 @@ class Form1 : public Form {
   void IsOERuuning();
   /// Opens a folder in the file manager.
   void OpenExplorer(const std::string& folder);
+  /// Opens a folder with the file selected whose row is selected in the search window.
+  void OpenExplorer2(const std::string& folder);
 
   LayoutNode Layout() override;
   void close() override;
@@ -107,6 +109,9 @@ class Form1 : public Form {
   void cmdOpenFolder_Click();
   void cmdOpenWab_Click();
   void cmdRefresh_Click();
+  void cmdSearch_Click();
+  void Search_Click();
+  void dbxFiles_Click();
   void cmdExit_Click();
   void crtbkfldr2_Click();
   void brbkfldr_Click();

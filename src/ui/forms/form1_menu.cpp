@@ -23,7 +23,7 @@ const Form1::MenuRow Form1::kMenu[] = {
     {"Change > Change Address Book", "chAddBk", nullptr},
     {"Change > Move Address Book", "MoveWAB", nullptr},
     {"&Tools > Backup Files > Address Book", "addBookFile", &Form1::addBookFile_Click},
-    {"&Tools > Backup Files > DBX Files", "dbxFiles", nullptr},
+    {"&Tools > Backup Files > DBX Files", "dbxFiles", &Form1::dbxFiles_Click},
     {"&Tools > Backup Folder > Make A New Backup Folder", "crtbkfldr2", &Form1::crtbkfldr2_Click},
     {"&Tools > Backup Folder > Open Backup Folder", "opnbkfldr", &Form1::opnbkfldr_Click},
     {"&Tools > Backup Folder > Set Existing Folder As Backup", "brbkfldr", &Form1::brbkfldr_Click},
@@ -60,7 +60,7 @@ const Form1::MenuRow Form1::kMenu[] = {
     {"Create > Create New Identity", "crtnewID", nullptr},
     {"Create > Clone Identity", "CloneIdentity", nullptr},
     {"Remove > Remove Identity", "remIdent", nullptr},
-    {"Search", "Search", nullptr},
+    {"Search", "Search", &Form1::Search_Click},
     {"&Help > Not Available Yet", "Notyet", &Form1::Notyet_Click},
     {"&Help > See: %WEB%", "mnuURL", &Form1::mnuURL_Click},
 };
@@ -99,6 +99,18 @@ void Form1::NotBuiltYet(const std::string& what) {
   std::string name = Trim(what);
   std::erase(name, '&');
   sb1.panels[0] = "\"" + name + "\" is not built yet.";
+}
+
+void Form1::cmdSearch_Click() {
+  windows_.OpenSearch();
+}
+
+void Form1::Search_Click() {
+  cmdSearch_Click();
+}
+
+void Form1::dbxFiles_Click() {
+  windows_.OpenSearch();
 }
 
 void Form1::crtbkfldr2_Click() {

@@ -47,7 +47,7 @@ void Form1::resDBX_Click() {
          .icon = MessageIcon::Exclamation});
     return;
   }
-  NotBuiltYet("DBX Files");
+  windows_.OpenSearch();
 }
 
 }  // namespace quillbox

@@ -124,6 +124,7 @@ void Form3::cmdMkFolder_Click() {
 
 void Form3::cmdSetPath_Click() {
   const std::string folder = txtbkPth.text;
+  windows_.form2.txtbackupPath.caption = folder;
   if (folder == program_.backupFolder.Get()) return;
   program_.backupFolder.Set(folder);
   windows_.form1.lblbkuppth.caption = folder;

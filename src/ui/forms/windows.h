@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "ui/forms/form1.h"
+#include "ui/forms/form2.h"
 #include "ui/forms/form3.h"
 #include "ui/forms/program.h"
 
@@ -12,14 +13,18 @@ namespace quillbox {
 
 class Windows {
  public:
-  explicit Windows(Platform& platform) : program(platform), form1(program, *this), form3(program, *this) {}
+  explicit Windows(Platform& platform)
+      : program(platform), form1(program, *this), form2(program, *this), form3(program, *this) {}
 
   Program program;
   Form1 form1;
+  Form2 form2;
   Form3 form3;
 
   /// Every window, for a renderer.
-  std::vector<Form*> All() { return {&form1, &form3}; }
+  std::vector<Form*> All() { return {&form1, &form2, &form3}; }
+  /// Shows the search window in place of the main window.
+  void OpenSearch();
   /// Hides every window and ends the program.
   void UnloadAll();
 };

@@ -144,7 +144,7 @@ void FormWindow::OnControlChanged(const Control& control) {
 
 void FormWindow::OnKey(wxKeyEvent& event) {
   if (event.GetKeyCode() == WXK_ESCAPE && !event.HasAnyModifiers()) {
-    form_.close();
+    form_.escape();
   } else {
     event.Skip();
   }

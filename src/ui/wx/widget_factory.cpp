@@ -11,7 +11,9 @@
 
 #include <algorithm>
 
+#include "ui/list_view.h"
 #include "ui/wx/accessible_name.h"
+#include "ui/wx/list_view_widget.h"
 #include "ui/wx/wx_text.h"
 
 namespace quillbox {
@@ -71,6 +73,7 @@ class Factory : public ControlVisitor {
   void Visit(Button& control) override;
   void Visit(Frame& control) override;
   void Visit(ListBox& control) override;
+  void Visit(ListView& control) override;
   void Visit(StatusBar& control) override;
 
  private:
@@ -216,6 +219,14 @@ void Factory::Visit(ListBox& control) {
   list->Bind(wxEVT_LISTBOX_DCLICK, [&control](wxCommandEvent& event) {
     if (event.GetSelection() >= 0) control.open(static_cast<std::size_t>(event.GetSelection()));
   });
+}
+
+void Factory::Visit(ListView& control) {
+  widget_ = MakeListViewWidget(control, parent_);
+  widget_.show = [list = widget_.window, showRows = widget_.show, &control] {
+    ShowWithTip(control, *list);
+    showRows();
+  };
 }
 
 void Factory::Visit(StatusBar& control) {

@@ -1,0 +1,52 @@
+#include "ui/list_view.h"
+
+#include <utility>
+
+namespace quillbox {
+
+ListView::ListView(Form& form, std::string name, std::vector<std::string> columns, CellText text)
+    : Control(form, std::move(name)), columns_(std::move(columns)), text_(std::move(text)) {
+  Watch(selected);
+}
+
+void ListView::Accept(ControlVisitor& visitor) {
+  visitor.Visit(*this);
+}
+
+void ListView::SetRowCount(std::size_t count) {
+  checked_.assign(count, false);
+  ++generation_;
+  selected = -1;
+  Changed();
+}
+
+void ListView::SetAllChecked(bool checked) {
+  checked_.assign(checked_.size(), checked);
+  Changed();
+}
+
+std::vector<std::size_t> ListView::CheckedRows() const {
+  std::vector<std::size_t> rows;
+  for (std::size_t row = 0; row < checked_.size(); ++row) {
+    if (checked_[row]) rows.push_back(row);
+  }
+  return rows;
+}
+
+void ListView::check(std::size_t row, bool checked) {
+  if (!CanAct() || row >= RowCount()) return;
+  checked_[row] = checked;
+  Changed();
+}
+
+void ListView::pick(std::size_t row) {
+  if (CanAct() && row < RowCount()) selected = static_cast<int>(row);
+}
+
+void ListView::open(std::size_t row) {
+  if (!CanAct() || row >= RowCount()) return;
+  selected = static_cast<int>(row);
+  Run("DblClick", onDblClick);
+}
+
+}  // namespace quillbox

@@ -1,0 +1,52 @@
+// A list of rows in columns with a check box each, made for very many rows: it keeps none of their texts but asks for
+// those that are seen.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "ui/controls.h"
+
+namespace quillbox {
+
+class ListView : public Control {
+ public:
+  /// The text of a cell; row and column are within the list.
+  using CellText = std::function<std::string(std::size_t row, std::size_t column)>;
+
+  ListView(Form& form, std::string name, std::vector<std::string> columns, CellText text);
+  void Accept(ControlVisitor& visitor) override;
+
+  const std::vector<std::string>& Columns() const { return columns_; }
+  std::size_t RowCount() const { return checked_.size(); }
+  std::string Text(std::size_t row, std::size_t column) const { return text_(row, column); }
+
+  /// Other rows than before, none of them checked or selected; the columns take the widths of their texts.
+  void SetRowCount(std::size_t count);
+  /// Changes with every SetRowCount.
+  unsigned Generation() const { return generation_; }
+
+  bool IsChecked(std::size_t row) const { return checked_.at(row); }
+  void SetAllChecked(bool checked);
+  /// The checked rows from the first to the last.
+  std::vector<std::size_t> CheckedRows() const;
+
+  /// -1 for none.
+  Property<int> selected{-1};
+  Handler onDblClick;
+
+  void check(std::size_t row, bool checked);
+  void pick(std::size_t row);
+  /// Selects the row and double clicks it.
+  void open(std::size_t row);
+
+ private:
+  std::vector<std::string> columns_;
+  CellText text_;
+  std::vector<bool> checked_;
+  unsigned generation_ = 0;
+};
+
+}  // namespace quillbox
