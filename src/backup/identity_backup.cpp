@@ -1,7 +1,5 @@
 #include "backup/identity_backup.h"
 
-#include <algorithm>
-#include <iterator>
 #include <map>
 #include <utility>
 
@@ -43,6 +41,7 @@ bool IsStoreFileToCopy(const std::string& name, Pop3Uidl pop3Uidl) {
 std::vector<std::string> SharedUsernames(const std::vector<IdentityInfo>& identities) {
   std::map<std::u16string, std::pair<std::string, std::size_t>> counts;
   for (const IdentityInfo& identity : identities) {
+    if (identity.storeFolder == kEmptyIdentityMarker) continue;
     auto& [username, count] = counts[UpperCase(ToUtf16(identity.username))];
     if (count++ == 0) username = identity.username;
   }
@@ -122,10 +121,7 @@ bool IdentityBackup::IsEmpty(const IdentityInfo& identity) {
 }
 
 void IdentityBackup::TellSharedFolders(const IdentityCatalogue& catalogue) {
-  std::vector<IdentityInfo> saved;
-  std::copy_if(catalogue.identities.begin(), catalogue.identities.end(), std::back_inserter(saved),
-               [](const IdentityInfo& identity) { return identity.storeFolder != kEmptyIdentityMarker; });
-  for (const std::string& username : SharedUsernames(saved)) {
+  for (const std::string& username : SharedUsernames(catalogue.identities)) {
     platform_.GetDialogs().Show({.text = "Several identities are named \"" + username +
                                          "\". Their backups share one folder, in which the file of a later one takes "
                                          "the place of an earlier one's file of that name. To keep them apart, give "
@@ -153,7 +149,7 @@ void IdentityBackup::CopyStore(const std::string& userId, const WinPath& target,
   }
   for (const std::string& name : FileList(platform_.GetFiles(), folder + "\\*.dbx")) {
     if (!IsStoreFileToCopy(name, pop3Uidl)) continue;
-    Copy(WinPath(folder + "\\" + name), target.Join(name), overwrite);
+    Copy(WinPath(folder).Join(name), target.Join(name), overwrite);
     status_(name + " Backup Complete");
   }
 }

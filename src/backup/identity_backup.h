@@ -37,7 +37,8 @@ inline constexpr BackupScope kQuickBackup{Pop3Uidl::Skip, true, false};
 inline constexpr BackupScope kBackupOfAll{Pop3Uidl::Skip, true, true};
 inline constexpr BackupScope kCompleteBackup{Pop3Uidl::Copy, false, true};
 
-/// The usernames that several of the identities have, each once, as folders compare them: without regard to case.
+/// The usernames that several of the identities with a message store have, each once, as folders compare them: without
+/// regard to case.
 std::vector<std::string> SharedUsernames(const std::vector<IdentityInfo>& identities);
 
 /// Receives the texts that a running backup shows in the status bar's first panel.

@@ -83,7 +83,7 @@ constexpr RegistryItemRow kRows[] = {
 };
 
 std::string KeyName(const RegistryItemRow& row, const std::string& userId) {
-  const std::string key = row.key;
+  std::string key = row.key;
   const std::string user = std::string(RootName(RegistryRoot::CurrentUser)) + "\\";
   if (key.starts_with(kIdentityMark)) return user + IdentityKey(userId) + key.substr(kIdentityMark.size());
   if (key.starts_with(kSettingsMark)) return user + IdentitySettingsKey(userId) + key.substr(kSettingsMark.size());

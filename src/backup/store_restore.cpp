@@ -15,6 +15,11 @@ bool Holds(const std::vector<std::string>& usernames, const std::string& usernam
                      [&](const std::string& other) { return EqualIgnoreCase(other, username); });
 }
 
+/// The identity as a person tells it from others of its name.
+std::string NameOf(const IdentityInfo& identity) {
+  return "\"" + identity.username + "\" " + identity.userId;
+}
+
 /// Why a store folder read from the registry is nothing to restore into; empty when it is. Anything but a full path
 /// would be taken as a folder in the backup.
 std::string StoreFolderFault(const std::string& folder) {
@@ -31,15 +36,15 @@ void StoreRestore::RestoreAll(const WinPath& backupFolder, const IdentityCatalog
   const std::vector<std::string> shared = TellSharedFolders(backupFolder, catalogue);
   std::vector<std::string> skipped;
   for (const IdentityInfo& identity : catalogue.identities) {
-    std::string reason = FileNameFault(identity.username);
-    if (!reason.empty()) {
-      reason = "no folder can have its name: " + reason;
+    std::string reason;
+    if (const std::string fault = FileNameFault(identity.username); !fault.empty()) {
+      reason = "no folder can have its name: " + fault;
     } else if (DirExists(platform_.GetFiles(), identity.username)) {
       const bool mayReplace = overwrite && !Holds(shared, identity.username);
       reason = Restore(identity, backupFolder.Join(identity.username), mayReplace);
       folder_.Enter(backupFolder);
     }
-    if (!reason.empty()) skipped.push_back("\"" + identity.username + "\" " + identity.userId + ": " + reason);
+    if (!reason.empty()) skipped.push_back(NameOf(identity).append(": ").append(reason));
   }
   TellSkipped(skipped);
 }

@@ -6,6 +6,7 @@
 #include "ui/forms/windows.h"
 
 namespace quillbox {
+
 void Form1::CheckBackupFolder(bool withMessage) {
   const BackupFolderCheck check = program_.backupFolder.Check(withMessage);
   if (!check.keyOpened) return;

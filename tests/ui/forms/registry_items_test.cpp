@@ -6,9 +6,7 @@ namespace quillbox {
 namespace {
 
 using ::testing::AllOf;
-using ::testing::Each;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
 /// The menu items of one row; "*" stands for the {USER_ID}. The signatures, a hive file here, have no command.
@@ -181,7 +179,7 @@ TEST_F(RegistryItemsTest, FilesThatCannotBeMergedAreToldAndDamageNothing) {
   } files[] = {
       {"not a registry file", "this is no registry file"},
       {std::string("\0\1\2\xFF", 4), "this is no registry file"},
-      {good.substr(0, good.rfind("=") + 2), "line "},
+      {good.substr(0, good.rfind('=') + 2), "line "},
       {"REGEDIT4\r\n\r\n[HKEY_USERS\\S-1\\Identities]\r\n\"x\"=\"y\"\r\n", "line 3: \"HKEY_USERS\\S-1\\Identities\""},
   };
   for (const auto& bad : files) {
