@@ -106,6 +106,25 @@ void CheckBox::click() {
   Run("Click", onClick);
 }
 
+void OptionGroup::Choose(const OptionButton* chosen) {
+  for (OptionButton* button : buttons_) button->chosen_ = button == chosen;
+}
+
+OptionButton::OptionButton(Form& form, OptionGroup& group, std::string name, std::string text, std::string tip)
+    : Control(form, std::move(name)), group_(group) {
+  caption = std::move(text);
+  tooltip = std::move(tip);
+  Watch(caption);
+  Watch(chosen_);
+  group_.buttons_.push_back(this);
+}
+
+void OptionButton::click() {
+  if (!CanAct()) return;
+  group_.Choose(this);
+  Run("Click", onClick);
+}
+
 Button::Button(Form& form, std::string name, std::string text, std::string tip) : Control(form, std::move(name)) {
   caption = std::move(text);
   tooltip = std::move(tip);
@@ -143,6 +162,27 @@ void ListBox::open(std::size_t index) {
   Run("DblClick", onOpen);
 }
 
+MultiListBox::MultiListBox(Form& form, std::string name, std::string tip) : Control(form, std::move(name)) {
+  tooltip = std::move(tip);
+  items.Watch([this] {
+    selected = std::vector<std::size_t>{};
+    Changed();
+  });
+  Watch(selected);
+}
+
+void MultiListBox::toggle(std::size_t index) {
+  if (!CanAct() || index >= items->size()) return;
+  std::vector<std::size_t> changed = selected;
+  const auto at = std::lower_bound(changed.begin(), changed.end(), index);
+  if (at != changed.end() && *at == index) {
+    changed.erase(at);
+  } else {
+    changed.insert(at, index);
+  }
+  selected = std::move(changed);
+}
+
 StatusBar::StatusBar(Form& form, std::string name, std::size_t panelCount)
     : Control(form, std::move(name)), panels(panelCount) {
   for (auto& panel : panels) Watch(panel);
@@ -160,6 +200,9 @@ void ComboBox::Accept(ControlVisitor& visitor) {
 void CheckBox::Accept(ControlVisitor& visitor) {
   visitor.Visit(*this);
 }
+void OptionButton::Accept(ControlVisitor& visitor) {
+  visitor.Visit(*this);
+}
 void Button::Accept(ControlVisitor& visitor) {
   visitor.Visit(*this);
 }
@@ -167,6 +210,9 @@ void Frame::Accept(ControlVisitor& visitor) {
   visitor.Visit(*this);
 }
 void ListBox::Accept(ControlVisitor& visitor) {
+  visitor.Visit(*this);
+}
+void MultiListBox::Accept(ControlVisitor& visitor) {
   visitor.Visit(*this);
 }
 void StatusBar::Accept(ControlVisitor& visitor) {

@@ -117,6 +117,36 @@ class CheckBox : public Control {
   void click();
 };
 
+class OptionButton;
+
+/// The option buttons of which one at most is chosen.
+class OptionGroup {
+ public:
+  /// Chooses `chosen` alone; null chooses none. No handler runs.
+  void Choose(const OptionButton* chosen);
+
+ private:
+  friend class OptionButton;
+  std::vector<OptionButton*> buttons_;
+};
+
+class OptionButton : public Control {
+ public:
+  /// The group must outlive the button.
+  OptionButton(Form& form, OptionGroup& group, std::string name, std::string text = {}, std::string tip = {});
+  void Accept(ControlVisitor& visitor) override;
+  Property<std::string> caption;
+  bool IsChosen() const { return chosen_; }
+  Handler onClick;
+
+  void click();
+
+ private:
+  friend class OptionGroup;
+  OptionGroup& group_;
+  Property<bool> chosen_{false};
+};
+
 class Button : public Control {
  public:
   Button(Form& form, std::string name, std::string text = {}, std::string tip = {});
@@ -151,6 +181,20 @@ class ListBox : public Control {
   void open(std::size_t index);
 };
 
+/// A list of texts of which any number is selected.
+class MultiListBox : public Control {
+ public:
+  MultiListBox(Form& form, std::string name, std::string tip = {});
+  void Accept(ControlVisitor& visitor) override;
+  /// Setting other items selects none.
+  Property<std::vector<std::string>> items;
+  /// The positions of the selected items, ascending.
+  Property<std::vector<std::size_t>> selected;
+
+  /// Selects the item, or takes its selection away.
+  void toggle(std::size_t index);
+};
+
 class StatusBar : public Control {
  public:
   StatusBar(Form& form, std::string name, std::size_t panelCount);
@@ -166,9 +210,11 @@ class ControlVisitor {
   virtual void Visit(TextBox& control) = 0;
   virtual void Visit(ComboBox& control) = 0;
   virtual void Visit(CheckBox& control) = 0;
+  virtual void Visit(OptionButton& control) = 0;
   virtual void Visit(Button& control) = 0;
   virtual void Visit(Frame& control) = 0;
   virtual void Visit(ListBox& control) = 0;
+  virtual void Visit(MultiListBox& control) = 0;
   virtual void Visit(ListView& control) = 0;
   virtual void Visit(StatusBar& control) = 0;
 };

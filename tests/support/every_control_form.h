@@ -24,6 +24,9 @@ struct EveryControlForm : Form {
     cmdOk.onClick = [this] { acts += "ok "; };
     cmdInner.onClick = [this] { acts += "inner "; };
     cmdClose.onClick = [this] { Hide(); };
+    options.Choose(&second);
+    first.onClick = second.onClick = [this] { acts += first.IsChosen() ? "first " : "second "; };
+    several.items = {"Ann.wab", "Office.wab", "Old.wab"};
     list.onSelect = [this] { acts += "list=" + std::to_string(list.selected) + " "; };
     list.onOpen = [this] { acts += "open=" + std::to_string(list.selected) + " "; };
   }
@@ -31,7 +34,8 @@ struct EveryControlForm : Form {
   LayoutNode Layout() override {
     return Column(
         {Grid(2, {1}, {Item(lblPicker), Item(picker), Item(lblTyped), Item(typed), Item(lblValue), Item(value)}),
-         Row({Item(check), Item(cmdOk, 1), Item(cmdClose, 1)}), Item(list, 1),
+         Row({Item(check), Item(cmdOk, 1), Item(cmdClose, 1)}), Row({Item(list, 1), Item(several, 1)}, 1),
+         Row({Item(first), Item(second)}),
          Group(frame, Grid(2, {1}, {Item(lblBox), Item(box), Item(lblInner), Item(cmdInner)}))});
   }
 
@@ -51,6 +55,10 @@ struct EveryControlForm : Form {
   Label lblBox{*this, "lblBox", "Text:"};
   TextBox box{*this, "box", "C:\\Data", "Tab to this line"};
   ListBox list{*this, "list", "Files"};
+  OptionGroup options;
+  OptionButton first{*this, options, "first", "Tom & Jerry.wab"};
+  OptionButton second{*this, options, "second", "None Selected", "Click to select"};
+  MultiListBox several{*this, "several", "Books"};
   Button cmdClose{*this, "cmdClose", "Close"};
   StatusBar bar{*this, "bar", 2};
 };

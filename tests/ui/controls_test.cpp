@@ -45,6 +45,9 @@ TEST_F(ControlsTest, WhatIsOffTakesNoActs) {
   form.cmdOk.click();
   form.list.pick(0);
   form.list.open(0);
+  form.first.click();
+  form.several.toggle(0);
+  EXPECT_TRUE(form.several.selected->empty());
   form.menuBar.click("SaveAsHTML");
   form.box.enabled = true;
   form.box.readOnly = true;
@@ -78,6 +81,21 @@ TEST_F(ControlsTest, SelectionEndsWithTheTextOrTheItems) {
   EXPECT_EQ(form.list.selected, -1);
   form.list.pick(1);
   EXPECT_EQ(form.list.selected, -1) << "a line that is not there";
+}
+
+TEST_F(ControlsTest, OneOptionAtMostIsChosenAndAnyNumberOfItemsSelected) {
+  EXPECT_TRUE(form.second.IsChosen());
+  form.first.click();
+  form.first.click();
+  EXPECT_EQ(TakeActs(), "first first ");
+  EXPECT_FALSE(form.second.IsChosen());
+  form.options.Choose(nullptr);
+  EXPECT_FALSE(form.first.IsChosen());
+
+  for (const std::size_t line : {2, 0, 1, 2, 3}) form.several.toggle(line);
+  EXPECT_THAT(form.several.selected.Get(), testing::ElementsAre(0, 1));
+  form.several.items = {"a"};
+  EXPECT_TRUE(form.several.selected->empty());
 }
 
 TEST_F(ControlsTest, RendererHearsOfChangesAndOnlyOfThose) {

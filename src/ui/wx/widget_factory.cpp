@@ -4,6 +4,7 @@
 #include <wx/checkbox.h>
 #include <wx/combobox.h>
 #include <wx/listbox.h>
+#include <wx/radiobut.h>
 #include <wx/statbox.h>
 #include <wx/stattext.h>
 #include <wx/statusbr.h>
@@ -70,13 +71,16 @@ class Factory : public ControlVisitor {
   void Visit(TextBox& control) override;
   void Visit(ComboBox& control) override;
   void Visit(CheckBox& control) override;
+  void Visit(OptionButton& control) override;
   void Visit(Button& control) override;
   void Visit(Frame& control) override;
   void Visit(ListBox& control) override;
+  void Visit(MultiListBox& control) override;
   void Visit(ListView& control) override;
   void Visit(StatusBar& control) override;
 
  private:
+  wxListBox& MakeListBox(long style);
   int Characters(int count) const { return count * parent_.GetCharWidth(); }
   int FieldWidth() const { return parent_.GetTextExtent(growing_ ? kGrowingText : kFieldText).x; }
   wxSize EntrySize(int extra) const { return {FieldWidth() + parent_.FromDIP(extra), -1}; }
@@ -174,6 +178,25 @@ void Factory::Visit(CheckBox& control) {
   });
 }
 
+/// The toolkit always has one button of a group chosen, so each gets a hidden one beside it that is chosen in its place;
+/// that the window's own buttons exclude one another is the controls' business.
+void Factory::Visit(OptionButton& control) {
+  auto* none = new wxRadioButton(&parent_, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxRB_GROUP);
+  none->Hide();
+  auto* button = new wxRadioButton(&parent_, wxID_ANY, ToWx(control.caption.Get()));
+  widget_.window = button;
+  widget_.show = [none, button, &control] {
+    ShowWithTip(control, *button);
+    const wxString caption = ToWx(control.caption.Get());
+    if (button->GetLabelText() != caption) button->SetLabelText(caption);
+    (control.IsChosen() ? button : none)->SetValue(true);
+  };
+  button->Bind(wxEVT_RADIOBUTTON, [show = widget_.show, &control](wxCommandEvent&) {
+    control.click();
+    show();
+  });
+}
+
 void Factory::Visit(Button& control) {
   auto* button = new wxButton(&parent_, wxID_ANY, ToWx(control.caption.Get()));
   widget_.window = button;
@@ -198,16 +221,24 @@ void Factory::Visit(Frame& control) {
   };
 }
 
-void Factory::Visit(ListBox& control) {
-  auto* list =
-      new wxListBox(&parent_, wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, nullptr, wxLB_SINGLE | wxLB_HSCROLL);
+wxListBox& Factory::MakeListBox(long style) {
+  auto* list = new wxListBox(&parent_, wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, nullptr, style | wxLB_HSCROLL);
   list->SetMinSize(wxSize(Characters(kListCharacters), kListLines * parent_.GetCharHeight() * 3 / 2));
   widget_.window = list;
+  return *list;
+}
+
+void ShowItems(const std::vector<std::string>& wanted, wxListBox& list) {
+  wxArrayString items;
+  for (const std::string& item : wanted) items.Add(ToWx(item));
+  if (list.GetStrings() != items) list.Set(items);
+}
+
+void Factory::Visit(ListBox& control) {
+  wxListBox* list = &MakeListBox(wxLB_SINGLE);
   widget_.show = [list, &control] {
     ShowWithTip(control, *list);
-    wxArrayString items;
-    for (const std::string& item : control.items.Get()) items.Add(ToWx(item));
-    if (list->GetStrings() != items) list->Set(items);
+    ShowItems(control.items, *list);
     if (list->GetSelection() == control.selected) return;
     list->SetSelection(control.selected);
     if (control.selected >= 0) list->EnsureVisible(control.selected);
@@ -218,6 +249,25 @@ void Factory::Visit(ListBox& control) {
   });
   list->Bind(wxEVT_LISTBOX_DCLICK, [&control](wxCommandEvent& event) {
     if (event.GetSelection() >= 0) control.open(static_cast<std::size_t>(event.GetSelection()));
+  });
+}
+
+void Factory::Visit(MultiListBox& control) {
+  wxListBox* list = &MakeListBox(wxLB_MULTIPLE);
+  const auto isSelected = [&control](int line) {
+    return std::binary_search(control.selected->begin(), control.selected->end(), static_cast<std::size_t>(line));
+  };
+  widget_.show = [list, &control, isSelected] {
+    ShowWithTip(control, *list);
+    ShowItems(control.items, *list);
+    for (int line = 0; line < static_cast<int>(list->GetCount()); ++line) {
+      if (list->IsSelected(line) != isSelected(line)) list->SetSelection(line, isSelected(line));
+    }
+  };
+  list->Bind(wxEVT_LISTBOX, [list, &control, isSelected](wxCommandEvent&) {
+    for (int line = 0; line < static_cast<int>(list->GetCount()); ++line) {
+      if (list->IsSelected(line) != isSelected(line)) control.toggle(static_cast<std::size_t>(line));
+    }
   });
 }
 

@@ -7,6 +7,7 @@
 #include <wx/combobox.h>
 #include <wx/listbox.h>
 #include <wx/menu.h>
+#include <wx/radiobut.h>
 #include <wx/statbox.h>
 #include <wx/stattext.h>
 #include <wx/statusbr.h>
@@ -149,16 +150,48 @@ TEST_F(FormWindowTest, EditableComboTakesTyping) {
   EXPECT_EQ(form.typed.text.Get(), "b.c");
 }
 
+TEST_F(FormWindowTest, OptionsExcludeOneAnotherAndNoneMayBeChosen) {
+  auto& first = Widget<wxRadioButton>(form.first);
+  auto& second = Widget<wxRadioButton>(form.second);
+  EXPECT_EQ(first.GetLabelText(), "Tom & Jerry.wab");
+  EXPECT_TRUE(second.GetValue());
+  ClickOn(first);
+  EXPECT_TRUE(first.GetValue());
+  EXPECT_FALSE(second.GetValue());
+  EXPECT_EQ(TakeActs(), "first ");
+  ClickOn(first);
+  EXPECT_EQ(TakeActs(), "first ") << "a chosen one can be clicked again";
+  form.options.Choose(nullptr);
+  EXPECT_FALSE(first.GetValue() || second.GetValue());
+  ClickOn(second);
+  EXPECT_EQ(TakeActs(), "second ");
+}
+
+TEST_F(FormWindowTest, SeveralItemsAreSelectedByClicks) {
+  auto& list = Widget<wxListBox>(form.several);
+  form.several.selected = std::vector<std::size_t>{2};
+  EXPECT_TRUE(list.IsSelected(2));
+  for (const int y : {10, 30, 30, 10, 10}) {
+    MoveTo(list.GetScreenPosition() + wxPoint(20, y));
+    wxUIActionSimulator().MouseClick();
+    Settle();
+  }
+  EXPECT_THAT(form.several.selected.Get(), testing::ElementsAre(0, 2));
+  form.several.selected = std::vector<std::size_t>{};
+  EXPECT_FALSE(list.IsSelected(0) || list.IsSelected(2));
+}
+
 TEST_F(FormWindowTest, TabGoesInTheControlsOrderThroughFrames) {
   Widget<wxComboBox>(form.picker).SetFocus();
   MoveTo(Window().GetScreenRect().GetBottomLeft() + wxPoint(5, -5));
   std::vector<std::string> order;
-  for (int i = 0; i < 10; ++i) {
+  for (int i = 0; i < 13; ++i) {
     // A picker's arrow is a stop of its own, without a name.
     if (const wxWindow* focused = wxWindow::FindFocus()) order.push_back(focused->GetName().utf8_string());
     Press(WXK_TAB);
   }
-  EXPECT_THAT(order, testing::ElementsAre("picker", "typed", "check", "cmdOk", "cmdInner", "box", "list", "cmdClose"));
+  EXPECT_THAT(order, testing::ElementsAre("picker", "typed", "check", "cmdOk", "cmdInner", "box", "list", "first",
+                                          "second", "several", "cmdClose"));
 }
 
 TEST_F(FormWindowTest, EnterPressesTheDefaultButtonAndEscapeTheCancelOne) {
