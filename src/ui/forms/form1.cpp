@@ -187,7 +187,9 @@ void Form1::loadup() {
   sb1.panels[0] = "";
   const SlotsLoad load = LoadAddressBookSlots(program_.store);
   program_.addressBookSlots = load.slots;
+  windows_.form9.txtOutPath3.text = load.slots.folder;
   if (!load.keyOpened) return;
+  windows_.form6.ShowSlots(load.slots.captions);
   if (load.readError) return program_.store.ShowRegistryReadError(load.readError->first, load.readError->second);
   CheckBackupFolder(false);
 }
@@ -285,6 +287,10 @@ void Windows::OpenSearch() {
 void Windows::UnloadAll() {
   form2.Hide();
   form3.Hide();
+  form6.Hide();
+  form9.Hide();
+  form10.Hide();
+  form11.Hide();
   form1.Hide();
   program.quit();
 }

@@ -6,6 +6,7 @@
 
 #include "backup/identity_backup.h"
 #include "backup/registry_items.h"
+#include "reports/report_template.h"
 #include "ui/form.h"
 #include "ui/forms/program.h"
 
@@ -96,6 +97,7 @@ class Form1 : public Form {
   StatusSink ToStatus();
   void ShowFilesNotCopied(std::size_t count);
   void CheckBackupFolder(bool withMessage);
+  void SaveReport(const char* name, const char* filter, ReportFormat format, const char* outcome);
   void chkbox();
   void ShowLoadedIdentities(const CatalogueLoad& load);
   void SelectWhere(const std::string& text, std::string IdentityInfo::*field, ComboBox& picker);
@@ -151,6 +153,12 @@ class Form1 : public Form {
   void resMsgRules_Click() { RestoreItem(RegistryItem::MessageRules); }
   void resSigs_Click() { RestoreItem(RegistryItem::Signatures); }
   void mnuURL_Click();
+  void SaveAs_Click();
+  void SaveAsHTML_Click();
+  void chAddBk_Click();
+  void MoveWAB_Click();
+  void svMailMsgRules_Click();
+  void svNewsRules_Click();
   void Notyet_Click() {}
 
   Program& program_;

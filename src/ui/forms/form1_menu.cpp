@@ -17,11 +17,11 @@ struct Form1::MenuRow {
 };
 
 const Form1::MenuRow Form1::kMenu[] = {
-    {"&File > OE Report > Save &As Text", "SaveAs", nullptr},
-    {"&File > OE Report > Save As HTML", "SaveAsHTML", nullptr},
+    {"&File > OE Report > Save &As Text", "SaveAs", &Form1::SaveAs_Click},
+    {"&File > OE Report > Save As HTML", "SaveAsHTML", &Form1::SaveAsHTML_Click},
     {"&File > E&xit", "Exit", &Form1::cmdExit_Click},
-    {"Change > Change Address Book", "chAddBk", nullptr},
-    {"Change > Move Address Book", "MoveWAB", nullptr},
+    {"Change > Change Address Book", "chAddBk", &Form1::chAddBk_Click},
+    {"Change > Move Address Book", "MoveWAB", &Form1::MoveWAB_Click},
     {"&Tools > Backup Files > Address Book", "addBookFile", &Form1::addBookFile_Click},
     {"&Tools > Backup Files > DBX Files", "dbxFiles", &Form1::dbxFiles_Click},
     {"&Tools > Backup Folder > Make A New Backup Folder", "crtbkfldr2", &Form1::crtbkfldr2_Click},
@@ -49,8 +49,8 @@ const Form1::MenuRow Form1::kMenu[] = {
     {"&Tools > Restore Files > DBX Files", "resDBX", &Form1::resDBX_Click},
     {"&Tools > Quickbackup - Selected Identity", "qbk", &Form1::qbk_Click},
     {"&Tools > Backup All Identities", "bkAll", &Form1::bkAll_Click, MenuState::Off},
-    {"&Tools > Save Mail Rules to File", "svMailMsgRules", nullptr},
-    {"&Tools > Save News Rules to File", "svNewsRules", nullptr},
+    {"&Tools > Save Mail Rules to File", "svMailMsgRules", &Form1::svMailMsgRules_Click},
+    {"&Tools > Save News Rules to File", "svNewsRules", &Form1::svNewsRules_Click},
     {"&Tools > Registry Entries", "regEntry", nullptr},
     {"&Tools > Miscellaneous Settings", "msc", nullptr},
     {"Replace > {USER_ID}", "repUSERID", nullptr, MenuState::Off},

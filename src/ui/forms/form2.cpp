@@ -185,6 +185,7 @@ void Form2::ClearStatus() {
 }
 
 void Form2::SearchIn(const std::vector<std::string>& roots) {
+  program_.searchPerformed = true;
   ClearStatus();
   lvFiles.SetRowCount(0);
   found_.Clear();

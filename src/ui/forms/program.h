@@ -24,6 +24,7 @@ struct Program {
   BackupFolder backupFolder{platform, store};
   IdentityCatalogue catalogue;
   AddressBookSlots addressBookSlots;
+  bool searchPerformed = false;  ///< the search window has searched since the start
   bool overwrite = false;  ///< the overwrite setting that the last backup command read
 
   /// Ends the program; set by whoever runs the windows.
