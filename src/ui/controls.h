@@ -16,6 +16,7 @@ namespace quillbox {
 class Form;
 class ControlVisitor;
 class ListView;
+class TabControl;
 
 /// What a control does when a person acts on it. Run by the form, which guards it.
 using Handler = std::function<void()>;
@@ -65,6 +66,7 @@ class Label : public Control {
   Label(Form& form, std::string name, std::string text = {}, std::string tip = {});
   void Accept(ControlVisitor& visitor) override;
   Property<std::string> caption;
+  bool wraps = false;  ///< a long caption takes several lines
 };
 
 class TextBox : public Control {
@@ -216,6 +218,7 @@ class ControlVisitor {
   virtual void Visit(ListBox& control) = 0;
   virtual void Visit(MultiListBox& control) = 0;
   virtual void Visit(ListView& control) = 0;
+  virtual void Visit(TabControl& control) = 0;
   virtual void Visit(StatusBar& control) = 0;
 };
 

@@ -4,7 +4,9 @@
 
 #include <functional>
 #include <optional>
+#include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "ui/controls.h"
@@ -67,6 +69,15 @@ class Form {
 
   /// All controls, in tab order.
   const std::vector<Control*>& Controls() const { return controls_; }
+  /// The control of that name. Throws std::invalid_argument when there is none of the kind.
+  template <class T>
+  T& Named(std::string_view name) const {
+    for (Control* control : controls_) {
+      auto* found = control->Name() == name ? dynamic_cast<T*>(control) : nullptr;
+      if (found) return *found;
+    }
+    throw std::invalid_argument("no such control: " + std::string(name));
+  }
   void RunHandler(const std::string& what, const Handler& handler);
 
   /// Set by the renderer: called after a property of the window itself has changed.

@@ -16,11 +16,12 @@ struct LayoutNode {
     Column,  ///< children one below the other
     Grid,    ///< children row by row in `columns` columns of common widths
     Group,   ///< one child inside a Frame
+    Tabs,    ///< the pages of a TabControl, one child each
     Space,   ///< an empty place that takes a share of what is left
   };
 
   Kind kind = Kind::Space;
-  Control* control = nullptr;  ///< of an Item or a Group
+  Control* control = nullptr;  ///< of an Item, a Group or Tabs
   std::vector<LayoutNode> children;
   std::size_t columns = 0;
   std::vector<std::size_t> growingColumns;  ///< of a Grid: those that share the width left over
@@ -59,6 +60,11 @@ inline LayoutNode Grid(std::size_t columns, std::vector<std::size_t> growing, st
 inline LayoutNode Group(Control& frame, LayoutNode inside, int grow = 0) {
   LayoutNode node = Box(LayoutNode::Kind::Group, {std::move(inside)}, grow);
   node.control = &frame;
+  return node;
+}
+inline LayoutNode Tabs(Control& tabControl, std::vector<LayoutNode> pages, int grow = 0) {
+  LayoutNode node = Box(LayoutNode::Kind::Tabs, std::move(pages), grow);
+  node.control = &tabControl;
   return node;
 }
 inline LayoutNode Space(int grow = 1) {

@@ -1,6 +1,7 @@
 #include "ui/wx/form_window.h"
 
 #include <wx/app.h>
+#include <wx/bookctrl.h>
 #include <wx/cursor.h>
 #include <wx/panel.h>
 #include <wx/sizer.h>
@@ -28,6 +29,10 @@ bool IsGroup(wxWindow* window) {
   return dynamic_cast<wxStaticBox*>(window) != nullptr;
 }
 
+bool IsBook(wxWindow* window) {
+  return dynamic_cast<wxBookCtrlBase*>(window) != nullptr;
+}
+
 }  // namespace
 
 FormWindow::FormWindow(Form& form) : form_(form) {
@@ -53,7 +58,10 @@ void FormWindow::Follow() {
   if (window_->IsShown() != form_.visible) {
     if (form_.visible) Fit();
     window_->Show(form_.visible);
-    if (form_.visible) window_->Raise();
+    if (form_.visible) {
+      window_->Raise();
+      AskForFit(false);  // some widgets know what they need only when they have been shown
+    }
     wxWakeUpIdle();
   }
   FollowPointer();
@@ -129,7 +137,7 @@ void FormWindow::OrderTabs(wxWindow& parent) {
                    [this](wxWindow* a, wxWindow* b) { return TabPosition(*a) < TabPosition(*b); });
   for (std::size_t i = 1; i < children.size(); ++i) children[i]->MoveAfterInTabOrder(children[i - 1]);
   for (wxWindow* child : children) {
-    if (IsGroup(child) || !positions_.count(child)) OrderTabs(*child);
+    if (IsGroup(child) || IsBook(child) || !positions_.count(child)) OrderTabs(*child);
   }
 }
 

@@ -1,5 +1,6 @@
 #include "ui/wx/layout_builder.h"
 
+#include <wx/bookctrl.h>
 #include <wx/listbox.h>
 #include <wx/panel.h>
 #include <wx/sizer.h>
@@ -40,6 +41,8 @@ class Builder {
         return new wxSizerItem(MakeGrid(node), wxSizerFlags());
       case LayoutNode::Kind::Group:
         return new wxSizerItem(MakeGroup(node), wxSizerFlags());
+      case LayoutNode::Kind::Tabs:
+        return new wxSizerItem(MakePages(node), wxSizerFlags());
       case LayoutNode::Kind::Space:
         break;
     }
@@ -105,6 +108,16 @@ class Builder {
     sizer->Add(panel, wxSizerFlags(1).Expand());
     panel->Show(box->IsShown());
     return sizer;
+  }
+
+  /// The book has made its pages, empty.
+  wxWindow* MakePages(const LayoutNode& node) {
+    auto* book = static_cast<wxBookCtrlBase*>(make_(*node.control, parent_, false));
+    for (std::size_t i = 0; i < node.children.size() && i < book->GetPageCount(); ++i) {
+      wxWindow* page = book->GetPage(i);
+      page->SetSizer(Builder(*page, make_).Build(node.children[i]));
+    }
+    return book;
   }
 
   wxWindow& parent_;

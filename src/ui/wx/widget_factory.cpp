@@ -4,6 +4,8 @@
 #include <wx/checkbox.h>
 #include <wx/combobox.h>
 #include <wx/listbox.h>
+#include <wx/notebook.h>
+#include <wx/panel.h>
 #include <wx/radiobut.h>
 #include <wx/statbox.h>
 #include <wx/stattext.h>
@@ -13,6 +15,7 @@
 #include <algorithm>
 
 #include "ui/list_view.h"
+#include "ui/tab_control.h"
 #include "ui/wx/accessible_name.h"
 #include "ui/wx/list_view_widget.h"
 #include "ui/wx/wx_text.h"
@@ -77,9 +80,11 @@ class Factory : public ControlVisitor {
   void Visit(ListBox& control) override;
   void Visit(MultiListBox& control) override;
   void Visit(ListView& control) override;
+  void Visit(TabControl& control) override;
   void Visit(StatusBar& control) override;
 
  private:
+  void MakeWrappedLabel(Label& control);
   wxListBox& MakeListBox(long style);
   int Characters(int count) const { return count * parent_.GetCharWidth(); }
   int FieldWidth() const { return parent_.GetTextExtent(growing_ ? kGrowingText : kFieldText).x; }
@@ -91,6 +96,7 @@ class Factory : public ControlVisitor {
 };
 
 void Factory::Visit(Label& control) {
+  if (control.wraps) return MakeWrappedLabel(control);
   auto* text = new wxStaticText(&parent_, wxID_ANY, "", wxDefaultPosition, wxDefaultSize,
                                 wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_MIDDLE);
   const int widest = growing_ ? FieldWidth() : Characters(kLabelCharacters);
@@ -111,6 +117,16 @@ void Factory::Visit(Label& control) {
     // The toolkit's own best width of such a label is that of the shortest form.
     text->SetMinSize(wxSize(std::min(text->GetTextExtent(caption).x + 1, widest), -1));
     showTip();
+  };
+}
+
+void Factory::MakeWrappedLabel(Label& control) {
+  auto* text = new wxStaticText(&parent_, wxID_ANY, "");
+  widget_.window = text;
+  widget_.show = [text, &control, widest = Characters(kLabelCharacters)] {
+    ShowWithTip(control, *text);
+    text->SetLabelText(ToWx(control.caption.Get()));
+    text->Wrap(widest);
   };
 }
 
@@ -277,6 +293,26 @@ void Factory::Visit(ListView& control) {
     ShowWithTip(control, *list);
     showRows();
   };
+}
+
+void Factory::Visit(TabControl& control) {
+  auto* book = new wxNotebook(&parent_, wxID_ANY);
+  for (const std::string& caption : control.Tabs()) {
+    book->AddPage(new wxPanel(book), wxControl::EscapeMnemonics(ToWx(caption)));
+  }
+  widget_.window = book;
+  widget_.show = [book, &control] {
+    ShowWithTip(control, *book);
+    const auto selected = static_cast<std::size_t>(control.selected.Get());
+    book->ChangeSelection(selected);
+    wxWindow* page = book->GetPage(selected);
+    page->CallAfter([page] { page->Layout(); });  // some widgets know what they need only when they have been shown
+  };
+  book->Bind(wxEVT_NOTEBOOK_PAGE_CHANGED, [book, &control](wxBookCtrlEvent& event) {
+    event.Skip();
+    const int page = event.GetSelection();
+    if (event.GetEventObject() == book && page >= 0) control.pick(static_cast<std::size_t>(page));
+  });
 }
 
 void Factory::Visit(StatusBar& control) {
