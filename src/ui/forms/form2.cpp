@@ -224,11 +224,10 @@ void Form2::srchBackup_Click() {
 }
 
 /// Copies the checked files into `folder`, whose files of the same names the shell asks about.
-void Form2::CopyChecked(const std::string& folder) {
+void Form2::CopyChecked(const WinPath& folder) {
   for (const std::size_t row : lvFiles.CheckedRows()) {
     const std::string& name = found_.Name(row);
-    ShellFileCopy(program_.platform.GetShell(), WinPath(found_.Folder(row) + name), WinPath(folder + "\\" + name),
-                  false);
+    ShellFileCopy(program_.platform.GetShell(), WinPath(found_.Folder(row)).Join(name), folder.Join(name), false);
   }
 }
 
@@ -236,7 +235,7 @@ void Form2::cmdCopyFiles_Click() {
   ClearStatus();
   const auto folder = program_.backupFolder.Guard(FolderMessage::WithFullStop);
   if (!folder) return;
-  CopyChecked(folder->Text());
+  CopyChecked(*folder);
   sb2.panels[0] = "Copy Complete";
 }
 
@@ -253,7 +252,7 @@ void Form2::resDBXFiles_Click() {
     program_.platform.GetDialogs().Show({.text = kNoStoreFolder, .icon = MessageIcon::Exclamation});
     return;
   }
-  CopyChecked(IdentyPth.text);
+  CopyChecked(WinPath(IdentyPth.text));
   sb2.panels[0] = "Restore Complete";
 }
 

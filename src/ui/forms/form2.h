@@ -70,7 +70,7 @@ class Form2 : public Form {
   void ShowMainWindow();
   void SearchIn(const std::vector<std::string>& roots);
   void GetFiles(const std::string& path, const std::string& pattern, SearchReport& report, Progress& progress);
-  void CopyChecked(const std::string& folder);
+  void CopyChecked(const WinPath& folder);
 
   void cmdSearch_Click();
   void srchBackup_Click();
