@@ -291,6 +291,11 @@ void Windows::UnloadAll() {
   form9.Hide();
   form10.Hide();
   form11.Hide();
+  form4.Hide();
+  form5.Hide();
+  form7.Hide();
+  form8.Hide();
+  form17.Hide();
   form1.Hide();
   program.quit();
 }

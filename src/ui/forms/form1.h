@@ -159,6 +159,13 @@ class Form1 : public Form {
   void MoveWAB_Click();
   void svMailMsgRules_Click();
   void svNewsRules_Click();
+  void crtnewID_Click();
+  void CloneIdentity_Click();
+  void remIdent_Click();
+  void chgStartIdent_Click();
+  void chgIdentName_Click();
+  void repUSERID_Click();
+  void usrIDString_Click();
   void Notyet_Click() {}
 
   Program& program_;

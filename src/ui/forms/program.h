@@ -7,6 +7,7 @@
 #include "core/address_book_slots.h"
 #include "core/identity_catalogue.h"
 #include "core/registry_store.h"
+#include "identities/create_identity.h"
 #include "platform/platform.h"
 #include "ui/form.h"
 
@@ -22,6 +23,7 @@ struct Program {
   RegistryStore store;
   HandlerGuard guard;
   BackupFolder backupFolder{platform, store};
+  IdentityMaker identityMaker{platform, store};
   IdentityCatalogue catalogue;
   AddressBookSlots addressBookSlots;
   bool searchPerformed = false;  ///< the search window has searched since the start

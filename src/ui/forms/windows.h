@@ -6,9 +6,14 @@
 
 #include "ui/forms/form1.h"
 #include "ui/forms/form10.h"
+#include "ui/forms/form17.h"
 #include "ui/forms/form2.h"
 #include "ui/forms/form3.h"
+#include "ui/forms/form4.h"
+#include "ui/forms/form5.h"
 #include "ui/forms/form6.h"
+#include "ui/forms/form7.h"
+#include "ui/forms/form8.h"
 #include "ui/forms/form9.h"
 #include "ui/forms/program.h"
 
@@ -21,22 +26,34 @@ class Windows {
         form1(program, *this),
         form2(program, *this),
         form3(program, *this),
+        form4(program, *this),
+        form5(program, *this),
         form6(program, *this),
+        form7(program, *this),
+        form8(program, *this),
         form9(program, *this),
         form10(program, *this, RulesForm::kMail),
-        form11(program, *this, RulesForm::kNews) {}
+        form11(program, *this, RulesForm::kNews),
+        form17(program, *this) {}
 
   Program program;
   Form1 form1;
   Form2 form2;
   Form3 form3;
+  Form4 form4;
+  Form5 form5;
   Form6 form6;
+  Form7 form7;
+  Form8 form8;
   Form9 form9;
   RulesForm form10;
   RulesForm form11;
+  Form17 form17;
 
   /// Every window, for a renderer.
-  std::vector<Form*> All() { return {&form1, &form2, &form3, &form6, &form9, &form10, &form11}; }
+  std::vector<Form*> All() {
+    return {&form1, &form2, &form3, &form4, &form5, &form6, &form7, &form8, &form9, &form10, &form11, &form17};
+  }
   /// Shows the search window in place of the main window.
   void OpenSearch();
   /// Hides every window and ends the program.

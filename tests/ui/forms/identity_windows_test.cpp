@@ -1,0 +1,265 @@
+// The windows that manage identities, and the main window's commands beside them.
+#include "identities/create_identity.h"
+#include "identities/user_id.h"
+#include "support/registry_snapshot.h"
+#include "support/sample_windows.h"
+
+namespace quillbox {
+namespace {
+
+using ::testing::AllOf;
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+const std::string kMain = "{2B7C0E64-91D3-4F5A-8C17-6E0D53A9F421}";
+const std::string kOffice = "{8F41D3C2-5B0A-4E76-A9D8-13C7E2046FB5}";
+const std::string kGuest = "{C65A0B97-2E18-4D03-B7F4-90AC61D85E3C}";
+
+class IdentityWindowsTest : public SampleWindows {
+ protected:
+  void SetUp() override { MakeDisk(); }
+  /// Starts the program and opens a window by its menu item.
+  void OpenBy(const char* item, Form& form) {
+    Start();
+    windows->form1.menuBar.click(item);
+    EXPECT_TRUE(form.visible);
+    EXPECT_FALSE(windows->form1.visible);
+  }
+  void ExpectClosedBy(Form& form) {
+    form.close();
+    EXPECT_FALSE(form.visible);
+    EXPECT_TRUE(windows->form1.visible);
+  }
+  RegistrySnapshot Identities() { return SnapshotOf(platform->GetRegistry(), CurrentUser(kIdentitiesKey)); }
+  std::vector<std::string> MessageTexts() {
+    std::vector<std::string> texts;
+    for (const Message& message : dialogs.messages) texts.push_back(message.text);
+    return texts;
+  }
+};
+
+TEST_F(IdentityWindowsTest, ANewIdentityIsMadeOrNothingIs) {
+  Form7& form = windows->form7;
+  OpenBy("crtnewID", form);
+  const RegistrySnapshot before = Identities();
+  const auto expectNothing = [&] {
+    form.cmdCreateNewIdentity.click();
+    EXPECT_EQ(form.sb1.panels[0], "No New Identity Was Created.");
+    EXPECT_EQ(Identities(), before);
+  };
+  dialogs.messageAnswers = {MessageAnswer::No};
+  expectNothing();
+  for (const auto& answer : {std::optional<std::string>(), std::optional<std::string>("")}) {
+    dialogs.messageAnswers = {MessageAnswer::Yes};
+    dialogs.inputAnswers = {answer};
+    expectNothing();
+  }
+  dialogs.messages.clear();
+  dialogs.messageAnswers = {MessageAnswer::Yes};
+  dialogs.inputAnswers = {" Guest "};
+  form.cmdCreateNewIdentity.click();
+  const std::string userId = form.txtNewGUID.text;
+  EXPECT_TRUE(IsUserId(userId));
+  EXPECT_EQ(form.txtNewUsername.text, " Guest ");
+  EXPECT_EQ(form.sb1.panels[0], "New {USER_ID} Created");
+  EXPECT_THAT(MessageTexts(), ElementsAre("This creates a new Identity in the registry.\nIf you do not wish to do "
+                                          "this, press the NO button",
+                                          "The new Identity: \n" + userId + "\nwill be created."));
+  EXPECT_EQ(dialogs.inputs.back().title, "USER_ID : " + userId);
+  EXPECT_EQ(Read(IdentityKey(userId), "Identity Ordinal"), RegValue(4));
+  EXPECT_THAT(windows->form1.cmbUserIDs.items.Get(), Contains(userId));
+  ExpectClosedBy(form);
+  windows->form1.menuBar.click("crtnewID");
+  EXPECT_EQ(form.txtNewGUID.text, "");
+}
+
+TEST_F(IdentityWindowsTest, ACloneNeedsOneDestinationAndABackupFolder) {
+  Form4& form = windows->form4;
+  OpenBy("CloneIdentity", form);
+  const RegistrySnapshot before = Identities();
+  const auto refused = [&](std::string source) {
+    form.cmbSource.pick(source);
+    form.cmdClone.click();
+    return dialogs.LastMessage();
+  };
+  EXPECT_EQ(refused(kMain), "No Destination Identity USER_IDs were checked to be cloned.");
+  form.Check1.click();
+  form.cmbDestination.pick(kMain);
+  EXPECT_THAT(refused(kMain), HasSubstr("can not be the same Identity"));
+  form.Check2.click();
+  EXPECT_EQ(refused(kMain), "Check only one Destination Identity USER_IDs to be cloned.");
+  EXPECT_FALSE(form.Check1.checked || form.Check2.checked);
+  form.Check2.click();
+  EXPECT_THAT(refused(kMain), HasSubstr("not a {USER_ID}: \"Please create a new Identity\""));
+  std::filesystem::remove_all(BackupFolderOnHost());
+  form.Check2.click();
+  form.Check1.click();
+  form.cmbDestination.pick(kGuest);
+  refused(kMain);
+  EXPECT_THAT(MessageTexts(), Contains(AllOf(HasSubstr("was not cloned"), HasSubstr("The registry is as it was."))));
+  EXPECT_EQ(form.StatusBar1.panels[0], "");
+  EXPECT_EQ(Identities(), before);
+  windows->program.backupFolder.Reset();
+  EXPECT_EQ(refused(kMain), "Please select a backup folder or create one from the Tools menu");
+}
+
+TEST_F(IdentityWindowsTest, AnIdentityIsClonedOntoANewOneWithItsMessages) {
+  Form4& form = windows->form4;
+  OpenBy("CloneIdentity", form);
+  dialogs.messageAnswers = {MessageAnswer::Yes};
+  dialogs.inputAnswers = {"Bob"};
+  form.cmdCreateIdentity.click();
+  const std::string userId = form.txtuserid.text;
+  EXPECT_EQ(form.StatusBar1.panels[0], userId + " Created");
+  EXPECT_EQ(form.lblDestinationUser.caption, "Bob");
+  form.cmbSource.pick(kMain);
+  EXPECT_EQ(form.lblSourceUser.caption, "Main Identity");
+  for (CheckBox* box : {&form.Check2, &form.chkCopyDBX}) box->click();
+  form.cmdClone.click();
+  EXPECT_EQ(form.StatusBar1.panels[0], "Cloning Complete");
+  EXPECT_EQ(form.StatusBar1.panels[1], "");
+  EXPECT_EQ(form.lblDestUName.caption, "Bob");
+  EXPECT_FALSE(form.Check2.checked || form.chkCopyDBX.checked);
+  EXPECT_EQ(dialogs.messages.size(), 2u);
+  const auto folderOf = [&](const std::string& id) {
+    return platform->offline.GetFiles().HostPath(WinPath(ReadStoreFolder(Store(), platform->GetFiles(), id)));
+  };
+  EXPECT_EQ(Names(folderOf(userId)), Names(folderOf(kMain)));
+  EXPECT_EQ(Read(IdentitySettingsKey(userId), "WindowTitle"), RegValue("Outlook Express at home"));
+  EXPECT_THAT(windows->form1.cmbUserNames.items.Get(), Contains("Bob"));
+
+  // A source without a store has its settings cloned, and the person reads why there are no messages.
+  form.cmbSource.pick(kGuest);
+  for (CheckBox* box : {&form.Check2, &form.chkCopyDBX}) box->click();
+  form.cmdClone.click();
+  EXPECT_EQ(form.StatusBar1.panels[0], "Cloning Complete");
+  EXPECT_THAT(dialogs.LastMessage(), HasSubstr("were not copied"));
+  ExpectClosedBy(form);
+}
+
+TEST_F(IdentityWindowsTest, RemovingAsksAndGoesOnToTheLastOne) {
+  Form5& form = windows->form5;
+  OpenBy("remIdent", form);
+  const RegistrySnapshot before = Identities();
+  dialogs.messageAnswers = {MessageAnswer::No};
+  form.cmdRemoveIdent.click();
+  EXPECT_EQ(dialogs.LastMessage(), "No Changes occurred.");
+  EXPECT_EQ(Identities(), before);
+
+  form.cmbDelIdent.pick(kOffice);
+  EXPECT_EQ(form.lblusrnameIdent.caption, "Büro");
+  for (const std::string& userId : {kOffice, kMain, kGuest}) {
+    form.cmbDelIdent.pick(userId);
+    dialogs.messageAnswers = {MessageAnswer::Yes};
+    form.cmdRemoveIdent.click();
+    EXPECT_THAT(form.cmbDelIdent.items.Get(), Not(Contains(userId)));
+    EXPECT_EQ(windows->form1.cmbUserIDs.items.Get(), form.cmbDelIdent.items.Get());
+  }
+  EXPECT_THAT(MessageTexts(), Contains("Registry read error 2 Default User ID Username"));
+  EXPECT_EQ(form.cmbDelIdent.text, "");
+  EXPECT_EQ(form.lblusrnameIdent.caption, "");
+  // With nothing shown there is nothing to ask about, and the key of all identities stays.
+  form.cmdRemoveIdent.click();
+  EXPECT_EQ(Read(kIdentitiesKey, "Default User ID"), RegValue(kMain));
+  EXPECT_TRUE(std::filesystem::exists(sample.driveD / "Mail/Office"));
+  ExpectClosedBy(form);
+}
+
+TEST_F(IdentityWindowsTest, TheDefaultAndTheStartIdentityAreChanged) {
+  Form8& form = windows->form8;
+  OpenBy("chgStartIdent", form);
+  EXPECT_THAT(form.cmbStartAs.items.Get(), ElementsAre(kNobody, kMain, kOffice, kGuest));
+  EXPECT_EQ(form.cmbStartAs.text, kMain);
+  EXPECT_EQ(form.lblUsernameStartAs.caption, "Main Identity");
+  EXPECT_EQ(form.lblForceStart.caption, "");
+  form.cmbDefUserID.pick(kOffice);
+  form.cmdChgDefault.click();
+  EXPECT_EQ(Read(kIdentitiesKey, "Default User ID"), RegValue(kOffice));
+  EXPECT_EQ(windows->form1.Label9.caption, kOffice);
+  EXPECT_EQ(windows->form1.Label10.caption, "Büro");
+
+  form.cmbStartAs.pick(kOffice);
+  form.cmdStartAs.click();
+  EXPECT_EQ(Read(kIdentitiesKey, "Last Username"), RegValue("Main Identity"));
+  form.cmbStartAs.pick(kNobody);
+  EXPECT_EQ(form.lblUsernameStartAs.caption, "Prompt For Identity");
+  EXPECT_EQ(form.lblForceStart.caption, "To retain this setting, you must use Exit and Logoff");
+  form.cmdStartAs.click();
+  for (const char* name : {"Start As", "Last User ID"}) EXPECT_EQ(Read(kIdentitiesKey, name), RegValue(kNobody));
+  EXPECT_EQ(Read(kIdentitiesKey, "Last Username"), RegValue(""));
+  ExpectClosedBy(form);
+}
+
+TEST_F(IdentityWindowsTest, ARenameRefusesNamesThatAreTaken) {
+  Form1& form = Start();
+  form.cmbUserNames.pick("Main Identity");
+  dialogs.inputAnswers = {std::nullopt, "Guest", "Main Identity", "guest"};
+  const auto rename = [&] { form.menuBar.click("chgIdentName"); };
+  rename();
+  EXPECT_EQ(form.sb1.panels[0], "No changes made.");
+  EXPECT_EQ(dialogs.inputs.back().title, "Current Username: Main Identity");
+  for (int taken = 0; taken < 2; ++taken) {
+    rename();
+    EXPECT_EQ(dialogs.LastMessage(), "Name already exists");
+    EXPECT_EQ(form.sb1.panels[0], "");
+    EXPECT_EQ(Read(IdentityKey(kMain), "Username"), RegValue("Main Identity"));
+  }
+  rename();
+  EXPECT_EQ(Read(IdentityKey(kMain), "Username"), RegValue("guest"));
+  EXPECT_THAT(form.cmbUserNames.items.Get(), ElementsAre("guest", "Büro", "Guest"));
+  for (const auto* shown : {&form.Label7, &form.Label10}) EXPECT_EQ(shown->caption, "guest");
+  EXPECT_EQ(form.cmbUserNames.text, "guest");
+}
+
+TEST_F(IdentityWindowsTest, ASavedFileIsCarriedOverAndMerged) {
+  Form17& form = windows->form17;
+  OpenBy("usrIDString", form);
+  form.cmdMerge.click();
+  EXPECT_THAT(MessageTexts(), ElementsAre("", "Registry file has been merged."));
+  EXPECT_TRUE(platform->processes.commandLines.empty());
+  std::ofstream(BackupFolderOnHost() / "a.b.reg")
+      << "REGEDIT4\n\n[HKEY_CURRENT_USER\\Identities\\" << kMain << "]\n\"Carried\"=\"over\"\n";
+  dialogs.openFileAnswers = {WinPath("D:\\Backup\\a.b.reg"), std::nullopt};
+  form.cmpOpen.click();
+  form.cmpOpen.click();
+  EXPECT_EQ(dialogs.openFileDialogs.back().folder.Text(), kBackup);
+  EXPECT_EQ(form.lblselectedfile.caption, "a");
+  form.cmboUserIDs97.pick(kGuest);
+  EXPECT_EQ(form.lblcurUsrName17.caption, "Guest");
+  form.cmdReplace.click();
+  EXPECT_EQ(form.lblFinished.caption, "File Saved as: D:\\Backup\\Newa.reg");
+  form.cmdMerge.click();
+  EXPECT_THAT(MessageTexts(), Contains("D:\\Backup\\Newa.reg"));
+  EXPECT_EQ(Read(IdentityKey(kGuest), "Carried"), RegValue("over"));
+  EXPECT_EQ(Read(IdentityKey(kMain), "Carried"), RegValue());
+
+  // A replacement that fails leaves nothing to merge, and says nothing.
+  std::filesystem::remove(BackupFolderOnHost() / "a.b.reg");
+  form.cmdReplace.click();
+  EXPECT_EQ(form.lblFinished.caption, "");
+  ExpectClosedBy(form);
+}
+
+TEST_F(IdentityWindowsTest, TheSwitchedOffReplacementWorksByPrompts) {
+  Form1& form = Start();
+  form.menuBar.click("repUSERID");
+  EXPECT_TRUE(dialogs.messages.empty());
+  std::ofstream(BackupFolderOnHost() / "x.reg") << "REGEDIT4\n" << kMain << "\n";
+  const auto run = [&](const std::optional<std::string>& userId) {
+    dialogs.messageAnswers = {MessageAnswer::Yes};
+    dialogs.openFileAnswers = {WinPath("D:\\Backup\\x.reg")};
+    dialogs.inputAnswers = {userId};
+    form.RunHandler("repUSERID", form.menuBar.Item("repUSERID").onClick);
+  };
+  run(std::nullopt);
+  EXPECT_THAT(Names(BackupFolderOnHost()), ElementsAre("x.reg"));
+  run(kOffice);
+  EXPECT_EQ(dialogs.inputs.back().title, "Current {USER_ID}: " + kMain);
+  EXPECT_EQ(form.sb1.panels[0], "File Saved as: D:\\Backup\\Newx.reg");
+  EXPECT_EQ(Content(BackupFolderOnHost() / "Newx.reg"), "REGEDIT4\r\n" + kOffice + "\r\n");
+}
+
+}  // namespace
+}  // namespace quillbox
