@@ -79,14 +79,17 @@ RegValue RegistryStore::RegistryGetKeyValue(const RegistryPath& path, std::strin
   try {
     const OpenResult opened = registry_.Open(path, Access::Read);
     if (opened.status != Status::Success) return {};
-    const QueryResult asked = registry_.Query(opened.key, name, std::nullopt);
-    if (asked.status != Status::Success) return {};
-    return ReadTyped(opened.key, name, asked, expandable);
+    return ReadValue(opened.key, name, expandable);
   } catch (const std::bad_alloc&) {
     return fail(kOutOfMemory, "Out of memory");
   } catch (const std::exception& error) {
     return fail(kInternalError, error.what());
   }
+}
+
+RegValue RegistryStore::ReadValue(const Key& key, std::string_view name, ExpandableText expandable) {
+  const QueryResult asked = registry_.Query(key, name, std::nullopt);
+  return asked.status == Status::Success ? ReadTyped(key, name, asked, expandable) : RegValue();
 }
 
 RegValue RegistryStore::ReadTyped(const Key& key, std::string_view name, const QueryResult& asked,

@@ -52,6 +52,8 @@ class RegistryStore {
   /// value and for every other type. Text is cut at its first NUL. An empty name reads the default value.
   RegValue RegistryGetKeyValue(const RegistryPath& path, std::string_view name,
                                ExpandableText expandable = ExpandableText::Read);
+  /// The same through an open key, for readers of many values; a key that is not open has none.
+  RegValue ReadValue(const Key& key, std::string_view name, ExpandableText expandable = ExpandableText::Read);
   /// Whether a value exists and holds data; see namespace probe.
   Status ProbeValue(const RegistryPath& path, std::string_view name);
   /// A text value whole, without its terminating NUL; empty when it is missing. Throws Error when the value is not

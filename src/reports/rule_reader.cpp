@@ -17,24 +17,27 @@ std::vector<RegistryPath> RuleReader::EnumKeys(const RegistryPath& parent) {
   return keys;
 }
 
-RegValue RuleReader::Read(const RegistryPath& key, const char* value) {
-  return store_.RegistryGetKeyValue(key, value, ExpandableText::Ignore);
+RegValue RuleReader::Read(const Key& key, const char* value) {
+  return store_.ReadValue(key, value, ExpandableText::Ignore);
 }
 
 RuleHeader RuleReader::Header(const RegistryPath& rule) {
-  const std::optional<std::int32_t> version = NumberOf(Read(rule, "Version"));
+  const Key key = Open(rule);
+  const std::optional<std::int32_t> version = NumberOf(Read(key, "Version"));
   return {.number = rule.subkey.substr(rule.subkey.rfind('\\') + 1),
-          .name = TextOf(Read(rule, "Name")),
-          .enabled = EnabledText(Read(rule, "Enabled")),
+          .name = TextOf(Read(key, "Name")),
+          .enabled = EnabledText(Read(key, "Enabled")),
           .version = version ? std::to_string(*version) : std::string()};
 }
 
 CriterionTexts RuleReader::Criterion(const RegistryPath& entry) {
-  return DecodeCriterion(set_, {Read(entry, "Type"), Read(entry, "Flags"), Read(entry, "Value")}, codePage_);
+  const Key key = Open(entry);
+  return DecodeCriterion(set_, {Read(key, "Type"), Read(key, "Flags"), Read(key, "Value")}, codePage_);
 }
 
 ActionTexts RuleReader::Action(const RegistryPath& entry) {
-  return DecodeAction(set_, {Read(entry, "Type"), {}, Read(entry, "Value")});
+  const Key key = Open(entry);
+  return DecodeAction(set_, {Read(key, "Type"), {}, Read(key, "Value")});
 }
 
 }  // namespace quillbox

@@ -35,7 +35,8 @@ class RuleReader {
 
  private:
   std::vector<RegistryPath> EnumKeys(const RegistryPath& parent);
-  RegValue Read(const RegistryPath& key, const char* value);
+  Key Open(const RegistryPath& path) { return store_.OpenKey(path, Access::Read).key; }
+  RegValue Read(const Key& key, const char* value);
 
   RegistryStore& store_;
   RuleSet set_;
