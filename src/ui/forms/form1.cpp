@@ -289,6 +289,8 @@ void Windows::UnloadAll() {
   form3.Hide();
   form6.Hide();
   form9.Hide();
+  form12.Hide();
+  form13.Hide();
   form10.Hide();
   form11.Hide();
   form4.Hide();

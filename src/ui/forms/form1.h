@@ -159,6 +159,8 @@ class Form1 : public Form {
   void MoveWAB_Click();
   void svMailMsgRules_Click();
   void svNewsRules_Click();
+  void regEntry_Click();
+  void msc_Click();
   void crtnewID_Click();
   void CloneIdentity_Click();
   void remIdent_Click();

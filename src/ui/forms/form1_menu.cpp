@@ -51,8 +51,8 @@ const Form1::MenuRow Form1::kMenu[] = {
     {"&Tools > Backup All Identities", "bkAll", &Form1::bkAll_Click, MenuState::Off},
     {"&Tools > Save Mail Rules to File", "svMailMsgRules", &Form1::svMailMsgRules_Click},
     {"&Tools > Save News Rules to File", "svNewsRules", &Form1::svNewsRules_Click},
-    {"&Tools > Registry Entries", "regEntry", nullptr},
-    {"&Tools > Miscellaneous Settings", "msc", nullptr},
+    {"&Tools > Registry Entries", "regEntry", &Form1::regEntry_Click},
+    {"&Tools > Miscellaneous Settings", "msc", &Form1::msc_Click},
     {"Replace > {USER_ID}", "repUSERID", &Form1::repUSERID_Click, MenuState::Off},
     {"Replace > {USER_ID} String", "usrIDString", &Form1::usrIDString_Click},
     {"Replace > Change Startup Identity", "chgStartIdent", &Form1::chgStartIdent_Click},
@@ -140,6 +140,14 @@ void Form1::opnbkfldr_Click() {
 
 void Form1::qbk_Click() {
   cmdQuickBackup_Click();
+}
+
+void Form1::regEntry_Click() {
+  windows_.form13.Open();
+}
+
+void Form1::msc_Click() {
+  windows_.form12.Open();
 }
 
 void Form1::mnuURL_Click() {

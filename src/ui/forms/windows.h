@@ -6,6 +6,8 @@
 
 #include "ui/forms/form1.h"
 #include "ui/forms/form10.h"
+#include "ui/forms/form12.h"
+#include "ui/forms/form13.h"
 #include "ui/forms/form17.h"
 #include "ui/forms/form2.h"
 #include "ui/forms/form3.h"
@@ -34,6 +36,8 @@ class Windows {
         form9(program, *this),
         form10(program, *this, RulesForm::kMail),
         form11(program, *this, RulesForm::kNews),
+        form12(program, *this),
+        form13(program, *this),
         form17(program, *this) {}
 
   Program program;
@@ -48,11 +52,14 @@ class Windows {
   Form9 form9;
   RulesForm form10;
   RulesForm form11;
+  Form12 form12;
+  Form13 form13;
   Form17 form17;
 
   /// Every window, for a renderer.
   std::vector<Form*> All() {
-    return {&form1, &form2, &form3, &form4, &form5, &form6, &form7, &form8, &form9, &form10, &form11, &form17};
+    return {&form1, &form2, &form3,  &form4,  &form5,  &form6,  &form7,
+            &form8, &form9, &form10, &form11, &form12, &form13, &form17};
   }
   /// Shows the search window in place of the main window.
   void OpenSearch();
