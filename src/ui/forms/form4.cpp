@@ -132,7 +132,7 @@ std::string Form4::ChooseDestination() {
     Tell("No Destination Identity USER_IDs were checked to be cloned.");
     return {};
   }
-  const std::string destination = Check1.checked ? cmbDestination.text.Get() : txtuserid.text.Get();
+  std::string destination = Check1.checked ? cmbDestination.text.Get() : txtuserid.text.Get();
   if (Check1.checked && destination == cmbSource.text) {
     Tell("Source and Destination Identities can not be the same Identity, please choose another Destination Identity.");
     return {};
