@@ -32,11 +32,11 @@ class Property {
   void Watch(std::function<void()> changed) { changed_ = std::move(changed); }
 
   friend bool operator==(const Property& property, const T& value) { return property.value_ == value; }
-  friend std::ostream& operator<<(std::ostream& out, const Property& property)
-    requires requires(std::ostream& stream, const T& value) { stream << value; }
-  {
-    return out << property.value_;
+  friend std::ostream& operator<<(std::ostream& out, const Property& property) requires
+      requires(std::ostream& stream, const T& value) {
+    stream << value;
   }
+  { return out << property.value_; }
 
  private:
   T value_{};
