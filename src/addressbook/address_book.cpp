@@ -40,7 +40,7 @@ bool AddressBook::SaveSetting() {
 }
 
 std::string AddressBook::RestoreSetting() {
-  const std::string file = Read(kSavedSetting);
+  std::string file = Read(kSavedSetting);
   if (!file.empty()) Use(file);
   return file;
 }

@@ -86,21 +86,6 @@ const Case kActions[] = {
     {8, 0, {}, "Delete it from server", "", "None", true, false},
     {9, 0, {}, "Do not download from server", "", "None", true, false},
     {10, 0, 0, kHighlight, "", "Default"},
-    {10, 0, 1, kHighlight, "", "Black"},
-    {10, 0, 2, kHighlight, "", "Maroon"},
-    {10, 0, 3, kHighlight, "", "Green"},
-    {10, 0, 4, kHighlight, "", "Olive"},
-    {10, 0, 5, kHighlight, "", "Navy"},
-    {10, 0, 6, kHighlight, "", "Purple"},
-    {10, 0, 7, kHighlight, "", "Teal"},
-    {10, 0, 8, kHighlight, "", "Gray"},
-    {10, 0, 9, kHighlight, "", "Silver"},
-    {10, 0, 10, kHighlight, "", "Red"},
-    {10, 0, 11, kHighlight, "", "Lime"},
-    {10, 0, 12, kHighlight, "", "Yellow"},
-    {10, 0, 13, kHighlight, "", "Blue"},
-    {10, 0, 14, kHighlight, "", "Fuchasia"},
-    {10, 0, 15, kHighlight, "", "Aqua"},
     {10, 0, "16", kHighlight, "", "White"},
     {10, 0, 17, kHighlight, "", ""},
     {10, 0, List("x"), kHighlight, "", ""},
@@ -112,6 +97,8 @@ const Case kActions[] = {
     {17, 0, 2, kWatch, "", "Ignored Message"},
     {17, 0, 3, kWatch, "", ""},
 };
+
+const Case kNoTexts = {0, 0, {}, "", "", ""};
 
 class RuleDecoderTest : public SamplePlatform {
  protected:
@@ -139,36 +126,38 @@ class RuleDecoderTest : public SamplePlatform {
   RegistryPath rule;
 };
 
-TEST_F(RuleDecoderTest, EveryCriterionOfBothSetsReadsAsItsTableSays) {
+TEST_F(RuleDecoderTest, EveryEntryOfBothSetsReadsAsItsTableSays) {
   for (const RuleSet set : {RuleSet::Mail, RuleSet::News}) {
-    WriteRule(set == RuleSet::Mail ? "Mail" : "News", "Criteria", kCriteria);
+    const char* const name = set == RuleSet::Mail ? "Mail" : "News";
+    const auto isKnown = [&](const Case& entry) { return set == RuleSet::Mail ? entry.mail : entry.news; };
+    WriteRule(name, "Criteria", kCriteria);
+    WriteRule(name, "Actions", kActions);
     RuleReader reader = Reader(set);
-    const std::vector<RegistryPath> entries = reader.EnumCriteria(rule);
-    ASSERT_EQ(entries.size(), std::size(kCriteria));
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-      const Case& expected = kCriteria[i];
-      const bool known = set == RuleSet::Mail ? expected.mail : expected.news;
-      const CriterionTexts texts = reader.Criterion(entries[i]);
-      EXPECT_EQ(texts.type, known ? expected.typeText : "") << FullName(entries[i]);
-      EXPECT_EQ(texts.flags, known ? expected.flagsText : "") << FullName(entries[i]);
-      EXPECT_EQ(texts.value, known ? expected.valueText : "") << FullName(entries[i]);
+    const std::vector<RegistryPath> criteria = reader.EnumCriteria(rule);
+    ASSERT_EQ(criteria.size(), std::size(kCriteria));
+    for (std::size_t i = 0; i < criteria.size(); ++i) {
+      const Case expected = isKnown(kCriteria[i]) ? kCriteria[i] : kNoTexts;
+      const CriterionTexts texts = reader.Criterion(criteria[i]);
+      EXPECT_EQ(texts.type, expected.typeText) << FullName(criteria[i]);
+      EXPECT_EQ(texts.flags, expected.flagsText) << FullName(criteria[i]);
+      EXPECT_EQ(texts.value, expected.valueText) << FullName(criteria[i]);
+    }
+    const std::vector<RegistryPath> actions = reader.EnumActions(rule);
+    ASSERT_EQ(actions.size(), std::size(kActions));
+    for (std::size_t i = 0; i < actions.size(); ++i) {
+      const Case expected = isKnown(kActions[i]) ? kActions[i] : kNoTexts;
+      const ActionTexts texts = reader.Action(actions[i]);
+      EXPECT_EQ(texts.type, expected.typeText) << FullName(actions[i]);
+      EXPECT_EQ(texts.value, expected.valueText) << FullName(actions[i]);
     }
   }
 }
 
-TEST_F(RuleDecoderTest, EveryActionOfBothSetsReadsAsItsTableSays) {
-  for (const RuleSet set : {RuleSet::Mail, RuleSet::News}) {
-    WriteRule(set == RuleSet::Mail ? "Mail" : "News", "Actions", kActions);
-    RuleReader reader = Reader(set);
-    const std::vector<RegistryPath> entries = reader.EnumActions(rule);
-    ASSERT_EQ(entries.size(), std::size(kActions));
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-      const Case& expected = kActions[i];
-      const bool known = set == RuleSet::Mail ? expected.mail : expected.news;
-      const ActionTexts texts = reader.Action(entries[i]);
-      EXPECT_EQ(texts.type, known ? expected.typeText : "") << FullName(entries[i]);
-      EXPECT_EQ(texts.value, known ? expected.valueText : "") << FullName(entries[i]);
-    }
+TEST(RuleColours, HaveTheirNames) {
+  const char* const names[] = {"Default", "Black", "Maroon", "Green",  "Olive", "Navy",     "Purple", "Teal", "Gray",
+                               "Silver",  "Red",   "Lime",   "Yellow", "Blue",  "Fuchasia", "Aqua",   "White"};
+  for (std::int32_t number = 0; number < std::ssize(names); ++number) {
+    EXPECT_EQ(DecodeAction(RuleSet::News, {10, {}, number}).value, names[number]);
   }
 }
 
