@@ -153,12 +153,16 @@ TEST_F(RuleDecoderTest, EveryEntryOfBothSetsReadsAsItsTableSays) {
   }
 }
 
-TEST(RuleColours, HaveTheirNames) {
+TEST_F(RuleDecoderTest, EveryColourHasItsName) {
   const char* const names[] = {"Default", "Black", "Maroon", "Green",  "Olive", "Navy",     "Purple", "Teal", "Gray",
                                "Silver",  "Red",   "Lime",   "Yellow", "Blue",  "Fuchasia", "Aqua",   "White"};
-  for (std::int32_t number = 0; number < std::ssize(names); ++number) {
-    EXPECT_EQ(DecodeAction(RuleSet::News, {10, {}, number}).value, names[number]);
-  }
+  std::vector<Case> cases;
+  for (std::int32_t number = 0; number < std::ssize(names); ++number) cases.push_back({10, 0, number, "", "", ""});
+  WriteRule("News", "Actions", cases);
+  RuleReader reader = Reader(RuleSet::News);
+  const std::vector<RegistryPath> entries = reader.EnumActions(rule);
+  ASSERT_EQ(entries.size(), std::size(names));
+  for (std::size_t i = 0; i < entries.size(); ++i) EXPECT_EQ(reader.Action(entries[i]).value, names[i]);
 }
 
 TEST_F(RuleDecoderTest, DoubleByteListsAreDecodedAndABrokenPairSwallowsNoWord) {
