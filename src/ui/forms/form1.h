@@ -82,7 +82,6 @@ class Form1 : public Form {
   struct Picker;
 
   void BuildMenu();
-  void NotBuiltYet(const std::string& what);
   void ClearStatus();
   void ExportItem(RegistryItem item);
   void RestoreItem(RegistryItem item);

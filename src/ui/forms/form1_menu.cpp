@@ -1,7 +1,4 @@
 // The main window's menu bar and the commands that only route to another window or to the system.
-#include <algorithm>
-#include <sstream>
-
 #include "ui/forms/form1.h"
 #include "ui/forms/windows.h"
 
@@ -12,7 +9,7 @@ enum class MenuState { On, Off };
 struct Form1::MenuRow {
   const char* path;  ///< captions, " > " between them
   const char* name;
-  void (Form1::*handler)();  ///< null: the command is not there yet
+  void (Form1::*handler)();
   MenuState state = MenuState::On;
 };
 
@@ -85,20 +82,9 @@ std::vector<std::string> SplitPath(std::string path) {
 void Form1::BuildMenu() {
   for (const MenuRow& row : kMenu) {
     MenuItem item{.path = SplitPath(row.path), .name = row.name, .enabled = row.state == MenuState::On, .onClick = {}};
-    const std::string itemCaption = item.Caption();
-    item.onClick = [this, handler = row.handler, itemCaption] {
-      if (handler) return (this->*handler)();
-      NotBuiltYet(itemCaption);
-    };
+    item.onClick = [this, handler = row.handler] { (this->*handler)(); };
     menuBar.Add(std::move(item));
   }
-}
-
-void Form1::NotBuiltYet(const std::string& what) {
-  sb1.panels[1] = "";
-  std::string name = Trim(what);
-  std::erase(name, '&');
-  sb1.panels[0] = "\"" + name + "\" is not built yet.";
 }
 
 void Form1::cmdSearch_Click() {

@@ -1,6 +1,7 @@
 #include "ui/forms/setting_controls.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 #include "settings/setting_path.h"
 
@@ -48,18 +49,19 @@ SettingControls::SettingControls(Form& form, const SettingsTab& tab, SettingsEdi
       if (setting.exceptions.section == section) AddRow(form, setting);
     }
   }
+  if (rows_.size() != tab.rows.size()) {
+    throw std::logic_error("a row of the tab " + std::string(tab.caption) + " names no section of it");
+  }
   for (const LabelText& note : tab.notes) notes_.push_back(MakeLabel(form, note));
 }
 
 void SettingControls::AddRow(Form& form, const Setting& setting) {
   const Exceptions& exceptions = setting.exceptions;
   const std::string name(setting.control);
-  Row& row =
-      rows_.emplace_back(Row{.setting = &setting,
-                             .label = std::make_unique<Label>(form, LabelName(setting), std::string(setting.caption),
-                                                              std::string(setting.tooltip)),
-                             .combo = {},
-                             .box = {}});
+  Row& row = rows_.emplace_back();
+  row.setting = &setting;
+  row.label =
+      std::make_unique<Label>(form, LabelName(setting), std::string(setting.caption), std::string(setting.tooltip));
   if (setting.IsComboBox()) {
     row.combo = std::make_unique<ComboBox>(form, name, "", std::string(exceptions.boxTooltip));
     row.combo->onClick = [this, &row] { Act(row); };

@@ -30,12 +30,12 @@ class SettingControls {
 
  private:
   struct Row {
-    const Setting* setting;
+    const Setting* setting = nullptr;
     std::unique_ptr<Label> label;
     std::unique_ptr<ComboBox> combo;  // or
     std::unique_ptr<TextBox> box;
-    std::unique_ptr<Button> button = {};
-    std::unique_ptr<Label> note = {};
+    std::unique_ptr<Button> button;
+    std::unique_ptr<Label> note;
 
     const std::string& Text() const { return combo ? combo->text.Get() : box->text.Get(); }
     void SetText(std::string text) { (combo ? combo->text : box->text) = std::move(text); }
