@@ -8,19 +8,17 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "identities/replace_user_id.h"
 #include "platform/offline/offline_files.h"
+#include "timing.h"
 
 namespace {
 
@@ -49,17 +47,6 @@ void MakeFile(const fs::path& file) {
     out << "00\r\n";
   }
   if (!out.flush()) throw std::runtime_error("the file could not be made: " + file.string());
-}
-
-double Milliseconds(const std::function<void()>& work) {
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-}
-
-double Median(std::vector<double> values) {
-  std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2), values.end());
-  return values[values.size() / 2];
 }
 
 void Replace(const fs::path& folder) {
@@ -98,14 +85,14 @@ void Measure(const fs::path& folder) {
   std::vector<double> ours;
   std::vector<double> theirs;
   for (int round = 0; round < kRounds; ++round) {
-    ours.push_back(Milliseconds([&] { Replace(folder); }));
-    theirs.push_back(Milliseconds([&] { Sed(folder); }));
+    ours.push_back(quillbox::Milliseconds([&] { Replace(folder); }));
+    theirs.push_back(quillbox::Milliseconds([&] { Sed(folder); }));
   }
   struct rusage usage = {};
   getrusage(RUSAGE_SELF, &usage);
   std::printf("%zu MB: replacement %.0f ms, sed %.0f ms: %.2f times; memory of the whole program %ld MB\n",
-              kFileSize / 1000 / 1000, Median(ours), Median(theirs), Median(ours) / Median(theirs),
-              usage.ru_maxrss / 1024);
+              kFileSize / 1000 / 1000, quillbox::Median(ours), quillbox::Median(theirs),
+              quillbox::Median(ours) / quillbox::Median(theirs), usage.ru_maxrss / 1024);
 }
 
 }  // namespace

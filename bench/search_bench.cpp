@@ -7,17 +7,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <vector>
 
 #include "backup/file_search.h"
 #include "platform/offline/offline_files.h"
+#include "timing.h"
 
 namespace {
 
@@ -47,17 +45,6 @@ void MakeTree(const fs::path& root) {
     if (fd < 0) throw std::runtime_error("the tree could not be made in " + root.string());
     close(fd);
   }
-}
-
-double Milliseconds(const std::function<void()>& work) {
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-}
-
-double Median(std::vector<double> values) {
-  std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2), values.end());
-  return values[values.size() / 2];
 }
 
 std::size_t Search(const fs::path& root) {
@@ -95,11 +82,11 @@ void Measure(const fs::path& root) {
   std::vector<double> ours;
   std::vector<double> theirs;
   for (int round = 0; round < kRounds; ++round) {
-    ours.push_back(Milliseconds([&] { found = Search(root); }));
-    theirs.push_back(Milliseconds([&] { Find(root); }));
+    ours.push_back(quillbox::Milliseconds([&] { found = Search(root); }));
+    theirs.push_back(quillbox::Milliseconds([&] { Find(root); }));
   }
-  std::printf("%zu of %d files found: search %.0f ms, find %.0f ms: %.2f times\n", found, kFiles, Median(ours),
-              Median(theirs), Median(ours) / Median(theirs));
+  std::printf("%zu of %d files found: search %.0f ms, find %.0f ms: %.2f times\n", found, kFiles,
+              quillbox::Median(ours), quillbox::Median(theirs), quillbox::Median(ours) / quillbox::Median(theirs));
 }
 
 }  // namespace

@@ -153,7 +153,7 @@ void OfflineShell::OpenUrl(const std::string& url) {
        kProgramName, MessageButtons::Ok, MessageIcon::Information});
 }
 
-/// Starts the opener in a session of its own, so that it outlives this program. False when it isn't there.
+/// Starts the opener detached from this program, which it outlives. False when it isn't there.
 bool OfflineShell::Start(const std::string& argument) {
   ReapEnded();
   posix_spawnattr_t attributes;
