@@ -6,7 +6,6 @@ namespace quillbox {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 class Form1Test : public SampleWindows {
