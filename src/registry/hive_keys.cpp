@@ -50,13 +50,11 @@ StoredName KeyName(const HiveData& hive, std::uint32_t key) {
 }
 
 std::string KeyPath(const HiveData& hive, std::uint32_t key) {
-  std::vector<std::string> names;
+  std::string below;
   for (; key != hive.root; key = hive.cells.Get32(key, KeyField::kParent)) {
-    names.push_back(NameText(KeyName(hive, key)));
+    below.insert(0, "\\" + NameText(KeyName(hive, key)));
   }
-  std::string path = hive.name;
-  for (auto name = names.rbegin(); name != names.rend(); ++name) path.append("\\").append(*name);
-  return path;
+  return hive.name + below;
 }
 
 std::size_t KeyDepth(const HiveData& hive, std::uint32_t key) {
