@@ -146,7 +146,7 @@ SentTime TimeOf(std::size_t index, Dice& dice) {
   static constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                             "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
   const sys_days day = sys_days(year{2004} / 1 / 5) + days{index * 2};
-  const seconds inDay{static_cast<long>(6 * 3600 + dice.Roll(15 * 3600))};
+  const seconds inDay{6L * 3600 + static_cast<long>(dice.Roll(std::size_t{15} * 3600))};
   const year_month_day date(day);
   const hh_mm_ss clock(inDay);
   SentTime sent;
