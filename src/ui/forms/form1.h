@@ -79,7 +79,6 @@ class Form1 : public Form {
  private:
   struct MenuRow;
   static const MenuRow kMenu[];
-  struct Picker;
 
   void BuildMenu();
   void ClearStatus();
