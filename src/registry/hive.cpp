@@ -111,15 +111,21 @@ Hive Hive::Create(std::string_view rootName, FileTime now) {
   return made;
 }
 
-Hive Hive::Load(Bytes file, std::string name, Bytes log, Bytes log2) {
+Hive Hive::Load(Bytes file, std::string name, const ReadHiveLogs& readLogs, DamagedParts damaged) {
   auto state = std::make_unique<State>();
   state->name = std::move(name);
-  LoadHive(*state, std::move(file), log, log2);
+  LoadHive(*state, std::move(file), readLogs, damaged);
   return Hive(std::move(state));
 }
 
 HiveOrigin Hive::Origin() const {
   return state_->origin;
+}
+const std::vector<UnusedHiveLog>& Hive::UnusedLogs() const {
+  return state_->unusedLogs;
+}
+const std::vector<HiveDamage>& Hive::Damage() const {
+  return state_->damage;
 }
 
 Bytes Hive::Image(FileTime now) {

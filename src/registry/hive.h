@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -31,9 +32,39 @@ using FileTime = std::uint64_t;
 
 /// How a hive's bytes came to be what they are.
 enum class HiveOrigin {
-  Clean,       ///< closed cleanly
-  Recovered,   ///< not closed cleanly; its log was applied
-  DirtyNoLog,  ///< not closed cleanly and no usable log; opened as it stood, since its structure is whole
+  Clean,            ///< closed cleanly
+  Recovered,        ///< not closed cleanly; its logs were applied
+  DirtyNoLog,       ///< not closed cleanly, and no log beside it; opened as it stood
+  DirtyUnusedLogs,  ///< not closed cleanly, and no log beside it could be used (Hive::UnusedLogs); opened as it stood
+};
+
+/// A log file beside a hive, as Hive::Load takes it.
+struct HiveLogFile {
+  std::string name;  ///< for messages
+  Bytes bytes;
+  std::optional<std::string> unreadable;  ///< why `bytes` could not be read, as a clause
+};
+
+/// Reads the logs beside a hive: the single one of the old form first, then the two of the new form. Those that are
+/// not there are left out.
+using ReadHiveLogs = std::function<std::vector<HiveLogFile>()>;
+
+/// A log that was not applied to a hive that needed one.
+struct UnusedHiveLog {
+  std::string name;
+  std::string why;  ///< a clause without a final full stop
+};
+
+/// A part of a hive that was left out because it is damaged.
+struct HiveDamage {
+  std::string part;          ///< the key's path below the root, then the value's name in quotes where it is a value
+  std::uint64_t offset = 0;  ///< bytes from the start of the file
+  std::string fault;         ///< a clause without a final full stop
+};
+
+enum class DamagedParts {
+  Refuse,    ///< the first one is an Error
+  LeaveOut,  ///< what concerns one key, value or list is left out; without a tree it is an Error still
 };
 
 class Hive {
@@ -48,16 +79,20 @@ class Hive {
   /// A new hive, version 1.3, with only a root key. `now` stamps it.
   static Hive Create(std::string_view rootName, FileTime now);
 
-  /// Reads and validates a whole hive file. `name` is used in errors. `log` holds the bytes of the log file beside it
-  /// (the old single form, or either of the two new ones), empty when there is none; `log2` the second new one.
-  /// Throws Error with name, offset and fault.
-  static Hive Load(Bytes file, std::string name, Bytes log = {}, Bytes log2 = {});
+  /// Reads and validates a whole hive file. `name` is used in errors. `readLogs` is called only when the hive was not
+  /// closed cleanly. Throws Error with name, offset and fault.
+  static Hive Load(Bytes file, std::string name, const ReadHiveLogs& readLogs = {},
+                   DamagedParts damaged = DamagedParts::Refuse);
 
   Hive(Hive&&) noexcept;
   Hive& operator=(Hive&&) noexcept;
   ~Hive();
 
   HiveOrigin Origin() const;
+  /// Why each log beside a hive of the origin DirtyUnusedLogs was not used.
+  const std::vector<UnusedHiveLog>& UnusedLogs() const;
+  /// What was left out; empty unless Load was told to leave out damaged parts.
+  const std::vector<HiveDamage>& Damage() const;
   /// The whole file: sequences equal, checksum right, `now` as the time of the last write. Ready to be written as it
   /// is.
   Bytes Image(FileTime now);

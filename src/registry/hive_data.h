@@ -29,6 +29,8 @@ struct HiveData {
   std::uint32_t minor = 3;
   std::uint32_t root = kNoCell;
   HiveOrigin origin = HiveOrigin::Clean;
+  std::vector<UnusedHiveLog> unusedLogs;
+  std::vector<HiveDamage> damage;
   bool changed = false;
   FileTime now = 0;
   std::uint32_t anySecurity = kNoCell;          ///< one cell of the ring of security cells
@@ -42,7 +44,7 @@ struct HiveData {
 [[noreturn]] void ThrowRefusal(const HiveData& hive, std::uint32_t key, std::string doing, std::string why);
 
 // hive_load.cpp, hive_check.cpp
-void LoadHive(HiveData& hive, Bytes file, ByteView log, ByteView log2);
+void LoadHive(HiveData& hive, Bytes file, const ReadHiveLogs& readLogs, DamagedParts damaged);
 /// Walks everything that can be reached from the root, once, and notes what HiveData keeps of it. Throws Error on the
 /// first thing that is not as it must be.
 void CheckHive(HiveData& hive);

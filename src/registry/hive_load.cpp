@@ -60,8 +60,8 @@ void LoadFile(HiveData& hive, Bytes file) {
 }
 
 /// True when the hive could be recovered and is whole.
-bool LoadRecovered(HiveData& hive, Bytes file, ByteView log, ByteView log2) {
-  if (!ApplyLogs(file, log, log2)) return false;
+bool LoadRecovered(HiveData& hive, Bytes file, const std::vector<HiveLogFile>& logs) {
+  if (!ApplyLogs(file, logs)) return false;
   HiveData recovered;
   recovered.name = hive.name;
   try {
@@ -81,14 +81,18 @@ bool LooksLikeHive(ByteView file) {
   return file.size() >= 4 && Load32(file.data()) == kHiveTag;
 }
 
-void LoadHive(HiveData& hive, Bytes file, ByteView log, ByteView log2) {
+void LoadHive(HiveData& hive, Bytes file, const ReadHiveLogs& readLogs, DamagedParts /*damaged*/) {
   if (IsClosedCleanly(file)) {
     LoadFile(hive, std::move(file));
     return;
   }
-  if ((!log.empty() || !log2.empty()) && LoadRecovered(hive, file, log, log2)) return;
+  const std::vector<HiveLogFile> logs = readLogs ? readLogs() : std::vector<HiveLogFile>();
+  if (LoadRecovered(hive, file, logs)) return;
   LoadFile(hive, std::move(file));
-  hive.origin = HiveOrigin::DirtyNoLog;
+  hive.origin = logs.empty() ? HiveOrigin::DirtyNoLog : HiveOrigin::DirtyUnusedLogs;
+  for (const HiveLogFile& log : logs) {
+    hive.unusedLogs.push_back({log.name, log.unreadable.value_or("it does not belong to the hive, or is damaged")});
+  }
 }
 
 }  // namespace quillbox

@@ -185,10 +185,10 @@ std::vector<LogEntry> MissingEntries(const std::vector<EntryLog>& logs, std::uin
   return entries;
 }
 
-bool ApplyEntryLogs(Bytes& file, ByteView log, ByteView log2) {
+bool ApplyEntryLogs(Bytes& file, const std::vector<HiveLogFile>& given) {
   std::vector<EntryLog> logs;
-  for (const ByteView bytes : {log, log2}) {
-    if (auto found = ReadEntryLog(bytes)) logs.push_back(std::move(*found));
+  for (const HiveLogFile& log : given) {
+    if (auto found = ReadEntryLog(log.bytes)) logs.push_back(std::move(*found));
   }
   if (logs.empty()) return false;
   const bool goodBase = IsGoodBase(file);
@@ -214,8 +214,9 @@ bool IsClosedCleanly(const Bytes& file) {
   return IsGoodBase(file) && Load32(file.data() + BaseField::kSequence1) == Load32(file.data() + BaseField::kSequence2);
 }
 
-bool ApplyLogs(Bytes& file, ByteView log, ByteView log2) {
-  return ApplyEntryLogs(file, log, log2) || ApplySectorLog(file, log) || ApplySectorLog(file, log2);
+bool ApplyLogs(Bytes& file, const std::vector<HiveLogFile>& logs) {
+  return ApplyEntryLogs(file, logs) ||
+         std::any_of(logs.begin(), logs.end(), [&](const HiveLogFile& log) { return ApplySectorLog(file, log.bytes); });
 }
 
 }  // namespace quillbox

@@ -10,8 +10,8 @@ namespace quillbox {
 /// True when the base block says that the last write to the hive was completed.
 bool IsClosedCleanly(const Bytes& file);
 
-/// Applies what `log` and `log2` (each may be empty) hold for `file`. False, with `file` as it was, when there is
-/// nothing usable. Meant for hives that are not closed cleanly only.
-bool ApplyLogs(Bytes& file, ByteView log, ByteView log2);
+/// Applies what `logs` hold for `file`. False, with `file` as it was, when there is nothing usable. Meant for hives
+/// that are not closed cleanly only.
+bool ApplyLogs(Bytes& file, const std::vector<HiveLogFile>& logs);
 
 }  // namespace quillbox

@@ -78,22 +78,30 @@ Bytes EntryLog(const Bytes& base, const std::vector<Bytes>& entries) {
   return log;
 }
 
-HiveOrigin OriginOf(const Bytes& file, const Bytes& log, const Bytes& log2 = {}) {
-  return Hive::Load(file, "dirty", log, log2).Origin();
+Hive LoadWith(const Bytes& file, const std::vector<Bytes>& logs) {
+  return Hive::Load(file, "dirty", [&] {
+    std::vector<HiveLogFile> files;
+    for (const Bytes& log : logs) files.push_back({"log", log, {}});
+    return files;
+  });
+}
+
+HiveOrigin OriginOf(const Bytes& file, const Bytes& log) {
+  return LoadWith(file, {log}).Origin();
 }
 
 TEST(HiveLog, BringsAHiveUpToDate) {
   const Interrupted hive(3);
   const Bytes log = SectorLog(hive);
   for (const bool second : {false, true}) {
-    const Hive recovered = Hive::Load(hive.file, "dirty", second ? Bytes() : log, second ? log : Bytes());
+    const Hive recovered = LoadWith(hive.file, {second ? Bytes() : log, second ? log : Bytes()});
     EXPECT_EQ(recovered.Origin(), HiveOrigin::Recovered);
     EXPECT_TRUE(recovered.Changed());
     EXPECT_EQ(Lines(recovered, true), hive.lines);
   }
   Bytes noBase = hive.file;
   noBase[BaseField::kRoot] ^= 1;
-  Hive recovered = Hive::Load(noBase, "bad base block", log);
+  Hive recovered = LoadWith(noBase, {log});
   EXPECT_EQ(Lines(recovered, true), hive.lines);
   EXPECT_EQ(OriginOf(recovered.Image(kTuesday), log), HiveOrigin::Clean);
 }
@@ -101,7 +109,7 @@ TEST(HiveLog, BringsAHiveUpToDate) {
 TEST(HiveLog, IsUsedOnlyWhenItBelongsToTheHive) {
   const Interrupted hive(3);
   const Bytes good = SectorLog(hive);
-  EXPECT_EQ(Lines(Hive::Load(hive.before, "clean", good)), Lines(Hive::Load(hive.before, "clean")));
+  EXPECT_EQ(Lines(LoadWith(hive.before, {good})), Lines(LoadWith(hive.before, {})));
   // The hive itself is whole here, so that it opens without its log.
   Bytes dirty = hive.before;
   SetBase(dirty, BaseField::kSequence1, 77);
@@ -115,11 +123,11 @@ TEST(HiveLog, IsUsedOnlyWhenItBelongsToTheHive) {
   Bytes noMap = good;
   noMap[kSector] = 'X';
   for (const Bytes& log : {Bytes(), otherTime, interrupted, badChecksum, noMap}) {
-    EXPECT_EQ(OriginOf(dirty, log), HiveOrigin::DirtyNoLog);
+    EXPECT_EQ(OriginOf(dirty, log), HiveOrigin::DirtyUnusedLogs);
   }
   for (std::size_t size = 0; size < good.size(); size += 64) {
     ASSERT_EQ(OriginOf(dirty, Bytes(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size))),
-              HiveOrigin::DirtyNoLog)
+              HiveOrigin::DirtyUnusedLogs)
         << "cut at " << size;
   }
 }
@@ -134,7 +142,7 @@ TEST(HiveLog, AppliesEntriesOfBothNewerLogsInOrder) {
   const Bytes second = Entry(hive.after, next + 1, half, size - half);
   const Bytes old = EntryLog(hive.before, {Entry(stale, next - 2, 0, size), Entry(stale, next, 0, half)});
   const auto lines = [&](const Bytes& log, const Bytes& log2) {
-    const Hive recovered = Hive::Load(hive.file, "dirty", log, log2);
+    const Hive recovered = LoadWith(hive.file, {log, log2});
     EXPECT_EQ(recovered.Origin(), HiveOrigin::Recovered);
     return Lines(recovered, true);
   };
@@ -144,11 +152,12 @@ TEST(HiveLog, AppliesEntriesOfBothNewerLogsInOrder) {
 
   Bytes dirty = hive.before;
   SetBase(dirty, BaseField::kSequence1, next);
-  EXPECT_EQ(OriginOf(dirty, EntryLog(hive.before, {second})), HiveOrigin::DirtyNoLog) << "the first entry is missing";
+  EXPECT_EQ(OriginOf(dirty, EntryLog(hive.before, {second})), HiveOrigin::DirtyUnusedLogs)
+      << "the first entry is missing";
   for (std::size_t at = 0; at < first.size(); at += 13) {
     Bytes damaged = first;
     damaged[at] ^= 4;
-    ASSERT_EQ(OriginOf(dirty, EntryLog(hive.before, {damaged, second})), HiveOrigin::DirtyNoLog) << "byte " << at;
+    ASSERT_EQ(OriginOf(dirty, EntryLog(hive.before, {damaged, second})), HiveOrigin::DirtyUnusedLogs) << "byte " << at;
   }
 }
 

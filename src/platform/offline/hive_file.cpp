@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <string_view>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "text/error.h"
 
@@ -15,38 +17,39 @@ namespace {
 constexpr const char* kOpening = "opening the hive";
 constexpr const char* kWriting = "writing the hive";
 
-struct Logs {
-  fs::path single;  ///< empty paths: not there
-  fs::path first;
-  fs::path second;
-};
-
-/// The hive's own logs, whose names may be in another case than its own.
-Logs FindLogs(const fs::path& hive) {
-  Logs logs;
+/// The hive's own logs, whose names may be in another case than its own: that of the old form first, then the two of
+/// the new one.
+std::vector<fs::path> FindLogs(const fs::path& hive) {
   const std::string name = hive.filename().string();
-  const std::array<std::pair<std::string, fs::path*>, 3> wanted = {
-      {{name + ".LOG", &logs.single}, {name + ".LOG1", &logs.first}, {name + ".LOG2", &logs.second}}};
+  const std::array<std::string, 3> wanted = {name + ".LOG", name + ".LOG1", name + ".LOG2"};
+  std::array<fs::path, wanted.size()> found;
   std::error_code code;
   for (fs::directory_iterator entry(hive.parent_path(), code), end; !code && entry != end; entry.increment(code)) {
-    for (const auto& [log, found] : wanted) {
-      if (EqualIgnoreCase(entry->path().filename().string(), log)) *found = entry->path();
+    for (std::size_t at = 0; at < wanted.size(); ++at) {
+      if (EqualIgnoreCase(entry->path().filename().string(), wanted[at])) found[at] = entry->path();
     }
+  }
+  std::vector<fs::path> logs;
+  std::copy_if(found.begin(), found.end(), std::back_inserter(logs), [](const fs::path& log) { return !log.empty(); });
+  return logs;
+}
+
+std::vector<HiveLogFile> ReadLogs(const fs::path& hive) {
+  std::vector<HiveLogFile> logs;
+  for (const fs::path& log : FindLogs(hive)) {
+    HiveLogFile file{log.string(), {}, {}};
+    try {
+      file.bytes = ReadHostFile(log, "reading the hive's log");
+    } catch (const Error& error) {
+      file.unreadable = error.Why();
+    }
+    logs.push_back(std::move(file));
   }
   return logs;
 }
 
-Bytes ReadLog(const fs::path& log) {
-  return log.empty() ? Bytes() : ReadHostFile(log, "reading the hive's log");
-}
-
 Hive LoadHive(const fs::path& file) {
-  const Logs logs = FindLogs(file);
-  Bytes first = ReadLog(logs.first);
-  Bytes second = ReadLog(logs.second);
-  if (first.empty()) first = std::exchange(second, {});
-  if (first.empty()) first = ReadLog(logs.single);
-  return Hive::Load(ReadHostFile(file, kOpening), file.string(), std::move(first), std::move(second));
+  return Hive::Load(ReadHostFile(file, kOpening), file.string(), [&] { return ReadLogs(file); });
 }
 
 fs::path RealPath(const fs::path& hive) {
@@ -89,6 +92,7 @@ void HiveFile::Read(const fs::path& file) {
   if (hive_->Origin() == HiveOrigin::DirtyNoLog) {
     log_.Write(file.string() + ": not closed cleanly, and no log to recover it from; taken as it stands");
   }
+  for (const UnusedHiveLog& unused : hive_->UnusedLogs()) log_.Write(unused.name + ": not used, since " + unused.why);
   if (file == copy_.File()) {
     private_ = true;
     log_.Write(disk_.string() + ": its private copy " + file.string() + " is used in its place");
@@ -138,10 +142,7 @@ void HiveFile::KeepOriginals() {
   const bool first = KeepBeside(disk_, disk_.string() + kKeptSuffix, KeepHow::SecondName);
   if (!first || hive_->Origin() != HiveOrigin::Recovered) return;
   // The original is of use only with its logs, which the next Windows overwrites in place.
-  const Logs logs = FindLogs(disk_);
-  for (const fs::path& log : {logs.single, logs.first, logs.second}) {
-    if (!log.empty()) KeepBeside(log, log.string() + kKeptSuffix, KeepHow::Copy);
-  }
+  for (const fs::path& log : FindLogs(disk_)) KeepBeside(log, log.string() + kKeptSuffix, KeepHow::Copy);
 }
 
 bool HiveFile::Reload() {
