@@ -1,12 +1,12 @@
 #include "ui/wx/list_view_widget.h"
 
-#include <dlfcn.h>
 #include <wx/dataview.h>
 
 #include <algorithm>
 #include <vector>
 
 #include "ui/list_view.h"
+#include "ui/wx/port.h"
 #include "ui/wx/wx_text.h"
 
 namespace quillbox {
@@ -89,14 +89,6 @@ void ShowChecksInView(const wxDataViewCtrl& list, Rows& rows) {
   const unsigned first = rows.GetRow(top);
   const auto seen = static_cast<unsigned>(std::max(list.GetCountPerPage(), 0)) + 2;
   for (unsigned row = first; row < std::min(first + seen, rows.GetCount()); ++row) rows.RowValueChanged(row, 0);
-}
-
-/// Has the widget take all rows for equally high, so that it doesn't measure each one. The toolkit has no call for it
-/// under GTK; the function is looked up in the library that it has loaded. Columns must have widths by then.
-void TakeRowsForEquallyHigh(wxDataViewCtrl& list) {
-  using SetFixedHeight = void (*)(GtkWidget*, int);
-  static const auto set = reinterpret_cast<SetFixedHeight>(dlsym(RTLD_DEFAULT, "gtk_tree_view_set_fixed_height_mode"));
-  if (set) set(list.GtkGetTreeView(), 1);
 }
 
 }  // namespace

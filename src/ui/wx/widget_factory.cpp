@@ -1,4 +1,5 @@
 #include "ui/wx/widget_factory.h"
+#include "ui/wx/port.h"
 
 #include <wx/button.h>
 #include <wx/checkbox.h>
@@ -16,7 +17,6 @@
 
 #include "ui/list_view.h"
 #include "ui/tab_control.h"
-#include "ui/wx/accessible_name.h"
 #include "ui/wx/list_view_widget.h"
 #include "ui/wx/wx_text.h"
 
@@ -194,8 +194,8 @@ void Factory::Visit(CheckBox& control) {
   });
 }
 
-/// The toolkit always has one button of a group chosen, so each gets a hidden one beside it that is chosen in its place;
-/// that the window's own buttons exclude one another is the controls' business.
+/// The toolkit always has one button of a group chosen, so each gets a hidden one beside it that is chosen in its
+/// place; that the window's own buttons exclude one another is the controls' business.
 void Factory::Visit(OptionButton& control) {
   auto* none = new wxRadioButton(&parent_, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxRB_GROUP);
   none->Hide();
