@@ -7,8 +7,9 @@
 
 namespace quillbox {
 
-/// The seed that registry logs use.
-inline constexpr std::uint64_t kLogHashSeed = 0xC5554E7A884DEF82;
+/// What registry logs begin the hash with: the high half before the low one. Entries that Windows wrote verify with it;
+/// none does when the bytes of each half are reversed.
+inline constexpr std::uint64_t kLogHashSeed = 0x82EF4D887A4E55C5;
 
 std::uint64_t Marvin32(std::uint64_t seed, ByteView data);
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cstring>
 
 #include "registry/hive_tools.h"
@@ -9,6 +10,38 @@
 
 namespace quillbox {
 namespace {
+
+/// The hash of log entries, written from its description and not with the program's own code or numbers, so that logs
+/// made with it say something about those that Windows writes.
+std::uint64_t HashOfLog(ByteView data) {
+  std::uint32_t low = 0x7A4E55C5;
+  std::uint32_t high = 0x82EF4D88;
+  Bytes padded(data.begin(), data.end());
+  padded.push_back(0x80);
+  padded.resize((padded.size() + 3) / 4 * 4 + 4);
+  for (std::size_t at = 0; at < padded.size(); at += 4) {
+    low += padded[at] + padded[at + 1] * 0x100U + padded[at + 2] * 0x10000U + padded[at + 3] * 0x1000000U;
+    high ^= low;
+    low = std::rotl(low, 20) + high;
+    high = std::rotl(high, 9) ^ low;
+    low = std::rotl(low, 27) + high;
+    high = std::rotl(high, 19);
+  }
+  return std::uint64_t{high} << 32 | low;
+}
+
+TEST(LogHash, IsThatOfWindowsLogs) {
+  const struct {
+    Bytes data;
+    std::uint64_t hash;
+  } known[] = {{{}, 0xb39efca403966e08},
+               {{'a', 'b', 'c'}, 0xb9cf3dfca41914f7},
+               {{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}, 0xe6b80bbf041cd42b}};
+  for (const auto& [data, hash] : known) {
+    EXPECT_EQ(Marvin32(kLogHashSeed, data), hash);
+    EXPECT_EQ(HashOfLog(data), hash) << "the test's own";
+  }
+}
 
 /// A hive before and after changes that make it grow, and the file that a system which stopped between them leaves.
 struct Interrupted {
@@ -66,8 +99,8 @@ Bytes Entry(const Bytes& image, std::uint32_t sequence, std::size_t first, std::
   Store32(&entry[44], static_cast<std::uint32_t>(size));
   std::memcpy(&entry[48], &image[kHivePage + first], size);
   Store32(&entry[4], static_cast<std::uint32_t>(entry.size()));
-  Store64(&entry[24], Marvin32(kLogHashSeed, ByteView(entry).subspan(40)));
-  Store64(&entry[32], Marvin32(kLogHashSeed, ByteView(entry).first(32)));
+  Store64(&entry[24], HashOfLog(ByteView(entry).subspan(40)));
+  Store64(&entry[32], HashOfLog(ByteView(entry).first(32)));
   return entry;
 }
 
