@@ -121,6 +121,9 @@ Hive Hive::Load(Bytes file, std::string name, const ReadHiveLogs& readLogs, Dama
 HiveOrigin Hive::Origin() const {
   return state_->origin;
 }
+const std::vector<std::string>& Hive::AppliedLogs() const {
+  return state_->appliedLogs;
+}
 const std::vector<UnusedHiveLog>& Hive::UnusedLogs() const {
   return state_->unusedLogs;
 }

@@ -34,7 +34,7 @@ using FileTime = std::uint64_t;
 enum class HiveOrigin {
   Clean,            ///< closed cleanly
   Recovered,        ///< not closed cleanly; its logs were applied
-  DirtyNoLog,       ///< not closed cleanly, and no log beside it; opened as it stood
+  DirtyNoLog,       ///< not closed cleanly, and no log beside it, or only empty ones; opened as it stood
   DirtyUnusedLogs,  ///< not closed cleanly, and no log beside it could be used (Hive::UnusedLogs); opened as it stood
 };
 
@@ -89,6 +89,8 @@ class Hive {
   ~Hive();
 
   HiveOrigin Origin() const;
+  /// The names of the logs that a hive of the origin Recovered was recovered from, in the order of their changes.
+  const std::vector<std::string>& AppliedLogs() const;
   /// Why each log beside a hive of the origin DirtyUnusedLogs was not used.
   const std::vector<UnusedHiveLog>& UnusedLogs() const;
   /// What was left out; empty unless Load was told to leave out damaged parts.

@@ -29,6 +29,7 @@ struct HiveData {
   std::uint32_t minor = 3;
   std::uint32_t root = kNoCell;
   HiveOrigin origin = HiveOrigin::Clean;
+  std::vector<std::string> appliedLogs;
   std::vector<UnusedHiveLog> unusedLogs;
   std::vector<HiveDamage> damage;
   bool changed = false;

@@ -1,3 +1,6 @@
+#include <optional>
+#include <utility>
+
 #include "registry/hive_data.h"
 #include "registry/hive_log.h"
 #include "text/error.h"
@@ -48,7 +51,7 @@ Bytes CutToBins(const HiveData& hive, Bytes file) {
   return file;
 }
 
-void LoadFile(HiveData& hive, Bytes file) {
+void LoadFile(HiveData& hive, Bytes file, DamagedParts /*damaged*/) {
   CheckBase(hive, file);
   hive.cells = HiveCells(CutToBins(hive, std::move(file)));
   const std::uint8_t* base = hive.cells.Base();
@@ -59,21 +62,102 @@ void LoadFile(HiveData& hive, Bytes file) {
   CheckHive(hive);
 }
 
-/// True when the hive could be recovered and is whole.
-bool LoadRecovered(HiveData& hive, Bytes file, const std::vector<HiveLogFile>& logs) {
-  if (!ApplyLogs(file, logs)) return false;
-  HiveData recovered;
-  recovered.name = hive.name;
-  try {
-    LoadFile(recovered, std::move(file));
-  } catch (const Error&) {
-    return false;
-  }
-  recovered.origin = HiveOrigin::Recovered;
-  recovered.changed = true;
-  hive = std::move(recovered);
-  return true;
+HiveData LoadedFile(const std::string& name, Bytes file, DamagedParts damaged) {
+  HiveData hive;
+  hive.name = name;
+  LoadFile(hive, std::move(file), damaged);
+  return hive;
 }
+
+/// A hive that was not closed cleanly, and the logs beside it.
+class DirtyHive {
+ public:
+  DirtyHive(const std::string& name, Bytes file, std::vector<HiveLogFile> logFiles)
+      : name_(name), file_(std::move(file)), logFiles_(std::move(logFiles)), logs_(ReadLogs(logFiles_)) {}
+
+  /// A hive that is whole goes before one with damaged parts, even where it lacks its last changes; otherwise the
+  /// recovered one goes before the one that stands in the file.
+  HiveData Load(DamagedParts damaged) {
+    if (std::optional<HiveData> recovered = LoadWholeRecovery()) return *std::move(recovered);
+    try {
+      return LoadAsItStands(DamagedParts::Refuse);
+    } catch (const Error& error) {
+      if (damaged == DamagedParts::Refuse) ThrowWithLogs(error);
+    }
+    if (std::optional<HiveData> salvaged = SalvageRecovery()) return *std::move(salvaged);
+    try {
+      return LoadAsItStands(DamagedParts::LeaveOut);
+    } catch (const Error& error) {
+      ThrowWithLogs(error);
+    }
+  }
+
+ private:
+  HiveData LoadRecovered(RecoveredFile recovered, DamagedParts damaged) const {
+    HiveData hive = LoadedFile(name_, std::move(recovered.bytes), damaged);
+    hive.origin = HiveOrigin::Recovered;
+    hive.changed = true;
+    for (const LogBeside* log : recovered.logs) hive.appliedLogs.push_back(log->name);
+    return hive;
+  }
+
+  /// Nothing when the logs give no whole hive; then all of them have been refused.
+  std::optional<HiveData> LoadWholeRecovery() {
+    while (std::optional<RecoveredFile> recovered = ApplyLogs(file_, logs_)) {
+      const std::vector<LogBeside*> applied = recovered->logs;
+      try {
+        return LoadRecovered(*std::move(recovered), DamagedParts::Refuse);
+      } catch (const Error& error) {
+        const std::string fault = Describe(Error({}, error.Place(), error.Why()));
+        for (LogBeside* log : applied) log->content = LogRefusal{"what it gives is not a whole hive: " + fault};
+      }
+    }
+    return std::nullopt;
+  }
+
+  std::optional<HiveData> SalvageRecovery() const {
+    std::vector<LogBeside> logs = ReadLogs(logFiles_);
+    std::optional<RecoveredFile> recovered = ApplyLogs(file_, logs);
+    if (!recovered) return std::nullopt;
+    try {
+      return LoadRecovered(*std::move(recovered), DamagedParts::LeaveOut);
+    } catch (const Error&) {
+      return std::nullopt;  // no tree is left; UnusedLogs() says what is wrong with what the logs give
+    }
+  }
+
+  HiveData LoadAsItStands(DamagedParts damaged) const {
+    HiveData hive = LoadedFile(name_, file_, damaged);
+    hive.unusedLogs = UnusedLogs();
+    hive.origin = hive.unusedLogs.empty() ? HiveOrigin::DirtyNoLog : HiveOrigin::DirtyUnusedLogs;
+    return hive;
+  }
+
+  /// Logs that are empty or hold nothing but zeros count as none, since no system could recover anything from them:
+  /// that is how Windows leaves a log that it has never written to. They are listed only beside one that holds more.
+  std::vector<UnusedHiveLog> UnusedLogs() const {
+    std::vector<UnusedHiveLog> unused;
+    bool any = false;
+    for (const LogBeside& log : logs_) {
+      const auto& refusal = std::get<LogRefusal>(log.content);
+      any = any || !refusal.holdsNothing;
+      unused.push_back({log.name, refusal.why});
+    }
+    if (!any) unused.clear();
+    return unused;
+  }
+
+  [[noreturn]] void ThrowWithLogs(const Error& error) const {
+    std::string why = error.Why();
+    for (const UnusedHiveLog& log : UnusedLogs()) why += "; " + log.name + " was not used: " + log.why;
+    throw Error(error.Doing(), error.Place(), std::move(why));
+  }
+
+  const std::string& name_;
+  Bytes file_;
+  std::vector<HiveLogFile> logFiles_;
+  std::vector<LogBeside> logs_;  ///< refer to the bytes in logFiles_
+};
 
 }  // namespace
 
@@ -81,18 +165,13 @@ bool LooksLikeHive(ByteView file) {
   return file.size() >= 4 && Load32(file.data()) == kHiveTag;
 }
 
-void LoadHive(HiveData& hive, Bytes file, const ReadHiveLogs& readLogs, DamagedParts /*damaged*/) {
+void LoadHive(HiveData& hive, Bytes file, const ReadHiveLogs& readLogs, DamagedParts damaged) {
   if (IsClosedCleanly(file)) {
-    LoadFile(hive, std::move(file));
+    LoadFile(hive, std::move(file), damaged);
     return;
   }
-  const std::vector<HiveLogFile> logs = readLogs ? readLogs() : std::vector<HiveLogFile>();
-  if (LoadRecovered(hive, file, logs)) return;
-  LoadFile(hive, std::move(file));
-  hive.origin = logs.empty() ? HiveOrigin::DirtyNoLog : HiveOrigin::DirtyUnusedLogs;
-  for (const HiveLogFile& log : logs) {
-    hive.unusedLogs.push_back({log.name, log.unreadable.value_or("it does not belong to the hive, or is damaged")});
-  }
+  const std::string name = hive.name;
+  hive = DirtyHive(name, std::move(file), readLogs ? readLogs() : std::vector<HiveLogFile>()).Load(damaged);
 }
 
 }  // namespace quillbox

@@ -1,211 +1,206 @@
 #include "registry/hive_log.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
-#include <optional>
 #include <utility>
 
 #include "registry/hive_layout.h"
-#include "registry/marvin.h"
 
 namespace quillbox {
 
 namespace {
 
-constexpr std::uint32_t kDirtyTag = Tag32('D', 'I', 'R', 'T');
-constexpr std::uint32_t kEntryTag = Tag32('H', 'v', 'L', 'E');
-constexpr std::uint32_t kEntryLogType = 6;
-constexpr std::uint32_t kMaxCluster = 8;
+using LogChain = std::vector<LogBeside*>;
 
-struct EntryField {
-  static constexpr std::size_t kTag = 0;
-  static constexpr std::size_t kSize = 4;  ///< of the whole entry, a multiple of a sector
-  static constexpr std::size_t kFlags = 8;
-  static constexpr std::size_t kSequence = 12;
-  static constexpr std::size_t kBinsSize = 16;
-  static constexpr std::size_t kPages = 20;
-  static constexpr std::size_t kBodyHash = 24;  ///< of all that follows the header
-  static constexpr std::size_t kHeadHash = 32;  ///< of the 32 bytes before it
-  static constexpr std::size_t kEnd = 40;
+/// A hive that Windows wrote is in its file and its logs but for what it added and left free; this bounds the memory
+/// that a log with made-up sizes can ask for.
+constexpr std::size_t kFreeAllowed = std::size_t{1} << 20;
+
+void Refuse(LogBeside& log, std::string why) {
+  log.content = LogRefusal{std::move(why)};
+}
+
+EntryLog& Entries(LogBeside& log) {
+  return std::get<EntryLog>(log.content);
+}
+
+template <typename Form>
+LogChain LogsOf(std::vector<LogBeside>& logs) {
+  LogChain found;
+  for (LogBeside& log : logs) {
+    if (std::holds_alternative<Form>(log.content)) found.push_back(&log);
+  }
+  return found;
+}
+
+/// The hive's file while logs are written over it.
+class Replay {
+ public:
+  /// `binsSize`: the most that any of the pages needs. `oldBinsSize`: of the hive as its base block has it.
+  Replay(const Bytes& file, std::size_t binsSize, std::size_t oldBinsSize)
+      : fileSize_(file.size()), oldEnd_(kHivePage + std::min(oldBinsSize, binsSize)) {
+    bytes_.reserve(kHivePage + binsSize);
+    bytes_.assign(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(std::min(fileSize_, kHivePage + binsSize)));
+    bytes_.resize(kHivePage + binsSize);
+    if (fileSize_ < oldEnd_) restored_.resize(oldEnd_ / kSector);
+  }
+
+  std::uint8_t* Base() { return bytes_.data(); }
+
+  void Write(std::size_t offset, ByteView content) {
+    if (content.empty()) return;
+    const std::size_t at = kHivePage + offset;
+    std::memcpy(bytes_.data() + at, content.data(), content.size());
+    const std::size_t end = std::min((at + content.size()) / kSector, restored_.size());
+    for (std::size_t sector = (at + kSector - 1) / kSector; sector < end; ++sector) restored_[sector] = true;
+  }
+
+  /// The recovered file; or why it would hold bytes that are neither in the file nor in its logs. What the logs add
+  /// behind the hive's former end may have gaps: new bins are logged but for what is free in them.
+  std::variant<LogRefusal, Bytes> Finish(std::size_t binsSize) {
+    const std::size_t end = std::min(restored_.size(), (kHivePage + binsSize) / kSector);
+    for (std::size_t sector = std::max(fileSize_, kHivePage) / kSector; sector < end; ++sector) {
+      if (!restored_[sector]) {
+        return LogRefusal{"the hive's file ends at byte " + std::to_string(fileSize_) +
+                          ", and the log does not hold all that is missing"};
+      }
+    }
+    bytes_.resize(kHivePage + binsSize);
+    return std::move(bytes_);
+  }
+
+ private:
+  std::size_t fileSize_;
+  std::size_t oldEnd_;
+  Bytes bytes_;
+  std::vector<bool> restored_;  ///< sectors of a file that is too short
 };
-
-/// The pages that an entry holds: offset and size of each, then their bytes.
-constexpr std::size_t kPageReference = 8;
-
-struct LogEntry {
-  std::uint32_t sequence = 0;
-  ByteView bytes;
-};
-
-struct EntryLog {
-  ByteView base;
-  std::vector<LogEntry> entries;
-};
-
-bool IsGoodBase(ByteView base) {
-  return base.size() >= kSector && Load32(base.data()) == kHiveTag &&
-         Load32(base.data() + BaseField::kChecksum) == BaseChecksum(base.data());
-}
-
-bool IsGoodBinsSize(std::size_t size) {
-  return size > 0 && size % kHivePage == 0 && size <= kMaxBinsSize;
-}
-
-std::size_t ToSector(std::size_t size) {
-  return (size + kSector - 1) / kSector * kSector;
-}
-
-std::uint64_t TimeOf(const Bytes& file) {
-  if (IsGoodBase(file)) return Load64(file.data() + BaseField::kTime);
-  return file.size() < kHivePage + kBinHeader ? 0 : Load64(file.data() + kHivePage + BinField::kTime);
-}
 
 /// Puts a log's base block in place of the hive's.
-void TakeBase(Bytes& file, ByteView base) {
-  std::memcpy(file.data(), base.data(), kSector);
-  Store32(file.data() + BaseField::kType, 0);
+void TakeBase(std::uint8_t* to, ByteView base) {
+  std::memcpy(to, base.data(), kSector);
+  Store32(to + BaseField::kType, 0);
 }
 
-/// The map of a log of the old form: one bit for each sector of the bins.
-struct SectorLog {
-  ByteView base;
-  std::size_t binsSize = 0;
-  ByteView map;
-  ByteView sectors;  ///< one after the other, for each bit that is set
-};
-
-std::optional<SectorLog> ReadSectorLog(ByteView log) {
-  if (!IsGoodBase(log)) return std::nullopt;
-  const std::uint32_t type = Load32(log.data() + BaseField::kType);
-  const std::uint32_t cluster = Load32(log.data() + BaseField::kCluster);
-  SectorLog found{log.first(kSector), Load32(log.data() + BaseField::kBinsSize), {}, {}};
-  if ((type != 1 && type != 2) || cluster == 0 || cluster > kMaxCluster || !IsGoodBinsSize(found.binsSize) ||
-      Load32(log.data() + BaseField::kSequence1) != Load32(log.data() + BaseField::kSequence2)) {
-    return std::nullopt;
-  }
-  const std::size_t mapAt = cluster * kSector + 4;
-  const std::size_t mapSize = found.binsSize / kSector / 8;
-  const std::size_t sectorsAt = ToSector(mapAt + mapSize);
-  if (log.size() < sectorsAt || Load32(log.data() + mapAt - 4) != kDirtyTag) return std::nullopt;
-  found.map = log.subspan(mapAt, mapSize);
-  found.sectors = log.subspan(sectorsAt);
-  std::size_t count = 0;
-  for (const std::uint8_t bits : found.map) count += static_cast<std::size_t>(std::popcount(bits));
-  if (found.sectors.size() / kSector < count) return std::nullopt;
-  return found;
+bool IsTooLarge(std::size_t binsSize, std::size_t hiveAndLogs) {
+  return binsSize > 2 * hiveAndLogs + kFreeAllowed;
 }
 
-bool ApplySectorLog(Bytes& file, ByteView log) {
-  const std::optional<SectorLog> found = ReadSectorLog(log);
-  if (!found || Load64(found->base.data() + BaseField::kTime) != TimeOf(file)) return false;
-  file.resize(kHivePage + found->binsSize);
-  TakeBase(file, found->base);
-  std::size_t next = 0;
-  for (std::size_t bit = 0; bit < found->map.size() * 8; ++bit) {
-    if ((found->map[bit / 8] >> (bit % 8) & 1) == 0) continue;
-    std::memcpy(file.data() + kHivePage + bit * kSector, found->sectors.data() + next, kSector);
-    next += kSector;
-  }
-  return true;
+std::string TooLarge(std::size_t binsSize) {
+  return "it makes the hive " + std::to_string(binsSize) + " bytes long, far more than it and the hive hold";
 }
 
-/// The entry at the start of `log`, or nothing where its chain ends.
-std::optional<LogEntry> ReadEntry(ByteView log) {
-  if (log.size() < EntryField::kEnd || Load32(log.data() + EntryField::kTag) != kEntryTag) return std::nullopt;
-  const std::size_t size = Load32(log.data() + EntryField::kSize);
-  if (size < kSector || size % kSector != 0 || size > log.size()) return std::nullopt;
-  const ByteView entry = log.first(size);
-  if (Load64(entry.data() + EntryField::kBodyHash) != Marvin32(kLogHashSeed, entry.subspan(EntryField::kEnd)) ||
-      Load64(entry.data() + EntryField::kHeadHash) != Marvin32(kLogHashSeed, entry.first(EntryField::kHeadHash))) {
-    return std::nullopt;
-  }
-  const std::size_t binsSize = Load32(entry.data() + EntryField::kBinsSize);
-  const std::uint64_t pages = Load32(entry.data() + EntryField::kPages);
-  std::uint64_t end = EntryField::kEnd + pages * kPageReference;
-  if (!IsGoodBinsSize(binsSize) || end > size) return std::nullopt;
-  for (std::uint64_t page = 0; page < pages; ++page) {
-    const std::uint8_t* reference = entry.data() + EntryField::kEnd + page * kPageReference;
-    const std::uint64_t length = Load32(reference + 4);
-    if (Load32(reference) + length > binsSize) return std::nullopt;
-    end += length;
-  }
-  if (end > size) return std::nullopt;
-  return LogEntry{Load32(entry.data() + EntryField::kSequence), entry};
+/// Whether a log of the older form with the time `time` was written for this hive. Windows compares with the base
+/// block; where that is damaged, the first bin may have the time of the write that the log is of, or the base block's
+/// time may be right still. A time of 0 is that of a wiped block, and proves nothing.
+bool IsTimeOf(const Bytes& file, std::uint64_t time) {
+  const auto has = [&](std::size_t at) { return file.size() >= at + 8 && Load64(file.data() + at) == time; };
+  if (IsGoodBase(file)) return has(BaseField::kTime);
+  return time != 0 && (has(BaseField::kTime) || has(kHivePage + BinField::kTime));
 }
 
-/// Entries follow one another with rising numbers; what stands behind the last of them is from an earlier round.
-std::optional<EntryLog> ReadEntryLog(ByteView log) {
-  if (!IsGoodBase(log) || Load32(log.data() + BaseField::kType) != kEntryLogType) return std::nullopt;
-  EntryLog found{log.first(kSector), {}};
-  for (std::size_t at = kSector; at < log.size();) {
-    const std::optional<LogEntry> entry = ReadEntry(log.subspan(at));
-    if (!entry || (!found.entries.empty() && entry->sequence != found.entries.back().sequence + 1)) break;
-    found.entries.push_back(*entry);
-    at += entry->bytes.size();
-  }
-  if (found.entries.empty()) return std::nullopt;
-  return found;
+std::variant<LogRefusal, Bytes> ApplySectorLog(const Bytes& file, const SectorLog& log, std::size_t logSize) {
+  if (!IsTimeOf(file, Load64(log.base.data() + BaseField::kTime))) return LogRefusal{"its time is not the hive's"};
+  if (IsTooLarge(log.binsSize, file.size() + logSize)) return LogRefusal{TooLarge(log.binsSize)};
+  const std::uint8_t* base = IsGoodBase(file) ? file.data() : log.base.data();
+  Replay replay(file, log.binsSize, Load32(base + BaseField::kBinsSize));
+  TakeBase(replay.Base(), log.base);
+  log.ForEachPage([&](std::size_t offset, ByteView content) { replay.Write(offset, content); });
+  return replay.Finish(log.binsSize);
 }
 
-void ApplyEntry(Bytes& file, const LogEntry& entry) {
-  const std::uint8_t* at = entry.bytes.data();
-  const std::uint32_t binsSize = Load32(at + EntryField::kBinsSize);
-  const std::size_t pages = Load32(at + EntryField::kPages);
-  file.resize(kHivePage + binsSize);
-  const std::uint8_t* content = at + EntryField::kEnd + pages * kPageReference;
-  for (std::size_t page = 0; page < pages; ++page) {
-    const std::uint8_t* reference = at + EntryField::kEnd + page * kPageReference;
-    const std::size_t length = Load32(reference + 4);
-    std::memcpy(file.data() + kHivePage + Load32(reference), content, length);
-    content += length;
+std::optional<RecoveredFile> ApplySectorLogs(const Bytes& file, const LogChain& logs) {
+  for (LogBeside* log : logs) {
+    const auto& content = std::get<SectorLog>(log->content);
+    auto result = ApplySectorLog(file, content, content.map.size() + content.sectors.size());
+    if (auto* bytes = std::get_if<Bytes>(&result)) return RecoveredFile{std::move(*bytes), {log}};
+    log->content = std::get<LogRefusal>(std::move(result));
   }
-  Store32(file.data() + BaseField::kBinsSize, binsSize);
-  Store32(file.data() + BaseField::kFlags, Load32(at + EntryField::kFlags));
-  Store32(file.data() + BaseField::kSequence1, entry.sequence);
-  Store32(file.data() + BaseField::kSequence2, entry.sequence);
+  return std::nullopt;
 }
 
-/// The entries that the hive lacks, in order; empty when one between them and the hive is missing.
-std::vector<LogEntry> MissingEntries(const std::vector<EntryLog>& logs, std::uint32_t written) {
-  std::vector<LogEntry> entries;
-  for (const EntryLog& log : logs) {
-    std::copy_if(log.entries.begin(), log.entries.end(), std::back_inserter(entries),
-                 [&](const LogEntry& entry) { return entry.sequence >= written; });
-  }
-  std::stable_sort(entries.begin(), entries.end(),
-                   [](const LogEntry& a, const LogEntry& b) { return a.sequence < b.sequence; });
-  std::uint64_t expected = std::uint64_t{written} + 1;
-  std::size_t usable = 0;
-  while (usable < entries.size() && entries[usable].sequence <= expected) {
-    expected = std::uint64_t{entries[usable].sequence} + 1;
-    ++usable;
-  }
-  entries.resize(usable);
-  return entries;
+/// Where a log's entries stand, before what is wrong about that.
+std::string Begins(LogBeside& log) {
+  return "its entries begin at " + std::to_string(Entries(log).First());
 }
 
-bool ApplyEntryLogs(Bytes& file, const std::vector<HiveLogFile>& given) {
-  std::vector<EntryLog> logs;
-  for (const HiveLogFile& log : given) {
-    if (auto found = ReadEntryLog(log.bytes)) logs.push_back(std::move(*found));
+/// The logs that bring a hive with the number `written` up to date: the one with the earliest entries that the hive
+/// does not have, and after it those that go on where it ends. The hive's number may be far behind, since Windows
+/// often writes to the logs only; so the first entry's may be any that is not less.
+LogChain ChainFrom(std::uint32_t written, LogChain logs) {
+  const auto isOlder = [&](LogBeside* log) { return Entries(*log).First() < written; };
+  const auto firstOfAll = [&](LogBeside* a, LogBeside* b) {
+    return isOlder(a) != isOlder(b) ? isOlder(b) : Entries(*a).First() < Entries(*b).First();
+  };
+  LogChain chain;
+  auto next = std::min_element(logs.begin(), logs.end(), firstOfAll);
+  if (isOlder(*next)) next = logs.end();
+  while (next != logs.end()) {
+    chain.push_back(*next);
+    logs.erase(next);
+    const std::uint32_t expected = Entries(*chain.back()).Last() + 1;  // goes on from 0 at 2^32
+    next = std::find_if(logs.begin(), logs.end(), [&](LogBeside* log) { return Entries(*log).First() == expected; });
   }
-  if (logs.empty()) return false;
+  for (LogBeside* log : logs) {
+    Refuse(*log, isOlder(log)
+                     ? Begins(*log) + " and the hive needs those from " + std::to_string(written) + " on"
+                     : Begins(*log) + " and the other log ends at " + std::to_string(Entries(*chain.back()).Last()));
+  }
+  return chain;
+}
+
+/// For a hive without a number to begin at: the log whose base block was written last.
+LogChain LatestOf(const LogChain& logs) {
+  const LogChain::const_iterator latest = std::max_element(logs.begin(), logs.end(), [](LogBeside* a, LogBeside* b) {
+    return static_cast<std::int32_t>(Entries(*a).Last() - Entries(*b).Last()) < 0;  // also where they go on from 0
+  });
+  for (LogBeside* log : logs) {
+    if (log != *latest)
+      Refuse(*log, Begins(*log) + "; the hive's base block is damaged, so only the latest log counts");
+  }
+  return {*latest};
+}
+
+void StampBase(std::uint8_t* base, const LogEntry& entry) {
+  Store32(base + BaseField::kBinsSize, static_cast<std::uint32_t>(entry.binsSize));
+  Store32(base + BaseField::kFlags, entry.flags);
+  Store32(base + BaseField::kSequence1, entry.sequence);
+  Store32(base + BaseField::kSequence2, entry.sequence);
+}
+
+std::variant<LogRefusal, Bytes> ApplyChain(const Bytes& file, const LogChain& chain) {
+  std::size_t size = file.size();
+  std::size_t largest = 0;
+  for (LogBeside* log : chain) {
+    for (const LogEntry& entry : Entries(*log).entries) {
+      size += entry.references.size() + entry.pages.size();
+      largest = std::max(largest, entry.binsSize);
+    }
+  }
+  if (IsTooLarge(largest, size)) return LogRefusal{TooLarge(largest)};
   const bool goodBase = IsGoodBase(file);
-  if (!goodBase) {
-    // Without the hive's own number, only a log whose base block was written last tells where to begin.
-    const auto latest = std::max_element(logs.begin(), logs.end(), [](const EntryLog& a, const EntryLog& b) {
-      return a.entries.back().sequence < b.entries.back().sequence;
-    });
-    logs = {*latest};
+  const ByteView logBase = Entries(*chain.front()).base;
+  // One buffer of the largest size that any entry needs, so that the work does not grow with every change of size.
+  Replay replay(file, largest, Load32((goodBase ? file.data() : logBase.data()) + BaseField::kBinsSize));
+  if (!goodBase) TakeBase(replay.Base(), logBase);
+  for (LogBeside* log : chain) {
+    for (const LogEntry& entry : Entries(*log).entries) {
+      entry.ForEachPage([&](std::size_t offset, ByteView content) { replay.Write(offset, content); });
+    }
   }
-  const std::vector<LogEntry> entries =
-      MissingEntries(logs, goodBase ? Load32(file.data() + BaseField::kSequence2) : logs[0].entries[0].sequence);
-  if (entries.empty()) return false;
-  if (file.size() < kHivePage) file.resize(kHivePage);
-  if (!goodBase) TakeBase(file, logs[0].base);
-  for (const LogEntry& entry : entries) ApplyEntry(file, entry);
-  return true;
+  const LogEntry& last = Entries(*chain.back()).entries.back();
+  StampBase(replay.Base(), last);
+  return replay.Finish(last.binsSize);
+}
+
+std::optional<RecoveredFile> ApplyEntryLogs(const Bytes& file, const LogChain& logs) {
+  if (logs.empty()) return std::nullopt;
+  LogChain chain = IsGoodBase(file) ? ChainFrom(Load32(file.data() + BaseField::kSequence2), logs) : LatestOf(logs);
+  if (chain.empty()) return std::nullopt;
+  auto result = ApplyChain(file, chain);
+  if (auto* bytes = std::get_if<Bytes>(&result)) return RecoveredFile{std::move(*bytes), std::move(chain)};
+  for (LogBeside* log : chain) log->content = std::get<LogRefusal>(result);
+  return std::nullopt;
 }
 
 }  // namespace
@@ -214,9 +209,19 @@ bool IsClosedCleanly(const Bytes& file) {
   return IsGoodBase(file) && Load32(file.data() + BaseField::kSequence1) == Load32(file.data() + BaseField::kSequence2);
 }
 
-bool ApplyLogs(Bytes& file, const std::vector<HiveLogFile>& logs) {
-  return ApplyEntryLogs(file, logs) ||
-         std::any_of(logs.begin(), logs.end(), [&](const HiveLogFile& log) { return ApplySectorLog(file, log.bytes); });
+std::vector<LogBeside> ReadLogs(const std::vector<HiveLogFile>& files) {
+  std::vector<LogBeside> logs;
+  logs.reserve(files.size());
+  for (const HiveLogFile& file : files) {
+    logs.push_back({file.name, file.unreadable ? LogRefusal{"it could not be read: " + *file.unreadable}
+                                               : ReadHiveLog(file.bytes)});
+  }
+  return logs;
+}
+
+std::optional<RecoveredFile> ApplyLogs(const Bytes& file, std::vector<LogBeside>& logs) {
+  if (auto recovered = ApplyEntryLogs(file, LogsOf<EntryLog>(logs))) return recovered;
+  return ApplySectorLogs(file, LogsOf<SectorLog>(logs));
 }
 
 }  // namespace quillbox

@@ -1,15 +1,21 @@
 #include "registry/hive_log.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <bit>
 #include <cstring>
+#include <limits>
 
 #include "registry/hive_tools.h"
 #include "registry/marvin.h"
+#include "text/error.h"
 
 namespace quillbox {
 namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
 
 /// The hash of log entries, written from its description and not with the program's own code or numbers, so that logs
 /// made with it say something about those that Windows writes.
@@ -43,162 +49,342 @@ TEST(LogHash, IsThatOfWindowsLogs) {
   }
 }
 
-/// A hive before and after changes that make it grow, and the file that a system which stopped between them leaves.
-struct Interrupted {
-  Bytes before;
-  Bytes after;
-  Bytes file;  ///< dirty, with some of the changes
-  std::vector<std::string> lines;
-
-  explicit Interrupted(std::uint32_t minor) {
-    Hive hive = EmptyHive(minor);
-    for (int number = 0; number < 60; ++number) hive.CreatePath(hive.Root(), "Old\\" + std::to_string(number));
-    before = hive.Image(kMonday);
-    hive.DeleteTree(*hive.Find(hive.Root(), "Old\\30"));
-    for (int number = 0; number < 200; ++number) hive.CreatePath(hive.Root(), "New\\" + std::to_string(number));
-    after = hive.Image(kMonday);
-    lines = Lines(hive, true);
-    file = before;
-    std::memcpy(file.data() + 2 * kHivePage, after.data() + 2 * kHivePage, kSector);
-    SetBase(file, BaseField::kSequence1, Load32(before.data() + BaseField::kSequence1) + 1);
-  }
-};
-
-void Append(Bytes& to, const std::uint8_t* from, std::size_t size) {
-  to.insert(to.end(), from, from + size);
-}
-
-/// The log with changed sectors that belongs to it.
-Bytes SectorLog(const Interrupted& hive) {
-  Bytes log(hive.after.begin(), hive.after.begin() + kSector);
-  SetBase(log, BaseField::kType, 1);
-  const std::size_t sectors = (hive.after.size() - kHivePage) / kSector;
-  Append(log, reinterpret_cast<const std::uint8_t*>("DIRT"), 4);
-  Bytes map(sectors / 8);
-  Bytes content;
-  for (std::size_t sector = 0; sector < sectors; ++sector) {
-    const std::size_t at = kHivePage + sector * kSector;
-    if (at < hive.before.size() && std::memcmp(&hive.before[at], &hive.after[at], kSector) == 0) continue;
-    map[sector / 8] |= static_cast<std::uint8_t>(1U << (sector % 8));
-    Append(content, &hive.after[at], kSector);
-  }
-  Append(log, map.data(), map.size());
-  log.resize((log.size() + kSector - 1) / kSector * kSector);
-  Append(log, content.data(), content.size());
-  return log;
-}
-
-/// An entry of the newer logs that makes the first `size` bytes of the bins what `image` has there.
-Bytes Entry(const Bytes& image, std::uint32_t sequence, std::size_t first, std::size_t size) {
-  Bytes entry((48 + size + kSector - 1) / kSector * kSector);
-  std::memcpy(entry.data(), "HvLE", 4);
-  Store32(&entry[12], sequence);
-  Store32(&entry[16], static_cast<std::uint32_t>(image.size() - kHivePage));
-  Store32(&entry[20], 1);
-  Store32(&entry[40], static_cast<std::uint32_t>(first));
-  Store32(&entry[44], static_cast<std::uint32_t>(size));
-  std::memcpy(&entry[48], &image[kHivePage + first], size);
-  Store32(&entry[4], static_cast<std::uint32_t>(entry.size()));
-  Store64(&entry[24], HashOfLog(ByteView(entry).subspan(40)));
-  Store64(&entry[32], HashOfLog(ByteView(entry).first(32)));
-  return entry;
-}
-
-Bytes EntryLog(const Bytes& base, const std::vector<Bytes>& entries) {
-  Bytes log(base.begin(), base.begin() + kSector);
-  SetBase(log, BaseField::kType, 6);
-  for (const Bytes& entry : entries) Append(log, entry.data(), entry.size());
-  return log;
-}
-
-Hive LoadWith(const Bytes& file, const std::vector<Bytes>& logs) {
-  return Hive::Load(file, "dirty", [&] {
-    std::vector<HiveLogFile> files;
-    for (const Bytes& log : logs) files.push_back({"log", log, {}});
-    return files;
-  });
-}
-
-HiveOrigin OriginOf(const Bytes& file, const Bytes& log) {
-  return LoadWith(file, {log}).Origin();
-}
-
-TEST(HiveLog, BringsAHiveUpToDate) {
-  const Interrupted hive(3);
-  const Bytes log = SectorLog(hive);
-  for (const bool second : {false, true}) {
-    const Hive recovered = LoadWith(hive.file, {second ? Bytes() : log, second ? log : Bytes()});
-    EXPECT_EQ(recovered.Origin(), HiveOrigin::Recovered);
-    EXPECT_TRUE(recovered.Changed());
-    EXPECT_EQ(Lines(recovered, true), hive.lines);
-  }
-  Bytes noBase = hive.file;
-  noBase[BaseField::kRoot] ^= 1;
-  Hive recovered = LoadWith(noBase, {log});
-  EXPECT_EQ(Lines(recovered, true), hive.lines);
-  EXPECT_EQ(OriginOf(recovered.Image(kTuesday), log), HiveOrigin::Clean);
-}
-
-TEST(HiveLog, IsUsedOnlyWhenItBelongsToTheHive) {
-  const Interrupted hive(3);
-  const Bytes good = SectorLog(hive);
-  EXPECT_EQ(Lines(LoadWith(hive.before, {good})), Lines(LoadWith(hive.before, {})));
-  // The hive itself is whole here, so that it opens without its log.
-  Bytes dirty = hive.before;
-  SetBase(dirty, BaseField::kSequence1, 77);
-  ASSERT_EQ(OriginOf(dirty, good), HiveOrigin::Recovered);
-  Bytes otherTime = good;
-  SetBase(otherTime, BaseField::kTime, 1);
-  Bytes interrupted = good;
-  SetBase(interrupted, BaseField::kSequence1, 99);
-  Bytes badChecksum = good;
-  badChecksum[100] ^= 1;
-  Bytes noMap = good;
-  noMap[kSector] = 'X';
-  for (const Bytes& log : {Bytes(), otherTime, interrupted, badChecksum, noMap}) {
-    EXPECT_EQ(OriginOf(dirty, log), HiveOrigin::DirtyUnusedLogs);
-  }
-  for (std::size_t size = 0; size < good.size(); size += 64) {
-    ASSERT_EQ(OriginOf(dirty, Bytes(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size))),
-              HiveOrigin::DirtyUnusedLogs)
-        << "cut at " << size;
-  }
-}
-
-TEST(HiveLog, AppliesEntriesOfBothNewerLogsInOrder) {
-  const Interrupted hive(5);
-  const std::uint32_t next = Load32(hive.before.data() + BaseField::kSequence2) + 1;
-  const std::size_t size = hive.after.size() - kHivePage;
-  const std::size_t half = size / 2 / kHivePage * kHivePage;
-  const Bytes stale(hive.after.size(), 0xEE);
-  const Bytes first = Entry(hive.after, next, 0, half);
-  const Bytes second = Entry(hive.after, next + 1, half, size - half);
-  const Bytes old = EntryLog(hive.before, {Entry(stale, next - 2, 0, size), Entry(stale, next, 0, half)});
-  const auto lines = [&](const Bytes& log, const Bytes& log2) {
-    const Hive recovered = LoadWith(hive.file, {log, log2});
-    EXPECT_EQ(recovered.Origin(), HiveOrigin::Recovered);
-    return Lines(recovered, true);
-  };
-  EXPECT_EQ(lines(EntryLog(hive.before, {first, second}), {}), hive.lines);
-  EXPECT_EQ(lines(EntryLog(hive.before, {second}), EntryLog(hive.before, {first})), hive.lines);
-  EXPECT_EQ(lines(old, EntryLog(hive.before, {first, second})), hive.lines) << "what is behind a gap is from before";
-
-  Bytes dirty = hive.before;
-  SetBase(dirty, BaseField::kSequence1, next);
-  EXPECT_EQ(OriginOf(dirty, EntryLog(hive.before, {second})), HiveOrigin::DirtyUnusedLogs)
-      << "the first entry is missing";
-  for (std::size_t at = 0; at < first.size(); at += 13) {
-    Bytes damaged = first;
-    damaged[at] ^= 4;
-    ASSERT_EQ(OriginOf(dirty, EntryLog(hive.before, {damaged, second})), HiveOrigin::DirtyUnusedLogs) << "byte " << at;
-  }
-}
-
 TEST(Marvin, HashesAsPublished) {
   constexpr std::uint64_t kSeed = 0x004FB61A001BDBCC;
   EXPECT_EQ(Marvin32(kSeed, Bytes{}), 0x30ED35C100CD3C7DU);
   EXPECT_EQ(Marvin32(kSeed, Bytes{0xAF}), 0x48E73FC77D75DDC1U);
   EXPECT_EQ(Marvin32(kSeed, (Bytes{0x37, 0xF4, 0x95})), 0xF0B07C789B8CF7E8U);
+}
+
+/// The hive after `step` changes: so many keys. The bins of step 2 are larger than those of the others.
+Bytes Image(std::size_t step) {
+  Hive hive = EmptyHive(5);
+  for (std::size_t number = 0; number < step; ++number) hive.CreateSubkey(hive.Root(), std::to_string(number));
+  if (step == 2) hive.SetValue(hive.Root(), "big", 3, Pattern(20000));
+  return hive.Image(kMonday);
+}
+
+std::size_t StepOf(const Hive& hive) {
+  return hive.SubkeyCount(hive.Root());
+}
+
+/// A hive that a system which stopped has left: whole, so that it opens without its logs too.
+Bytes Dirty(Bytes image, std::uint32_t written = 7) {
+  SetBase(image, BaseField::kSequence1, written + 1);
+  SetBase(image, BaseField::kSequence2, written);
+  return image;
+}
+
+Bytes WithBadChecksum(Bytes file) {
+  file[BaseField::kRoot] ^= 0x40;
+  return file;
+}
+
+void Append(Bytes& to, ByteView more) {
+  to.insert(to.end(), more.begin(), more.end());
+}
+
+/// The log of the older form that makes `after` of `before`.
+Bytes SectorLog(const Bytes& before, const Bytes& after, std::uint32_t cluster = 1) {
+  Bytes log(after.begin(), after.begin() + kSector);
+  SetBase(log, BaseField::kType, 1);
+  SetBase(log, BaseField::kCluster, cluster);
+  log.resize(cluster * kSector);
+  Append(log, Bytes{'D', 'I', 'R', 'T'});
+  const std::size_t sectors = (after.size() - kHivePage) / kSector;
+  Bytes map(sectors / 8);
+  Bytes content;
+  for (std::size_t sector = 0; sector < sectors; ++sector) {
+    const std::size_t at = kHivePage + sector * kSector;
+    if (at < before.size() && std::memcmp(&before[at], &after[at], kSector) == 0) continue;
+    map[sector / 8] |= static_cast<std::uint8_t>(1U << (sector % 8));
+    Append(content, ByteView(after).subspan(at, kSector));
+  }
+  Append(log, map);
+  log.resize((log.size() + kSector - 1) / kSector * kSector);
+  Append(log, content);
+  return log;
+}
+
+struct Page {
+  std::uint32_t offset;
+  ByteView content;
+};
+
+void PutHashes(Bytes& entry) {
+  Store64(&entry[24], HashOfLog(ByteView(entry).subspan(40)));
+  Store64(&entry[32], HashOfLog(ByteView(entry).first(32)));
+}
+
+Bytes Entry(std::uint32_t sequence, std::size_t binsSize, const std::vector<Page>& pages) {
+  Bytes entry(40 + pages.size() * 8);
+  std::memcpy(entry.data(), "HvLE", 4);
+  Store32(&entry[12], sequence);
+  Store32(&entry[16], static_cast<std::uint32_t>(binsSize));
+  Store32(&entry[20], static_cast<std::uint32_t>(pages.size()));
+  for (std::size_t at = 0; at < pages.size(); ++at) {
+    Store32(&entry[40 + 8 * at], pages[at].offset);
+    Store32(&entry[44 + 8 * at], static_cast<std::uint32_t>(pages[at].content.size()));
+    Append(entry, pages[at].content);
+  }
+  entry.resize((entry.size() + kSector - 1) / kSector * kSector);
+  Store32(&entry[4], static_cast<std::uint32_t>(entry.size()));
+  PutHashes(entry);
+  return entry;
+}
+
+Bytes StepEntry(std::uint32_t sequence, std::size_t step) {
+  const Bytes image = Image(step);
+  return Entry(sequence, image.size() - kHivePage, {{0, ByteView(image).subspan(kHivePage)}});
+}
+
+Bytes EntryLog(std::uint32_t begin, const std::vector<Bytes>& entries) {
+  Bytes log = Image(0);
+  log.resize(kSector);
+  SetBase(log, BaseField::kType, 6);
+  SetBase(log, BaseField::kSequence1, begin);
+  for (const Bytes& entry : entries) Append(log, entry);
+  return log;
+}
+
+/// Loads `file` with logs named log 0, log 1, ...
+Hive LoadWith(const Bytes& file, const std::vector<Bytes>& logs) {
+  return Hive::Load(file, "dirty", [&] {
+    std::vector<HiveLogFile> files;
+    files.reserve(logs.size());
+    for (const Bytes& log : logs) files.push_back({"log " + std::to_string(files.size()), log, {}});
+    return files;
+  });
+}
+
+/// Why `log` is not used for `file`; for one that is, or counts as none, what became of the hive.
+std::string Refusal(const Bytes& file, const Bytes& log) {
+  const Hive hive = LoadWith(file, {log});
+  if (hive.Origin() == HiveOrigin::Recovered) return "recovered";
+  EXPECT_EQ(hive.Origin() == HiveOrigin::DirtyNoLog, hive.UnusedLogs().empty());
+  return hive.UnusedLogs().empty() ? "no log" : hive.UnusedLogs().at(0).why;
+}
+
+template <typename Change>
+Bytes Changed(Bytes file, Change change) {
+  change(file);
+  return file;
+}
+
+TEST(HiveLog, IsNotReadForACleanHive) {
+  const Hive hive = Hive::Load(Image(3), "clean", []() -> std::vector<HiveLogFile> {
+    ADD_FAILURE() << "a hive that was closed cleanly needs no log";
+    return {};
+  });
+  EXPECT_EQ(hive.Origin(), HiveOrigin::Clean);
+}
+
+TEST(HiveLog, OfSectorsBringsAHiveUpToDate) {
+  for (const auto& [from, to] : {std::pair(1U, 2U), {2U, 3U}, {3U, 4U}}) {  // larger, smaller and equal bins
+    for (const std::uint32_t cluster : {1U, 8U}) {
+      const Bytes log = SectorLog(Image(from), Image(to), cluster);
+      Hive hive = LoadWith(Dirty(Image(from)), {Bytes(), log});
+      EXPECT_EQ(StepOf(hive), to);
+      EXPECT_EQ(hive.Origin(), HiveOrigin::Recovered);
+      EXPECT_TRUE(hive.Changed());
+      EXPECT_THAT(hive.AppliedLogs(), ElementsAre("log 1"));
+      const Bytes written = hive.Image(kTuesday);
+      EXPECT_EQ(written.size(), Image(to).size());
+      EXPECT_EQ(LoadWith(written, {log}).Origin(), HiveOrigin::Clean);
+    }
+  }
+}
+
+TEST(HiveLog, OfSectorsRestoresABaseBlockByEitherTime) {
+  const Bytes log = SectorLog(Image(1), Image(2));
+  const Bytes noBase = WithBadChecksum(Dirty(Image(1)));
+  const auto otherTime = [](std::size_t at) { return [at](Bytes& file) { Store64(&file[at], kTuesday); }; };
+  const Bytes byBin = Changed(noBase, otherTime(BaseField::kTime));
+  const Bytes byBase = Changed(noBase, otherTime(kHivePage + BinField::kTime));
+  EXPECT_EQ(StepOf(LoadWith(byBin, {log})), 2U);
+  EXPECT_EQ(StepOf(LoadWith(byBase, {log})), 2U);
+  const Bytes foreign = Changed(byBase, otherTime(BaseField::kTime));
+  EXPECT_THROW(LoadWith(foreign, {log}), Error);
+  Bytes wiped = noBase;
+  std::fill(wiped.begin(), wiped.begin() + 2 * kHivePage, std::uint8_t{0});
+  const Bytes timeless = Changed(log, [](Bytes& file) {
+    Store64(&file[BaseField::kTime], 0);
+    SetBase(file, BaseField::kType, 1);
+  });
+  EXPECT_THROW(LoadWith(wiped, {timeless}), Error) << "the time of a wiped block proves nothing";
+}
+
+TEST(HiveLog, SaysWhyItIsNotUsed) {
+  const Bytes dirty = Dirty(Image(0));
+  const Bytes sectors = SectorLog(Image(0), Image(3));
+  const Bytes entries = EntryLog(7, {StepEntry(7, 3)});
+  const auto base = [](std::size_t field, std::uint32_t number) {
+    return [=](Bytes& log) { SetBase(log, field, number); };
+  };
+  const auto cut = [](std::size_t size) { return [=](Bytes& log) { log.resize(size); }; };
+  const auto entry = [](std::size_t field, std::uint32_t number) {
+    return [=](Bytes& log) {
+      Bytes changed(log.begin() + kSector, log.end());
+      Store32(&changed[field], number);
+      PutHashes(changed);
+      std::copy(changed.begin(), changed.end(), log.begin() + kSector);
+    };
+  };
+  const Bytes tooLong = Changed(Entry(7, 8192, {{0, Bytes(4096)}}), [](Bytes& bytes) {
+    Store32(&bytes[44], 8192);
+    PutHashes(bytes);
+  });
+  const struct {
+    Bytes log;
+    const char* why;
+  } cases[] = {
+      {{}, "no log"},
+      {Bytes(9000), "no log"},
+      {{'M', 'Z', 0, 0}, "it does not begin with \"regf\""},
+      {Changed(sectors, cut(200)), "it ends at byte 200, within its base block"},
+      {Changed(sectors, [](Bytes& log) { log[100] ^= 1; }), "the checksum of its base block is wrong"},
+      {Image(3), "it is a hive and not a hive's log"},
+      {Changed(sectors, base(BaseField::kType, 5)), "unknown type 5"},
+      {Changed(sectors, base(BaseField::kSequence1, 99)), "it was not closed itself"},
+      {Changed(sectors, base(BaseField::kTime, 1)), "its time is not the hive's"},
+      {Changed(sectors, base(BaseField::kCluster, 0)), "0 sectors long"},
+      {Changed(sectors, base(BaseField::kCluster, 0x80000000)), "2147483648 sectors long"},
+      {Changed(sectors, base(BaseField::kBinsSize, 5000)), "5000 bytes, is wrong"},
+      {Changed(sectors, base(BaseField::kBinsSize, 0x7FFFF000)), "within its map"},
+      {Changed(sectors, [](Bytes& log) { log[kSector] = 'X'; }), "no map of sectors"},
+      {Changed(sectors, cut(sectors.size() - 1)), "and should be"},
+      {Changed(entries, base(BaseField::kSequence1, 6)), "its first entry has the number 7 and its base block names 6"},
+      {EntryLog(7, {}), "its first entry is missing"},
+      {Changed(entries, cut(entries.size() - kSector)), "its first entry reaches beyond its end"},
+      {Changed(entries, [](Bytes& log) { log.back() ^= 1; }), "its first entry has a wrong hash"},
+      {Changed(entries, entry(16, 5000)), "a wrong size of the bins"},
+      {Changed(entries, entry(16, 0x7FFFF000)), "far more than it and the hive hold"},
+      {Changed(entries, entry(20, 0xFFFFFFFF)), "more pages than it can hold"},
+      {Changed(entries, entry(40, 0xFFFFF000)), "a page beyond the end of the bins"},
+      {EntryLog(7, {tooLong}), "larger pages than it can hold"},
+      {EntryLog(7, {Entry(7, 0x100000, {}), StepEntry(8, 3)}), "recovered"},
+      {EntryLog(6, {StepEntry(6, 3)}), "its entries begin at 6 and the hive needs those from 7 on"},
+      {EntryLog(7, {Entry(7, 4096, {{0, Bytes(100, 'x')}})}),
+       "not a whole hive: dirty, offset 0x1000: there is no bin header"},
+  };
+  for (const auto& [log, why] : cases) EXPECT_THAT(Refusal(dirty, log), HasSubstr(why));
+}
+
+TEST(HiveLog, IsRefusedWhenCutOrChangedAnywhere) {
+  const Bytes dirty = Dirty(Image(0));
+  for (const Bytes& log : {SectorLog(Image(0), Image(3)), EntryLog(7, {StepEntry(7, 3)})}) {
+    ASSERT_EQ(Refusal(dirty, log), "recovered");
+    for (std::size_t size = 1; size < log.size(); ++size) {
+      const std::string why = Refusal(dirty, Bytes(log.begin(), log.begin() + static_cast<std::ptrdiff_t>(size)));
+      ASSERT_THAT(why, HasSubstr("it")) << "cut at " << size;
+      ASSERT_NE(why, "recovered") << "cut at " << size;
+    }
+  }
+  const Bytes log = EntryLog(7, {StepEntry(7, 3)});
+  for (std::size_t at = 0; at < log.size(); ++at) {
+    ASSERT_NE(Refusal(dirty, Changed(log, [&](Bytes& bytes) { bytes[at] ^= 4; })), "recovered") << "byte " << at;
+  }
+}
+
+TEST(HiveLog, OfEntriesIsAppliedFromItsOwnNumberAsFarAsItGoes) {
+  struct Given {
+    std::uint32_t begin;
+    std::vector<Bytes> entries;
+  };
+  constexpr std::uint32_t kMax = std::numeric_limits<std::uint32_t>::max();
+  const Bytes badHash = Changed(StepEntry(8, 2), [](Bytes& entry) { entry[60] ^= 1; });
+  const Bytes badSize = Entry(8, 5000, {});
+  const struct {
+    const char* what;
+    std::uint32_t written;
+    std::vector<Given> logs;
+    std::size_t step;
+    std::vector<std::string> applied;
+  } cases[] = {
+      {"its own number", 7, {{7, {StepEntry(7, 1)}}}, 1, {"log 0"}},
+      {"a hive that lags", 2, {{402, {StepEntry(402, 1), StepEntry(403, 2), StepEntry(404, 3)}}}, 3, {"log 0"}},
+      {"entries of an earlier round behind the last", 7, {{7, {StepEntry(7, 1), StepEntry(5, 4)}}}, 1, {"log 0"}},
+      {"a gap", 7, {{7, {StepEntry(7, 1), StepEntry(9, 4)}}}, 1, {"log 0"}},
+      {"a bad hash", 7, {{7, {StepEntry(7, 1), badHash, StepEntry(9, 4)}}}, 1, {"log 0"}},
+      {"a bad size", 7, {{7, {StepEntry(7, 1), badSize, StepEntry(9, 4)}}}, 1, {"log 0"}},
+      {"number 0 after the last", kMax, {{kMax, {StepEntry(kMax, 1), StepEntry(0, 3)}}}, 3, {"log 0"}},
+      {"in order", 7, {{7, {StepEntry(7, 1)}}, {8, {StepEntry(8, 4)}}}, 4, {"log 0", "log 1"}},
+      {"swapped", 7, {{8, {StepEntry(8, 4)}}, {7, {StepEntry(7, 1)}}}, 4, {"log 1", "log 0"}},
+      {"swapped at the last number", 7, {{0, {StepEntry(0, 4)}}, {kMax, {StepEntry(kMax, 1)}}}, 4, {"log 1", "log 0"}},
+      {"one too old", 7, {{6, {StepEntry(6, 5)}}, {7, {StepEntry(7, 1)}}}, 1, {"log 1"}},
+      {"none between", 7, {{7, {StepEntry(7, 1)}}, {9, {StepEntry(9, 5)}}}, 1, {"log 0"}},
+      {"one damaged", 7, {{7, {StepEntry(7, 1), badHash}}, {9, {StepEntry(9, 5)}}}, 1, {"log 0"}},
+  };
+  for (const auto& [what, written, given, step, applied] : cases) {
+    SCOPED_TRACE(what);
+    std::vector<Bytes> logs;
+    logs.reserve(given.size());
+    for (const Given& log : given) logs.push_back(EntryLog(log.begin, log.entries));
+    const Hive hive = LoadWith(Dirty(Image(0), written), logs);
+    EXPECT_EQ(hive.Origin(), HiveOrigin::Recovered);
+    EXPECT_EQ(StepOf(hive), step);
+    EXPECT_EQ(hive.AppliedLogs(), applied);
+    EXPECT_TRUE(hive.UnusedLogs().empty());
+  }
+}
+
+TEST(HiveLog, OfEntriesMayWriteAnyPagesOfTheBins) {
+  const Bytes after = Image(2);
+  const ByteView bins = ByteView(after).subspan(kHivePage);
+  const Bytes junk(kHivePage, 0xEE);
+  const Bytes first = Entry(7, bins.size(), {{4096, junk}, {0, bins.first(4096)}});
+  const Bytes second = Entry(8, bins.size(), {{8192, bins.subspan(8192)}, {4096, bins.subspan(4096, 4096)}});
+  const Hive hive = LoadWith(Dirty(Image(0)), {EntryLog(7, {first, second})});
+  EXPECT_EQ(Lines(hive, true), Lines(Hive::Load(after, "after"), true));
+}
+
+TEST(HiveLog, WithTheLatestEntriesRestoresABaseBlockAlone) {
+  const Bytes noBase = WithBadChecksum(Dirty(Image(0)));
+  const Bytes earlier = EntryLog(400, {StepEntry(400, 1), StepEntry(401, 3)});
+  const Bytes later = EntryLog(402, {StepEntry(402, 2), StepEntry(403, 4)});
+  Hive hive = LoadWith(noBase, {later, earlier});
+  EXPECT_EQ(StepOf(hive), 4U);
+  EXPECT_EQ(Load32(&hive.Image(kTuesday)[BaseField::kSequence1]), 404U) << "the number behind the last entry's";
+  EXPECT_THAT(hive.AppliedLogs(), ElementsAre("log 0"));
+}
+
+TEST(HiveLog, IsNotAppliedToAHiveThatIsCutOffUnlessItHasTheRest) {
+  const Bytes whole = Image(2);
+  const Bytes cut(whole.begin(), whole.end() - 3 * kHivePage - 100);
+  const ByteView bins = ByteView(whole).subspan(kHivePage);
+  const auto from = static_cast<std::uint32_t>(bins.size() - 4 * kHivePage);
+  const Bytes holds = EntryLog(7, {Entry(7, bins.size(), {{from, bins.subspan(from)}})});
+  EXPECT_EQ(Lines(LoadWith(Dirty(cut), {holds}), true), Lines(Hive::Load(whole, "whole"), true));
+  try {
+    // The gap, of 100 bytes, is in the data of a value, where nothing but its zeros would show it.
+    const Bytes lacks = EntryLog(7, {Entry(7, bins.size(), {{from + 4096, bins.subspan(from + 4096)}})});
+    LoadWith(Dirty(cut), {Bytes(), lacks});
+    FAIL();
+  } catch (const Error& error) {
+    EXPECT_THAT(Describe(error), HasSubstr("should be"));
+    EXPECT_THAT(Describe(error),
+                HasSubstr("log 0 was not used: it is empty; log 1 was not used: the hive's file ends"));
+  }
+}
+
+TEST(HiveLog, ThatGivesNoWholeHiveMakesWayForTheNext) {
+  const Bytes broken = EntryLog(7, {Entry(7, 4096, {{0, Bytes(100, 'x')}})});
+  const Hive hive = LoadWith(Dirty(Image(0)), {SectorLog(Image(0), Image(3)), broken});
+  EXPECT_EQ(StepOf(hive), 3U);
+  EXPECT_THAT(hive.AppliedLogs(), ElementsAre("log 0"));
+}
+
+TEST(HiveLog, IsListedWithItsReasonWhenNoneIsUsed) {
+  const Hive hive = Hive::Load(Dirty(Image(1)), "dirty", [] {
+    return std::vector<HiveLogFile>{
+        {"a.LOG", {}, "the disk failed"}, {"a.LOG1", {}, {}}, {"a.LOG2", EntryLog(5, {StepEntry(5, 4)}), {}}};
+  });
+  EXPECT_EQ(hive.Origin(), HiveOrigin::DirtyUnusedLogs);
+  EXPECT_EQ(StepOf(hive), 1U);
+  std::vector<std::string> lines;
+  for (const UnusedHiveLog& log : hive.UnusedLogs()) lines.push_back(log.name + ": " + log.why);
+  EXPECT_THAT(lines, ElementsAre("a.LOG: it could not be read: the disk failed", "a.LOG1: it is empty",
+                                 "a.LOG2: its entries begin at 5 and the hive needs those from 7 on"));
 }
 
 }  // namespace
