@@ -3,11 +3,13 @@
 #include <cstdio>
 #include <utility>
 
+#include "text/message_text.h"
+
 namespace quillbox {
 namespace {
 
 std::string Sentence(const std::string& doing, const ErrorPlace& place, const std::string& why) {
-  std::string text = place.name;
+  std::string text = ShortName(place.name);
   if (place.offset) {
     char hex[32];
     std::snprintf(hex, sizeof hex, ", offset 0x%llx", static_cast<unsigned long long>(*place.offset));
@@ -17,7 +19,7 @@ std::string Sentence(const std::string& doing, const ErrorPlace& place, const st
   if (!text.empty()) text += ": ";
   text += why;
   if (!doing.empty()) text += " (while " + doing + ")";
-  return text;
+  return OneLine(text);
 }
 
 }  // namespace

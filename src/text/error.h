@@ -32,7 +32,8 @@ class Error : public std::runtime_error {
   std::string why_;
 };
 
-/// The words of an error in one line: "C:\x.dat, offset 0x20: the checksum is wrong (while opening the hive)".
+/// The words of an error in one line, whatever characters its names hold (OneLine), an over-long place shortened
+/// (ShortName): "C:\x.dat, offset 0x20: the checksum is wrong (while opening the hive)".
 std::string Describe(const Error& error);
 
 /// The operating system's reason for `code` (an errno), in its own words without the call's name.
