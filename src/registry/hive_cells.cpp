@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <iterator>
+#include <utility>
 
 #include "registry/hive_data.h"
 
@@ -38,27 +40,49 @@ void HiveCells::ResizeBits() {
   for (CellBits* bits : {&used_, &freeStart_, &freeEnd_}) bits->Resize(BinsSize());
 }
 
-void HiveCells::Scan(const std::string& fileName) {
+/// What is wrong with the header of the bin at `bin`; empty when nothing is.
+std::string HiveCells::BinFault(std::size_t bin) const {
+  if (BinsSize() - bin < kBinHeader || Load32(Header(bin) + BinField::kTag) != kBinTag) {
+    return "there is no bin header (\"hbin\")";
+  }
+  if (Load32(Header(bin) + BinField::kOffset) != bin) return "the bin names another offset";
+  const std::size_t size = Load32(Header(bin) + BinField::kSize);
+  if (size != 0 && size % kHivePage == 0 && size <= BinsSize() - bin) return {};
+  return "the bin's size, " + std::to_string(size) + " bytes, is wrong";
+}
+
+/// The next bin behind a damaged one, by its header; the end of the bins when there is none.
+std::size_t HiveCells::BinAfter(std::size_t bin) const {
+  for (bin += kHivePage; bin + kBinHeader <= BinsSize(); bin += kHivePage) {
+    if (Load32(Header(bin) + BinField::kTag) == kBinTag && Load32(Header(bin) + BinField::kOffset) == bin) return bin;
+  }
+  return BinsSize();
+}
+
+void HiveCells::Scan(const ReportFault& report) {
   for (std::size_t bin = 0; bin < BinsSize();) {
-    const std::uint8_t* header = Header(bin);
-    if (Load32(header + BinField::kTag) != kBinTag) ThrowHiveFault(fileName, bin, "there is no bin header (\"hbin\")");
-    if (Load32(header + BinField::kOffset) != bin) ThrowHiveFault(fileName, bin, "the bin names another offset");
-    const std::size_t size = Load32(header + BinField::kSize);
-    if (size == 0 || size % kHivePage != 0 || size > BinsSize() - bin) {
-      ThrowHiveFault(fileName, bin, "the bin's size, " + std::to_string(size) + " bytes, is wrong");
+    std::string fault = BinFault(bin);
+    if (fault.empty()) {
+      const std::size_t end = bin + Load32(Header(bin) + BinField::kSize);
+      const bool isWhole = ScanBin(report, bin, end);
+      bins_.push_back({bin, end, !isWhole});
+    } else {
+      report(bin, std::move(fault));
+      bins_.push_back({bin, BinAfter(bin), true});
     }
-    ScanBin(fileName, bin, bin + size);
-    bin += size;
+    bin = bins_.back().end;
   }
 }
 
-void HiveCells::ScanBin(const std::string& fileName, std::size_t bin, std::size_t end) {
+/// False when a fault was met and reported.
+bool HiveCells::ScanBin(const ReportFault& report, std::size_t bin, std::size_t end) {
   for (std::size_t cell = bin + kBinHeader; cell < end;) {
     const std::uint32_t length = Load32(Header(cell));
     const bool inUse = length >> 31 != 0;
     const std::size_t size = inUse ? 0U - length : length;
     if (size == 0 || size % kCellUnit != 0 || size > end - cell) {
-      ThrowHiveFault(fileName, cell, "the cell's size, " + std::to_string(size) + " bytes, is wrong");
+      report(cell, "the cell's size, " + std::to_string(size) + " bytes, is wrong");
+      return false;
     }
     if (inUse) {
       used_.Set(cell);
@@ -67,6 +91,29 @@ void HiveCells::ScanBin(const std::string& fileName, std::size_t bin, std::size_
     }
     cell += size;
   }
+  return true;
+}
+
+const HiveCells::Bin* HiveCells::BinOf(std::size_t offset) const {
+  const auto after = std::upper_bound(bins_.begin(), bins_.end(), offset,
+                                      [](std::size_t at, const Bin& bin) { return at < bin.begin; });
+  return after == bins_.begin() || offset >= std::prev(after)->end ? nullptr : &*std::prev(after);
+}
+
+bool HiveCells::LooksUsed(std::uint32_t cell, bool inSuspect) const {
+  if (cell % kCellUnit != 0) return false;
+  const Bin* bin = BinOf(cell);
+  if (bin == nullptr || bin->end - cell < kCellUnit || (inSuspect && !bin->isSuspect)) return false;
+  const std::uint32_t length = Load32(Header(cell));
+  const std::size_t size = 0U - length;
+  return length >> 31 != 0 && size % kCellUnit == 0 && size <= bin->end - cell;
+}
+
+bool HiveCells::Adopt(std::uint32_t cell, std::uint16_t tag) {
+  if (!LooksUsed(cell, false) || Tag(cell) != tag) return false;
+  bins_[static_cast<std::size_t>(BinOf(cell) - bins_.data())].isSuspect = true;
+  used_.Set(cell);
+  return true;
 }
 
 std::size_t HiveCells::ClassOf(std::size_t size) {

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -36,8 +37,16 @@ class HiveCells {
   /// `file`: a base block and as many bytes of bins as it names. Call Scan() unless there are no bins yet.
   explicit HiveCells(Bytes file = {});
 
-  /// Finds all bins and cells. Throws Error naming `fileName` and the offset of the first fault.
-  void Scan(const std::string& fileName);
+  /// What is done with a fault of the bins. It may throw; when it returns, the scan goes on where it can.
+  using ReportFault = std::function<void(std::size_t offset, std::string why)>;
+
+  /// Finds all bins and cells. Bins with a fault are suspect from then on: not all of their cells are known.
+  void Scan(const ReportFault& report);
+  /// Makes a cell in use begin at `cell`, which may be any number, where that is within a suspect bin and what stands
+  /// there has the size of one. Such cells may overlap others.
+  bool Adopt(std::uint32_t cell) { return LooksUsed(cell, true) && (used_.Set(cell), true); }
+  /// The same in any bin for a record that begins with `tag`. The bin is suspect from then on.
+  bool Adopt(std::uint32_t cell, std::uint16_t tag);
 
   const Bytes& File() const { return file_; }
   std::uint8_t* Base() { return file_.data(); }
@@ -89,7 +98,17 @@ class HiveCells {
   const std::uint8_t* Header(std::size_t offset) const {
     return file_.data() + kHivePage + offset;
   }
-  void ScanBin(const std::string& fileName, std::size_t bin, std::size_t end);
+  struct Bin {
+    std::size_t begin;
+    std::size_t end;
+    bool isSuspect;
+  };
+
+  std::string BinFault(std::size_t bin) const;
+  std::size_t BinAfter(std::size_t bin) const;
+  bool ScanBin(const ReportFault& report, std::size_t bin, std::size_t end);
+  const Bin* BinOf(std::size_t offset) const;
+  bool LooksUsed(std::uint32_t cell, bool inSuspect) const;
   void AddFree(std::size_t offset, std::size_t size);
   void RemoveFree(std::size_t offset);
   bool IsFreeOfClass(std::size_t offset, std::size_t sizeClass) const;
@@ -99,9 +118,10 @@ class HiveCells {
   void ResizeBits();
 
   Bytes file_;
-  CellBits used_;       ///< starts of cells in use
-  CellBits freeStart_;  ///< starts of free cells
-  CellBits freeEnd_;    ///< last units of free cells
+  std::vector<Bin> bins_;  ///< as Scan() found them, in their order
+  CellBits used_;          ///< starts of cells in use
+  CellBits freeStart_;     ///< starts of free cells
+  CellBits freeEnd_;       ///< last units of free cells
   /// Free cells by size. May name cells that are no longer free or have grown: they are dropped when met.
   std::array<std::vector<std::uint32_t>, kClasses> free_;
 };

@@ -1,30 +1,29 @@
-#include <utility>
+#include <algorithm>
 
-#include "registry/hive_data.h"
+#include "registry/hive_records.h"
 
 namespace quillbox {
 
 namespace {
 
-/// One walk over all that the root leads to. Each cell may belong to one owner only, so the walk ends, and nothing
-/// that is freed later is still in use elsewhere.
+/// One walk over all that the root leads to.
 class Checker {
  public:
-  explicit Checker(HiveData& hive) : hive_(hive), cells_(hive.cells), unclaimed_(hive.cells.Used()) {}
+  explicit Checker(HiveData& hive) : hive_(hive), cells_(hive.cells), records_(hive) {}
 
   void Run() {
-    if (!cells_.IsUsed(hive_.root)) {
-      ThrowHiveFault(hive_.name, 0, "the root key's offset leads to no cell in use");
-    }
-    Claim(hive_.root, hive_.root, KeyField::kName, "root key");
-    CheckKey(hive_.root);
+    records_.ClaimRoot();
+    CheckContent(hive_.root);
     Enter(hive_.root);
     while (!path_.empty()) {
-      if (const std::uint32_t subkey = Next(path_.back()); subkey != kNoCell) {
-        CheckChild(path_.back(), subkey);
+      if (const auto subkey = Next(path_.back())) {
+        CheckChild(path_.back(), *subkey);
       } else {
         path_.pop_back();
       }
+    }
+    for (const std::uint32_t key : noValues_) {
+      if (records_.HasUncountedValues(key)) records_.Fault(key, kWrongValueCount);
     }
     CorrectSecurityCounts();
   }
@@ -33,39 +32,17 @@ class Checker {
   /// A key whose subkeys are being walked.
   struct Level {
     std::uint32_t key = kNoCell;
-    std::uint32_t index = kNoCell;  ///< the `ri`, if any
+    std::optional<std::uint32_t> index;  ///< the `ri`, if any
     std::size_t nextLeaf = 0;
-    std::uint32_t leaf = kNoCell;
+    std::optional<std::uint32_t> leaf;
     std::size_t nextEntry = 0;
     std::uint64_t seen = 0;
-    std::uint32_t previous = kNoCell;
+    std::optional<std::uint32_t> previous;
   };
 
-  [[noreturn]] void Fault(std::uint32_t cell, std::string why) const {
-    ThrowHiveFault(hive_.name, cell, std::move(why));
-  }
-
-  /// Makes `cell`, which the record in `owner` names, the owner's.
-  void Claim(std::uint32_t owner, std::uint32_t cell, std::size_t size, const char* what) {
-    if (!cells_.IsUsed(cell)) Fault(owner, std::string("the offset of its ") + what + " leads to no cell in use");
-    if (!unclaimed_.Test(cell)) {
-      Fault(owner, std::string("the cell of its ") + what + " belongs to another record already");
-    }
-    unclaimed_.Clear(cell);
-    if (cells_.Room(cell) < size) Fault(cell, std::string("the cell is too short for the ") + what + " in it");
-  }
-
-  void RequireTag(std::uint32_t cell, std::uint16_t tag, const char* what) const {
-    if (cells_.Tag(cell) != tag) Fault(cell, std::string("the cell does not hold the ") + what + " it should");
-  }
-
-  void CheckKey(std::uint32_t key) {
-    RequireTag(key, kKeyTag, "key");
-    const std::size_t nameLength = cells_.Get16(key, KeyField::kNameLength);
-    if (cells_.Room(key) - KeyField::kName < nameLength) Fault(key, "the key's name reaches beyond its cell");
-    const std::size_t classLength = cells_.Get16(key, KeyField::kClassLength);
-    const std::uint32_t className = cells_.Get32(key, KeyField::kClass);
-    if (classLength > 0 && className != kNoCell) Claim(key, className, classLength, "class name");
+  /// What a key's fields lead to beside its subkeys.
+  void CheckContent(std::uint32_t key) {
+    records_.ClaimClass(key);
     CheckSecurity(key);
     CheckValues(key);
   }
@@ -81,115 +58,72 @@ class Checker {
     std::uint32_t owner = key;
     std::uint32_t security = first;
     do {
-      Claim(owner, security, SecurityField::kDescriptor, "security descriptor");
-      RequireTag(security, kSecurityTag, "security descriptor");
-      if (cells_.Get32(security, SecurityField::kSize) > cells_.Room(security) - SecurityField::kDescriptor) {
-        Fault(security, "the security descriptor reaches beyond its cell");
-      }
+      records_.ClaimDescriptor(owner, security);
       if (security != first && cells_.Get32(security, SecurityField::kPrevious) != owner) {
-        Fault(security, "the security descriptors are not linked back");
+        records_.Fault(security, kUnlinkedSecurity);
       }
       securityCounts_[security] = 0;
       owner = security;
       security = cells_.Get32(security, SecurityField::kNext);
     } while (security != first);
-    if (cells_.Get32(first, SecurityField::kPrevious) != owner) {
-      Fault(first, "the security descriptors are not linked back");
-    }
+    if (cells_.Get32(first, SecurityField::kPrevious) != owner) records_.Fault(first, kUnlinkedSecurity);
     hive_.anySecurity = first;
   }
 
   void CheckValues(std::uint32_t key) {
     const std::size_t count = cells_.Get32(key, KeyField::kValueCount);
-    if (count == 0) return;
     const std::uint32_t list = cells_.Get32(key, KeyField::kValueList);
-    Claim(key, list, count * 4, "list of values");
-    for (std::size_t at = 0; at < count; ++at) CheckValue(list, cells_.Get32(list, at * 4));
-  }
-
-  void CheckValue(std::uint32_t list, std::uint32_t value) {
-    Claim(list, value, ValueField::kName, "value");
-    RequireTag(value, kValueTag, "value");
-    if (cells_.Room(value) - ValueField::kName < cells_.Get16(value, ValueField::kNameLength)) {
-      Fault(value, "the value's name reaches beyond its cell");
-    }
-    const std::uint32_t stored = cells_.Get32(value, ValueField::kDataSize);
-    const std::uint32_t size = stored & ~kInlineData;
-    if ((stored & kInlineData) != 0) {
-      if (size > kMaxInlineData) Fault(value, "a value without a data cell has more than 4 bytes");
-    } else if (size > 0) {
-      CheckData(value, cells_.Get32(value, ValueField::kData), size);
-    }
-  }
-
-  void CheckData(std::uint32_t value, std::uint32_t data, std::uint32_t size) {
-    Claim(value, data, 0, "data");
-    if (!IsBigData(hive_, data, size)) {
-      if (cells_.Room(data) < size) Fault(data, "the value's data reach beyond their cell");
+    if (count == 0) {
+      if (list != kNoCell) noValues_.push_back(key);
       return;
     }
-    if (cells_.Room(data) < BigDataField::kEnd) Fault(data, "the cell is too short for big data");
-    RequireTag(data, kBigDataTag, "big data");
-    const std::size_t count = cells_.Get16(data, BigDataField::kCount);
-    if (count != (size + Hive::kBigDataLimit - 1) / Hive::kBigDataLimit) {
-      Fault(data, "the number of pieces does not fit the value's size");
-    }
-    const std::uint32_t list = cells_.Get32(data, BigDataField::kSegments);
-    Claim(data, list, count * 4, "list of pieces");
+    records_.Claim(key, list, count * 4, "list of values");
     for (std::size_t at = 0; at < count; ++at) {
-      const std::size_t left = size - at * Hive::kBigDataLimit;
-      const std::size_t piece = left < Hive::kBigDataLimit ? left : Hive::kBigDataLimit;
-      Claim(list, cells_.Get32(list, at * 4), piece, "piece of big data");
+      const std::uint32_t value = cells_.Get32(list, at * 4);
+      records_.ClaimValue(list, value);
+      records_.ClaimData(value);
     }
   }
 
   void Enter(std::uint32_t key) {
+    if (records_.HasUncountedSubkeys(key)) records_.Fault(key, kWrongSubkeyCount);
     if (cells_.Get32(key, KeyField::kSubkeyCount) == 0) return;
-    if (path_.size() == Hive::kMaxDepth) Fault(key, "the keys are nested too deeply");
+    if (path_.size() + 1 == Hive::kMaxDepth) records_.Fault(key, kNestedTooDeeply);
     Level level;
     level.key = key;
     const std::uint32_t list = cells_.Get32(key, KeyField::kSubkeyList);
-    Claim(key, list, ListField::kEntries, "list of subkeys");
-    if (cells_.Tag(list) == kLeafIndexTag) {
-      if (cells_.Room(list) - ListField::kEntries < std::size_t{4} * cells_.Get16(list, ListField::kCount)) {
-        Fault(list, "the list of subkeys reaches beyond its cell");
-      }
+    records_.ClaimList(key, list);
+    if (records_.IsIndex(list)) {
+      records_.CheckEntries(list);
       level.index = list;
     } else {
-      CheckLeaf(list);
-      level.leaf = list;
+      EnterLeaf(level, list);
     }
     path_.push_back(level);
   }
 
-  void CheckLeaf(std::uint32_t leaf) const {
-    const std::uint16_t tag = cells_.Tag(leaf);
-    if (!IsLeafTag(tag)) Fault(leaf, "the cell does not hold the list of subkeys it should");
-    const std::size_t count = cells_.Get16(leaf, ListField::kCount);
-    if (count == 0) Fault(leaf, "the list of subkeys is empty");
-    if (cells_.Room(leaf) - ListField::kEntries < count * LeafStride(tag)) {
-      Fault(leaf, "the list of subkeys reaches beyond its cell");
-    }
+  void EnterLeaf(Level& level, std::uint32_t leaf) {
+    records_.CheckLeaf(leaf);
+    records_.CheckEntries(leaf);
+    level.leaf = leaf;
+    level.nextEntry = 0;
   }
 
-  /// The next subkey of a level; kNoCell when all have been seen.
-  std::uint32_t Next(Level& level) {
-    if (level.leaf == kNoCell || level.nextEntry == cells_.Get16(level.leaf, ListField::kCount)) {
-      if (level.index == kNoCell || level.nextLeaf == cells_.Get16(level.index, ListField::kCount)) {
-        if (level.seen != cells_.Get32(level.key, KeyField::kSubkeyCount)) {
-          Fault(level.key, "the key's number of subkeys is not that of its list");
-        }
-        return kNoCell;
+  /// The next subkey that a level's lists name, any number at all; nothing when all have been seen.
+  std::optional<std::uint32_t> Next(Level& level) {
+    if (!level.leaf || level.nextEntry == records_.EntryCount(*level.leaf)) {
+      if (!level.index || level.nextLeaf == records_.EntryCount(*level.index)) {
+        if (level.seen != cells_.Get32(level.key, KeyField::kSubkeyCount)) records_.Fault(level.key, kWrongSubkeyCount);
+        return std::nullopt;
       }
-      level.leaf = cells_.Get32(level.index, ListField::kEntries + 4 * level.nextLeaf++);
-      Claim(level.index, level.leaf, ListField::kEntries, "list of subkeys");
-      CheckLeaf(level.leaf);
-      level.nextEntry = 0;
+      const std::uint32_t leaf = records_.Entry(*level.index, level.nextLeaf++);
+      records_.ClaimList(*level.index, leaf);
+      EnterLeaf(level, leaf);
     }
-    const std::size_t stride = LeafStride(cells_.Tag(level.leaf));
+    const std::size_t stride = LeafStride(cells_.Tag(*level.leaf));
     ++level.seen;
-    PrefetchAfter(level.leaf, level.nextEntry, stride);
-    return cells_.Get32(level.leaf, ListField::kEntries + stride * level.nextEntry++);
+    PrefetchAfter(*level.leaf, level.nextEntry, stride);
+    return cells_.Get32(*level.leaf, ListField::kEntries + stride * level.nextEntry++);
   }
 
   /// The walk follows names, which leads all over the file: without looking ahead it would wait for memory at every
@@ -209,27 +143,30 @@ class Checker {
   }
 
   void CheckChild(Level& level, std::uint32_t subkey) {
-    Claim(level.leaf, subkey, KeyField::kName, "subkey");
-    CheckKey(subkey);
-    if (cells_.Get32(subkey, KeyField::kParent) != level.key) Fault(subkey, "the key names another parent");
-    if (level.previous != kNoCell && CompareName(KeyName(hive_, level.previous), KeyName(hive_, subkey)) >= 0) {
+    records_.ClaimSubkey(*level.leaf, subkey);
+    CheckContent(subkey);
+    if (cells_.Get32(subkey, KeyField::kParent) != level.key) records_.Fault(subkey, "the key names another parent");
+    if (level.previous && CompareName(KeyName(hive_, *level.previous), KeyName(hive_, subkey)) >= 0) {
       hive_.unordered.insert(level.key);
     }
     level.previous = subkey;
     Enter(subkey);
   }
 
-  /// A count that is too low would free a descriptor that is still in use.
+  /// A count that is too low would free a descriptor that is still in use; so would one of a descriptor without keys
+  /// that is so high that it comes to 0 when keys are given it.
   void CorrectSecurityCounts() {
     for (const auto& [security, count] : securityCounts_) {
-      if (count > 0) cells_.Put32(security, SecurityField::kCount, count);
+      const std::uint32_t unused = std::min(cells_.Get32(security, SecurityField::kCount), std::uint32_t{1});
+      cells_.Put32(security, SecurityField::kCount, count > 0 ? count : unused);
     }
   }
 
   HiveData& hive_;
   HiveCells& cells_;
-  CellBits unclaimed_;
+  RecordChecker records_;
   std::vector<Level> path_;
+  std::vector<std::uint32_t> noValues_;  ///< keys without values that name a list of them
   std::unordered_map<std::uint32_t, std::uint32_t> securityCounts_;
 };
 

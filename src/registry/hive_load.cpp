@@ -58,7 +58,7 @@ void LoadFile(HiveData& hive, Bytes file, DamagedParts /*damaged*/) {
   hive.minor = Load32(base + BaseField::kMinor);
   hive.root = Load32(base + BaseField::kRoot);
   hive.now = Load64(base + BaseField::kTime);
-  hive.cells.Scan(hive.name);
+  hive.cells.Scan([&](std::size_t offset, std::string why) { ThrowHiveFault(hive.name, offset, std::move(why)); });
   CheckHive(hive);
 }
 

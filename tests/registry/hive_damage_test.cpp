@@ -13,24 +13,6 @@ namespace {
 
 using testing::HasSubstr;
 
-/// A small hive with every kind of record that fits into two pages.
-Hive SmallHive() {
-  Hive hive = EmptyHive(5);
-  const HiveKey key = hive.CreatePath(hive.Root(), "One\\Two\\\xD0\x96");
-  hive.SetValue(key, "text", 1, Pattern(20));
-  hive.SetValue(key, "", 4, Pattern(4));
-  hive.CreatePath(hive.Root(), "One\\Three");
-  return hive;
-}
-
-/// One with lists of lists and big data.
-Hive LargeHive() {
-  Hive hive = SmallHive();
-  for (int number = 0; number < 600; ++number) hive.CreatePath(hive.Root(), "Many\\" + std::to_string(number));
-  hive.SetValue(hive.Root(), "big", 3, Bytes(40000));
-  return hive;
-}
-
 /// What the hive is refused for, or an empty text when it is opened. An opened one must be whole: all of it can be
 /// read, changed and written, and what was written opens again.
 std::string Refusal(const Bytes& file) {
@@ -97,12 +79,96 @@ TEST(DamagedHive, IsRefusedOrWholeWithBytesOfItsListsChanged) {
   }
 }
 
+TEST(DamagedHive, NoEntryOfAListEndsIt) {
+  const auto refusals = [](const Bytes& good, std::uint32_t list) {
+    Bytes file = good;
+    const std::size_t count = Load16(Record(file, list) + ListField::kCount);
+    const bool isWide = Load16(Record(file, list)) == Tag16('l', 'f') || Load16(Record(file, list)) == Tag16('l', 'h');
+    for (const std::size_t entry : {std::size_t{0}, count / 2, count - 1}) {
+      Bytes damaged = good;
+      Store32(Record(damaged, list) + ListField::kEntries + entry * (isWide ? 8 : 4), 0xFFFFFFFF);
+      EXPECT_THAT(Refusal(damaged), HasSubstr("leads to no cell in use")) << "entry " << entry << " of " << count;
+    }
+  };
+  for (const std::uint32_t minor : {3U, 5U}) {
+    Hive hive = EmptyHive(minor);
+    for (const char* name : {"a", "b", "c", "d", "e"}) hive.CreatePath(hive.Root(), name);
+    Bytes file = hive.Image(kMonday);
+    const std::uint32_t list = Field(file, hive.Root().cell, KeyField::kSubkeyList);
+    refusals(file, list);
+    MakePlain(file, list);
+    EXPECT_EQ(Refusal(file), "");
+    refusals(file, list);
+  }
+  Hive hive = LargeHive();
+  Bytes file = hive.Image(kMonday);
+  const std::uint32_t index = Field(file, CellOf(hive, "Many"), KeyField::kSubkeyList);
+  ASSERT_EQ(Load16(Record(file, index)), Tag16('r', 'i'));
+  refusals(file, index);
+  refusals(file, Field(file, index, ListField::kEntries));
+}
+
+TEST(DamagedHive, IgnoresWhatIsNeverStored) {
+  Hive hive = SmallHive();
+  Bytes file = hive.Image(kMonday);
+  for (const char* path : {"", "One", "One\\Two"}) {
+    const std::uint32_t key = CellOf(hive, path);
+    Store32(Record(file, key) + KeyField::kVolatileCount, 7);
+    Store32(Record(file, key) + KeyField::kVolatileList, Field(file, CellOf(hive, "One"), KeyField::kSubkeyList));
+  }
+  Store32(Record(file, hive.Root().cell) + KeyField::kParent, CellOf(hive, "One\\Two"));
+  EXPECT_EQ(Refusal(file), "");
+  EXPECT_EQ(Lines(Hive::Load(file, "volatile")), Lines(hive));
+}
+
+TEST(DamagedHive, CountsOfDescriptorsThatNoKeyHasDoNotWrap) {
+  Hive hive = SmallHive();
+  Bytes other = hive.SaveSubtree(*hive.Find(hive.Root(), "One"), kMonday).Image(kMonday);
+  const std::uint32_t otherRoot = Load32(other.data() + BaseField::kRoot);
+  Record(other, Field(other, otherRoot, KeyField::kSecurity))[SecurityField::kDescriptor + 40] ^= 1;
+  const Hive source = Hive::Load(other, "another descriptor");
+  const Bytes descriptor = source.Security(source.Root());
+  hive.ReplaceSubtree(*hive.Find(hive.Root(), "One"), source);
+
+  // Every key gets the root's descriptor; the other one is left with a number that four more bring to 2.
+  Bytes file = hive.Image(kMonday);
+  const std::uint32_t unused = Field(file, CellOf(hive, "One"), KeyField::kSecurity);
+  for (const char* path : {"One", "One\\Two", "One\\Two\\\xD0\x96", "One\\Three"}) {
+    Store32(Record(file, CellOf(hive, path)) + KeyField::kSecurity, Field(file, hive.Root().cell, KeyField::kSecurity));
+  }
+  Store32(Record(file, unused) + SecurityField::kCount, 0xFFFFFFFE);
+  Hive opened = Hive::Load(file, "unused");
+  opened.ReplaceSubtree(*opened.Find(opened.Root(), "One"), source);
+  opened.DeleteTree(*opened.Find(opened.Root(), "One\\Two"));
+  const Hive written = Hive::Load(opened.Image(kMonday), "written");
+  EXPECT_EQ(written.Security(*written.Find(written.Root(), "One\\Three")), descriptor);
+}
+
+TEST(DamagedHive, KeepsToTheDepthOfKeys) {
+  Hive hive = EmptyHive(5);
+  HiveKey deepest = hive.Root();
+  for (std::size_t depth = 1; depth < 512; ++depth) deepest = hive.CreateSubkey(deepest, "d");
+  const HiveKey other = hive.CreateSubkey(hive.Root(), "other");
+  Bytes file = hive.Image(kMonday);
+  EXPECT_EQ(Refusal(file), "");
+  // The level 513: the deepest key gets the list of the root, with the other key alone in it.
+  const std::uint32_t list = Field(file, hive.Root().cell, KeyField::kSubkeyList);
+  Bytes deeper = file;
+  Store16(Record(deeper, list) + ListField::kCount, 1);
+  Store32(Record(deeper, hive.Root().cell) + KeyField::kSubkeyCount, 1);
+  Store32(Record(deeper, deepest.cell) + KeyField::kSubkeyCount, 1);
+  Store32(Record(deeper, deepest.cell) + KeyField::kSubkeyList, other.cell);
+  EXPECT_THAT(Refusal(deeper), HasSubstr("nested too deeply"));
+}
+
 TEST(DamagedHive, SaysWhereAndWhy) {
   const Bytes good = SmallHive().Image(kMonday);
   Hive hive = SmallHive();
   const std::uint32_t one = hive.Find(hive.Root(), "One")->cell;
   const std::uint32_t two = hive.Find(hive.Root(), "One\\Two")->cell;
-  const auto list = [&](Bytes& file, std::uint32_t key) { return Load32(Record(file, key) + KeyField::kSubkeyList); };
+  const std::uint32_t deepest = hive.Find(hive.Root(), "One\\Two\\\xD0\x96")->cell;
+  const auto list = [&](Bytes& file, std::uint32_t key) { return Field(file, key, KeyField::kSubkeyList); };
+  const auto text = [&](Bytes& file) { return Field(file, Field(file, deepest, KeyField::kValueList), 0); };
   struct Damage {
     std::string refusal;
     std::function<void(Bytes&)> apply;
@@ -126,6 +192,33 @@ TEST(DamagedHive, SaysWhereAndWhy) {
        [&](Bytes& file) { Store32(Record(file, list(file, two)) + ListField::kEntries, one); }},
       {"names another parent", [&](Bytes& file) { Store32(Record(file, two) + KeyField::kParent, two); }},
       {"number of subkeys", [&](Bytes& file) { Store32(Record(file, one) + KeyField::kSubkeyCount, 7); }},
+      {"number of subkeys", [&](Bytes& file) { Store32(Record(file, one) + KeyField::kSubkeyCount, 0); }},
+      {"number of subkeys", [&](Bytes& file) { Store32(Record(file, one) + KeyField::kSubkeyCount, 0x40000000); }},
+      {"number of subkeys",
+       [&](Bytes& file) {
+         Store16(Record(file, list(file, one)), kLeafIndexTag);
+         Store16(Record(file, list(file, one)) + ListField::kCount, 0);
+       }},
+      {"list of subkeys is empty", [&](Bytes& file) { Store16(Record(file, list(file, one)) + ListField::kCount, 0); }},
+      {"number of values", [&](Bytes& file) { Store32(Record(file, deepest) + KeyField::kValueCount, 0); }},
+      {"too short for the list of values",
+       [&](Bytes& file) { Store32(Record(file, deepest) + KeyField::kValueCount, 0x40000001); }},
+      {"its value leads to no cell",
+       [&](Bytes& file) { Store32(Record(file, Field(file, deepest, KeyField::kValueList)), 0xFFFFFFFF); }},
+      {"its data leads to no cell",
+       [&](Bytes& file) { Store32(Record(file, text(file)) + ValueField::kData, kNoCell); }},
+      {"more than 4 bytes",
+       [&](Bytes& file) { Store32(Record(file, text(file)) + ValueField::kDataSize, kInlineData | 5); }},
+      {"data reach beyond", [&](Bytes& file) { Store32(Record(file, text(file)) + ValueField::kDataSize, 16344); }},
+      {"big data", [&](Bytes& file) { Store32(Record(file, text(file)) + ValueField::kDataSize, 16345); }},
+      {"class name",
+       [&](Bytes& file) {
+         Store16(Record(file, two) + KeyField::kClassLength, 2);
+         Store32(Record(file, two) + KeyField::kClass, 0xFFFFFFF8);
+       }},
+      {"name is empty", [&](Bytes& file) { Store16(Record(file, two) + KeyField::kNameLength, 0); }},
+      {"name is empty", [&](Bytes& file) { Store16(Record(file, deepest) + KeyField::kNameLength, 1); }},
+      {"holds a backslash", [&](Bytes& file) { Record(file, two)[KeyField::kName + 1] = '\\'; }},
       {"name reaches beyond", [&](Bytes& file) { Store16(Record(file, two) + KeyField::kNameLength, 900); }},
   };
   for (const Damage& damage : damages) {

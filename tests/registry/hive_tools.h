@@ -73,4 +73,40 @@ inline Bytes Pattern(std::size_t size, std::size_t seed = 1) {
   return data;
 }
 
+/// A small hive with every kind of record that fits into two pages.
+inline Hive SmallHive() {
+  Hive hive = EmptyHive(5);
+  const HiveKey key = hive.CreatePath(hive.Root(), "One\\Two\\\xD0\x96");
+  hive.SetValue(key, "text", 1, Pattern(20));
+  hive.SetValue(key, "", 4, Pattern(4));
+  hive.CreatePath(hive.Root(), "One\\Three");
+  return hive;
+}
+
+/// One with lists of lists and big data.
+inline Hive LargeHive() {
+  Hive hive = SmallHive();
+  for (int number = 0; number < 600; ++number) hive.CreatePath(hive.Root(), "Many\\" + std::to_string(number));
+  hive.SetValue(hive.Root(), "big", 3, Bytes(40000));
+  return hive;
+}
+
+inline std::uint32_t CellOf(const Hive& hive, std::string_view path) {
+  return hive.Find(hive.Root(), path).value().cell;
+}
+
+/// A number of the record in a cell.
+inline std::uint32_t Field(Bytes& file, std::uint32_t cell, std::size_t field) {
+  return Load32(Record(file, cell) + field);
+}
+
+/// Makes an `lf` or `lh` list one without hints or hashes (`li`).
+inline void MakePlain(Bytes& file, std::uint32_t list) {
+  std::uint8_t* record = Record(file, list);
+  Store16(record, kPlainLeafTag);
+  for (std::size_t entry = 0; entry < Load16(record + ListField::kCount); ++entry) {
+    Store32(record + ListField::kEntries + 4 * entry, Load32(record + ListField::kEntries + 8 * entry));
+  }
+}
+
 }  // namespace quillbox

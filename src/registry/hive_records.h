@@ -1,0 +1,162 @@
+// The checks of single records of a hive, with the words for what is wrong with them. The check of a whole hive and
+// the salvage of a damaged one are made of them, so that the two never disagree on what is a fault.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <utility>
+
+#include "registry/hive_data.h"
+
+namespace quillbox {
+
+inline constexpr const char* kWrongSubkeyCount = "the key's number of subkeys is not that of its list";
+inline constexpr const char* kWrongValueCount = "the key's number of values is not that of its list";
+inline constexpr const char* kNestedTooDeeply = "the keys are nested too deeply";
+inline constexpr const char* kUnlinkedSecurity = "the security descriptors are not linked back";
+
+/// Checks records and remembers whose cells they are. Each cell may belong to one owner only, so that a walk ends, and
+/// nothing that is freed later is still in use elsewhere. Every offset that was read from the file goes through
+/// Claim() before anything follows it; no offset means anything else, whatever its number.
+///
+/// A fault is thrown as the Error of the hive's file. What was claimed before it stays claimed.
+class RecordChecker {
+ public:
+  enum class Cells {
+    Known,   ///< only the cells that the scan of the bins found
+    Likely,  ///< those, and what looks like one in damaged bins
+  };
+
+  /// `hive`: its cells are scanned already.
+  explicit RecordChecker(HiveData& hive, Cells allowed = Cells::Known)
+      : hive_(hive), cells_(hive.cells), unclaimed_(hive.cells.Used()), allowsLikely_(allowed == Cells::Likely) {}
+
+  [[noreturn]] void Fault(std::uint32_t cell, std::string why) const {
+    ThrowHiveFault(hive_.name, cell, std::move(why));
+  }
+
+  /// Makes `cell`, which the record in `owner` names, the owner's.
+  void Claim(std::uint32_t owner, std::uint32_t cell, const char* what) {
+    if (!IsCell(cell)) Fault(owner, std::string("the offset of its ") + what + " leads to no cell in use");
+    if (!unclaimed_.Test(cell)) {
+      Fault(owner, std::string("the cell of its ") + what + " belongs to another record already");
+    }
+    unclaimed_.Clear(cell);
+  }
+  void Claim(std::uint32_t owner, std::uint32_t cell, std::size_t size, const char* what) {
+    Claim(owner, cell, what);
+    if (cells_.Room(cell) < size) Fault(cell, TooShortFor(what));
+    Take(cell, size);
+  }
+  /// What Claim() says of a cell that has no room for the record.
+  static std::string TooShortFor(const char* what) {
+    return std::string("the cell is too short for the ") + what + " in it";
+  }
+
+  /// Where cells may overlap: makes the first `size` bytes of a claimed record its own.
+  void Take(std::uint32_t cell, std::size_t size) {
+    if (allowsLikely_) TakeBytes(cell, size);
+  }
+
+  /// True when a cell in use begins at `cell`, which may be any number.
+  bool IsCell(std::uint32_t cell) { return cells_.IsUsed(cell) || (allowsLikely_ && Adopt(cell)); }
+  /// True when the cell at `cell` is no record's yet and holds a record of this kind.
+  bool IsFree(std::uint32_t cell, std::uint16_t tag, std::size_t size) {
+    return (IsCell(cell) || AdoptTagged(cell, tag)) && unclaimed_.Test(cell) && cells_.Room(cell) >= size &&
+           cells_.Tag(cell) == tag;
+  }
+
+  /// The root key's own record. Nothing of a hive can be read without it.
+  void ClaimRoot();
+  /// A key's own record, that is its name and fields but nothing that they lead to.
+  void ClaimSubkey(std::uint32_t list, std::uint32_t key) {
+    AdoptTagged(key, kKeyTag);
+    Claim(list, key, KeyField::kName, "subkey");
+    CheckKey(key);
+    const std::size_t size = cells_.Get16(key, KeyField::kNameLength);
+    CheckSubkeyName(key, cells_.At(key) + KeyField::kName, size);
+  }
+  void ClaimClass(std::uint32_t key) {
+    const std::size_t length = cells_.Get16(key, KeyField::kClassLength);
+    const std::uint32_t className = cells_.Get32(key, KeyField::kClass);
+    if (length > 0 && className != kNoCell) Claim(key, className, length, "class name");
+  }
+  void ClaimDescriptor(std::uint32_t owner, std::uint32_t security);
+
+  /// A value's own record.
+  void ClaimValue(std::uint32_t list, std::uint32_t value) {
+    AdoptTagged(value, kValueTag);
+    Claim(list, value, ValueField::kName, "value");
+    RequireTag(value, kValueTag, "value");
+    Require(value, ValueField::kName + cells_.Get16(value, ValueField::kNameLength),
+            "the value's name reaches beyond its cell");
+  }
+  /// The data of a value whose record was claimed.
+  void ClaimData(std::uint32_t value) {
+    const std::uint32_t stored = cells_.Get32(value, ValueField::kDataSize);
+    const std::uint32_t size = stored & ~kInlineData;
+    if ((stored & kInlineData) != 0) {
+      if (size > kMaxInlineData) Fault(value, "a value without a data cell has more than 4 bytes");
+    } else if (size > 0) {
+      ClaimDataCell(value, cells_.Get32(value, ValueField::kData), size);
+    }
+  }
+
+  /// A list of subkeys, or one of its leaves. Its entries may reach beyond its cell still, see CheckEntries().
+  void ClaimList(std::uint32_t owner, std::uint32_t list) {
+    Claim(owner, list, ListField::kEntries, "list of subkeys");
+  }
+  bool IsIndex(std::uint32_t list) const { return cells_.Tag(list) == kLeafIndexTag; }
+  void CheckLeaf(std::uint32_t leaf) const {
+    if (!IsLeafTag(cells_.Tag(leaf))) Fault(leaf, "the cell does not hold the list of subkeys it should");
+    if (EntryCount(leaf) == 0) Fault(leaf, "the list of subkeys is empty");
+  }
+  void CheckEntries(std::uint32_t list) {
+    Require(list, ListField::kEntries + EntryCount(list) * Stride(list), "the list of subkeys reaches beyond its cell");
+  }
+  std::size_t EntryCount(std::uint32_t list) const { return cells_.Get16(list, ListField::kCount); }
+  std::size_t Stride(std::uint32_t list) const { return IsIndex(list) ? 4 : LeafStride(cells_.Tag(list)); }
+  std::uint32_t Entry(std::uint32_t list, std::size_t entry) const {
+    return cells_.Get32(list, ListField::kEntries + entry * Stride(list));
+  }
+
+  /// True when the key's number of subkeys is 0 and its list holds some nevertheless: keys that would be lost.
+  bool HasUncountedSubkeys(std::uint32_t key);
+  /// The same of values. Good at the end of a walk only: values have no field that names their key, so the witness is
+  /// that they are nobody else's.
+  bool HasUncountedValues(std::uint32_t key);
+  /// The first key that a list names, whatever is wrong with the list.
+  std::optional<std::uint32_t> FirstSubkey(std::uint32_t list);
+
+ private:
+  void RequireTag(std::uint32_t cell, std::uint16_t tag, const char* what) const {
+    if (cells_.Tag(cell) != tag) Fault(cell, std::string("the cell does not hold the ") + what + " it should");
+  }
+  void Require(std::uint32_t cell, std::size_t size, const char* why) {
+    if (cells_.Room(cell) < size) Fault(cell, why);
+    Take(cell, size);
+  }
+  void CheckKey(std::uint32_t key) {
+    RequireTag(key, kKeyTag, "key");
+    Require(key, KeyField::kName + cells_.Get16(key, KeyField::kNameLength), "the key's name reaches beyond its cell");
+  }
+  void CheckSubkeyName(std::uint32_t key, const std::uint8_t* name, std::size_t size) const;
+  void ClaimDataCell(std::uint32_t value, std::uint32_t data, std::uint32_t size);
+
+  bool Adopt(std::uint32_t cell);
+  bool AdoptTagged(std::uint32_t cell, std::uint16_t tag);
+  void TakeBytes(std::uint32_t cell, std::size_t size);
+
+  HiveData& hive_;
+  HiveCells& cells_;
+  CellBits unclaimed_;
+  bool allowsLikely_;
+  /// The bytes of records, from and to, where cells may overlap: no byte is read twice.
+  std::map<std::size_t, std::size_t> taken_;
+};
+
+}  // namespace quillbox
