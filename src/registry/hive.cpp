@@ -5,6 +5,7 @@
 
 #include "registry/hive_data.h"
 #include "text/error.h"
+#include "text/message_text.h"
 
 namespace quillbox {
 
@@ -129,6 +130,9 @@ const std::vector<UnusedHiveLog>& Hive::UnusedLogs() const {
 }
 const std::vector<HiveDamage>& Hive::Damage() const {
   return state_->damage;
+}
+std::uint64_t Hive::DamageCount() const {
+  return state_->damageCount;
 }
 
 Bytes Hive::Image(FileTime now) {
@@ -258,7 +262,7 @@ HiveKey Hive::CreatePath(HiveKey from, std::string_view path) {
 
 void Hive::SetValue(HiveKey key, std::string_view name, std::uint32_t type, ByteView data) {
   const std::uint32_t cell = Cell(*state_, key);
-  const std::string doing = "writing the value \"" + std::string(name.substr(0, 256)) + "\"";
+  const std::string doing = "writing the value \"" + ShortName(name) + "\"";
   const NewName newName(name);
   if (newName.units.size() > kMaxValueNameUnits) {
     ThrowRefusal(*state_, cell, doing, "its name has more than " + std::to_string(kMaxValueNameUnits) + " characters");

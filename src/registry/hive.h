@@ -57,7 +57,9 @@ struct UnusedHiveLog {
 
 /// A part of a hive that was left out because it is damaged.
 struct HiveDamage {
-  std::string part;          ///< the key's path below the root, then the value's name in quotes where it is a value
+  /// For messages: the key's path below the root ("the root key"), then the value's name in quotes where it is a value
+  /// ("(Default)" without); "the file" where the damage is not in one key.
+  std::string part;
   std::uint64_t offset = 0;  ///< bytes from the start of the file
   std::string fault;         ///< a clause without a final full stop
 };
@@ -93,8 +95,10 @@ class Hive {
   const std::vector<std::string>& AppliedLogs() const;
   /// Why each log beside a hive of the origin DirtyUnusedLogs was not used.
   const std::vector<UnusedHiveLog>& UnusedLogs() const;
-  /// What was left out; empty unless Load was told to leave out damaged parts.
+  /// What was left out; empty unless Load was told to leave out damaged parts. No more than the first thousand are
+  /// kept; DamageCount() counts all of them.
   const std::vector<HiveDamage>& Damage() const;
+  std::uint64_t DamageCount() const;
   /// The whole file: sequences equal, checksum right, `now` as the time of the last write. Ready to be written as it
   /// is.
   Bytes Image(FileTime now);

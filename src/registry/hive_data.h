@@ -32,6 +32,7 @@ struct HiveData {
   std::vector<std::string> appliedLogs;
   std::vector<UnusedHiveLog> unusedLogs;
   std::vector<HiveDamage> damage;
+  std::uint64_t damageCount = 0;  ///< those that were too many to be kept too
   bool changed = false;
   FileTime now = 0;
   std::uint32_t anySecurity = kNoCell;          ///< one cell of the ring of security cells
@@ -52,11 +53,18 @@ void CheckHive(HiveData& hive);
 
 // hive_keys.cpp
 StoredName KeyName(const HiveData& hive, std::uint32_t key);
+/// For messages: names with single backslashes between, over-long ones cut; empty for the root.
+std::string PathBelowRoot(const HiveData& hive, std::uint32_t key);
+/// The same behind the hive's name.
 std::string KeyPath(const HiveData& hive, std::uint32_t key);
 std::size_t KeyDepth(const HiveData& hive, std::uint32_t key);  ///< 1 for the root
 Bytes KeyClass(const HiveData& hive, std::uint32_t key);
 /// A key cell that no list names yet. `security` is counted; kNoCell for none.
 std::uint32_t MakeKey(HiveData& hive, std::uint32_t parent, const NewName& name, std::uint32_t security);
+/// A key cell that no list names yet: the name, time and flags of another hive's key, and nothing of what it holds.
+std::uint32_t CopyKeyRecord(HiveData& hive, std::uint32_t parent, const HiveData& source, std::uint32_t from);
+/// Gives a class name to a key without one.
+void SetClass(HiveData& hive, std::uint32_t key, ByteView className);
 /// Throws unless `size` more bytes (and what their cells need) fit into a hive.
 void RequireSpace(const HiveData& hive, std::uint32_t key, const std::string& doing, std::uint64_t size);
 /// Frees values, class and all that is below `key`, which stays with its name, parent, security and time.

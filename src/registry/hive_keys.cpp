@@ -3,6 +3,7 @@
 
 #include "registry/hive_data.h"
 #include "text/error.h"
+#include "text/message_text.h"
 
 namespace quillbox {
 
@@ -49,12 +50,22 @@ StoredName KeyName(const HiveData& hive, std::uint32_t key) {
   return {cells.At(key) + KeyField::kName, oneByte ? size : size / 2, oneByte};
 }
 
-std::string KeyPath(const HiveData& hive, std::uint32_t key) {
-  std::string below;
+std::string PathBelowRoot(const HiveData& hive, std::uint32_t key) {
+  std::vector<std::string> names;
   for (; key != hive.root; key = hive.cells.Get32(key, KeyField::kParent)) {
-    below.insert(0, "\\" + NameText(KeyName(hive, key)));
+    StoredName name = KeyName(hive, key);
+    const bool isTooLong = name.units > kLongestName;
+    if (isTooLong) name.units = kLongestName;
+    names.push_back(NameText(name) + (isTooLong ? "…" : ""));
   }
-  return hive.name + below;
+  std::reverse(names.begin(), names.end());
+  std::string path;
+  for (const std::string& name : names) path += (path.empty() ? "" : "\\") + name;
+  return path;
+}
+
+std::string KeyPath(const HiveData& hive, std::uint32_t key) {
+  return key == hive.root ? hive.name : hive.name + "\\" + PathBelowRoot(hive, key);
 }
 
 std::size_t KeyDepth(const HiveData& hive, std::uint32_t key) {
@@ -86,6 +97,33 @@ std::uint32_t MakeKey(HiveData& hive, std::uint32_t parent, const NewName& name,
   cells.Put16(key, KeyField::kNameLength, static_cast<std::uint16_t>(name.StoredSize()));
   name.Store(cells.At(key) + KeyField::kName);
   return key;
+}
+
+std::uint32_t CopyKeyRecord(HiveData& hive, std::uint32_t parent, const HiveData& source, std::uint32_t from) {
+  const std::size_t size = KeyField::kName + source.cells.Get16(from, KeyField::kNameLength);
+  const std::uint32_t key = hive.cells.Allocate(size);
+  HiveCells& cells = hive.cells;
+  std::memcpy(cells.At(key), source.cells.At(from), size);
+  cells.Put32(key, KeyField::kParent, parent);
+  for (const std::size_t field : {KeyField::kSubkeyCount, KeyField::kVolatileCount, KeyField::kValueCount,
+                                  KeyField::kMaxClass, KeyField::kMaxValueName, KeyField::kMaxValueData}) {
+    cells.Put32(key, field, 0);
+  }
+  for (const std::size_t field :
+       {KeyField::kSubkeyList, KeyField::kVolatileList, KeyField::kValueList, KeyField::kClass, KeyField::kSecurity}) {
+    cells.Put32(key, field, kNoCell);
+  }
+  cells.Put16(key, KeyField::kMaxSubkeyName, 0);
+  cells.Put16(key, KeyField::kClassLength, 0);
+  return key;
+}
+
+void SetClass(HiveData& hive, std::uint32_t key, ByteView className) {
+  if (className.empty()) return;
+  const std::uint32_t cell = hive.cells.Allocate(className.size());
+  std::memcpy(hive.cells.At(cell), className.data(), className.size());
+  hive.cells.Put32(key, KeyField::kClass, cell);
+  hive.cells.Put16(key, KeyField::kClassLength, static_cast<std::uint16_t>(className.size()));
 }
 
 void RequireSpace(const HiveData& hive, std::uint32_t key, const std::string& doing, std::uint64_t size) {

@@ -234,6 +234,8 @@ void InsertSubkey(HiveData& hive, std::uint32_t key, std::uint32_t subkey) {
       SplitLeaf(hive, key, spot);
       spot = Locate(hive, key, upper);
     }
+    // Equal names, which only a copied key's subkeys can have, keep their order: the first one is found.
+    while (spot.entry < Count(hive, spot.leaf) && CompareEntry(hive, spot.leaf, spot.entry, upper) == 0) ++spot.entry;
   }
   const std::uint32_t leaf = OpenEntry(hive, spot.leaf, spot.entry);
   if (leaf != spot.leaf) PointToLeaf(hive, key, spot.leafIndex, leaf);

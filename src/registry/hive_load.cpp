@@ -3,6 +3,7 @@
 
 #include "registry/hive_data.h"
 #include "registry/hive_log.h"
+#include "registry/hive_salvage.h"
 #include "text/error.h"
 
 namespace quillbox {
@@ -51,8 +52,7 @@ Bytes CutToBins(const HiveData& hive, Bytes file) {
   return file;
 }
 
-void LoadFile(HiveData& hive, Bytes file, DamagedParts /*damaged*/) {
-  CheckBase(hive, file);
+void LoadWhole(HiveData& hive, Bytes file) {
   hive.cells = HiveCells(CutToBins(hive, std::move(file)));
   const std::uint8_t* base = hive.cells.Base();
   hive.minor = Load32(base + BaseField::kMinor);
@@ -60,6 +60,23 @@ void LoadFile(HiveData& hive, Bytes file, DamagedParts /*damaged*/) {
   hive.now = Load64(base + BaseField::kTime);
   hive.cells.Scan([&](std::size_t offset, std::string why) { ThrowHiveFault(hive.name, offset, std::move(why)); });
   CheckHive(hive);
+}
+
+/// `hive` has a name and nothing else.
+void LoadFile(HiveData& hive, Bytes file, DamagedParts damaged) {
+  CheckBase(hive, file);
+  if (damaged == DamagedParts::Refuse) {
+    LoadWhole(hive, std::move(file));
+    return;
+  }
+  try {
+    HiveData whole;
+    whole.name = hive.name;
+    LoadWhole(whole, file);
+    hive = std::move(whole);
+  } catch (const Error& fault) {
+    SalvageHive(hive, std::move(file), fault);
+  }
 }
 
 HiveData LoadedFile(const std::string& name, Bytes file, DamagedParts damaged) {

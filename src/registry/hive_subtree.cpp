@@ -1,6 +1,7 @@
 #include <cstring>
 
 #include "registry/hive_data.h"
+#include "text/message_text.h"
 
 namespace quillbox {
 
@@ -46,21 +47,7 @@ class TreeCopier {
   }
 
   std::uint32_t CopyKey(std::uint32_t parent, std::uint32_t from) {
-    const std::size_t size = KeyField::kName + source_.cells.Get16(from, KeyField::kNameLength);
-    const std::uint32_t key = hive_.cells.Allocate(size);
-    HiveCells& cells = hive_.cells;
-    std::memcpy(cells.At(key), source_.cells.At(from), size);
-    cells.Put32(key, KeyField::kParent, parent);
-    for (const std::size_t field : {KeyField::kSubkeyCount, KeyField::kVolatileCount, KeyField::kValueCount,
-                                    KeyField::kMaxClass, KeyField::kMaxValueName, KeyField::kMaxValueData}) {
-      cells.Put32(key, field, 0);
-    }
-    for (const std::size_t field : {KeyField::kSubkeyList, KeyField::kVolatileList, KeyField::kValueList,
-                                    KeyField::kClass, KeyField::kSecurity}) {
-      cells.Put32(key, field, kNoCell);
-    }
-    cells.Put16(key, KeyField::kMaxSubkeyName, 0);
-    cells.Put16(key, KeyField::kClassLength, 0);
+    const std::uint32_t key = CopyKeyRecord(hive_, parent, source_, from);
     CopyContent(key, from);
     InsertSubkey(hive_, parent, key);
     return key;
@@ -68,13 +55,7 @@ class TreeCopier {
 
   /// Values, class name and security of one key.
   void CopyContent(std::uint32_t to, std::uint32_t from) {
-    const Bytes className = KeyClass(source_, from);
-    if (!className.empty()) {
-      const std::uint32_t cell = hive_.cells.Allocate(className.size());
-      std::memcpy(hive_.cells.At(cell), className.data(), className.size());
-      hive_.cells.Put32(to, KeyField::kClass, cell);
-      hive_.cells.Put16(to, KeyField::kClassLength, static_cast<std::uint16_t>(className.size()));
-    }
+    SetClass(hive_, to, KeyClass(source_, from));
     CopySecurity(to, from);
     const std::size_t count = source_.cells.Get32(from, KeyField::kValueCount);
     for (std::size_t at = 0; at < count; ++at) CopyValue(hive_, to, source_, ValueCell(source_, from, at));
@@ -145,7 +126,7 @@ class TreeMeasure {
   void AddValue(std::uint32_t key, std::uint32_t value) {
     const std::uint64_t data = ValueSize(source_, value);
     if (const std::string fault = DataFault(hive_, data); !fault.empty()) {
-      ThrowRefusal(source_, key, doing_, "value \"" + NameText(ValueName(source_, value)) + "\": " + fault);
+      ThrowRefusal(source_, key, doing_, "value \"" + ShortName(NameText(ValueName(source_, value))) + "\": " + fault);
     }
     // Big data stand in pieces that do not fill their bins: a quarter more is ample.
     size_ += source_.cells.Room(value) + data + data / 4 + 3 * kRecordOverhead;

@@ -1,0 +1,386 @@
+#include "registry/hive_salvage.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "registry/hive_records.h"
+#include "text/message_text.h"
+
+namespace quillbox {
+
+namespace {
+
+constexpr const char* kDoing = "opening the hive";
+constexpr const char* kWholeFile = "the file";
+
+void AddDamage(HiveData& hive, std::string part, std::uint64_t offset, std::string fault) {
+  if (++hive.damageCount > kMaxDamageNotes) return;
+  hive.damage.push_back({std::move(part), offset, std::move(fault)});
+}
+
+/// Walks a damaged hive from its root, and copies what passes the same checks as a whole hive's records into a new one.
+class Salvager {
+ public:
+  /// `damaged`: scanned, with a root. `hive`: without keys.
+  Salvager(HiveData& hive, HiveData& damaged)
+      : hive_(hive),
+        damaged_(damaged),
+        cells_(damaged.cells),
+        records_(damaged, RecordChecker::Cells::Likely),
+        pool_(hive) {}
+
+  void Run() {
+    records_.ClaimRoot();
+    hive_.root = CopyKeyRecord(hive_, kNoCell, damaged_, damaged_.root);
+    Store32(hive_.cells.Base() + BaseField::kRoot, hive_.root);
+    CopyContent({damaged_.root, hive_.root, 1});
+    CopyBelow();
+    FindOrphans();
+    CopyOrphans();
+    while (!misplaced_.empty()) {
+      const Misplaced next = misplaced_.back();
+      misplaced_.pop_back();
+      TakeSubkey(next.parent, next.list, next.key);
+      CopyBelow();
+      CopyOrphans();
+    }
+    for (const Key& key : uncertainValues_) CopyUncertainValues(key);
+    CheckLinks();
+  }
+
+ private:
+  struct Key {
+    std::uint32_t from = kNoCell;  ///< in the damaged hive
+    std::uint32_t to = kNoCell;    ///< in the new one
+    std::size_t depth = 0;         ///< 1 for the root
+  };
+  /// A key that a list names, and that itself names another parent.
+  struct Misplaced {
+    Key parent;
+    std::uint32_t list = kNoCell;
+    std::uint32_t key = kNoCell;
+  };
+
+  void Note(std::uint32_t to, const Error& fault) { NoteOf(to, {}, fault.Place().offset.value_or(0), fault.Why()); }
+
+  /// Notes a damage of the new hive's key `to`, or of its value `value`.
+  void NoteOf(std::uint32_t to, const std::string& value, std::uint64_t offset, std::string fault) {
+    if (hive_.damageCount >= kMaxDamageNotes) {
+      ++hive_.damageCount;
+      return;
+    }
+    std::string part = to == hive_.root ? "the root key" : ShortName(PathBelowRoot(hive_, to));
+    if (!value.empty()) part = to == hive_.root ? value : part + " " + value;
+    AddDamage(hive_, OneLine(part), offset, std::move(fault));
+  }
+
+  void NoteCell(std::uint32_t to, std::uint32_t cell, std::string fault) {
+    NoteOf(to, {}, kHivePage + cell, std::move(fault));
+  }
+
+  /// False when `check` met a fault, which is then noted as one of the key `to`.
+  template <typename Check>
+  bool Passes(std::uint32_t to, Check check) {
+    try {
+      check();
+      return true;
+    } catch (const Error& fault) {
+      Note(to, fault);
+      return false;
+    }
+  }
+
+  void CopyBelow() {
+    while (!pending_.empty()) {
+      const Key key = pending_.back();
+      pending_.pop_back();
+      CopySubkeys(key);
+    }
+  }
+
+  /// All of a key but its subkeys, which are left for later.
+  void CopyContent(const Key& key) {
+    if (Passes(key.to, [&] { records_.ClaimClass(key.from); })) SetClass(hive_, key.to, KeyClass(damaged_, key.from));
+    CopySecurity(key);
+    CopyValues(key);
+    pending_.push_back(key);
+  }
+
+  // Security descriptors
+
+  void CopySecurity(const Key& key) {
+    const std::uint32_t theirs = cells_.Get32(key.from, KeyField::kSecurity);
+    if (theirs == kNoCell) return;
+    ClaimDescriptor(key.from, theirs);
+    if (const auto broken = brokenDescriptors_.find(theirs); broken != brokenDescriptors_.end()) {
+      const bool isInCell = broken->second.offset == kHivePage + theirs;
+      NoteCell(key.to, isInCell ? theirs : key.from, broken->second.fault);
+      hive_.cells.Put32(key.to, KeyField::kSecurity, Inherited(key.to));
+      return;
+    }
+    std::uint32_t& ours = descriptors_[theirs];
+    if (ours == kNoCell) {
+      ours = pool_.Share(Descriptor(damaged_, theirs));
+    } else {
+      ShareSecurity(hive_, ours);
+    }
+    hive_.cells.Put32(key.to, KeyField::kSecurity, ours);
+  }
+
+  std::uint32_t Inherited(std::uint32_t to) {
+    if (to == hive_.root) return pool_.Share(DefaultDescriptor());
+    const std::uint32_t parent = hive_.cells.Get32(to, KeyField::kParent);
+    const std::uint32_t security = hive_.cells.Get32(parent, KeyField::kSecurity);
+    ShareSecurity(hive_, security);
+    return security;
+  }
+
+  /// Puts what `owner` names into one of the two sets of descriptors, unless it is there already.
+  void ClaimDescriptor(std::uint32_t owner, std::uint32_t security) {
+    if (descriptors_.contains(security) || brokenDescriptors_.contains(security)) return;
+    try {
+      records_.ClaimDescriptor(owner, security);
+    } catch (const Error& fault) {
+      brokenDescriptors_[security] = {{}, fault.Place().offset.value_or(0), fault.Why()};
+      return;
+    }
+    RequireSpace(hive_, hive_.root, kDoing, cells_.Get32(security, SecurityField::kSize));
+    descriptors_.emplace(security, kNoCell);
+    order_.push_back(security);
+  }
+
+  /// Nothing is read by the links between the descriptors, but they are part of the hive, and may be damaged.
+  void CheckLinks() {
+    for (std::size_t at = 0; at < order_.size();) {
+      const std::uint32_t security = order_[at++];  // which may get more
+      const std::uint32_t next = cells_.Get32(security, SecurityField::kNext);
+      const bool isKnown = descriptors_.contains(next) || brokenDescriptors_.contains(next);
+      ClaimDescriptor(security, next);
+      if (const auto broken = brokenDescriptors_.find(next); broken != brokenDescriptors_.end()) {
+        if (!isKnown) AddDamage(hive_, kWholeFile, broken->second.offset, broken->second.fault);
+      } else if (cells_.Get32(next, SecurityField::kPrevious) != security) {
+        AddDamage(hive_, kWholeFile, kHivePage + next, kUnlinkedSecurity);
+      }
+    }
+  }
+
+  // Values
+
+  void CopyValues(const Key& key) {
+    const std::size_t count = cells_.Get32(key.from, KeyField::kValueCount);
+    const std::uint32_t list = cells_.Get32(key.from, KeyField::kValueList);
+    if (count == 0) {
+      if (list != kNoCell) uncertainValues_.push_back(key);
+      return;
+    }
+    constexpr const char* kWhat = "list of values";
+    if (!Passes(key.to, [&] { records_.Claim(key.from, list, kWhat); })) return;
+    if (cells_.Room(list) / 4 < count) {
+      NoteCell(key.to, list, RecordChecker::TooShortFor(kWhat));
+      uncertainValues_.push_back(key);
+      return;
+    }
+    if (!Passes(key.to, [&] { records_.Take(list, count * 4); })) return;
+    for (std::size_t at = 0; at < count; ++at) CopyOneValue(key, list, cells_.Get32(list, at * 4));
+  }
+
+  void CopyOneValue(const Key& key, std::uint32_t list, std::uint32_t value) {
+    std::string name;
+    try {
+      records_.ClaimValue(list, value);
+      name = NameText(ValueName(damaged_, value));
+      name = name.empty() ? "(Default)" : "\"" + ShortName(name) + "\"";
+      records_.ClaimData(value);
+      if (const std::uint64_t size = ValueSize(damaged_, value); hive_.minor > 3) {
+        if (const std::string why = DataFault(hive_, size); !why.empty()) records_.Fault(value, why);
+      }
+    } catch (const Error& fault) {
+      NoteOf(key.to, name, fault.Place().offset.value_or(0), fault.Why());
+      return;
+    }
+    const std::uint64_t size = ValueSize(damaged_, value);
+    RequireSpace(hive_, key.to, kDoing, size + size / 4 + cells_.Get16(value, ValueField::kNameLength));
+    CopyValue(hive_, key.to, damaged_, value);
+  }
+
+  /// The values of a list whose end is not known: what is left of older, longer lists may follow it. So it comes when
+  /// every other list has its values, and takes only what looks like one.
+  void CopyUncertainValues(const Key& key) {
+    const std::uint32_t list = cells_.Get32(key.from, KeyField::kValueList);
+    if (cells_.Get32(key.from, KeyField::kValueCount) == 0) {
+      if (!records_.HasUncountedValues(key.from)) return;
+      NoteCell(key.to, key.from, kWrongValueCount);
+      if (!Passes(key.to, [&] { records_.Claim(key.from, list, "list of values"); })) return;
+    }
+    for (std::size_t at = 0; at < cells_.Room(list) / 4; ++at) {
+      const std::uint32_t value = cells_.Get32(list, at * 4);
+      if (records_.IsFree(value, kValueTag, ValueField::kName)) CopyOneValue(key, list, value);
+    }
+  }
+
+  // Subkeys
+
+  void CopySubkeys(const Key& key) {
+    const std::uint64_t faults = hive_.damageCount;
+    const std::uint32_t count = cells_.Get32(key.from, KeyField::kSubkeyCount);
+    const bool uncounted = records_.HasUncountedSubkeys(key.from);
+    if (uncounted) NoteCell(key.to, key.from, kWrongSubkeyCount);
+    if (count == 0 && !uncounted) return;
+    if (key.depth == Hive::kMaxDepth) {
+      NoteCell(key.to, key.from, kNestedTooDeeply);
+      return;
+    }
+    const std::uint32_t list = cells_.Get32(key.from, KeyField::kSubkeyList);
+    if (Passes(key.to, [&] { ClaimOwnList(key.from, list); })) {
+      const std::uint64_t seen = records_.IsIndex(list) ? CopyLeaves(key, list) : CopyLeaf(key, list);
+      if (seen != count && hive_.damageCount == faults) NoteCell(key.to, key.from, kWrongSubkeyCount);
+    }
+    if (hive_.damageCount != faults) incomplete_.push_back(key);
+  }
+
+  /// A list that another key names, and whose keys name that one as their parent, is left to it.
+  void ClaimOwnList(std::uint32_t key, std::uint32_t list) {
+    if (const auto subkey = records_.FirstSubkey(list)) {
+      const std::uint32_t parent = cells_.Get32(*subkey, KeyField::kParent);
+      if (parent != key && IsKey(parent) && cells_.Get32(parent, KeyField::kSubkeyCount) > 0 &&
+          cells_.Get32(parent, KeyField::kSubkeyList) == list) {
+        records_.Fault(key, "the cell of its list of subkeys belongs to another record already");
+      }
+    }
+    records_.ClaimList(key, list);
+  }
+
+  bool IsKey(std::uint32_t cell) {
+    return records_.IsCell(cell) && cells_.Room(cell) >= KeyField::kName && cells_.Tag(cell) == kKeyTag;
+  }
+
+  /// How many entries of a list are in its cell; `whole` is true when these are all.
+  std::size_t ReadableEntries(const Key& key, std::uint32_t list, bool& whole) {
+    whole = Passes(key.to, [&] { records_.CheckEntries(list); });
+    const std::size_t room = (cells_.Room(list) - ListField::kEntries) / records_.Stride(list);
+    return std::min(records_.EntryCount(list), room);
+  }
+
+  /// How many subkeys the lists name.
+  std::uint64_t CopyLeaves(const Key& key, std::uint32_t index) {
+    bool whole = false;
+    const std::size_t count = ReadableEntries(key, index, whole);
+    std::uint64_t seen = 0;
+    for (std::size_t at = 0; at < count; ++at) {
+      const std::uint32_t leaf = records_.Entry(index, at);
+      if (!whole && !records_.IsCell(leaf)) continue;
+      if (Passes(key.to, [&] { records_.ClaimList(index, leaf); })) seen += CopyLeaf(key, leaf);
+    }
+    return seen;
+  }
+
+  std::uint64_t CopyLeaf(const Key& key, std::uint32_t leaf) {
+    if (!Passes(key.to, [&] { records_.CheckLeaf(leaf); })) return 0;
+    bool whole = false;
+    const std::size_t count = ReadableEntries(key, leaf, whole);
+    for (std::size_t at = 0; at < count; ++at) {
+      const std::uint32_t subkey = records_.Entry(leaf, at);
+      const bool isKey = records_.IsFree(subkey, kKeyTag, KeyField::kName);
+      const bool isOurs = isKey && cells_.Get32(subkey, KeyField::kParent) == key.from;
+      if (isKey && !isOurs && whole) {
+        misplaced_.push_back({key, leaf, subkey});
+      } else if (isOurs || whole) {
+        TakeSubkey(key, leaf, subkey);
+      }
+    }
+    return count;
+  }
+
+  /// Keys in use that no list has named so far, by the parents that they name themselves.
+  void FindOrphans() {
+    if (incomplete_.empty()) return;
+    for (std::size_t at = 0; at + kCellUnit <= cells_.BinsSize(); at += kCellUnit) {
+      const auto cell = static_cast<std::uint32_t>(at);
+      if (cells_.Tag(cell) != kKeyTag || !records_.IsFree(cell, kKeyTag, KeyField::kName)) continue;
+      orphans_.emplace_back(cells_.Get32(cell, KeyField::kParent), cell);
+    }
+    std::sort(orphans_.begin(), orphans_.end());
+  }
+
+  /// A key whose lists were not read whole gets the keys that name it as their parent.
+  void CopyOrphans() {
+    while (!incomplete_.empty()) {
+      const Key key = incomplete_.back();
+      incomplete_.pop_back();
+      for (auto orphan = std::lower_bound(orphans_.begin(), orphans_.end(), std::pair(key.from, std::uint32_t{0}));
+           orphan != orphans_.end() && orphan->first == key.from; ++orphan) {
+        if (records_.IsFree(orphan->second, kKeyTag, KeyField::kName)) TakeSubkey(key, key.from, orphan->second);
+      }
+      CopyBelow();
+    }
+  }
+
+  void TakeSubkey(const Key& parent, std::uint32_t list, std::uint32_t subkey) {
+    if (!Passes(parent.to, [&] {
+          records_.ClaimSubkey(list, subkey);
+          if (!CanTakeSubkey(hive_, parent.to)) records_.Fault(subkey, "the key's list of subkeys is full");
+        })) {
+      return;
+    }
+    const std::size_t room = cells_.Get16(subkey, KeyField::kNameLength) + KeyField::kName;
+    RequireSpace(hive_, parent.to, kDoing, room + cells_.Get16(subkey, KeyField::kClassLength));
+    const std::uint32_t to = CopyKeyRecord(hive_, parent.to, damaged_, subkey);
+    if (cells_.Get32(subkey, KeyField::kParent) != parent.from) {
+      NoteCell(to, subkey, "its parent offset is wrong; corrected");
+    }
+    CopyContent({subkey, to, parent.depth + 1});
+    InsertSubkey(hive_, parent.to, to);
+  }
+
+  HiveData& hive_;
+  HiveData& damaged_;
+  HiveCells& cells_;  ///< of the damaged hive
+  RecordChecker records_;
+  SecurityPool pool_;
+  std::vector<Key> pending_;  ///< keys whose subkeys are not copied yet
+  std::vector<Misplaced> misplaced_;
+  std::vector<Key> incomplete_;                                   ///< keys of whose subkeys some may be missing
+  std::vector<std::pair<std::uint32_t, std::uint32_t>> orphans_;  ///< the parent, the key
+  std::vector<Key> uncertainValues_;
+  std::unordered_map<std::uint32_t, std::uint32_t> descriptors_;  ///< theirs: ours, kNoCell while no key has it
+  std::unordered_map<std::uint32_t, HiveDamage> brokenDescriptors_;
+  std::vector<std::uint32_t> order_;  ///< the descriptors as they were met
+};
+
+/// As much of the file as cells can be in.
+Bytes CutToCells(Bytes file) {
+  const std::size_t size = std::min(file.size() - kHivePage, kMaxBinsSize);
+  file.resize(kHivePage + size / kCellUnit * kCellUnit);
+  return file;
+}
+
+}  // namespace
+
+void SalvageHive(HiveData& hive, Bytes file, const Error& fault) {
+  const std::size_t named = Load32(file.data() + BaseField::kBinsSize);
+  const auto noteFault = [&] { AddDamage(hive, kWholeFile, fault.Place().offset.value_or(0), fault.Why()); };
+  const bool isSizeRight = named > 0 && named % kHivePage == 0 && named <= kMaxBinsSize;
+  // The first thing that was checked.
+  if (!isSizeRight || file.size() - kHivePage < named) noteFault();
+  hive.minor = Load32(file.data() + BaseField::kMinor);
+  hive.now = Load64(file.data() + BaseField::kTime);
+  hive.cells = HiveCells(Bytes(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(kHivePage)));
+
+  HiveData damaged;
+  damaged.name = hive.name;
+  damaged.minor = hive.minor;
+  damaged.root = Load32(file.data() + BaseField::kRoot);
+  damaged.cells = HiveCells(CutToCells(std::move(file)));
+  damaged.cells.Scan([&](std::size_t offset, std::string why) {
+    // What follows the last bin need not be one.
+    if (isSizeRight && offset >= named) return;
+    AddDamage(hive, kWholeFile, kHivePage + offset, std::move(why));
+  });
+  Salvager(hive, damaged).Run();
+  if (hive.damage.empty()) noteFault();
+}
+
+}  // namespace quillbox
