@@ -23,7 +23,7 @@ Bytes Stored(std::u16string text) {
 /// A registry with nothing but an empty user's hive.
 struct System : OfflineFixture {
   explicit System(HiveMode mode = HiveMode::Write)
-      : file(MakeHiveFile(disk / "NTUSER.DAT"), mode, disk / "state", log) {
+      : file(HostPlace::Anywhere(MakeHiveFile(disk / "NTUSER.DAT")), mode, disk / "state", log) {
     registry.Mount(kRoot, file);
   }
 

@@ -13,7 +13,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/offline/host_file.h"
+#include "platform/offline/host_fd.h"
 
 namespace quillbox {
 
@@ -33,7 +33,7 @@ constexpr RawAttributes kSystem = 0x4;
 /// An attribute's bytes: empty for a file without it, nothing where the file system has no such attributes.
 std::optional<std::string> ReadExtended(const char* path, const char* name) {
   std::array<char, 256> buffer = {};
-  const ssize_t size = getxattr(path, name, buffer.data(), buffer.size());
+  const ssize_t size = lgetxattr(path, name, buffer.data(), buffer.size());
   if (size >= 0) return std::string(buffer.data(), static_cast<std::size_t>(size));
   if (errno == ENOTSUP) return std::nullopt;
   return std::string();
@@ -58,7 +58,7 @@ std::optional<RawAttributes> ReadNtfs(const char* path) {
 }
 
 std::optional<RawAttributes> ReadFat(const char* path) {
-  const HostFd fd(open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  const HostFd fd(open(path, O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
   if (!fd) return 0;
   RawAttributes attributes = 0;
   if (ioctl(fd.Get(), FAT_IOCTL_GET_ATTRIBUTES, &attributes) != 0) return std::nullopt;
@@ -84,15 +84,16 @@ constexpr std::array kSources = {AttributeSource{ReadNtfsBigEndian}, AttributeSo
 
 }  // namespace
 
-AttributeReader::AttributeReader(std::filesystem::path folder) : folder_(std::move(folder)) {
+AttributeReader::AttributeReader(int folder) : folder_("/proc/self/fd/" + std::to_string(folder) + "/") {
+  const std::string itself = folder_ + ".";
   for (const AttributeSource& source : kSources) {
-    if (source_ == nullptr && source.read(folder_.c_str())) source_ = &source;
+    if (source_ == nullptr && source.read(itself.c_str())) source_ = &source;
   }
 }
 
 FileAttributes AttributeReader::Of(const std::string& name) const {
   if (source_ == nullptr) return {};
-  const RawAttributes attributes = source_->read((folder_ / name).c_str()).value_or(0);
+  const RawAttributes attributes = source_->read((folder_ + name).c_str()).value_or(0);
   return {(attributes & kHidden) != 0, (attributes & kSystem) != 0};
 }
 

@@ -2,7 +2,6 @@
 // where none does, nothing is hidden.
 #pragma once
 
-#include <filesystem>
 #include <string>
 
 namespace quillbox {
@@ -16,12 +15,13 @@ struct FileAttributes {
 /// entries cost nothing where it has none.
 class AttributeReader {
  public:
-  explicit AttributeReader(std::filesystem::path folder);
-  /// The attributes of the entry `name`; none set when they cannot be read.
+  /// `folder` is a descriptor of the folder, which must stay open.
+  explicit AttributeReader(int folder);
+  /// The attributes of the entry `name`, those of a link being its own; none set when they cannot be read.
   FileAttributes Of(const std::string& name) const;
 
  private:
-  std::filesystem::path folder_;
+  std::string folder_;  ///< the descriptor as a path, final slash included: some calls know attributes by path only
   const struct AttributeSource* source_ = nullptr;  ///< null when the file system keeps no attributes
 };
 

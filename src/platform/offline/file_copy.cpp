@@ -1,10 +1,10 @@
 #include "platform/offline/file_copy.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <optional>
 #include <string_view>
 #include <system_error>
 #include <vector>
@@ -30,7 +30,7 @@ auto About(const CopySide& side, Act act) {
   try {
     return act();
   } catch (const std::system_error& failure) {
-    Fail(side, SystemReason(failure.code().value()));
+    Fail(side, ReasonOf(failure.code()));
   }
 }
 
@@ -100,15 +100,13 @@ class Run {
 };
 
 Outcome CopyOnce(const CopySide& source, const CopySide& target, const CopyProgress& progress) {
-  const HostFd from(open(source.file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-  if (!from) Fail(source, SystemReason(errno));
+  const HostFd from = About(source, [&] { return OpenForReading(source.file); });
   const struct stat before = About(source, [&] { return StatusOf(from.Get()); });
-  if (!S_ISREG(before.st_mode)) Fail(source, S_ISDIR(before.st_mode) ? "it is a folder" : "it is no ordinary file");
+  if (!S_ISREG(before.st_mode)) Fail(source, S_ISDIR(before.st_mode) ? "it is a folder" : "it is not an ordinary file");
 
   return About(target, [&] {
-    struct stat replaced = {};
-    if (stat(target.file.c_str(), &replaced) == 0 && replaced.st_dev == before.st_dev &&
-        replaced.st_ino == before.st_ino) {
+    const std::optional<struct stat> replaced = StatPlace(target.file);
+    if (replaced && replaced->st_dev == before.st_dev && replaced->st_ino == before.st_ino) {
       Fail(target, "the source and the target are the same file");
     }
     NewFile to(target.file);
@@ -116,8 +114,8 @@ Outcome CopyOnce(const CopySide& source, const CopySide& target, const CopyProgr
         Run(source, target, from.Get(), to).CopyAll(static_cast<std::uint64_t>(before.st_size), progress);
     if (outcome != Outcome::Copied) return outcome;
 
-    struct stat byName = {};
-    const bool sameFile = stat(source.file.c_str(), &byName) == 0 && Unchanged(before, byName);
+    const std::optional<struct stat> byName = StatPlace(source.file);
+    const bool sameFile = byName && Unchanged(before, *byName);
     if (!sameFile || !Unchanged(before, StatusOf(from.Get()))) return Outcome::SourceChanged;
     to.SetTimes(before.st_atim, before.st_mtim);
     to.Commit();

@@ -2,15 +2,16 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <functional>
 #include <string>
+
+#include "platform/offline/host_place.h"
 
 namespace quillbox {
 
 /// A file of a copy, and how the person knows it.
 struct CopySide {
-  std::filesystem::path file;
+  HostPlace file;
   std::string shownAs;  ///< stands in errors
 };
 

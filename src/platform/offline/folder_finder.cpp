@@ -4,10 +4,13 @@
 #include <sys/stat.h>
 
 #include <array>
+#include <system_error>
 #include <utility>
 
-#include "platform/offline/drive_map.h"
+#include "platform/offline/folder_names.h"
 #include "platform/offline/host_file.h"
+#include "platform/offline/place_finder.h"
+#include "platform/offline/windows_names.h"
 
 namespace quillbox {
 
@@ -15,34 +18,55 @@ namespace {
 
 constexpr std::array kDots = {".", ".."};
 
-bool IsDots(const char* name) {
-  return name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0));
+DIR* OpenForEntries(const HostPlace& place) try {
+  HostFd folder = OpenFolder(place);
+  DIR* dir = fdopendir(folder.Get());
+  if (dir != nullptr) folder.Release();
+  return dir;
+} catch (const std::system_error&) {
+  return nullptr;
 }
 
 }  // namespace
 
-std::optional<FileEntry> ReadHostEntry(int folderFd, const std::string& storedName, const AttributeReader* attributes) {
+std::optional<struct stat> StatEntry(const OpenedFolder& folder, const std::string& storedName) {
   struct stat info = {};
-  if (fstatat(folderFd, storedName.c_str(), &info, 0) != 0 &&
-      fstatat(folderFd, storedName.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
-    return std::nullopt;
+  if (fstatat(folder.fd, storedName.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) return std::nullopt;
+  if (!S_ISLNK(info.st_mode)) return info;
+  if (!folder.place.IsBeneathDrive()) {
+    struct stat target = {};
+    return fstatat(folder.fd, storedName.c_str(), &target, 0) == 0 ? target : info;
   }
+  const PlaceResult led = FollowEntry(folder.place, storedName);
+  return led ? StatPlace(*led).value_or(info) : info;
+}
+
+FileEntry EntryOf(const struct stat& info) {
   FileEntry entry;
   entry.isDirectory = S_ISDIR(info.st_mode);
   entry.size = entry.isDirectory ? 0 : static_cast<std::uint64_t>(info.st_size);
   entry.modified = ToFileTime(info.st_mtim);
+  return entry;
+}
+
+std::optional<FileEntry> ReadHostEntry(const OpenedFolder& folder, const std::string& storedName,
+                                       const AttributeReader* attributes) {
+  const std::optional<struct stat> info = StatEntry(folder, storedName);
+  if (!info) return std::nullopt;
+  FileEntry entry = EntryOf(*info);
   const FileAttributes flags = attributes != nullptr ? attributes->Of(storedName) : FileAttributes();
   entry.isHidden = flags.isHidden;
   entry.isSystem = flags.isSystem;
   return entry;
 }
 
-FolderFinder::FolderFinder(const std::filesystem::path& folder, const std::string& pattern, Options options)
-    : dir_(opendir(folder.c_str())),
+FolderFinder::FolderFinder(const HostPlace& folder, const std::string& pattern, Options options)
+    : place_(folder),
+      dir_(OpenForEntries(folder)),
       pattern_(pattern),
       namesOnly_(options.namesOnly),
       dotsGiven_(options.isRoot ? 2 : 0) {
-  if (dir_ && !namesOnly_) attributes_.emplace(folder);
+  if (dir_ && !namesOnly_) attributes_.emplace(dirfd(dir_.get()));
 }
 
 std::optional<FileEntry> FolderFinder::Next() {
@@ -64,7 +88,7 @@ std::optional<FileEntry> FolderFinder::NextDots() {
   while (dotsGiven_ < 2) {
     const char* name = kDots[static_cast<std::size_t>(dotsGiven_++)];
     if (!pattern_.Matches(name)) continue;
-    FileEntry entry = ReadHostEntry(dirfd(dir_.get()), name, nullptr).value_or(FileEntry());
+    FileEntry entry = ReadHostEntry({place_, dirfd(dir_.get())}, name, nullptr).value_or(FileEntry());
     entry.name = name;
     entry.isDirectory = true;
     return entry;
@@ -75,7 +99,7 @@ std::optional<FileEntry> FolderFinder::NextDots() {
 std::optional<FileEntry> FolderFinder::Read(const dirent& stored) const {
   const bool typeIsKnown = stored.d_type != DT_UNKNOWN && stored.d_type != DT_LNK;
   if (!namesOnly_ || !typeIsKnown) {
-    return ReadHostEntry(dirfd(dir_.get()), stored.d_name, attributes_ ? &*attributes_ : nullptr);
+    return ReadHostEntry({place_, dirfd(dir_.get())}, stored.d_name, attributes_ ? &*attributes_ : nullptr);
   }
   FileEntry entry;
   entry.isDirectory = stored.d_type == DT_DIR;

@@ -2,20 +2,32 @@
 #pragma once
 
 #include <dirent.h>
+#include <sys/stat.h>
 
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "platform/file_system.h"
 #include "platform/offline/file_attributes.h"
+#include "platform/offline/host_place.h"
 
 namespace quillbox {
 
-/// What the host says about the entry of a folder under its stored name; links are followed as far as they lead.
-/// Nothing when it does not exist. `attributes` may be null. The entry's name is left empty.
-std::optional<FileEntry> ReadHostEntry(int folderFd, const std::string& storedName, const AttributeReader* attributes);
+/// A folder of the host, open and with its place, by which links in it are followed.
+struct OpenedFolder {
+  HostPlace place;
+  int fd;
+};
+/// What is behind a folder's entry: what a link leads to, or the link itself where it leads nowhere or out of the disk.
+/// Nothing when there is no such entry.
+std::optional<struct stat> StatEntry(const OpenedFolder& folder, const std::string& storedName);
+
+/// What the host says about a folder's entry under its stored name, as StatEntry. `attributes` may be null. The entry's
+/// name is left empty.
+std::optional<FileEntry> ReadHostEntry(const OpenedFolder& folder, const std::string& storedName,
+                                       const AttributeReader* attributes);
+FileEntry EntryOf(const struct stat& info);
 
 class FolderFinder : public FileFinder {
  public:
@@ -25,7 +37,7 @@ class FolderFinder : public FileFinder {
   };
 
   /// `pattern` is a Wildcard. A folder that cannot be read has no entries.
-  FolderFinder(const std::filesystem::path& folder, const std::string& pattern, Options options);
+  FolderFinder(const HostPlace& folder, const std::string& pattern, Options options);
 
   std::optional<FileEntry> Next() override;
 
@@ -36,6 +48,7 @@ class FolderFinder : public FileFinder {
   struct Close {
     void operator()(DIR* dir) const { closedir(dir); }
   };
+  HostPlace place_;
   std::unique_ptr<DIR, Close> dir_;
   Wildcard pattern_;
   bool namesOnly_;

@@ -1,13 +1,12 @@
 #include "platform/offline/hive_file.h"
 
-#include <algorithm>
-#include <array>
-#include <iterator>
-#include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
 
+#include "platform/offline/host_open.h"
+#include "platform/offline/place_finder.h"
+#include "platform/offline/windows_names.h"
 #include "text/error.h"
 
 namespace quillbox {
@@ -15,31 +14,38 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* kOpening = "opening the hive";
+constexpr const char* kReadingLog = "reading the hive's log";
 constexpr const char* kWriting = "writing the hive";
+
+std::string Shown(const HostPlace& file) {
+  return file.Path().string();
+}
+
+struct FoundLog {
+  HostPlace entry;    ///< beside the hive
+  PlaceResult place;  ///< what is read: the entry, or the file that it leads to
+};
 
 /// The hive's own logs, whose names may be in another case than its own: that of the old form first, then the two of
 /// the new one.
-std::vector<fs::path> FindLogs(const fs::path& hive) {
-  const std::string name = hive.filename().string();
-  const std::array<std::string, 3> wanted = {name + ".LOG", name + ".LOG1", name + ".LOG2"};
-  std::array<fs::path, wanted.size()> found;
-  std::error_code code;
-  for (fs::directory_iterator entry(hive.parent_path(), code), end; !code && entry != end; entry.increment(code)) {
-    for (std::size_t at = 0; at < wanted.size(); ++at) {
-      if (EqualIgnoreCase(entry->path().filename().string(), wanted[at])) found[at] = entry->path();
-    }
+std::vector<FoundLog> FindLogs(const HostPlace& hive) {
+  std::vector<FoundLog> logs;
+  for (const char* suffix : {".LOG", ".LOG1", ".LOG2"}) {
+    const std::string wanted = WindowsName(hive.Name()) + suffix;
+    const PlaceResult entry = FindPlace(hive.Folder(), {wanted}, LastStep::Keep);
+    if (!entry || !StatPlace(*entry)) continue;
+    logs.push_back({*entry, FollowEntry(hive.Folder(), entry->Name())});
   }
-  std::vector<fs::path> logs;
-  std::copy_if(found.begin(), found.end(), std::back_inserter(logs), [](const fs::path& log) { return !log.empty(); });
   return logs;
 }
 
-std::vector<HiveLogFile> ReadLogs(const fs::path& hive) {
+std::vector<HiveLogFile> ReadLogs(const HostPlace& hive) {
   std::vector<HiveLogFile> logs;
-  for (const fs::path& log : FindLogs(hive)) {
-    HiveLogFile file{log.string(), {}, {}};
+  for (const FoundLog& log : FindLogs(hive)) {
+    HiveLogFile file{Shown(log.entry), {}, {}};
     try {
-      file.bytes = ReadHostFile(log, "reading the hive's log");
+      if (!log.place) throw HostFileError(kReadingLog, log.entry, log.place.Fault());
+      file.bytes = ReadHostFile(*log.place, kReadingLog);
     } catch (const Error& error) {
       file.unreadable = error.Why();
     }
@@ -48,54 +54,55 @@ std::vector<HiveLogFile> ReadLogs(const fs::path& hive) {
   return logs;
 }
 
-Hive LoadHive(const fs::path& file) {
-  return Hive::Load(ReadHostFile(file, kOpening), file.string(), [&] { return ReadLogs(file); });
+Hive LoadHive(const HostPlace& file) {
+  return Hive::Load(ReadHostFile(file, kOpening), Shown(file), [&] { return ReadLogs(file); });
 }
 
-fs::path RealPath(const fs::path& hive) {
+/// A hive anywhere on the host with its links resolved; beneath a drive they are already.
+HostPlace RealPlace(const HostPlace& hive) {
+  if (hive.IsBeneathDrive()) return hive;
   std::error_code code;
-  fs::path real = fs::canonical(hive, code);
-  if (code) throw HostFileError(kOpening, hive, code.value());
-  return real;
+  const fs::path real = fs::canonical(hive.Path(), code);
+  if (code) throw HostFileError(kOpening, hive, code);
+  return HostPlace::Anywhere(real);
 }
 
 }  // namespace
 
-HiveFile::HiveFile(const fs::path& hive, HiveMode mode, const fs::path& stateFolder, Log& log)
-    : disk_(RealPath(hive)), mode_(mode), log_(log), copy_(stateFolder, disk_) {
+HiveFile::HiveFile(const HostPlace& hive, HiveMode mode, const fs::path& stateFolder, Log& log)
+    : disk_(RealPlace(hive)), mode_(mode), log_(log), copy_(stateFolder, disk_), readFrom_(disk_) {
   Read(Source());
   if (copy_.IsOutdated()) {
-    log_.Write(disk_.string() + ": changed since its private copy was begun; " + copy_.File().string() +
-               " is not used");
+    log_.Write(Shown(disk_) + ": changed since its private copy was begun; " + Shown(copy_.File()) + " is not used");
   }
   if (mode_ == HiveMode::Read) return;
   if (!private_ && !CanReplaceFile(disk_)) {
     private_ = true;
-    log_.Write(disk_.string() + ": it cannot be written; changes go to " + copy_.File().string());
+    log_.Write(Shown(disk_) + ": it cannot be written; changes go to " + Shown(copy_.File()));
   }
   canWrite_ = !private_ || copy_.CanWrite();
-  if (!canWrite_) log_.Write(copy_.File().string() + ": it cannot be written either; nothing can be changed");
+  if (!canWrite_) log_.Write(Shown(copy_.File()) + ": it cannot be written either; nothing can be changed");
 }
 
-fs::path HiveFile::Source() const {
+const HostPlace& HiveFile::Source() const {
   return copy_.IsCurrent() ? copy_.File() : disk_;
 }
 
-void HiveFile::Read(const fs::path& file) {
+void HiveFile::Read(const HostPlace& file) {
   // The state first: a change while it is read then shows as one later.
   const FileState state = StateOf(file);
   hive_ = LoadHive(file);
   readFrom_ = file;
   readState_ = state;
   edited_ = unsaved_ = false;
-  if (hive_->Origin() == HiveOrigin::Recovered) log_.Write(file.string() + ": not closed cleanly; its log was applied");
+  if (hive_->Origin() == HiveOrigin::Recovered) log_.Write(Shown(file) + ": not closed cleanly; its log was applied");
   if (hive_->Origin() == HiveOrigin::DirtyNoLog) {
-    log_.Write(file.string() + ": not closed cleanly, and no log to recover it from; taken as it stands");
+    log_.Write(Shown(file) + ": not closed cleanly, and no log to recover it from; taken as it stands");
   }
   for (const UnusedHiveLog& unused : hive_->UnusedLogs()) log_.Write(unused.name + ": not used, since " + unused.why);
   if (file == copy_.File()) {
     private_ = true;
-    log_.Write(disk_.string() + ": its private copy " + file.string() + " is used in its place");
+    log_.Write(Shown(disk_) + ": its private copy " + Shown(file) + " is used in its place");
   }
 }
 
@@ -106,9 +113,9 @@ Hive& HiveFile::Edit() {
 
 void HiveFile::Commit(FileTime now) {
   if (!unsaved_ && !(edited_ && hive_->Changed())) return;
-  if (!canWrite_) throw Error(kWriting, {TargetFile().string(), {}, {}}, "it was opened for reading only");
+  if (!canWrite_) throw Error(kWriting, {Shown(TargetFile()), {}, {}}, "it was opened for reading only");
   if (const FileState state = StateOf(readFrom_); state != readState_) {
-    throw Error(kWriting, {readFrom_.string(), {}, {}},
+    throw Error(kWriting, {Shown(readFrom_), {}, {}},
                 state == FileState{} ? "it is gone" : "another program has changed it since it was read");
   }
   unsaved_ = true;
@@ -117,7 +124,7 @@ void HiveFile::Commit(FileTime now) {
     Write(image);
   } catch (const HostFileError& error) {
     if (private_ || !error.IsReadOnly() || !copy_.CanWrite()) throw;
-    log_.Write(Describe(error) + "; changes go to " + copy_.File().string());
+    log_.Write(Describe(error) + "; changes go to " + Shown(copy_.File()));
     private_ = true;
     Write(image);
   }
@@ -130,26 +137,31 @@ void HiveFile::Write(const Bytes& image) {
   } else if (readFrom_ != copy_.File()) {
     const fs::path older = copy_.Begin();
     if (!older.empty())
-      log_.Write(disk_.string() + ": changed since its private copy was begun; kept as " + older.string());
+      log_.Write(Shown(disk_) + ": changed since its private copy was begun; kept as " + older.string());
   }
-  const fs::path& target = TargetFile();
+  const HostPlace& target = TargetFile();
   ReplaceHostFile(target, image, kWriting, target);
   readFrom_ = target;
   readState_ = StateOf(target);
 }
 
 void HiveFile::KeepOriginals() {
-  const bool first = KeepBeside(disk_, disk_.string() + kKeptSuffix, KeepHow::SecondName);
+  const auto keep = [](const HostPlace& file, const HostPlace& entry, KeepHow how) {
+    return KeepBeside(file, entry.Folder().Join(entry.Name() + kKeptSuffix), how);
+  };
+  const bool first = keep(disk_, disk_, KeepHow::SecondName);
   if (!first || hive_->Origin() != HiveOrigin::Recovered) return;
   // The original is of use only with its logs, which the next Windows overwrites in place.
-  for (const fs::path& log : FindLogs(disk_)) KeepBeside(log, log.string() + kKeptSuffix, KeepHow::Copy);
+  for (const FoundLog& log : FindLogs(disk_)) {
+    if (log.place) keep(*log.place, log.entry, KeepHow::Copy);
+  }
 }
 
 bool HiveFile::Reload() {
-  const fs::path source = Source();
+  const HostPlace source = Source();
   if (source == readFrom_ && StateOf(source) == readState_) return false;
   if (unsaved_ || (edited_ && hive_->Changed())) {
-    log_.Write(source.string() + ": another program has changed it; changes that were not yet written are lost");
+    log_.Write(Shown(source) + ": another program has changed it; changes that were not yet written are lost");
   }
   Read(source);
   return true;

@@ -25,7 +25,7 @@ class HiveFile {
   /// Opens and reads the hive. `stateFolder` is the program's (StateFolder()); private copies lie below it. Throws
   /// Error when the file cannot be read or is no usable hive. A private copy made earlier is read in the hive's place
   /// unless the disk's own hive has changed since.
-  HiveFile(const std::filesystem::path& hive, HiveMode mode, const std::filesystem::path& stateFolder, Log& log);
+  HiveFile(const HostPlace& hive, HiveMode mode, const std::filesystem::path& stateFolder, Log& log);
 
   const Hive& View() const { return *hive_; }
   /// The hive for changing it. A recovered hive is written back only once this was called.
@@ -36,9 +36,9 @@ class HiveFile {
   /// True when changes go to, and are read from, the private copy.
   bool IsPrivateCopy() const { return private_; }
   /// The hive on the disk, links resolved.
-  const std::filesystem::path& DiskFile() const { return disk_; }
+  const HostPlace& DiskFile() const { return disk_; }
   /// The file that is written: DiskFile() or the private copy.
-  const std::filesystem::path& TargetFile() const { return private_ ? copy_.File() : disk_; }
+  const HostPlace& TargetFile() const { return private_ ? copy_.File() : disk_; }
 
   /// Writes the hive if it changed. `now` becomes its time. Throws Error, with the file as it was and the changes still
   /// in memory for the next try: when the write fails, and when another program has changed the file meanwhile.
@@ -48,17 +48,17 @@ class HiveFile {
   bool Reload();
 
  private:
-  void Read(const std::filesystem::path& file);
+  void Read(const HostPlace& file);
   void Write(const Bytes& image);
   void KeepOriginals();
-  std::filesystem::path Source() const;
+  const HostPlace& Source() const;
 
-  std::filesystem::path disk_;
+  HostPlace disk_;
   HiveMode mode_;
   Log& log_;
   PrivateCopy copy_;
   std::optional<Hive> hive_;
-  std::filesystem::path readFrom_;
+  HostPlace readFrom_;
   FileState readState_;
   bool private_ = false;
   bool canWrite_ = false;

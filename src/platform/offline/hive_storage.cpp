@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cerrno>
+#include <optional>
 #include <string_view>
 #include <system_error>
 #include <vector>
@@ -17,12 +18,12 @@
 #include "platform/offline/host_file.h"
 
 namespace quillbox {
-namespace fs = std::filesystem;
 namespace {
 
 // A hive's offsets have 31 useful bits.
 constexpr std::uint64_t kMaxFileBytes = 1ull << 31;
 constexpr std::size_t kMaxAttributeBytes = 65'536;
+constexpr const char* kKeeping = "keeping the original hive";
 
 // Attributes of the NTFS drivers that they do not list.
 constexpr std::array kNtfsAttributes = {"system.ntfs_attrib", "system.ntfs_crtime", "system.ntfs_acl"};
@@ -50,10 +51,10 @@ void CopyExtendedAttributes(int from, int to) {
 }
 
 /// Gives the open file `to` what hangs on `like`; what a file system refuses, its files do without.
-void CopyFileAttributes(const fs::path& like, int to) {
-  const HostFd from(open(like.c_str(), O_RDONLY | O_CLOEXEC));
+void CopyFileAttributes(const HostPlace& like, int to) try {
+  const HostFd from = OpenForReading(like);
   struct stat info = {};
-  if (!from || fstat(from.Get(), &info) != 0) return;
+  if (fstat(from.Get(), &info) != 0) return;
   static_cast<void>(!fchown(to, info.st_uid, info.st_gid));
   static_cast<void>(!fchmod(to, info.st_mode & 07777));  // after the owner, whose change clears bits
   CopyExtendedAttributes(from.Get(), to);
@@ -61,15 +62,20 @@ void CopyFileAttributes(const fs::path& like, int to) {
   if (ioctl(from.Get(), FAT_IOCTL_GET_ATTRIBUTES, &fatAttributes) == 0) {
     ioctl(to, FAT_IOCTL_SET_ATTRIBUTES, &fatAttributes);
   }
+} catch (const std::system_error&) {  // NOLINT(bugprone-empty-catch): what is not there hands nothing on
 }
 
-void KeepCopy(const fs::path& file, const fs::path& kept) {
-  const std::string doing = "keeping the original hive";
-  ReplaceHostFile(kept, ReadHostFile(file, doing), doing, file);
-  struct stat info = {};
-  if (stat(file.c_str(), &info) != 0) return;
-  const std::array<timespec, 2> times = {info.st_atim, info.st_mtim};
-  utimensat(AT_FDCWD, kept.c_str(), times.data(), 0);
+void KeepCopy(const HostPlace& file, const HostPlace& kept) {
+  ReplaceHostFile(kept, ReadHostFile(file, kKeeping), kKeeping, file);
+  const std::optional<struct stat> info = StatPlace(file);
+  if (!info) return;
+  const std::array<timespec, 2> times = {info->st_atim, info->st_mtim};
+  const OpenPlace copy = OpenFolderOf(kept);
+  utimensat(copy.folder.Get(), copy.name.c_str(), times.data(), AT_SYMLINK_NOFOLLOW);
+}
+
+bool LinkBeside(const OpenPlace& file, const OpenPlace& second) {
+  return linkat(file.folder.Get(), file.name.c_str(), second.folder.Get(), second.name.c_str(), 0) == 0;
 }
 
 bool ForbidsWriting(int code) {
@@ -78,66 +84,81 @@ bool ForbidsWriting(int code) {
 
 }  // namespace
 
-HostFileError::HostFileError(std::string doing, const fs::path& file, int code)
-    : Error(std::move(doing), {file.string(), {}, {}}, SystemReason(code)), code_(code) {}
+HostFileError::HostFileError(std::string doing, const HostPlace& file, const std::error_code& code)
+    : Error(std::move(doing), {file.Path().string(), {}, {}}, ReasonOf(code)), code_(code) {}
+
+HostFileError::HostFileError(std::string doing, const HostPlace& file, int code)
+    : HostFileError(std::move(doing), file, std::error_code(code, std::generic_category())) {}
 
 bool HostFileError::IsReadOnly() const {
-  return ForbidsWriting(code_);
+  return code_.category() == std::generic_category() && ForbidsWriting(code_.value());
 }
 
-FileState StateOf(const fs::path& file) {
-  struct stat info = {};
-  if (stat(file.c_str(), &info) != 0) return {};
-  return {info.st_dev, info.st_ino, static_cast<std::uint64_t>(info.st_size), info.st_mtim.tv_sec,
-          info.st_mtim.tv_nsec};
+FileState StateOf(const HostPlace& file) {
+  const std::optional<struct stat> info = StatPlace(file);
+  if (!info) return {};
+  return {info->st_dev, info->st_ino, static_cast<std::uint64_t>(info->st_size), info->st_mtim.tv_sec,
+          info->st_mtim.tv_nsec};
 }
 
-Bytes ReadHostFile(const fs::path& file, const std::string& doing) {
-  const HostFd fd(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+Bytes ReadHostFile(const HostPlace& file, const std::string& doing) try {
+  const HostFd fd = OpenForReading(file);
   struct stat info = {};
-  if (!fd || fstat(fd.Get(), &info) != 0) throw HostFileError(doing, file, errno);
-  if (!S_ISREG(info.st_mode)) throw Error(doing, {file.string(), {}, {}}, "it is not a file");
-  if (static_cast<std::uint64_t>(info.st_size) > kMaxFileBytes) throw HostFileError(doing, file, EFBIG);
+  if (fstat(fd.Get(), &info) != 0) ThrowErrno(errno);
+  if (!S_ISREG(info.st_mode)) ThrowFault(HostFault::NotOrdinary);
+  if (static_cast<std::uint64_t>(info.st_size) > kMaxFileBytes) ThrowErrno(EFBIG);
   Bytes bytes(static_cast<std::size_t>(info.st_size));
   std::size_t length = 0;
   while (length < bytes.size()) {
     const ssize_t got = read(fd.Get(), bytes.data() + length, bytes.size() - length);
     if (got < 0 && errno == EINTR) continue;
-    if (got < 0) throw HostFileError(doing, file, errno);
-    if (got == 0) throw Error(doing, {file.string(), {}, {}}, "it became shorter while it was read");
+    if (got < 0) ThrowErrno(errno);
+    if (got == 0) throw Error(doing, {file.Path().string(), {}, {}}, "it became shorter while it was read");
     length += static_cast<std::size_t>(got);
   }
   return bytes;
+} catch (const std::system_error& error) {
+  throw HostFileError(doing, file, error.code());
 }
 
-void ReplaceHostFile(const fs::path& file, ByteView bytes, const std::string& doing, const fs::path& like) {
+void ReplaceHostFile(const HostPlace& file, ByteView bytes, const std::string& doing, const HostPlace& like) {
   try {
     NewFile replacement(file);
     CopyFileAttributes(like, replacement.Fd());
     replacement.Write(AsText(bytes));
     replacement.Commit();
   } catch (const std::system_error& error) {
-    throw HostFileError(doing, file, error.code().value());
+    throw HostFileError(doing, file, error.code());
   }
 }
 
-bool KeepBeside(const fs::path& file, const fs::path& kept, KeepHow how) {
+bool KeepBeside(const HostPlace& file, const HostPlace& kept, KeepHow how) try {
   if (StateOf(kept) != FileState{}) return false;
-  if (how == KeepHow::Copy || link(file.c_str(), kept.c_str()) != 0) KeepCopy(file, kept);
+  if (how == KeepHow::Copy || !LinkBeside(OpenFolderOf(file), OpenFolderOf(kept))) KeepCopy(file, kept);
   return true;
+} catch (const std::system_error& error) {
+  throw HostFileError(kKeeping, file, error.code());
 }
 
-bool CanWriteFolder(const fs::path& folder) {
-  if (HostFd(open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600))) return true;
+bool CanWriteFolder(const HostPlace& place) try {
+  const HostFd folder = OpenFolder(place);
+  if (HostFd(openat(folder.Get(), ".", O_TMPFILE | O_RDWR | O_CLOEXEC, 0600))) return true;
   if (ForbidsWriting(errno)) return false;
   // The file system knows no nameless files.
   struct statvfs info = {};
-  if (statvfs(folder.c_str(), &info) != 0 || (info.f_flag & ST_RDONLY) != 0) return false;
-  return faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+  if (fstatvfs(folder.Get(), &info) != 0 || (info.f_flag & ST_RDONLY) != 0) return false;
+  return faccessat(folder.Get(), ".", W_OK | X_OK, AT_EACCESS) == 0;
+} catch (const std::system_error&) {
+  return false;
 }
 
-bool CanReplaceFile(const fs::path& file) {
-  return HostFd(open(file.c_str(), O_RDWR | O_CLOEXEC)) && CanWriteFolder(file.parent_path());
+bool CanReplaceFile(const HostPlace& file) try {
+  const OpenPlace entry = OpenFolderOf(file);
+  const int noFollow = file.IsBeneathDrive() ? O_NOFOLLOW : 0;
+  const HostFd fd(openat(entry.folder.Get(), entry.name.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK | noFollow));
+  return fd && CanWriteFolder(file.Folder());
+} catch (const std::system_error&) {
+  return false;
 }
 
 }  // namespace quillbox

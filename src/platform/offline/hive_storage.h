@@ -3,24 +3,26 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <string>
+#include <system_error>
 
+#include "platform/offline/host_place.h"
 #include "text/error.h"
 #include "text/unicode.h"
 
 namespace quillbox {
 
-/// An Error of a call on a host file, with its errno for callers that choose by it.
+/// An Error of a call on a host file, with its code for callers that choose by it.
 class HostFileError : public Error {
  public:
-  HostFileError(std::string doing, const std::filesystem::path& file, int code);
-  int Code() const { return code_; }
+  HostFileError(std::string doing, const HostPlace& file, const std::error_code& code);
+  /// With an errno.
+  HostFileError(std::string doing, const HostPlace& file, int code);
   /// True when the disk or the permissions forbid the write, as opposed to a full or failing disk.
   bool IsReadOnly() const;
 
  private:
-  int code_;
+  std::error_code code_;
 };
 
 /// What tells one state of a file from another. All zero for a file that is not there.
@@ -32,28 +34,27 @@ struct FileState {
   std::int64_t nanoseconds = 0;
   bool operator==(const FileState&) const = default;
 };
-FileState StateOf(const std::filesystem::path& file);
+FileState StateOf(const HostPlace& file);
 
-/// The whole file. Throws HostFileError; `doing` as in Error.
-Bytes ReadHostFile(const std::filesystem::path& file, const std::string& doing);
+/// The whole file, which must be an ordinary one. Throws Error; `doing` as there.
+Bytes ReadHostFile(const HostPlace& file, const std::string& doing);
 
 /// Makes `file` hold `bytes`, or replaces it by them, whole or not at all. Owner, permissions, extended attributes
 /// (Windows' own ones and the time of creation among them) are taken from `like`, where it exists, as far as the system
 /// lets them. Throws HostFileError, with the file as it was and no temporary file left.
-void ReplaceHostFile(const std::filesystem::path& file, ByteView bytes, const std::string& doing,
-                     const std::filesystem::path& like);
+void ReplaceHostFile(const HostPlace& file, ByteView bytes, const std::string& doing, const HostPlace& like);
 
 enum class KeepHow {
   SecondName,  ///< a hard link where there are any, else a copy: for a file that will be replaced, never overwritten
   Copy,
 };
 /// Keeps what `file` holds now as `kept`; false when there is a `kept`, which is left alone. Throws HostFileError.
-bool KeepBeside(const std::filesystem::path& file, const std::filesystem::path& kept, KeepHow how);
+bool KeepBeside(const HostPlace& file, const HostPlace& kept, KeepHow how);
 
 /// True when new files can be made in `folder`. Leaves nothing behind, not even a changed time.
-bool CanWriteFolder(const std::filesystem::path& folder);
+bool CanWriteFolder(const HostPlace& folder);
 /// True when `file` may be written and replaced. Asks the file system and not only the permissions, which an
 /// administrator passes over.
-bool CanReplaceFile(const std::filesystem::path& file);
+bool CanReplaceFile(const HostPlace& file);
 
 }  // namespace quillbox

@@ -2,12 +2,16 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/random.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
-#include <cstdlib>
+#include <filesystem>
+#include <optional>
 #include <system_error>
+
+#include "platform/offline/folder_names.h"
 
 namespace quillbox {
 
@@ -20,7 +24,8 @@ constexpr std::int64_t kSecondsFrom1601To1970 = 11'644'473'600;
 constexpr mode_t kAllModeBits = 07777;
 constexpr mode_t kNewFileMode = 0666;
 constexpr std::string_view kTemporaryName = ".quillbox-";
-constexpr std::string_view kTemporaryEnd = "XXXXXX";
+constexpr std::size_t kTemporaryEnd = 6;  // random letters after it
+constexpr int kMaxNameAttempts = 100;
 
 mode_t ProcessUmask() {
   const mode_t mask = umask(0);
@@ -28,47 +33,57 @@ mode_t ProcessUmask() {
   return mask;
 }
 
-fs::path FollowLink(fs::path target) {
+/// A target anywhere on the host that is a link: what it leads to.
+HostPlace FollowHostLink(const HostPlace& target) {
   std::error_code code;
-  if (!fs::is_symlink(fs::symlink_status(target, code))) return target;
-  fs::path led = fs::weakly_canonical(target, code);
-  return code ? target : led;
+  if (target.IsBeneathDrive() || !fs::is_symlink(fs::symlink_status(target.Path(), code))) return target;
+  const fs::path led = fs::weakly_canonical(target.Path(), code);
+  return code ? target : HostPlace::Anywhere(led);
 }
 
-void FlushFolder(const fs::path& folder) {
-  const HostFd fd(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  // Some file systems cannot flush a folder; the file is in its place by then.
-  if (fd) fsync(fd.Get());
+std::string RandomTemporaryName() {
+  static constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
+  std::array<unsigned char, kTemporaryEnd> bytes = {};
+  if (getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) ThrowErrno(errno);
+  std::string name(kTemporaryName);
+  for (const unsigned char byte : bytes) name += kLetters[byte % kLetters.size()];
+  return name;
+}
+
+/// What `target` replaces, or nothing; refuses what cannot be replaced by a file.
+std::optional<struct stat> ReplacedBy(const HostPlace& place, const OpenPlace& target) {
+  struct stat existing = {};
+  if (fstatat(target.folder.Get(), target.name.c_str(), &existing, target.follow) != 0) {
+    if (errno != ENOENT) ThrowErrno(errno);
+    return std::nullopt;
+  }
+  if (S_ISLNK(existing.st_mode)) ThrowAbout(place, ELOOP);
+  if (S_ISDIR(existing.st_mode)) ThrowErrno(EISDIR);
+  // A device, pipe or socket has a place of its own: a file put there would take it away from everybody.
+  if (!S_ISREG(existing.st_mode)) ThrowFault(HostFault::NotOrdinary);
+  if (faccessat(target.folder.Get(), target.name.c_str(), W_OK, AT_EACCESS) != 0) ThrowErrno(errno);
+  return existing;
+}
+
+void FlushFolder(int folder) {
+  if (fsync(folder) == 0) return;
+  // Some file systems have no such call for folders, and a folder that may not be read is open for its names only.
+  if (errno != EINVAL && errno != ENOTSUP && errno != EBADF && errno != ENOSYS) ThrowErrno(errno);
 }
 
 }  // namespace
 
-HostFd& HostFd::operator=(HostFd&& other) noexcept {
-  if (this != &other) {
-    Close();
-    fd_ = std::exchange(other.fd_, -1);
+NewFile::NewFile(const HostPlace& given) {
+  const HostPlace place = FollowHostLink(given);
+  target_ = OpenFolderOf(place);
+  const std::optional<struct stat> replaced = ReplacedBy(place, target_);
+
+  for (int attempt = 0; !fd_ && attempt < kMaxNameAttempts; ++attempt) {
+    temporary_ = RandomTemporaryName();
+    fd_ = HostFd(openat(target_.folder.Get(), temporary_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                        S_IRUSR | S_IWUSR));
+    if (!fd_ && errno != EEXIST) break;
   }
-  return *this;
-}
-
-void HostFd::Close() {
-  if (fd_ >= 0) close(std::exchange(fd_, -1));
-}
-
-void ThrowErrno(int code) {
-  throw std::system_error(code, std::generic_category());
-}
-
-NewFile::NewFile(fs::path target) : target_(FollowLink(std::move(target))) {
-  struct stat existing = {};
-  const bool replaces = stat(target_.c_str(), &existing) == 0;
-  if (replaces && S_ISDIR(existing.st_mode)) ThrowErrno(EISDIR);
-  // A device, pipe or socket has a place of its own: a file put there would take it away from everybody.
-  if (replaces && !S_ISREG(existing.st_mode)) ThrowErrno(ENOTSUP);
-  if (replaces && faccessat(AT_FDCWD, target_.c_str(), W_OK, AT_EACCESS) != 0) ThrowErrno(errno);
-
-  temporary_ = (target_.parent_path() / (std::string(kTemporaryName) + std::string(kTemporaryEnd))).string();
-  fd_ = HostFd(mkostemp(temporary_.data(), O_CLOEXEC));
   if (!fd_) {
     const int code = errno;
     temporary_.clear();
@@ -77,32 +92,42 @@ NewFile::NewFile(fs::path target) : target_(FollowLink(std::move(target))) {
   // The lock tells RemoveAbandonedFiles that the file is in use.
   flock(fd_.Get(), LOCK_EX | LOCK_NB);
   // File systems without modes refuse this, and their files need none.
-  static_cast<void>(fchmod(fd_.Get(), replaces ? existing.st_mode & kAllModeBits : kNewFileMode & ~ProcessUmask()));
+  static_cast<void>(fchmod(fd_.Get(), replaced ? replaced->st_mode & kAllModeBits : kNewFileMode & ~ProcessUmask()));
 }
 
 NewFile::~NewFile() {
-  if (!temporary_.empty()) unlink(temporary_.c_str());
+  if (!temporary_.empty()) unlinkat(target_.folder.Get(), temporary_.c_str(), 0);
 }
 
 void NewFile::Write(std::string_view bytes) {
+  flushed_ = false;
   WriteAll(fd_.Get(), bytes);
 }
 
 void NewFile::SetTimes(const timespec& accessed, const timespec& modified) {
+  flushed_ = false;
   const std::array<timespec, 2> times = {accessed, modified};
   if (futimens(fd_.Get(), times.data()) != 0) ThrowErrno(errno);
 }
 
-void NewFile::Commit() {
+void NewFile::Flush() {
+  if (flushed_) return;
   if (fsync(fd_.Get()) != 0) ThrowErrno(errno);
-  if (rename(temporary_.c_str(), target_.c_str()) != 0) ThrowErrno(errno);
-  temporary_.clear();
-  FlushFolder(target_.parent_path());
+  flushed_ = true;
 }
 
-bool IsStream(const fs::path& file) {
-  struct stat existing = {};
-  return stat(file.c_str(), &existing) == 0 && !S_ISREG(existing.st_mode) && !S_ISDIR(existing.st_mode);
+void NewFile::Commit() {
+  Flush();
+  const int folder = target_.folder.Get();
+  if (renameat(folder, temporary_.c_str(), folder, target_.name.c_str()) != 0) ThrowErrno(errno);
+  temporary_.clear();
+  FlushFolder(folder);
+}
+
+bool IsStream(const HostPlace& file) {
+  if (file.IsBeneathDrive()) return false;
+  const std::optional<struct stat> existing = StatPlace(file);
+  return existing && !S_ISREG(existing->st_mode) && !S_ISDIR(existing->st_mode);
 }
 
 void WriteAll(int fd, std::string_view bytes) {
@@ -114,19 +139,27 @@ void WriteAll(int fd, std::string_view bytes) {
   }
 }
 
-void RemoveAbandonedFiles(const fs::path& folder) {
-  std::error_code code;
-  for (fs::directory_iterator entry(folder, code), end; !code && entry != end; entry.increment(code)) {
-    const std::string name = entry->path().filename().string();
-    if (name.size() != kTemporaryName.size() + kTemporaryEnd.size() || !name.starts_with(kTemporaryName)) continue;
-    const HostFd fd(open(entry->path().c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
-    if (fd && flock(fd.Get(), LOCK_EX | LOCK_NB) == 0) unlink(entry->path().c_str());
+void RemoveAbandonedFiles(int folder) {
+  EachName(folder, [folder](const char* stored) {
+    const std::string_view name = stored;
+    if (name.size() != kTemporaryName.size() + kTemporaryEnd || !name.starts_with(kTemporaryName)) return false;
+    struct stat info = {};
+    if (fstatat(folder, stored, &info, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISREG(info.st_mode)) return false;
+    const HostFd fd(openat(folder, stored, O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    if (fd && flock(fd.Get(), LOCK_EX | LOCK_NB) == 0) unlinkat(folder, stored, 0);
+    return false;
+  });
+}
+
+void RemoveAbandonedFiles(const HostPlace& folder) {
+  try {
+    RemoveAbandonedFiles(OpenFolder(folder).Get());
+  } catch (const std::system_error&) {  // NOLINT(bugprone-empty-catch): nothing was left where there is no folder
   }
 }
 
-std::string ReadWholeFile(const fs::path& file) {
-  const HostFd fd(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-  if (!fd) ThrowErrno(errno);
+std::string ReadWholeFile(const HostPlace& file) {
+  const HostFd fd = OpenForReading(file);
   struct stat info = {};
   if (fstat(fd.Get(), &info) != 0) ThrowErrno(errno);
   if (S_ISDIR(info.st_mode)) ThrowErrno(EISDIR);
@@ -148,28 +181,6 @@ std::uint64_t ToFileTime(const timespec& time) {
   const std::int64_t seconds = static_cast<std::int64_t>(time.tv_sec) + kSecondsFrom1601To1970;
   if (seconds < 0) return 0;
   return static_cast<std::uint64_t>(seconds) * 10'000'000 + static_cast<std::uint64_t>(time.tv_nsec) / 100;
-}
-
-Status StatusOfErrno(int code) {
-  switch (code) {
-    case 0:
-      return Status::Success;
-    case ENOENT:
-      return Status::FileNotFound;
-    case ENOTDIR:
-      return Status::PathNotFound;
-    case EEXIST:
-      return Status::FileExists;
-    case ENOSPC:
-    case EDQUOT:
-      return Status::DiskFull;
-    case EINVAL:
-    case EILSEQ:
-    case ENAMETOOLONG:
-      return Status::InvalidParameter;
-    default:
-      return Status::AccessDenied;
-  }
 }
 
 }  // namespace quillbox

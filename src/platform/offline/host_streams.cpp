@@ -12,8 +12,6 @@
 
 namespace quillbox {
 
-namespace fs = std::filesystem;
-
 namespace {
 
 /// Runs `work`; what the host refuses becomes an Error about the file `name`.
@@ -22,16 +20,14 @@ auto Named(const char* doing, const std::string& name, const Work& work) {
   try {
     return work();
   } catch (const std::system_error& failure) {
-    throw Error(doing, {name, {}, {}}, SystemReason(failure.code().value()));
+    throw Error(doing, {name, {}, {}}, ReasonOf(failure.code()));
   }
 }
 
 class HostReader : public FileReader {
  public:
-  HostReader(const fs::path& file, std::string name)
-      : name_(std::move(name)), fd_(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
-    if (!fd_) throw Error(kReading, {name_, {}, {}}, SystemReason(errno));
-  }
+  HostReader(const HostPlace& file, std::string name)
+      : name_(std::move(name)), fd_(Named(kReading, name_, [&] { return OpenForReading(file); })) {}
 
   std::size_t Read(std::span<char> buffer) override {
     std::size_t length = 0;
@@ -52,7 +48,7 @@ class HostReader : public FileReader {
 
 class HostWriter : public FileWriter {
  public:
-  HostWriter(const fs::path& file, std::string name) : name_(std::move(name)), file_(file) {}
+  HostWriter(const HostPlace& file, std::string name) : name_(std::move(name)), file_(file) {}
   void Write(std::string_view bytes) override {
     Named(kWriting, name_, [&] { file_.Write(bytes); });
   }
@@ -67,8 +63,8 @@ class HostWriter : public FileWriter {
 
 class StreamWriter : public FileWriter {
  public:
-  StreamWriter(const fs::path& file, std::string name)
-      : name_(std::move(name)), fd_(open(file.c_str(), O_WRONLY | O_CLOEXEC)) {
+  StreamWriter(const HostPlace& file, std::string name)
+      : name_(std::move(name)), fd_(open(file.Path().c_str(), O_WRONLY | O_CLOEXEC)) {
     if (!fd_) ThrowErrno(errno);
   }
   void Write(std::string_view bytes) override {
@@ -83,11 +79,11 @@ class StreamWriter : public FileWriter {
 
 }  // namespace
 
-std::unique_ptr<FileReader> OpenHostFile(const fs::path& file, std::string name) {
+std::unique_ptr<FileReader> OpenHostFile(const HostPlace& file, std::string name) {
   return std::make_unique<HostReader>(file, std::move(name));
 }
 
-std::unique_ptr<FileWriter> StartHostFile(const fs::path& file, std::string name) {
+std::unique_ptr<FileWriter> StartHostFile(const HostPlace& file, std::string name) {
   return Named(kWriting, name, [&]() -> std::unique_ptr<FileWriter> {
     if (IsStream(file)) return std::make_unique<StreamWriter>(file, name);
     return std::make_unique<HostWriter>(file, name);

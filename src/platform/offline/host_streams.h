@@ -2,11 +2,11 @@
 // knows it.
 #pragma once
 
-#include <filesystem>
 #include <memory>
 #include <string>
 
 #include "platform/file_system.h"
+#include "platform/offline/host_place.h"
 
 namespace quillbox {
 
@@ -15,8 +15,9 @@ inline constexpr const char* kReading = "reading a file";
 inline constexpr const char* kWriting = "writing a file";
 
 /// `name` is what errors call the file. Throws Error.
-std::unique_ptr<FileReader> OpenHostFile(const std::filesystem::path& file, std::string name);
-/// The file is made whole or not at all; a device or pipe is written to as it stands. Throws Error.
-std::unique_ptr<FileWriter> StartHostFile(const std::filesystem::path& file, std::string name);
+std::unique_ptr<FileReader> OpenHostFile(const HostPlace& file, std::string name);
+/// The file is made whole or not at all; a device or pipe, which only the host's own drive has, is written to as it
+/// stands. Throws Error.
+std::unique_ptr<FileWriter> StartHostFile(const HostPlace& file, std::string name);
 
 }  // namespace quillbox

@@ -6,10 +6,13 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <optional>
 #include <utility>
 
-#include "platform/offline/drive_map.h"
-#include "text/error.h"
+#include "platform/offline/folder_finder.h"
+#include "platform/offline/folder_names.h"
+#include "platform/offline/host_open.h"
+#include "platform/offline/windows_names.h"
 
 namespace quillbox {
 
@@ -19,25 +22,25 @@ namespace {
 constexpr std::size_t kMaxOpen = 100;
 constexpr int kOpenFlags = O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC;
 
+std::error_code LastErrno() {
+  return {errno, std::generic_category()};
+}
+
 HostFd OpenBelow(int parent, const std::string& name) {
   return HostFd(openat(parent, name.c_str(), kOpenFlags | O_NOFOLLOW));
 }
 
-bool IsDots(const char* name) {
-  return name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0));
-}
-
-/// The entry's type; that of a link is its target's, and a link that leads nowhere counts as a file.
-unsigned char TypeOf(int folder, const char* name, int flags) {
+/// The entry's type; one that is gone counts as a file.
+unsigned char TypeOf(int folder, const char* name) {
   struct stat info = {};
-  if (fstatat(folder, name, &info, flags) != 0) return DT_REG;
+  if (fstatat(folder, name, &info, AT_SYMLINK_NOFOLLOW) != 0) return DT_REG;
   if (S_ISLNK(info.st_mode)) return DT_LNK;
   return S_ISDIR(info.st_mode) ? DT_DIR : DT_REG;
 }
 
 }  // namespace
 
-HostWalk::HostWalk(std::filesystem::path host, std::string root, const std::string& pattern)
+HostWalk::HostWalk(HostPlace host, std::string root, const std::string& pattern)
     : host_(std::move(host)), pattern_(pattern), path_(std::move(root)) {}
 
 bool HostWalk::Step(WalkStep& step) {
@@ -45,12 +48,12 @@ bool HostWalk::Step(WalkStep& step) {
   step.unread.clear();
   if (!started_) {
     started_ = true;
-    HostFd fd(open(host_.c_str(), kOpenFlags));
-    if (!fd) {
-      TellUnread({}, step);
+    try {
+      Enter(OpenFolder(host_), {});
+    } catch (const std::system_error& failure) {
+      TellUnread({}, failure.code(), step);
       return !step.unread.empty();
     }
-    Enter(std::move(fd), {});
   }
   if (!reading_ && !EnterNext(step)) return !step.unread.empty();
   step.folder = path_;
@@ -71,7 +74,7 @@ bool HostWalk::EnterNext(WalkStep& step) {
     HostFd fd;
     if (top.fd || Reopen(levels_.size() - 1)) fd = OpenBelow(top.fd.Get(), name);
     if (!fd) {
-      TellUnread(name, step);
+      TellUnread(name, LastErrno(), step);
       continue;
     }
     Enter(std::move(fd), name);
@@ -103,7 +106,11 @@ bool HostWalk::Reopen(std::size_t depth) {
   HostFd opened;
   int folder = levels_[from].fd.Get();
   if (!levels_[from].fd) {
-    opened = HostFd(open(host_.c_str(), kOpenFlags));
+    try {
+      opened = OpenFolder(host_);
+    } catch (const std::system_error& failure) {
+      errno = failure.code().value();
+    }
     folder = opened.Get();
   }
   for (std::size_t at = from + 1; at <= depth && folder >= 0; ++at) {
@@ -118,7 +125,7 @@ bool HostWalk::Reopen(std::size_t depth) {
 void HostWalk::Read(WalkStep& step) {
   Level& top = levels_.back();
   const ssize_t size = getdents64(top.fd.Get(), buffer_.data(), buffer_.size());
-  if (size < 0) TellUnread({}, step);
+  if (size < 0) TellUnread({}, LastErrno(), step);
   reading_ = size > 0;
   for (ssize_t at = 0; at < size;) {
     const auto& stored = *reinterpret_cast<const dirent64*>(buffer_.data() + at);
@@ -131,15 +138,23 @@ void HostWalk::Take(const dirent64& stored, WalkStep& step) {
   if (IsDots(stored.d_name)) return;
   Level& top = levels_.back();
   unsigned char type = stored.d_type;
-  if (type == DT_UNKNOWN) type = TypeOf(top.fd.Get(), stored.d_name, AT_SYMLINK_NOFOLLOW);
+  if (type == DT_UNKNOWN) type = TypeOf(top.fd.Get(), stored.d_name);
   if (type == DT_DIR) {
     top.subfolders.emplace_back(stored.d_name);
     return;
   }
   std::string name = WindowsName(stored.d_name);
   if (!pattern_.Matches(name)) return;
-  if (type == DT_LNK && TypeOf(top.fd.Get(), stored.d_name, 0) == DT_DIR) return;
+  if (type == DT_LNK && IsLinkToFolder(stored.d_name)) return;
   step.files.push_back(std::move(name));
+}
+
+/// A link that leads nowhere, or out of the disk, counts as one to a file.
+bool HostWalk::IsLinkToFolder(const char* name) const {
+  HostPlace folder = host_;
+  for (std::size_t at = 1; at < levels_.size(); ++at) folder = folder.Join(levels_[at].hostName);
+  const std::optional<struct stat> info = StatEntry({std::move(folder), levels_.back().fd.Get()}, name);
+  return info && S_ISDIR(info->st_mode);
 }
 
 bool HostWalk::IsAbove(dev_t device, ino_t node) const {
@@ -148,9 +163,9 @@ bool HostWalk::IsAbove(dev_t device, ino_t node) const {
 }
 
 /// Tells that the deepest level, or the entry `hostName` in it, could not be read, unless it is gone.
-void HostWalk::TellUnread(const std::string& hostName, WalkStep& step) const {
-  if (errno == ENOENT || errno == ENOTDIR) return;
-  step.unread.push_back(path_ + WindowsName(hostName) + ": " + SystemReason(errno));
+void HostWalk::TellUnread(const std::string& hostName, const std::error_code& fault, WalkStep& step) const {
+  if (fault == std::errc::no_such_file_or_directory || fault == std::errc::not_a_directory) return;
+  step.unread.push_back(path_ + WindowsName(hostName) + ": " + ReasonOf(fault));
 }
 
 }  // namespace quillbox

@@ -7,20 +7,21 @@
 
 #include <array>
 #include <cstddef>
-#include <filesystem>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "platform/file_system.h"
-#include "platform/offline/host_file.h"
+#include "platform/offline/host_fd.h"
+#include "platform/offline/host_place.h"
 
 namespace quillbox {
 
 class HostWalk : public FolderWalk {
  public:
   /// Walks `host`, which is told as `root` (final backslash included).
-  HostWalk(std::filesystem::path host, std::string root, const std::string& pattern);
+  HostWalk(HostPlace host, std::string root, const std::string& pattern);
 
   bool Step(WalkStep& step) override;
 
@@ -42,11 +43,12 @@ class HostWalk : public FolderWalk {
   void Read(WalkStep& step);
   void Take(const dirent64& stored, WalkStep& step);
   bool IsAbove(dev_t device, ino_t node) const;
-  void TellUnread(const std::string& hostName, WalkStep& step) const;
+  bool IsLinkToFolder(const char* name) const;
+  void TellUnread(const std::string& hostName, const std::error_code& fault, WalkStep& step) const;
 
   static constexpr std::size_t kBufferSize = std::size_t{64} * 1024;
 
-  std::filesystem::path host_;
+  HostPlace host_;
   Wildcard pattern_;
   std::string path_;  ///< of the deepest level, final backslash included
   std::vector<Level> levels_;

@@ -14,6 +14,7 @@
 #include "platform/offline/host_streams.h"
 #include "platform/offline/host_walk.h"
 #include "platform/offline/volume_label.h"
+#include "platform/offline/windows_names.h"
 #include "text/error.h"
 #include "text/unicode.h"
 
@@ -24,16 +25,10 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr mode_t kNewFolderMode = 0777;
-constexpr const char* kNoSuchPlace = "there is no such drive or folder";
 
 class NoEntries : public FileFinder {
  public:
   std::optional<FileEntry> Next() override { return std::nullopt; }
-};
-
-class NoWalk : public FolderWalk {
- public:
-  bool Step(WalkStep& /*step*/) override { return false; }
 };
 
 class OneEntry : public FileFinder {
@@ -49,15 +44,35 @@ bool IsRoot(const WinPath& absolute) {
   return absolute.IsAbsolute() && absolute.Text().size() == 3;
 }
 
-bool IsFolder(const fs::path& path) {
+bool IsHostFolder(const fs::path& path) {
   std::error_code code;
   return fs::is_directory(path, code);
 }
 
-bool Exists(const fs::path& path) {
-  std::error_code code;
-  return fs::exists(fs::symlink_status(path, code));
+/// Runs `work`; what the host or the disk's bounds refuse becomes an Error about `path`.
+template <class Work>
+auto About(const char* doing, const WinPath& path, const Work& work) {
+  try {
+    return work();
+  } catch (const std::system_error& failure) {
+    throw Error(doing, {path.Text(), {}, {}}, ReasonOf(failure.code()));
+  }
 }
+
+/// A walk that only says why it is none.
+class RefusedWalk : public FolderWalk {
+ public:
+  explicit RefusedWalk(std::string why) : why_(std::move(why)) {}
+  bool Step(WalkStep& step) override {
+    step = {};
+    if (why_.empty()) return false;
+    step.unread.push_back(std::exchange(why_, {}));
+    return true;
+  }
+
+ private:
+  std::string why_;
+};
 
 }  // namespace
 
@@ -74,8 +89,13 @@ WinPath OfflineFiles::Absolute(const WinPath& path) const {
   return Resolve(path, CurrentDirectoryOf(letter));
 }
 
-std::optional<fs::path> OfflineFiles::HostPathOf(const WinPath& path) const {
-  return drives_.HostPath(Absolute(path));
+PlaceResult OfflineFiles::PlaceOf(const WinPath& path, LastStep last) const {
+  return drives_.PlaceOf(Absolute(path), last);
+}
+
+fs::path OfflineFiles::HostPath(const WinPath& path) const {
+  const PlaceResult place = PlaceOf(path);
+  return place ? place->Path() : fs::path();
 }
 
 WinPath OfflineFiles::WindowsPathOf(const fs::path& path) const {
@@ -98,69 +118,87 @@ std::unique_ptr<FileFinder> OfflineFiles::Find(const WinPath& pattern, bool name
   if (name.find_first_of("*?") == std::string::npos) return std::make_unique<OneEntry>(Stat(pattern));
 
   const WinPath folder = Absolute(WinPath(text.substr(0, nameStart)));
-  const std::optional<fs::path> host = drives_.HostPath(folder);
-  if (!host) return std::make_unique<NoEntries>();
-  return std::make_unique<FolderFinder>(*host, std::move(name), FolderFinder::Options{IsRoot(folder), namesOnly});
+  const PlaceResult place = drives_.PlaceOf(folder);
+  if (!place) return std::make_unique<NoEntries>();
+  return std::make_unique<FolderFinder>(*place, std::move(name), FolderFinder::Options{IsRoot(folder), namesOnly});
 }
 
 std::unique_ptr<FolderWalk> OfflineFiles::Walk(const WinPath& root, const std::string& pattern) {
-  const std::optional<fs::path> host = root.Empty() ? std::nullopt : HostPathOf(root);
-  if (!host) return std::make_unique<NoWalk>();
-  return std::make_unique<HostWalk>(*host, WithBackslash(root.Text()), pattern);
+  if (root.Empty()) return std::make_unique<RefusedWalk>("");
+  const PlaceResult place = PlaceOf(root);
+  const std::string shown = WithBackslash(root.Text());
+  if (place) return std::make_unique<HostWalk>(*place, shown, pattern);
+  const bool isMissing = place.Fault() == HostFault::NoSuchDrive || place.Fault() == HostFault::ImpossibleName;
+  return std::make_unique<RefusedWalk>(isMissing ? "" : shown + ": " + ReasonOf(place.Fault()));
 }
 
 std::optional<FileEntry> OfflineFiles::Stat(const WinPath& path) {
   const WinPath absolute = Absolute(path);
-  const std::optional<fs::path> host = drives_.HostPath(absolute);
-  if (!host) return std::nullopt;
-  if (IsRoot(absolute)) return ReadHostEntry(AT_FDCWD, host->string(), nullptr);
-
-  const fs::path folder = host->parent_path();
-  const HostFd fd(open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-  if (!fd) return std::nullopt;
-  const std::string stored = host->filename().string();
-  const AttributeReader attributes(folder);
-  std::optional<FileEntry> entry = ReadHostEntry(fd.Get(), stored, &attributes);
-  if (entry) entry->name = WindowsName(stored);
-  return entry;
+  const PlaceResult place = drives_.PlaceOf(absolute, LastStep::Keep);
+  if (!place) return std::nullopt;
+  if (place->IsRoot()) {
+    const std::optional<struct stat> info = StatPlace(*place);
+    return info ? std::optional(EntryOf(*info)) : std::nullopt;
+  }
+  try {
+    const OpenPlace opened = OpenFolderOf(*place);
+    const AttributeReader attributes(opened.folder.Get());
+    std::optional<FileEntry> entry = ReadHostEntry({place->Folder(), opened.folder.Get()}, opened.name, &attributes);
+    if (entry) entry->name = WindowsName(opened.name);
+    return entry;
+  } catch (const std::system_error&) {
+    return std::nullopt;
+  }
 }
 
 DriveType OfflineFiles::TypeOfDrive(const WinPath& root) {
   const fs::path* folder = drives_.FolderOf(root.Drive());
-  if (folder == nullptr || !IsFolder(*folder)) return DriveType::NoRoot;
+  if (folder == nullptr || !IsHostFolder(*folder)) return DriveType::NoRoot;
   return drives_.IsHostDrive(root.Drive()) ? DriveType::Remote : DriveType::Fixed;
 }
 
 std::optional<std::string> OfflineFiles::VolumeLabel(const WinPath& root) {
   const fs::path* folder = drives_.FolderOf(root.Drive());
-  if (folder == nullptr || !IsFolder(*folder)) return std::nullopt;
+  if (folder == nullptr || !IsHostFolder(*folder)) return std::nullopt;
   return LabelOfMount(*folder);
 }
 
 Status OfflineFiles::MakeDirectory(const WinPath& path) {
   const WinPath absolute = Absolute(path);
-  const std::optional<fs::path> host = drives_.HostPath(absolute);
-  if (!host) return drives_.FolderOf(absolute.Drive()) == nullptr ? Status::PathNotFound : Status::InvalidParameter;
-  if (IsRoot(absolute) || Exists(*host)) return Status::FileExists;
-  if (!IsFolder(host->parent_path())) return Status::PathNotFound;
+  const PlaceResult place = drives_.PlaceOf(absolute, LastStep::Keep);
+  if (!place) return StatusOf(place.Fault());
+  if (place->IsRoot() || StatPlace(*place)) return Status::FileExists;
+  if (!IsFolder(place->Folder())) return Status::PathNotFound;
   if (!FileNameFault(absolute.Name()).empty()) return Status::InvalidParameter;
-  return StatusOfErrno(mkdir(host->c_str(), kNewFolderMode) == 0 ? 0 : errno);
+  try {
+    const OpenPlace made = OpenFolderOf(*place);
+    return StatusOfErrno(mkdirat(made.folder.Get(), made.name.c_str(), kNewFolderMode) == 0 ? 0 : errno);
+  } catch (const std::system_error& failure) {
+    return StatusOf(failure.code());
+  }
 }
 
 bool OfflineFiles::MakePath(const WinPath& path) {
   const WinPath absolute = Absolute(path);
-  const std::optional<fs::path> host = drives_.HostPath(absolute);
-  if (!host || host->native().size() > PATH_MAX) return false;
-  if (IsFolder(*host)) return true;
+  const PlaceResult place = drives_.PlaceOf(absolute);
+  if (!place || place->Path().native().size() > PATH_MAX) return false;
+  if (IsFolder(*place)) return true;
   if (IsRoot(absolute) || !MakePath(absolute.Parent())) return false;
   return MakeDirectory(absolute) == Status::Success;
 }
 
 Status OfflineFiles::DeleteFile(const WinPath& path) {
-  const std::optional<fs::path> host = HostPathOf(path);
-  if (!host || !IsFolder(host->parent_path())) return Status::PathNotFound;
-  if (IsFolder(*host)) return Status::AccessDenied;
-  return StatusOfErrno(unlink(host->c_str()) == 0 ? 0 : errno);
+  const PlaceResult place = PlaceOf(path, LastStep::Keep);
+  if (!place) return place.Fault() == HostFault::LeadsOut ? Status::AccessDenied : Status::PathNotFound;
+  if (place->IsRoot()) return Status::AccessDenied;
+  if (!IsFolder(place->Folder())) return Status::PathNotFound;
+  if (IsFolder(*place)) return Status::AccessDenied;
+  try {
+    const OpenPlace gone = OpenFolderOf(*place);
+    return StatusOfErrno(unlinkat(gone.folder.Get(), gone.name.c_str(), 0) == 0 ? 0 : errno);
+  } catch (const std::system_error& failure) {
+    return StatusOf(failure.code());
+  }
 }
 
 Status OfflineFiles::SetCurrentDrive(char letter) {
@@ -172,20 +210,14 @@ Status OfflineFiles::SetCurrentDrive(char letter) {
 
 Status OfflineFiles::SetCurrentDirectory(const WinPath& path) {
   const WinPath absolute = Absolute(path);
-  const std::optional<fs::path> host = drives_.HostPath(absolute);
-  if (path.Empty() || !host || !IsFolder(*host)) return Status::PathNotFound;
+  const PlaceResult place = drives_.PlaceOf(absolute);
+  if (path.Empty() || !place || !IsFolder(*place)) return Status::PathNotFound;
   currentDirectories_[absolute.Drive()] = absolute;
   return Status::Success;
 }
 
 std::string OfflineFiles::ReadFile(const WinPath& path) {
-  const std::optional<fs::path> host = HostPathOf(path);
-  if (!host) throw Error(kReading, {path.Text(), {}, {}}, kNoSuchPlace);
-  try {
-    return ReadWholeFile(*host);
-  } catch (const std::system_error& failure) {
-    throw Error(kReading, {path.Text(), {}, {}}, SystemReason(failure.code().value()));
-  }
+  return About(kReading, path, [&] { return ReadWholeFile(PlaceOf(path).OrThrow()); });
 }
 
 void OfflineFiles::WriteFile(const WinPath& path, std::string_view bytes) {
@@ -195,20 +227,17 @@ void OfflineFiles::WriteFile(const WinPath& path, std::string_view bytes) {
 }
 
 std::unique_ptr<FileReader> OfflineFiles::OpenForReading(const WinPath& path) {
-  const std::optional<fs::path> host = HostPathOf(path);
-  if (!host) throw Error(kReading, {path.Text(), {}, {}}, kNoSuchPlace);
-  return OpenHostFile(*host, path.Text());
+  return OpenHostFile(About(kReading, path, [&] { return PlaceOf(path).OrThrow(); }), path.Text());
 }
 
 std::unique_ptr<FileWriter> OfflineFiles::StartFile(const WinPath& path) {
   const WinPath absolute = Absolute(path);
-  const ErrorPlace place{absolute.Text(), {}, {}};
-  const std::optional<fs::path> host = drives_.HostPath(absolute);
-  if (!host) throw Error(kWriting, place, kNoSuchPlace);
-  if (const std::string fault = FileNameFault(absolute.Name()); !fault.empty() && !Exists(*host)) {
-    throw Error(kWriting, place, "no file can have that name: " + fault);
+  const HostPlace place =
+      About(kWriting, absolute, [&] { return drives_.PlaceOf(absolute, LastStep::NoLink).OrThrow(); });
+  if (const std::string fault = FileNameFault(absolute.Name()); !fault.empty() && !StatPlace(place)) {
+    throw Error(kWriting, {absolute.Text(), {}, {}}, "no file can have that name: " + fault);
   }
-  return StartHostFile(*host, absolute.Text());
+  return StartHostFile(place, absolute.Text());
 }
 
 }  // namespace quillbox

@@ -23,9 +23,10 @@ class OfflineFiles : public FileSystem, public HostPaths {
   const DriveMap& Drives() const { return drives_; }
   /// `path` made absolute with the current drive and directories.
   WinPath Absolute(const WinPath& path) const;
-  /// Where `path` is on the host, whether it exists or not; nothing when it is on no drive of ours.
-  std::optional<std::filesystem::path> HostPathOf(const WinPath& path) const;
-  std::filesystem::path HostPath(const WinPath& path) const override { return HostPathOf(path).value_or(""); }
+  /// Where `path` is on the host, whether it exists or not; why not, when it is on no drive of ours or leads out of the
+  /// disk.
+  PlaceResult PlaceOf(const WinPath& path, LastStep last = LastStep::Follow) const;
+  std::filesystem::path HostPath(const WinPath& path) const override;
   WinPath WindowsPathOf(const std::filesystem::path& path) const override;
   void SetCodePageNumber(unsigned number) { codePage_ = number; }
 

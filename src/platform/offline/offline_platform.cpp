@@ -35,8 +35,10 @@ const std::map<char, fs::path>& Checked(const std::map<char, fs::path>& drives) 
 std::optional<DiskLock> LockDisk(const WindowsDisk& disk, const ProfileFolder& profile, const OfflineOptions& options,
                                  Log& log) {
   if (options.readOnly) return std::nullopt;
-  std::vector<fs::path> folders = {profile.hive.parent_path()};
-  if (!disk.softwareHive.empty()) folders.push_back(disk.softwareHive.parent_path());
+  std::vector<fs::path> folders = {profile.hive.Place().Folder().Path()};
+  if (disk.softwareHive && disk.softwareHive->PlaceIfAny() != nullptr) {
+    folders.push_back(disk.softwareHive->Place().Folder().Path());
+  }
   return DiskLock(folders, options.lockFds, log);
 }
 
@@ -63,10 +65,10 @@ OfflinePlatform::OfflinePlatform(const OfflineOptions& options, Dialogs& dialogs
       log_(stateFolder_),
       dialogs_(dialogs),
       clipboard_(clipboard),
-      disk_(FindWindowsDisk(options.folder)),
+      disk_(FindWindowsDisk(options.folder, Checked(options.drives))),
       profile_(ChooseProfile(disk_, options.profile)),
       lock_(LockDisk(disk_, profile_, options, log_)),
-      files_(DriveMap(disk_.folder, Checked(options.drives)), environment_),
+      files_(DriveMap(disk_.folder, options.drives), environment_),
       registry_(clock_, files_, log_),
       shell_(files_, dialogs_, log_),
       processes_(registry_, files_, log_, EditorFor(disk_, profile_, options, lock_)) {
@@ -93,19 +95,20 @@ OfflinePlatform::~OfflinePlatform() {
 }
 
 void OfflinePlatform::MountHives(HiveMode mode) {
-  if (mode == HiveMode::Write) RemoveAbandonedFiles(profile_.hive.parent_path());
-  hives_.push_back(std::make_unique<HiveFile>(profile_.hive, mode, stateFolder_, log_));
+  const HostPlace& user = profile_.hive.Place();
+  if (mode == HiveMode::Write) RemoveAbandonedFiles(user.Folder());
+  hives_.push_back(std::make_unique<HiveFile>(user, mode, stateFolder_, log_));
   registry_.Mount({RegistryRoot::CurrentUser, ""}, *hives_.back());
   MountMachineHive(disk_.softwareHive, kSoftware, mode);
   MountMachineHive(disk_.systemHive, kSystem, HiveMode::Read);
 }
 
-void OfflinePlatform::MountMachineHive(const fs::path& file, const char* name, HiveMode mode) {
+void OfflinePlatform::MountMachineHive(const std::optional<FoundHive>& file, const char* name, HiveMode mode) {
   const std::string key = FullName({RegistryRoot::LocalMachine, name});
   std::string fault = "the disk has no file for it";
-  if (!file.empty()) {
+  if (file) {
     try {
-      hives_.push_back(std::make_unique<HiveFile>(file, mode, stateFolder_, log_));
+      hives_.push_back(std::make_unique<HiveFile>(file->Place(), mode, stateFolder_, log_));
       registry_.Mount({RegistryRoot::LocalMachine, name}, *hives_.back());
       return;
     } catch (const Error& error) {

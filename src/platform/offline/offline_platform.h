@@ -64,7 +64,7 @@ class OfflinePlatform : public Platform {
 
  private:
   void MountHives(HiveMode mode);
-  void MountMachineHive(const std::filesystem::path& file, const char* name, HiveMode mode);
+  void MountMachineHive(const std::optional<FoundHive>& file, const char* name, HiveMode mode);
   unsigned FindCodePage();
 
   std::filesystem::path stateFolder_;

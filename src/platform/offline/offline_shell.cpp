@@ -37,9 +37,10 @@ std::string Amount(std::uint64_t done, std::uint64_t total) {
   return text.data();
 }
 
-bool IsFolder(const fs::path& path) {
-  std::error_code code;
-  return fs::is_directory(path, code);
+/// Why there is no such place, when that is more than that it isn't there.
+std::optional<std::string> RefusalOf(const PlaceResult& place) {
+  if (place || place.Fault() == HostFault::NoSuchDrive) return std::nullopt;
+  return ReasonOf(place.Fault()) + ".";
 }
 
 }  // namespace
@@ -47,7 +48,7 @@ bool IsFolder(const fs::path& path) {
 /// Both ends of a copy, with what is known of them.
 struct OfflineShell::Copy {
   WinPath source, target;  ///< absolute
-  std::optional<fs::path> from, to;
+  PlaceResult from = HostFault::NoSuchDrive, to = HostFault::NoSuchDrive;
   std::optional<FileEntry> sourceEntry;
 };
 
@@ -70,14 +71,14 @@ bool OfflineShell::CopyFile(const WinPath& source, const WinPath& target, bool n
   Copy copy;
   copy.source = files_.Absolute(source);
   copy.target = files_.Absolute(target);
-  copy.from = files_.HostPathOf(copy.source);
+  copy.from = files_.PlaceOf(copy.source);
   copy.sourceEntry = files_.Stat(copy.source);
   std::optional<FileEntry> existing = files_.Stat(copy.target);
   if (existing && existing->isDirectory) {
     copy.target = copy.target.Join(copy.source.Name());
     existing = files_.Stat(copy.target);
   }
-  copy.to = files_.HostPathOf(copy.target);
+  copy.to = files_.PlaceOf(copy.target, LastStep::NoLink);
 
   if (const std::string fault = FaultOf(copy); !fault.empty()) {
     ShowCopyError(copy.source.Name(), fault);
@@ -89,10 +90,13 @@ bool OfflineShell::CopyFile(const WinPath& source, const WinPath& target, bool n
 
 /// Why the copy cannot even be begun; empty when it can.
 std::string OfflineShell::FaultOf(const Copy& copy) const {
+  if (const auto refusal = RefusalOf(copy.from)) return copy.source.Text() + ": " + *refusal;
   if (!copy.sourceEntry) return copy.source.Text() + ": the file cannot be found.";
   if (copy.sourceEntry->isDirectory) return copy.source.Text() + ": it is a folder, not a file.";
+  if (const auto refusal = RefusalOf(copy.to)) return copy.target.Text() + ": " + *refusal;
   const WinPath folder = copy.target.Parent();
-  if (!copy.to || !IsFolder(copy.to->parent_path())) return folder.Text() + ": there is no such folder.";
+  if (!copy.to || copy.to->IsRoot() || !IsFolder(copy.to->Folder()))
+    return folder.Text() + ": there is no such folder.";
   if (IsFolder(*copy.to)) return copy.target.Text() + ": a folder of that name is in the way.";
   const std::string nameFault = FileNameFault(copy.target.Name());
   return nameFault.empty() ? nameFault : copy.target.Text() + ": no file can have that name: " + nameFault + ".";
@@ -109,7 +113,8 @@ bool OfflineShell::MayReplace(const Copy& copy, const FileEntry& existing) {
 }
 
 bool OfflineShell::Run(const Copy& copy) {
-  if (swept_.insert(copy.to->parent_path()).second) RemoveAbandonedFiles(copy.to->parent_path());
+  const HostPlace folder = copy.to->Folder();
+  if (swept_.insert(folder.Path()).second) RemoveAbandonedFiles(folder);
   try {
     return CopyWholeFile({*copy.from, copy.source.Text()}, {*copy.to, copy.target.Text()},
                          [&](std::uint64_t done, std::uint64_t total) { return Report(copy, done, total); });
@@ -132,14 +137,15 @@ void OfflineShell::ShowCopyError(const std::string& name, const std::string& why
 }
 
 void OfflineShell::Explore(const std::string& folder, const std::string& /*parameters*/) {
-  const std::optional<fs::path> host = folder.empty() ? std::nullopt : files_.HostPathOf(WinPath(folder));
-  if (!host || !IsFolder(*host)) {
+  const PlaceResult place = folder.empty() ? PlaceResult(HostFault::NoSuchDrive) : files_.PlaceOf(WinPath(folder));
+  if (!place || !IsFolder(*place)) {
     dialogs_.Show({"The path '" + folder + "' does not exist or is not a directory.", kProgramName, MessageButtons::Ok,
                    MessageIcon::Error});
     return;
   }
-  if (Start(host->string())) return;
-  dialogs_.Show({"No file manager could be started. On this computer the folder is:\n\n" + host->string(), kProgramName,
+  const std::string host = place->Path().string();
+  if (Start(host)) return;
+  dialogs_.Show({"No file manager could be started. On this computer the folder is:\n\n" + host, kProgramName,
                  MessageButtons::Ok, MessageIcon::Information});
 }
 

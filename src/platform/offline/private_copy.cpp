@@ -3,11 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <fstream>
-#include <iterator>
+#include <optional>
 #include <system_error>
 
 #include "platform/offline/hive_storage.h"
+#include "platform/offline/host_open.h"
+#include "platform/offline/host_streams.h"
 #include "platform/offline/state_folder.h"
 
 namespace quillbox {
@@ -30,14 +31,19 @@ std::string HashName(std::string_view text) {
   return digits.data();
 }
 
-std::string ReadText(const fs::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
+/// A file's first bytes, at most `size`; none when it cannot be read.
+std::string Beginning(const HostPlace& file, std::size_t size) try {
+  std::string bytes(size, '\0');
+  const std::size_t length = OpenHostFile(file, {})->Read(bytes);
+  bytes.resize(length);
+  return bytes;
+} catch (const Error&) {
+  return {};
 }
 
-std::string HiveStamp(const fs::path& hive) {
-  std::array<char, kStampEnd> block = {};
-  std::ifstream(hive, std::ios::binary).read(block.data(), block.size());
+std::string HiveStamp(const HostPlace& hive) {
+  std::string block = Beginning(hive, kStampEnd);
+  block.resize(kStampEnd);
   std::string digits;
   for (std::size_t at = kStampAt; at < kStampEnd; ++at) {
     std::array<char, 3> byte = {};
@@ -59,41 +65,46 @@ fs::path KeepOlder(const fs::path& file) {
 
 }  // namespace
 
-PrivateCopy::PrivateCopy(const fs::path& stateFolder, const fs::path& disk)
+PrivateCopy::PrivateCopy(const fs::path& stateFolder, const HostPlace& disk)
     : disk_(disk),
-      folder_(stateFolder / "copies" / HashName(disk.string())),
-      file_(folder_ / disk.filename()),
-      originFile_(file_.string() + ".origin") {}
+      folder_(stateFolder / "copies" / HashName(disk.Path().string())),
+      file_(HostPlace::Anywhere(folder_ / disk.Name())),
+      originFile_(HostPlace::Anywhere(file_.Path().string() + ".origin")) {}
 
 std::string PrivateCopy::DiskOrigin() const {
   const FileState state = StateOf(disk_);
-  return "A private copy of " + disk_.string() + "\nsize " + std::to_string(state.size) + "\nmodified " +
+  return "A private copy of " + disk_.Path().string() + "\nsize " + std::to_string(state.size) + "\nmodified " +
          std::to_string(state.seconds) + "." + std::to_string(state.nanoseconds) + "\nstamp " + HiveStamp(disk_) + "\n";
 }
 
+bool PrivateCopy::IsThere() const {
+  const std::optional<struct stat> info = StatPlace(file_);
+  return info && S_ISREG(info->st_mode);
+}
+
 bool PrivateCopy::IsCurrent() const {
-  std::error_code code;
-  return fs::is_regular_file(file_, code) && ReadText(originFile_) == DiskOrigin();
+  if (!IsThere()) return false;
+  const std::string origin = DiskOrigin();
+  return Beginning(originFile_, origin.size() + 1) == origin;
 }
 
 bool PrivateCopy::IsOutdated() const {
-  std::error_code code;
-  return fs::is_regular_file(file_, code) && !IsCurrent();
+  return IsThere() && !IsCurrent();
 }
 
 bool PrivateCopy::CanWrite() const {
-  return MakePrivateFolder(folder_) && CanWriteFolder(folder_);
+  return MakePrivateFolder(folder_) && CanWriteFolder(HostPlace::Anywhere(folder_));
 }
 
 fs::path PrivateCopy::Begin() try {
   fs::path older;
-  if (IsOutdated()) older = KeepOlder(file_);
+  if (IsOutdated()) older = KeepOlder(file_.Path());
   const std::string origin = DiskOrigin();
   ReplaceHostFile(originFile_, ByteView(reinterpret_cast<const std::uint8_t*>(origin.data()), origin.size()), kDoing,
                   originFile_);
   return older;
 } catch (const fs::filesystem_error& error) {
-  throw HostFileError(kDoing, file_, error.code().value());
+  throw HostFileError(kDoing, file_, error.code());
 }
 
 }  // namespace quillbox

@@ -5,14 +5,16 @@
 #include <filesystem>
 #include <string>
 
+#include "platform/offline/host_place.h"
+
 namespace quillbox {
 
 class PrivateCopy {
  public:
-  /// The copy of the hive `disk` (an absolute path), below `stateFolder`. Touches nothing.
-  PrivateCopy(const std::filesystem::path& stateFolder, const std::filesystem::path& disk);
+  /// The copy of the hive `disk`, below `stateFolder`. Touches nothing.
+  PrivateCopy(const std::filesystem::path& stateFolder, const HostPlace& disk);
 
-  const std::filesystem::path& File() const { return file_; }
+  const HostPlace& File() const { return file_; }
   /// True when there is a copy and the disk's hive has not changed since it was begun.
   bool IsCurrent() const;
   /// True when there is a copy that IsCurrent() has turned down.
@@ -24,12 +26,13 @@ class PrivateCopy {
   std::filesystem::path Begin();
 
  private:
+  bool IsThere() const;
   std::string DiskOrigin() const;
 
-  std::filesystem::path disk_;
+  HostPlace disk_;
   std::filesystem::path folder_;
-  std::filesystem::path file_;
-  std::filesystem::path originFile_;
+  HostPlace file_;
+  HostPlace originFile_;
 };
 
 }  // namespace quillbox

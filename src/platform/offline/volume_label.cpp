@@ -6,7 +6,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "platform/offline/drive_map.h"
+#include "platform/offline/windows_names.h"
 
 namespace quillbox {
 

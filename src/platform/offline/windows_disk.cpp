@@ -6,8 +6,12 @@
 #include <system_error>
 
 #include "platform/offline/drive_map.h"
+#include "platform/offline/folder_finder.h"
 #include "platform/offline/hive_file.h"
+#include "platform/offline/host_open.h"
+#include "platform/offline/place_finder.h"
 #include "platform/offline/state_folder.h"
+#include "platform/offline/windows_names.h"
 #include "text/unicode.h"
 
 namespace quillbox {
@@ -30,46 +34,87 @@ constexpr const char* kOldUserHive = "USER.DAT";
   throw Error(kDoing, {folder.string(), {}, {}}, std::move(why));
 }
 
-/// The host path of `relative` (names with slashes between) below `folder`, or nothing when it isn't there.
-std::optional<fs::path> FindBelow(const fs::path& folder, std::string_view relative) {
-  fs::path found = folder;
-  for (const fs::path& part : fs::path(relative)) {
-    const std::optional<std::string> name = FindEntry(found, part.native());
-    if (!name) return std::nullopt;
-    found /= *name;
+/// The place of `relative` (names with slashes between) below `folder`, also where nothing is there.
+PlaceResult PlaceBelow(const HostPlace& folder, std::string_view relative) {
+  std::vector<std::string_view> names;
+  while (!relative.empty()) {
+    const std::size_t end = std::min(relative.find('/'), relative.size());
+    names.push_back(relative.substr(0, end));
+    relative.remove_prefix(std::min(end + 1, relative.size()));
   }
-  return found;
+  return FindPlace(folder, names, LastStep::Follow);
 }
 
-fs::path FindOrEmpty(const fs::path& folder, std::string_view relative) {
-  return FindBelow(folder, relative).value_or(fs::path());
+/// The place of what is there.
+std::optional<HostPlace> FindBelow(const HostPlace& folder, std::string_view relative) {
+  const PlaceResult found = PlaceBelow(folder, relative);
+  return found && StatPlace(*found) ? std::optional(*found) : std::nullopt;
 }
 
-/// The names in a folder that lead to folders, sorted as Windows sorts names; none when it cannot be read.
-std::vector<std::string> FoldersIn(const fs::path& folder) {
+/// A hive, or a link of its name that leads out of the disk: that one is found and says so when it is opened.
+std::optional<FoundHive> FindHive(const HostPlace& folder, const std::string& name) {
+  const PlaceResult place = PlaceBelow(folder, name);
+  if (place && !StatPlace(*place)) return std::nullopt;
+  if (place) return FoundHive(place->Path(), place);
+  const PlaceResult link = FindPlace(folder, {name}, LastStep::Keep);
+  return FoundHive(link ? link->Path() : folder.Path() / name, place);
+}
+
+/// A folder and how Windows names it, links on the way not resolved.
+struct NamedFolder {
+  HostPlace place;
+  WinPath path;
+};
+
+/// The folders in a folder, sorted as Windows sorts names; none when it cannot be read.
+std::vector<NamedFolder> FoldersIn(const NamedFolder& folder) {
   std::vector<std::string> names;
-  std::error_code code;
-  for (fs::directory_iterator entry(folder, code), end; !code && entry != end; entry.increment(code)) {
-    std::error_code unreadable;
-    if (entry->is_directory(unreadable)) names.push_back(entry->path().filename().native());
+  FolderFinder entries(folder.place, "*", {.isRoot = true, .namesOnly = true});
+  while (const std::optional<FileEntry> entry = entries.Next()) {
+    if (entry->isDirectory) names.push_back(entry->name);
   }
   std::sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
     const int order = CompareIgnoreCase(ToUtf16(a), ToUtf16(b));
     return order != 0 ? order < 0 : a < b;
   });
-  return names;
+  std::vector<NamedFolder> folders;
+  for (const std::string& name : names) {
+    const PlaceResult place = FindPlace(folder.place, {name}, LastStep::Follow);
+    if (place) folders.push_back({*place, folder.path.Join(name)});
+  }
+  return folders;
+}
+
+/// A folder by its path below another one; the path gets the names as they are stored.
+std::optional<NamedFolder> FindFolder(const NamedFolder& from, std::string_view relative) {
+  NamedFolder found = from;
+  for (const fs::path& part : fs::path(relative)) {
+    const PlaceResult entry = FindPlace(found.place, {part.native()}, LastStep::Keep);
+    if (!entry || !StatPlace(*entry)) return std::nullopt;
+    const PlaceResult place = FollowEntry(found.place, entry->Name());
+    if (!place || !StatPlace(*place)) return std::nullopt;
+    found = {*place, found.path.Join(WindowsName(entry->Name()))};
+  }
+  return found;
 }
 
 /// The folder that Windows was installed in: one of the usual names, else any that holds a registry.
-std::optional<fs::path> FindWindowsFolder(const fs::path& disk) {
+std::optional<NamedFolder> FindWindowsFolder(const NamedFolder& disk) {
   for (const char* name : kWindowsFolders) {
-    std::optional<fs::path> folder = FindBelow(disk, name);
-    if (folder && FindBelow(*folder, kConfigFolder)) return folder;
+    std::optional<NamedFolder> folder = FindFolder(disk, name);
+    if (folder && FindBelow(folder->place, kConfigFolder)) return folder;
   }
-  for (const std::string& name : FoldersIn(disk)) {
-    if (FindBelow(disk / name, std::string(kConfigFolder) + "/software")) return disk / name;
+  for (const NamedFolder& folder : FoldersIn(disk)) {
+    if (FindBelow(folder.place, std::string(kConfigFolder) + "/software")) return folder;
   }
   return std::nullopt;
+}
+
+/// A hive of the machine. A folder of hives that leads out of the disk is found as they are.
+std::optional<FoundHive> FindMachineHive(const NamedFolder& windows, const std::string& name) {
+  const PlaceResult folder = PlaceBelow(windows.place, kConfigFolder);
+  if (folder) return FindHive(*folder, name);
+  return FoundHive(windows.place.Path() / kConfigFolder / name, folder.Fault());
 }
 
 bool IsNobodys(std::string_view name) {
@@ -77,45 +122,48 @@ bool IsNobodys(std::string_view name) {
                      [name](std::string_view nobody) { return EqualIgnoreCase(name, nobody); });
 }
 
-WinPath OnSystemDrive(const fs::path& relative) {
-  WinPath path("C:\\");
-  for (const fs::path& part : relative) path = path.Join(WindowsName(part.native()));
-  return path;
+bool SameFile(const std::optional<struct stat>& a, const std::optional<struct stat>& b) {
+  return a && b && a->st_dev == b->st_dev && a->st_ino == b->st_ino;
+}
+
+bool IsSameFile(const FoundHive& a, const HostPlace& b) {
+  return a.PlaceIfAny() != nullptr && SameFile(StatPlace(*a.PlaceIfAny()), StatPlace(b));
 }
 
 /// Adds the profiles below `root`, unless a link has led to the same folders before.
-void AddProfiles(const fs::path& disk, const fs::path& root, std::vector<ProfileFolder>& profiles) {
-  for (const std::string& name : FoldersIn(root)) {
-    if (IsNobodys(name)) continue;
-    const fs::path folder = root / name;
-    const std::optional<fs::path> hive = FindBelow(folder, kUserHive);
-    std::error_code code;
-    if (!hive || !fs::is_regular_file(*hive, code)) continue;
-    const bool known = std::any_of(profiles.begin(), profiles.end(),
-                                   [&](const ProfileFolder& other) { return fs::equivalent(other.hive, *hive, code); });
-    if (!known) profiles.push_back({WindowsName(name), folder, *hive, OnSystemDrive(folder.lexically_relative(disk))});
+void AddProfiles(const NamedFolder& root, std::vector<ProfileFolder>& profiles) {
+  for (const NamedFolder& folder : FoldersIn(root)) {
+    if (IsNobodys(folder.path.Name())) continue;
+    const std::optional<FoundHive> hive = FindHive(folder.place, kUserHive);
+    if (!hive) continue;
+    if (const HostPlace* place = hive->PlaceIfAny()) {
+      if (IsFolder(*place)) continue;
+      const bool known = std::any_of(profiles.begin(), profiles.end(),
+                                     [place](const ProfileFolder& other) { return IsSameFile(other.hive, *place); });
+      if (known) continue;
+    }
+    profiles.push_back({folder.path.Name(), *hive, folder.path});
   }
 }
 
-bool IsOldWindows(const fs::path& disk) {
-  const std::optional<fs::path> windows = FindBelow(disk, kWindowsFolders[0]);
+bool IsOldWindows(const HostPlace& disk) {
+  const std::optional<HostPlace> windows = FindBelow(disk, kWindowsFolders[0]);
   if (!windows || FindBelow(*windows, kConfigFolder)) return false;
-  return FindBelow(*windows, kOldUserHive).has_value() || FindBelow(*windows, "SYSTEM.DAT").has_value();
+  return FindBelow(*windows, kOldUserHive) || FindBelow(*windows, "SYSTEM.DAT");
 }
 
 /// Where the disk begins when `folder` is a part of one; empty when it is none that we know.
 fs::path DiskAround(const fs::path& folder) {
-  const fs::path& root = folder.parent_path();
-  if (FindBelow(folder, kConfigFolder)) return root;
+  const fs::path root = folder.parent_path();
+  if (FindBelow(HostPlace::DiskRoot(folder), kConfigFolder)) return root;
   const auto below = [](const fs::path& parent, const fs::path& child) {
-    for (const char* profileRoot : kProfileRoots) {
-      std::error_code code;
-      const std::optional<fs::path> found = FindBelow(parent, profileRoot);
-      if (found && fs::equivalent(*found, child, code)) return true;
-    }
-    return false;
+    const auto childInfo = StatPlace(HostPlace::Anywhere(child));
+    return std::any_of(kProfileRoots.begin(), kProfileRoots.end(), [&](const char* profileRoot) {
+      const std::optional<HostPlace> found = FindBelow(HostPlace::DiskRoot(parent), profileRoot);
+      return found && SameFile(StatPlace(*found), childInfo);
+    });
   };
-  const fs::path profiles = FindBelow(folder, kUserHive) ? root : folder;
+  const fs::path profiles = FindBelow(HostPlace::DiskRoot(folder), kUserHive) ? root : folder;
   if (below(profiles.parent_path(), profiles)) return profiles.parent_path();
   if (below(profiles.parent_path().parent_path(), profiles)) return profiles.parent_path().parent_path();
   return {};
@@ -124,7 +172,7 @@ fs::path DiskAround(const fs::path& folder) {
 [[noreturn]] void FailWithoutWindows(const fs::path& folder) {
   const fs::path around = DiskAround(folder);
   if (!around.empty()) Fail(folder, "it is a folder of a Windows disk; choose the disk itself, " + around.string());
-  if (IsOldWindows(folder)) {
+  if (IsOldWindows(HostPlace::DiskRoot(folder))) {
     Fail(folder, "it is a disk of Windows 95, 98 or Me; their registry files (USER.DAT) are not supported yet");
   }
   std::string looked = "there is no Windows in it; looked for a folder WINDOWS or WINNT with System32\\config";
@@ -134,7 +182,12 @@ fs::path DiskAround(const fs::path& folder) {
 
 }  // namespace
 
-WindowsDisk FindWindowsDisk(const fs::path& given) {
+const HostPlace& FoundHive::Place() const {
+  if (!place_) throw Error("opening the hive", {shownAs_.string(), {}, {}}, ReasonOf(place_.Fault()));
+  return *place_;
+}
+
+WindowsDisk FindWindowsDisk(const fs::path& given, const std::map<char, fs::path>& drives) {
   std::error_code code;
   const fs::file_status status = fs::status(given, code);
   if (!fs::exists(status))
@@ -143,24 +196,23 @@ WindowsDisk FindWindowsDisk(const fs::path& given) {
 
   WindowsDisk disk;
   disk.folder = fs::canonical(given);
-  std::vector<fs::path> roots;
+  const NamedFolder driveC{DriveMap(disk.folder, drives).PlaceOf(WinPath("C:\\")).OrThrow(), WinPath("C:\\")};
+  std::vector<NamedFolder> roots;
   for (const char* name : kProfileRoots) {
-    const std::optional<fs::path> root = FindBelow(disk.folder, name);
-    if (root) roots.push_back(*root);
+    if (std::optional<NamedFolder> root = FindFolder(driveC, name)) roots.push_back(std::move(*root));
   }
-  const std::optional<fs::path> windows = FindWindowsFolder(disk.folder);
-  if (!windows && (roots.empty() || IsOldWindows(disk.folder))) FailWithoutWindows(disk.folder);
+  const std::optional<NamedFolder> windows = FindWindowsFolder(driveC);
+  if (!windows && (roots.empty() || IsOldWindows(driveC.place))) FailWithoutWindows(disk.folder);
 
-  disk.windowsFolder = windows.value_or(fs::path());
-  disk.windowsPath = windows ? OnSystemDrive(windows->filename()) : WinPath("C:\\WINDOWS");
+  disk.windowsPath = windows ? windows->path : WinPath("C:\\WINDOWS");
   if (windows) {
-    disk.softwareHive = FindOrEmpty(*windows, std::string(kConfigFolder) + "/software");
-    disk.systemHive = FindOrEmpty(*windows, std::string(kConfigFolder) + "/system");
+    disk.softwareHive = FindMachineHive(*windows, "software");
+    disk.systemHive = FindMachineHive(*windows, "system");
   }
   std::string searched;
-  for (const fs::path& root : roots) {
-    AddProfiles(disk.folder, root, disk.profiles);
-    searched += (searched.empty() ? "" : ", ") + root.string();
+  for (const NamedFolder& root : roots) {
+    AddProfiles(root, disk.profiles);
+    searched += (searched.empty() ? "" : ", ") + root.place.Path().string();
   }
   if (disk.profiles.empty()) {
     Fail(disk.folder, searched.empty()
@@ -186,7 +238,7 @@ IdentityCount CountIdentities(const ProfileFolder& profile) {
     void Write(std::string_view /*text*/) override {}
   } log;
   try {
-    const HiveFile file(profile.hive, HiveMode::Read, StateFolder(), log);
+    const HiveFile file(profile.hive.Place(), HiveMode::Read, StateFolder(), log);
     const Hive& hive = file.View();
     const std::optional<HiveKey> identities = hive.Find(hive.Root(), "Identities");
     return {identities ? hive.SubkeyCount(*identities) : 0, std::nullopt};

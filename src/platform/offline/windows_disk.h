@@ -4,34 +4,52 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "platform/offline/host_place.h"
 #include "text/error.h"
 #include "text/win_path.h"
 
 namespace quillbox {
 
+/// A hive that was found on a disk.
+class FoundHive {
+ public:
+  FoundHive(std::filesystem::path shownAs, PlaceResult place)
+      : shownAs_(std::move(shownAs)), place_(std::move(place)) {}
+  /// Where it is, links resolved. Throws Error when it is a link that leads out of the disk.
+  const HostPlace& Place() const;
+  /// As Place(), or null.
+  const HostPlace* PlaceIfAny() const { return place_ ? &*place_ : nullptr; }
+
+ private:
+  std::filesystem::path shownAs_;
+  PlaceResult place_;
+};
+
 struct ProfileFolder {
-  std::string name;              ///< the folder's name, which is the person's user name or begins with it
-  std::filesystem::path folder;  ///< on the host
-  std::filesystem::path hive;    ///< its NTUSER.DAT on the host
+  std::string name;  ///< the folder's name, which is the person's user name or begins with it
+  FoundHive hive;    ///< its NTUSER.DAT
   WinPath winFolder;
 };
 
 struct WindowsDisk {
-  std::filesystem::path folder;         ///< the host folder that is C:\ .
-  std::filesystem::path windowsFolder;  ///< empty when the disk holds profiles only
-  WinPath windowsPath;                  ///< "C:\WINDOWS" when the folder is not there
-  std::filesystem::path softwareHive;   ///< empty when there is none
-  std::filesystem::path systemHive;     ///< empty when there is none
+  std::filesystem::path folder;  ///< the host folder that is C:\ .
+  WinPath windowsPath;           ///< "C:\WINDOWS" when the disk holds profiles only
+  std::optional<FoundHive> softwareHive;
+  std::optional<FoundHive> systemHive;
   std::vector<ProfileFolder> profiles;  ///< at least one, sorted by name
 };
 
-/// Looks at `folder` as at C:\ of a Windows that isn't running. Throws Error when there is no such folder, no Windows
+/// Looks at `folder` as at C:\ of a Windows that isn't running, whose further drives are `drives`: links that lead to
+/// one of them are followed, others that leave `folder` are not. Throws Error when there is no such folder, no Windows
 /// on it, or nobody's registry.
-WindowsDisk FindWindowsDisk(const std::filesystem::path& folder);
+WindowsDisk FindWindowsDisk(const std::filesystem::path& folder,
+                            const std::map<char, std::filesystem::path>& drives = {});
 
 /// The profile called `name` (without regard to case), or the only one when `name` is empty. Throws Error, which lists
 /// the profiles, when there is none or more than one.

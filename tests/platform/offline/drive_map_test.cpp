@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/offline/windows_names.h"
 #include "support/temp_folder.h"
 #include "text/unicode.h"
 #include "text/win_path.h"
@@ -38,8 +39,8 @@ struct DriveMapTest : testing::Test {
   DriveMap map{c, {{'D', d}}};
 
   std::string Below(const std::string& path) {
-    const auto host = map.HostPath(WinPath(path));
-    return host ? host->lexically_relative(temp.Path()).string() : "(none)";
+    const PlaceResult place = map.PlaceOf(WinPath(path));
+    return place ? place->Path().lexically_relative(temp.Path()).string() : "(none)";
   }
 };
 
@@ -73,7 +74,7 @@ TEST_F(DriveMapTest, HostPathsAreShownInTheClosestDrive) {
   EXPECT_EQ(shown("/no/such/place"), "Z:\\no\\such\\place");
   std::filesystem::create_directory_symlink(c, temp / "link");
   EXPECT_EQ(shown(temp / "link/x"), "C:\\x");
-  EXPECT_EQ(map.HostPath(WinPath(shown(d / "a"))), d / "a");
+  EXPECT_EQ(map.PlaceOf(WinPath(shown(d / "a")))->Path(), d / "a");
 }
 
 }  // namespace

@@ -156,17 +156,18 @@ TEST_F(HiveFileTest, AReadOnlyDiskGetsAPrivateCopy) {
   const ReadOnlyDisk readOnly(disk);
   HiveFile file = Open(kHive);
   EXPECT_EQ(Value(file), "changed by Windows");
-  const fs::path copy = file.TargetFile();
+  const fs::path copy = file.TargetFile().Path();
   Set(file, "private again");
   file.Commit(kTestTime + 2);
   EXPECT_EQ(Value(Open(kHive)), "private again");
-  EXPECT_EQ(Value(HiveFile(copy.string() + ".older-1", HiveMode::Read, disk / "state", log)), "private");
+  EXPECT_EQ(Value(HiveFile(HostPlace::Anywhere(copy.string() + ".older-1"), HiveMode::Read, disk / "state", log)),
+            "private");
   EXPECT_THAT(log.text, HasSubstr(".older-1"));
 }
 
 TEST_F(HiveFileTest, WithoutAnyPlaceToWriteNothingCanBeChanged) {
   const ReadOnlyDisk readOnly(disk);
-  HiveFile file(disk / kHive, HiveMode::Write, disk / "profile/state", log);
+  HiveFile file(HostPlace::Anywhere(disk / kHive), HiveMode::Write, disk / "profile/state", log);
   registry.Mount({RegistryRoot::CurrentUser, ""}, file);
   EXPECT_FALSE(file.CanWrite());
   EXPECT_EQ(registry.Open({}, Access::Read).status, Status::Success);

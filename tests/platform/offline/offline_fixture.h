@@ -50,7 +50,7 @@ struct OfflineFixture {
   OfflineRegistry registry{clock, files, log};
 
   HiveFile Open(std::string_view hive, HiveMode mode = HiveMode::Write) {
-    return {disk / hive, mode, disk / "state", log};
+    return {HostPlace::Anywhere(disk / hive), mode, disk / "state", log};
   }
 };
 

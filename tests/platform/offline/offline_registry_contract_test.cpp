@@ -6,7 +6,8 @@ namespace {
 
 class OfflineUnderTest : public RegistryUnderTest, OfflineFixture {
  public:
-  OfflineUnderTest() : hive_(MakeHiveFile(disk / "NTUSER.DAT"), HiveMode::Write, disk / "state", log) {
+  OfflineUnderTest()
+      : hive_(HostPlace::Anywhere(MakeHiveFile(disk / "NTUSER.DAT")), HiveMode::Write, disk / "state", log) {
     registry.Mount({RegistryRoot::CurrentUser, ""}, hive_);
     disk.Folder("saved");
   }

@@ -21,9 +21,9 @@ class OfflineRegistryTest : public testing::Test, protected OfflineFixture {
   static RegistryPath Machine(std::string subkey) { return {RegistryRoot::LocalMachine, std::move(subkey)}; }
   Status Exists(const RegistryPath& path) { return registry.Open(path, Access::Read).status; }
 
-  HiveFile user_{MakeHiveFile(disk / "user/NTUSER.DAT"), HiveMode::Write, disk / "state", log};
-  HiveFile software_{MakeHiveFile(disk / "config/software"), HiveMode::Write, disk / "state", log};
-  HiveFile system_{MakeHiveFile(disk / "config/system"), HiveMode::Write, disk / "state", log};
+  HiveFile user_{HostPlace::Anywhere(MakeHiveFile(disk / "user/NTUSER.DAT")), HiveMode::Write, disk / "state", log};
+  HiveFile software_{HostPlace::Anywhere(MakeHiveFile(disk / "config/software")), HiveMode::Write, disk / "state", log};
+  HiveFile system_{HostPlace::Anywhere(MakeHiveFile(disk / "config/system")), HiveMode::Write, disk / "state", log};
 };
 
 TEST_F(OfflineRegistryTest, TheMachineRootShowsItsHives) {

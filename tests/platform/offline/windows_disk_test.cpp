@@ -36,11 +36,11 @@ TEST(WindowsDisk, FindsThePeopleWhereverWindowsKeptThem) {
     const WindowsDisk found = FindWindowsDisk(disk.Path());
     ASSERT_EQ(found.profiles.size(), 2u) << row.root;
     EXPECT_EQ(found.profiles[0].name, "Anna");
-    EXPECT_TRUE(std::filesystem::exists(found.profiles[0].hive));
+    EXPECT_TRUE(std::filesystem::exists(found.profiles[0].hive.Place().Path()));
     EXPECT_EQ(found.profiles[1].winFolder.Text().substr(0, 3), "C:\\");
     EXPECT_EQ(found.profiles[1].winFolder.Name(), "zoe");
     EXPECT_TRUE(EqualIgnoreCase(found.windowsPath.Text(), std::string("C:\\") + row.windows));
-    EXPECT_TRUE(std::filesystem::exists(found.softwareHive));
+    EXPECT_TRUE(std::filesystem::exists(found.softwareHive.value().Place().Path()));
   }
 }
 

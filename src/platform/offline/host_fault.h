@@ -1,0 +1,38 @@
+// Why something on the host is refused: the system's own errors and the rules of this program, which have words of
+// their own, in one type. An errno would say "Invalid cross-device link" where a disk's link leads out of the disk.
+#pragma once
+
+#include <string>
+#include <system_error>
+
+#include "platform/status.h"
+
+namespace quillbox {
+
+/// The rules of this program for what is on a disk.
+enum class HostFault {
+  NoSuchDrive = 1,
+  ImpossibleName,  ///< a name that would leave its folder
+  LeadsOut,        ///< a link on the path leads to a place outside the disk's drives
+  TooManyLinks,    ///< links that lead in a circle, or more of them than any path needs
+  IsLink,          ///< what would be written is a link
+  Changed,         ///< a link has come into the path since the place was looked up
+  NotOrdinary,     ///< a device, pipe or socket
+};
+std::error_code make_error_code(HostFault fault);  // NOLINT(readability-identifier-naming): the library's name
+
+/// Throws std::system_error for an errno, or for another reason.
+[[noreturn]] void ThrowErrno(int code);
+[[noreturn]] void ThrowFault(const std::error_code& fault);
+
+/// A clause without a final full stop: "it leads out of the disk", "No such file or directory".
+std::string ReasonOf(const std::error_code& fault);
+
+/// The platform's status for an errno, or for another reason.
+Status StatusOfErrno(int code);
+Status StatusOf(const std::error_code& fault);
+
+}  // namespace quillbox
+
+template <>
+struct std::is_error_code_enum<quillbox::HostFault> : std::true_type {};

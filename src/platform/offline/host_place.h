@@ -1,0 +1,114 @@
+// Where something is on the host. What a Windows disk names must stay on that disk: a place beneath a drive's folder
+// carries the disk's bounds with it, so that nothing can be opened there by a plain path. Only what belongs to the
+// person or to this program (drive Z:, the state folder) is anywhere on the host, where links are followed as the host
+// does.
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "platform/offline/host_fault.h"
+
+namespace quillbox {
+
+/// A drive of the disk on the host.
+struct DriveFolder {
+  /// Takes a folder as a person gives it, which need not exist.
+  explicit DriveFolder(const std::filesystem::path& given);
+
+  std::filesystem::path folder;     ///< absolute, as given
+  std::filesystem::path canonical;  ///< the same without symbolic links
+};
+
+/// The part of `path` below `folder`, or nothing when it is not inside it. Compares names only.
+std::optional<std::filesystem::path> PartBelow(const std::filesystem::path& path, const std::filesystem::path& folder);
+
+/// The drives' folders that make up one disk. A link that leads from one of them into another stays on the disk, as a
+/// junction from one volume to another does on Windows: the person named both as parts of the same Windows.
+class DiskBounds {
+ public:
+  explicit DiskBounds(std::vector<DriveFolder> drives) : drives_(std::move(drives)) {}
+
+  struct Inside {
+    std::size_t drive = 0;
+    std::filesystem::path below;
+  };
+  const DriveFolder& Drive(std::size_t drive) const { return drives_.at(drive); }
+  /// The drive that holds the absolute host path most closely, and the rest of the path. Nothing outside the disk.
+  std::optional<Inside> Find(const std::filesystem::path& absolute) const;
+
+ private:
+  std::vector<DriveFolder> drives_;
+};
+
+class HostPlace {
+ public:
+  /// Anywhere on the host.
+  static HostPlace Anywhere(const std::filesystem::path& path);
+  /// Beneath a drive of the disk: the names `below`, without "..", of which none may be a link when it is opened.
+  static HostPlace Beneath(std::shared_ptr<const DiskBounds> bounds, std::size_t drive,
+                           std::filesystem::path below = {});
+  /// The folder of a disk that has this one drive, or further ones.
+  static HostPlace DiskRoot(const std::filesystem::path& folder, const std::vector<std::filesystem::path>& more = {});
+
+  bool IsBeneathDrive() const { return bounds_ != nullptr; }
+  /// The following three for places beneath a drive only.
+  const std::shared_ptr<const DiskBounds>& Bounds() const { return bounds_; }
+  const DriveFolder& Drive() const { return bounds_->Drive(drive_); }
+  std::size_t DriveNumber() const { return drive_; }
+  /// The names below the drive's folder, or the whole path of a place anywhere.
+  const std::filesystem::path& Names() const { return names_; }
+
+  /// True for the drive's own folder and the host's root, which have no folder above them and no name.
+  bool IsRoot() const { return !names_.has_filename(); }
+  /// The folder that it is in, and its name there; not for a root.
+  HostPlace Folder() const;
+  std::string Name() const { return names_.filename().string(); }
+  /// The entry `hostName` of this folder; the name must be one that cannot leave it.
+  HostPlace Join(const std::string& hostName) const;
+
+  /// As a host path: for words, and for programs of the host that a person starts. Never for opening.
+  std::filesystem::path Path() const;
+
+  friend bool operator==(const HostPlace& a, const HostPlace& b) {
+    return a.IsBeneathDrive() == b.IsBeneathDrive() && a.Path() == b.Path();
+  }
+
+ private:
+  HostPlace(std::shared_ptr<const DiskBounds> bounds, std::size_t drive, std::filesystem::path names)
+      : bounds_(std::move(bounds)), drive_(drive), names_(std::move(names)) {}
+
+  std::shared_ptr<const DiskBounds> bounds_;  ///< null for a place anywhere
+  std::size_t drive_ = 0;
+  std::filesystem::path names_;
+};
+
+/// A place, or why there is none.
+class PlaceResult {
+ public:
+  PlaceResult(HostPlace place) : place_(std::move(place)) {}        // NOLINT: as std::optional
+  PlaceResult(const std::error_code& fault) : fault_(fault) {}      // NOLINT
+  PlaceResult(HostFault fault) : fault_(make_error_code(fault)) {}  // NOLINT
+
+  explicit operator bool() const { return place_.has_value(); }
+  const HostPlace& operator*() const { return *place_; }
+  const HostPlace* operator->() const { return &*place_; }
+  const std::error_code& Fault() const { return fault_; }
+  /// The place; throws std::system_error with the reason when there is none.
+  const HostPlace& OrThrow() const {
+    if (!place_) ThrowFault(fault_);
+    return *place_;
+  }
+
+ private:
+  std::optional<HostPlace> place_;
+  std::error_code fault_;
+};
+
+}  // namespace quillbox
