@@ -65,7 +65,9 @@ void BackupFolder::Enter(const WinPath& folder) {
   FileSystem& files = platform_.GetFiles();
   const bool entered = folder.Drive() != 0 && files.SetCurrentDrive(folder.Drive()) == Status::Success &&
                        files.SetCurrentDirectory(folder) == Status::Success;
-  if (!entered) throw Error("entering the backup folder", {folder.Text(), {}, {}}, "the folder does not exist");
+  if (entered) return;
+  throw Error("entering the backup folder", {folder.Text(), {}, {}},
+              files.RefusalOf(folder).value_or("the folder does not exist"));
 }
 
 std::optional<bool> BackupFolder::LoadOverwrite() {

@@ -137,7 +137,7 @@ void IdentityBackup::CopyStore(const std::string& userId, const WinPath& target,
   try {
     folder = ReadStoreFolder(store_, platform_.GetFiles(), userId);
     if (folder.empty() || !DirExists(platform_.GetFiles(), folder)) {
-      fault = "The message store folder \"" + folder + "\" does not exist.";
+      fault = "The message store folder \"" + folder + "\" " + WhyNoFolder(platform_.GetFiles(), folder) + ".";
     }
   } catch (const Error& error) {
     fault = "The message store folder is not known: " + Describe(error) + ".";

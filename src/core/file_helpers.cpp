@@ -10,6 +10,11 @@ bool DirExists(FileSystem& files, const std::string& path) {
   return false;
 }
 
+std::string WhyNoFolder(FileSystem& files, const std::string& path) {
+  const std::optional<std::string> refusal = files.RefusalOf(WinPath(path));
+  return refusal ? "cannot be used: " + *refusal : "does not exist";
+}
+
 std::vector<std::string> FileList(FileSystem& files, const std::string& pattern) {
   std::vector<std::string> names;
   const auto finder = files.Find(WinPath(pattern));

@@ -11,6 +11,9 @@ namespace quillbox {
 /// True when the folder exists: when listing it, folders included, yields a first name.
 bool DirExists(FileSystem& files, const std::string& path);
 
+/// What is wrong with a folder that DirExists does not find, after its name: "does not exist", or why it is refused.
+std::string WhyNoFolder(FileSystem& files, const std::string& path);
+
 /// The names of the files that match a pattern (folder plus wildcard), in the file system's order; folders, hidden and
 /// system files are left out. One empty text when nothing matches.
 std::vector<std::string> FileList(FileSystem& files, const std::string& pattern);

@@ -123,7 +123,9 @@ std::string IdentityClone::CopyMessages() {
     from = ReadStoreFolder(store_, files, request_.source);
     if (from.empty()) fault = "the registry does not say where its messages are (it has no \"Store Root\")";
     if (from == kEmptyIdentityMarker) fault = "it was never started in Outlook Express and has no message store yet";
-    if (fault.empty() && !DirExists(files, from)) fault = "its message store folder \"" + from + "\" does not exist";
+    if (fault.empty() && !DirExists(files, from)) {
+      fault = "its message store folder \"" + from + "\" " + WhyNoFolder(files, from);
+    }
   } catch (const Error& error) {
     fault = Describe(error);
   }

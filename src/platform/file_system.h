@@ -84,6 +84,10 @@ class FileSystem {
   /// The entry itself, or nothing when it does not exist.
   virtual std::optional<FileEntry> Stat(const WinPath& path) = 0;
 
+  /// Why `path` may not be used although its names are possible ("it leads out of the disk"); nothing when it may,
+  /// whether or not anything is there.
+  virtual std::optional<std::string> RefusalOf(const WinPath& /*path*/) { return std::nullopt; }
+
   virtual DriveType TypeOfDrive(const WinPath& root) = 0;
   /// The volume's label, which may be empty; nothing when the drive is not there.
   virtual std::optional<std::string> VolumeLabel(const WinPath& root) = 0;

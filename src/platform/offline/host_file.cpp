@@ -57,7 +57,7 @@ std::optional<struct stat> ReplacedBy(const HostPlace& place, const OpenPlace& t
     if (errno != ENOENT) ThrowErrno(errno);
     return std::nullopt;
   }
-  if (S_ISLNK(existing.st_mode)) ThrowAbout(place, ELOOP);
+  if (S_ISLNK(existing.st_mode)) ThrowAbout(place, ELOOP, LastStep::NoLink);
   if (S_ISDIR(existing.st_mode)) ThrowErrno(EISDIR);
   // A device, pipe or socket has a place of its own: a file put there would take it away from everybody.
   if (!S_ISREG(existing.st_mode)) ThrowFault(HostFault::NotOrdinary);

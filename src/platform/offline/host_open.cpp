@@ -5,7 +5,6 @@
 #include <cerrno>
 
 #include "platform/offline/open_beneath.h"
-#include "platform/offline/place_finder.h"
 
 namespace quillbox {
 
@@ -26,9 +25,9 @@ void CheckOrdinary(const HostPlace& file, const struct stat& info) {
 
 }  // namespace
 
-void ThrowAbout(const HostPlace& place, int code) {
+void ThrowAbout(const HostPlace& place, int code, LastStep last) {
   if (!place.IsBeneathDrive() || code != ELOOP) ThrowErrno(code);
-  const PlaceResult again = FindAgain(place, LastStep::NoLink);
+  const PlaceResult again = FindAgain(place, last);
   ThrowFault(again ? make_error_code(HostFault::Changed) : again.Fault());
 }
 

@@ -10,6 +10,7 @@
 
 #include "platform/offline/host_fd.h"
 #include "platform/offline/host_place.h"
+#include "platform/offline/place_finder.h"
 
 namespace quillbox {
 
@@ -32,7 +33,8 @@ HostFd OpenForReading(const HostPlace& file);
 std::optional<struct stat> StatPlace(const HostPlace& place);
 bool IsFolder(const HostPlace& place);
 
-/// Throws std::system_error for a failed call on `place`: where a link was the reason, with what it leads to.
-[[noreturn]] void ThrowAbout(const HostPlace& place, int code);
+/// Throws std::system_error for a failed call on `place`, which was found with `last`: where a link was the reason,
+/// with where it leads.
+[[noreturn]] void ThrowAbout(const HostPlace& place, int code, LastStep last = LastStep::Follow);
 
 }  // namespace quillbox

@@ -128,8 +128,8 @@ std::unique_ptr<FolderWalk> OfflineFiles::Walk(const WinPath& root, const std::s
   const PlaceResult place = PlaceOf(root);
   const std::string shown = WithBackslash(root.Text());
   if (place) return std::make_unique<HostWalk>(*place, shown, pattern);
-  const bool isMissing = place.Fault() == HostFault::NoSuchDrive || place.Fault() == HostFault::ImpossibleName;
-  return std::make_unique<RefusedWalk>(isMissing ? "" : shown + ": " + ReasonOf(place.Fault()));
+  const std::optional<std::string> refusal = RefusalOf(root);
+  return std::make_unique<RefusedWalk>(refusal ? shown + ": " + *refusal : "");
 }
 
 std::optional<FileEntry> OfflineFiles::Stat(const WinPath& path) {
@@ -149,6 +149,14 @@ std::optional<FileEntry> OfflineFiles::Stat(const WinPath& path) {
   } catch (const std::system_error&) {
     return std::nullopt;
   }
+}
+
+std::optional<std::string> OfflineFiles::RefusalOf(const WinPath& path) {
+  const PlaceResult place = PlaceOf(path);
+  if (place || place.Fault() == HostFault::NoSuchDrive || place.Fault() == HostFault::ImpossibleName) {
+    return std::nullopt;
+  }
+  return ReasonOf(place.Fault());
 }
 
 DriveType OfflineFiles::TypeOfDrive(const WinPath& root) {

@@ -34,6 +34,7 @@ class OfflineFiles : public FileSystem, public HostPaths {
   std::unique_ptr<FileFinder> FindNames(const WinPath& pattern) override;
   std::unique_ptr<FolderWalk> Walk(const WinPath& root, const std::string& pattern) override;
   std::optional<FileEntry> Stat(const WinPath& path) override;
+  std::optional<std::string> RefusalOf(const WinPath& path) override;
   DriveType TypeOfDrive(const WinPath& root) override;
   std::optional<std::string> VolumeLabel(const WinPath& root) override;
   std::string ExpandEnvironment(std::string_view text) override { return environment_.Expand(text); }

@@ -37,7 +37,7 @@ std::string Amount(std::uint64_t done, std::uint64_t total) {
   return text.data();
 }
 
-/// Why there is no such place, when that is more than that it isn't there.
+/// Why a place is refused, as a sentence's end; nothing when it is only not there.
 std::optional<std::string> RefusalOf(const PlaceResult& place) {
   if (place || place.Fault() == HostFault::NoSuchDrive) return std::nullopt;
   return ReasonOf(place.Fault()) + ".";

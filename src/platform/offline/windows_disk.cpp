@@ -98,11 +98,12 @@ std::optional<NamedFolder> FindFolder(const NamedFolder& from, std::string_view 
   return found;
 }
 
-/// The folder that Windows was installed in: one of the usual names, else any that holds a registry.
+/// The folder that Windows was installed in: one of the usual names, else any that holds a registry. One whose registry
+/// leads out of the disk counts, so that its hives can say so.
 std::optional<NamedFolder> FindWindowsFolder(const NamedFolder& disk) {
   for (const char* name : kWindowsFolders) {
     std::optional<NamedFolder> folder = FindFolder(disk, name);
-    if (folder && FindBelow(folder->place, kConfigFolder)) return folder;
+    if (folder && (FindBelow(folder->place, kConfigFolder) || !PlaceBelow(folder->place, kConfigFolder))) return folder;
   }
   for (const NamedFolder& folder : FoldersIn(disk)) {
     if (FindBelow(folder.place, std::string(kConfigFolder) + "/software")) return folder;
@@ -169,7 +170,7 @@ fs::path DiskAround(const fs::path& folder) {
   return {};
 }
 
-[[noreturn]] void FailWithoutWindows(const fs::path& folder) {
+[[noreturn]] void FailWithoutWindows(const fs::path& folder, const std::string& refused) {
   const fs::path around = DiskAround(folder);
   if (!around.empty()) Fail(folder, "it is a folder of a Windows disk; choose the disk itself, " + around.string());
   if (IsOldWindows(HostPlace::DiskRoot(folder))) {
@@ -177,7 +178,7 @@ fs::path DiskAround(const fs::path& folder) {
   }
   std::string looked = "there is no Windows in it; looked for a folder WINDOWS or WINNT with System32\\config";
   for (const char* root : kProfileRoots) looked += std::string(", for ") + root;
-  Fail(folder, looked);
+  Fail(folder, looked + refused);
 }
 
 }  // namespace
@@ -198,11 +199,14 @@ WindowsDisk FindWindowsDisk(const fs::path& given, const std::map<char, fs::path
   disk.folder = fs::canonical(given);
   const NamedFolder driveC{DriveMap(disk.folder, drives).PlaceOf(WinPath("C:\\")).OrThrow(), WinPath("C:\\")};
   std::vector<NamedFolder> roots;
+  std::string refused;
   for (const char* name : kProfileRoots) {
     if (std::optional<NamedFolder> root = FindFolder(driveC, name)) roots.push_back(std::move(*root));
+    const PlaceResult place = PlaceBelow(driveC.place, name);
+    if (!place) refused += "; " + (disk.folder / name).string() + ": " + ReasonOf(place.Fault());
   }
   const std::optional<NamedFolder> windows = FindWindowsFolder(driveC);
-  if (!windows && (roots.empty() || IsOldWindows(driveC.place))) FailWithoutWindows(disk.folder);
+  if (!windows && (roots.empty() || IsOldWindows(driveC.place))) FailWithoutWindows(disk.folder, refused);
 
   disk.windowsPath = windows ? windows->path : WinPath("C:\\WINDOWS");
   if (windows) {
@@ -215,9 +219,10 @@ WindowsDisk FindWindowsDisk(const fs::path& given, const std::map<char, fs::path
     searched += (searched.empty() ? "" : ", ") + root.place.Path().string();
   }
   if (disk.profiles.empty()) {
-    Fail(disk.folder, searched.empty()
-                          ? "there is no folder with people's profiles in it"
-                          : std::string("nobody's profile in it holds a ") + kUserHive + "; looked in " + searched);
+    const std::string fault =
+        searched.empty() ? "there is no folder with people's profiles in it"
+                         : std::string("nobody's profile in it holds a ") + kUserHive + "; looked in " + searched;
+    Fail(disk.folder, fault + refused);
   }
   return disk;
 }

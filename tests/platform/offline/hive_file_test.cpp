@@ -10,6 +10,7 @@
 #include <cstdlib>
 
 #include "platform/offline/offline_fixture.h"
+#include "registry/hive_tools.h"
 #include "text/error.h"
 
 namespace quillbox {
@@ -163,6 +164,32 @@ TEST_F(HiveFileTest, AReadOnlyDiskGetsAPrivateCopy) {
   EXPECT_EQ(Value(HiveFile(HostPlace::Anywhere(copy.string() + ".older-1"), HiveMode::Read, disk / "state", log)),
             "private");
   EXPECT_THAT(log.text, HasSubstr(".older-1"));
+}
+
+TEST_F(HiveFileTest, NothingOutsideTheDiskIsReadOrReplaced) {
+  const TempFolder outside;
+  outside.File("log", "the host's own");
+  outside.File("hive", "the host's own");
+  Bytes dirty = AsBytes(disk.Read(kHive));
+  SetBase(dirty, BaseField::kSequence1, 7);
+  disk.File(kHive, {reinterpret_cast<const char*>(dirty.data()), dirty.size()});
+  fs::create_symlink(outside / "log", disk / "profile/ntuser.dat.log");
+  const HostPlace place = HostPlace::DiskRoot(disk.Path()).Join("profile").Join("NTUSER.DAT");
+  HiveFile file(place, HiveMode::Write, disk / "state", log);
+  EXPECT_THAT(log.text, HasSubstr("ntuser.dat.log: not used, since it leads out of the disk"));
+
+  Set(file, "new");
+  fs::rename(disk / kHive, disk / "profile/moved");
+  fs::create_symlink(outside / "hive", disk / kHive);
+  EXPECT_THROW(file.Commit(kTestTime + 1), Error);
+  EXPECT_EQ(outside.Read("hive"), "the host's own");
+  EXPECT_TRUE(fs::is_symlink(disk / kHive));
+  try {
+    const HiveFile again(place, HiveMode::Read, disk / "state", log);
+    FAIL();
+  } catch (const Error& error) {
+    EXPECT_THAT(Describe(error), HasSubstr("NTUSER.DAT: it leads out of the disk"));
+  }
 }
 
 TEST_F(HiveFileTest, WithoutAnyPlaceToWriteNothingCanBeChanged) {

@@ -91,5 +91,44 @@ TEST(WindowsDisk, CountsIdentitiesOrSaysWhyNot) {
   EXPECT_THAT(damaged.error->Place().name, HasSubstr("ntuser.dat"));
 }
 
+TEST(WindowsDisk, HivesThatLeadOutOfTheDiskAreRefused) {
+  const XpDisk disk;
+  std::filesystem::rename(disk.anna / "ntuser.dat", disk.temp / "outside.dat");
+  std::filesystem::create_symlink("../../../outside.dat", disk.anna / "ntuser.dat");
+  const std::filesystem::path config = disk.folder / "WINDOWS/system32/config";
+  std::filesystem::rename(config, disk.temp / "config");
+  std::filesystem::create_directory_symlink(disk.temp / "config", config);
+  disk.temp.File("people/Eve/NTUSER.DAT");
+  std::filesystem::create_directory_symlink(disk.temp / "people/Eve", disk.folder / "Documents and Settings/Eve");
+  std::filesystem::create_directory_symlink(disk.temp / "people", disk.folder / "Users");
+
+  const WindowsDisk found = FindWindowsDisk(disk.folder);
+  ASSERT_EQ(found.profiles.size(), 1u) << "nobody outside is a person of this disk";
+  const IdentityCount count = CountIdentities(found.profiles[0]);
+  ASSERT_TRUE(count.error.has_value());
+  EXPECT_EQ(Describe(*count.error),
+            (disk.anna / "ntuser.dat").string() + ": it leads out of the disk (while opening the hive)");
+  EXPECT_EQ(found.windowsPath.Text(), "C:\\WINDOWS");
+  try {
+    found.softwareHive.value().Place();
+    FAIL();
+  } catch (const Error& error) {
+    EXPECT_THAT(Describe(error), HasSubstr("/config/software: it leads out of the disk"));
+  }
+}
+
+TEST(WindowsDisk, ProfilesOnAnotherDriveAreFoundThroughALink) {
+  TempFolder temp;
+  temp.File("c/WINDOWS/system32/config/software");
+  temp.File("d/People/Anna/NTUSER.DAT");
+  std::filesystem::create_directory_symlink(temp / "d/People", temp / "c/Documents and Settings");
+  EXPECT_THAT(WhyNot(temp / "c"),
+              HasSubstr((temp / "c/Documents and Settings").string() + ": it leads out of the disk"));
+  const WindowsDisk disk = FindWindowsDisk(temp / "c", {{'D', temp / "d"}});
+  ASSERT_EQ(disk.profiles.size(), 1u);
+  EXPECT_EQ(disk.profiles[0].winFolder.Text(), "C:\\Documents and Settings\\Anna");
+  EXPECT_EQ(disk.profiles[0].hive.Place().Path(), temp / "d/People/Anna/NTUSER.DAT");
+}
+
 }  // namespace
 }  // namespace quillbox

@@ -148,6 +148,34 @@ TEST_F(QuickBackupTest, AStoreThatIsGoneIsToldAndTheRestBackedUp) {
                                       "WAB.reg"}));
 }
 
+TEST_F(QuickBackupTest, FilesOfTheHostThatADiskLinksToAreNeitherCopiedNorReplaced) {
+  temp.File("bashrc", "the person's own");
+  Form1& form = StartOn("Main Identity");
+  std::filesystem::remove(StoreOnHost() / "Inbox.dbx");
+  std::filesystem::create_symlink(temp / "bashrc", StoreOnHost() / "Inbox.dbx");
+  std::filesystem::create_directories(BackupFolderOnHost() / "Main Identity");
+  std::filesystem::create_symlink(temp / "bashrc", BackupFolderOnHost() / "Main Identity/WAB.reg");
+  const std::string messages = form.Text1.text;
+  form.cmdQuickBackup.click();
+  const auto wasShown = [this](const std::string& text) {
+    return std::any_of(dialogs.messages.begin(), dialogs.messages.end(),
+                       [&](const Message& message) { return message.text.find(text) != std::string::npos; });
+  };
+  EXPECT_TRUE(wasShown("Cannot copy Inbox.dbx.\n\n" + messages + "\\Inbox.dbx: it leads out of the disk."));
+  EXPECT_TRUE(wasShown(std::string(kBackup) + "\\Main Identity\\WAB.reg: it leads out of the disk"));
+  EXPECT_THAT(form.sb1.panels[1].Get(), HasSubstr("Files not copied: "));
+  EXPECT_EQ(Content(temp / "bashrc"), "the person's own");
+  EXPECT_THAT(Names(BackupFolderOnHost() / "Main Identity"), Not(Contains("Inbox.dbx")));
+  EXPECT_THAT(Names(BackupFolderOnHost() / "Main Identity"), Contains("Folders.dbx"));
+
+  const auto host = StoreOnHost();
+  std::filesystem::rename(host, temp / "store");
+  std::filesystem::create_directory_symlink(temp / "store", host);
+  form.chkOverwrite.click();
+  form.cmdQuickBackup.click();
+  EXPECT_TRUE(wasShown("The message store folder \"" + messages + "\" cannot be used: it leads out of the disk."));
+}
+
 TEST_F(QuickBackupTest, AnUnknownWindowsCopiesTheFilesAndExportsNothing) {
   Store().DeleteKey({RegistryRoot::LocalMachine, "Software\\Microsoft\\Windows NT\\CurrentVersion"});
   Form1& form = StartOn("Main Identity");
