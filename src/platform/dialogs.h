@@ -16,18 +16,24 @@ enum class MessageButtons { Ok, OkCancel, YesNo, YesNoCancel };
 enum class MessageIcon { None, Exclamation, Question, Error, Information };
 enum class MessageAnswer { Ok, Cancel, Yes, No };
 
+/// The words on the buttons of a question that "Yes" and "No" would not answer. "&" marks the key, "&&" is one "&".
+struct ButtonWords {
+  std::string yes, no;
+};
+
 struct Message {
   std::string text;
   std::string title = kProgramName;
   MessageButtons buttons = MessageButtons::Ok;
   MessageIcon icon = MessageIcon::None;
+  std::optional<ButtonWords> words = {};  ///< only with YesNo and YesNoCancel
 };
 
 struct FileDialog {
   std::string title;
-  WinPath folder;         ///< where it opens
-  std::string name;       ///< proposed file name
-  std::string filter;     ///< "Registration Files (*.reg) | *.reg"
+  WinPath folder;      ///< where it opens
+  std::string name;    ///< proposed file name
+  std::string filter;  ///< "Registration Files (*.reg) | *.reg"
   bool askOverwrite = false;
 };
 

@@ -87,6 +87,7 @@ MessageAnswer WxDialogs::Show(const Message& message) {
   wxMessageDialog dialog(ActiveWindow(), ToWx(message.text), ToWx(message.title),
                          StyleOf(message.buttons) | StyleOf(message.icon) | wxCENTRE);
   // The words are the program's in every language that the session may have.
+  const ButtonWords words = message.words.value_or(ButtonWords{"&Yes", "&No"});
   switch (message.buttons) {
     case MessageButtons::Ok:
       dialog.SetOKLabel("OK");
@@ -95,10 +96,10 @@ MessageAnswer WxDialogs::Show(const Message& message) {
       dialog.SetOKCancelLabels("OK", "Cancel");
       break;
     case MessageButtons::YesNo:
-      dialog.SetYesNoLabels("&Yes", "&No");
+      dialog.SetYesNoLabels(ToWx(words.yes), ToWx(words.no));
       break;
     case MessageButtons::YesNoCancel:
-      dialog.SetYesNoCancelLabels("&Yes", "&No", "Cancel");
+      dialog.SetYesNoCancelLabels(ToWx(words.yes), ToWx(words.no), "Cancel");
       break;
   }
   return AnswerOf(dialog.ShowModal(), message.buttons);

@@ -81,6 +81,20 @@ TEST_F(WxDialogsTest, EveryButtonOfAMessageGivesItsAnswer) {
   }
 }
 
+TEST_F(WxDialogsTest, AQuestionMayHaveWordsOfItsOwn) {
+  for (const auto& [key, answer] : {std::pair('G', MessageAnswer::Yes), {'S', MessageAnswer::No}}) {
+    AnswerWith(key, wxMOD_ALT);
+    EXPECT_EQ(
+        dialogs.Show({.text = "Stop?", .buttons = MessageButtons::YesNo, .words = ButtonWords{"&Go On", "&Stop"}}),
+        answer);
+  }
+  AnswerWith(WXK_ESCAPE);
+  EXPECT_EQ(dialogs.Show({.text = "Keep?",
+                          .buttons = MessageButtons::YesNoCancel,
+                          .words = ButtonWords{"&Keep What Can Be Read", "&Leave Such Files Out"}}),
+            MessageAnswer::Cancel);
+}
+
 TEST_F(WxDialogsTest, InputIsTypedOrCancelled) {
   WhenAsked([] {
     wxUIActionSimulator().Text("xy");
