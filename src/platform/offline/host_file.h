@@ -32,6 +32,8 @@ class NewFile {
   }
   void Write(std::string_view bytes);
   void SetTimes(const timespec& accessed, const timespec& modified);
+  /// Another name for the file, in the same folder: a host name that cannot leave it.
+  void SetName(const std::string& name) { target_.name = name; }
   /// Returns when the disk has what was written so far. Costs nothing when nothing was written since the last time.
   void Flush();
   /// Flushes, gives the file its name and flushes the folder. A folder that cannot be flushed is a failure too, unless

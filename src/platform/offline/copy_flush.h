@@ -1,0 +1,35 @@
+// The end of a copy on a thread of its own: the flush to the disk takes most of a copy's time, in which the next file
+// can be read.
+#pragma once
+
+#include <chrono>
+#include <future>
+#include <memory>
+#include <system_error>
+#include <thread>
+
+#include "platform/offline/copy_io.h"
+
+namespace quillbox {
+
+/// A written file on its way to the disk. It gets its name when its bytes are there; when that fails, nothing of it is
+/// left. Destroyed early, it waits for the end.
+class CopyFlush {
+ public:
+  /// `io` must outlive the flush.
+  CopyFlush(std::unique_ptr<NewFile> file, CopyIo& io);
+  CopyFlush(const CopyFlush&) = delete;
+  CopyFlush& operator=(const CopyFlush&) = delete;
+
+  /// True when the flush has ended, after at most `time`.
+  bool EndsWithin(std::chrono::milliseconds time) const;
+  /// Waits for the end; why the file did not get there, or no error. To be asked once.
+  std::error_code Result() { return end_.get(); }
+
+ private:
+  std::packaged_task<std::error_code()> task_;
+  std::future<std::error_code> end_;
+  std::jthread thread_;  ///< the last member: it has ended before the others go
+};
+
+}  // namespace quillbox

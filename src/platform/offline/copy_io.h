@@ -1,0 +1,29 @@
+// The host's calls of a copy, behind an interface: a test makes those fail that no test can make a disk fail.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string_view>
+
+#include "platform/offline/host_file.h"
+
+namespace quillbox {
+
+/// Every call throws std::system_error when it fails, unless it says otherwise.
+class CopyIo {
+ public:
+  virtual ~CopyIo() = default;
+  virtual std::unique_ptr<NewFile> Create(const HostPlace& target);
+  /// Reads from `offset`, at most as much as `buffer` holds; the bytes read, 0 at the file's end.
+  virtual std::size_t Read(int from, std::uint64_t offset, std::span<char> buffer);
+  /// Appends up to `count` bytes from `offset` without bringing them here; the bytes copied. 0 when the kernel cannot
+  /// copy between these files, or cannot read there: Read then tells the reason.
+  virtual std::size_t CopyInKernel(int from, std::uint64_t offset, NewFile& to, std::size_t count);
+  virtual void Write(NewFile& to, std::string_view bytes);
+  /// Flushes the file to the disk. Called on another thread than the rest.
+  virtual void Flush(NewFile& file);
+};
+
+}  // namespace quillbox
