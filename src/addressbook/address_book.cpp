@@ -49,7 +49,7 @@ void AddressBook::MoveTo(const std::string& folder) {
   const std::string file = store_.RegistryGetKeyValue(CurrentUser(kAddressBookKey), "").AsText();
   const std::string target = WithBackslash(folder) + NameFromFullPath(file);
   Use(target);
-  platform_.GetShell().CopyFile(WinPath(file), WinPath(target), false);
+  platform_.GetShell().CopyFile({.source = WinPath(file), .target = WinPath(target), .part = CopyPart::OnlyFile});
 }
 
 }  // namespace quillbox

@@ -27,10 +27,6 @@ constexpr SharedExport kSharedExports[] = {
 
 }  // namespace
 
-bool ShellFileCopy(Shell& shell, const WinPath& source, const WinPath& target, bool noConfirm) {
-  return shell.CopyFile(source, target, noConfirm);
-}
-
 bool IsStoreFileToCopy(const std::string& name, Pop3Uidl pop3Uidl) {
   constexpr std::size_t kEnding = 4;
   if (name.size() < kEnding) return false;
@@ -145,11 +141,13 @@ void IdentityBackup::CopyStore(const std::string& userId, const WinPath& target,
   if (!fault.empty()) {
     platform_.GetDialogs().Show({.text = fault + " None of its files can be copied; the rest of the backup goes on.",
                                  .icon = MessageIcon::Exclamation});
+    ++missingStores_;
     return;
   }
   for (const std::string& name : FileList(platform_.GetFiles(), folder + "\\*.dbx")) {
     if (!IsStoreFileToCopy(name, pop3Uidl)) continue;
-    Copy(WinPath(folder).Join(name), target.Join(name), overwrite);
+    platform_.GetShell().CopyFile(
+        {.source = WinPath(folder).Join(name), .target = target.Join(name), .noConfirm = overwrite});
     status_(name + " Backup Complete");
   }
 }
@@ -157,7 +155,10 @@ void IdentityBackup::CopyStore(const std::string& userId, const WinPath& target,
 void IdentityBackup::CopyAddressBook(const WinPath& target, OverwriteSetting overwrite) {
   const std::string file = store_.RegistryGetKeyValue(CurrentUser(kAddressBookKey), "").AsText();
   // Without an address book setting there is no file that could be missed.
-  if (!file.empty()) Copy(WinPath(file), target.Join(WinPath(file).Name()), overwrite);
+  if (!file.empty()) {
+    platform_.GetShell().CopyFile(
+        {.source = WinPath(file), .target = target.Join(WinPath(file).Name()), .noConfirm = overwrite});
+  }
   status_("Adress Book Backup Complete");
 }
 
@@ -182,10 +183,6 @@ void IdentityBackup::SaveSignatures(const std::string& userId) {
   RegistryItems(platform_, store_, folder_)
       .Export(RowOf(RegistryItem::Signatures), userId, kSignaturesInBackup.On(store_.GetOsCode()),
               exists ? OnFailure::Tell : OnFailure::LogOnly);
-}
-
-void IdentityBackup::Copy(const WinPath& source, const WinPath& target, OverwriteSetting overwrite) {
-  if (!ShellFileCopy(platform_.GetShell(), source, target, overwrite)) ++filesNotCopied_;
 }
 
 }  // namespace quillbox

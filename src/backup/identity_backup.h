@@ -14,9 +14,6 @@
 
 namespace quillbox {
 
-/// Copies a file with the shell. True when the copy was made; the shell reports a failure itself.
-bool ShellFileCopy(Shell& shell, const WinPath& source, const WinPath& target, bool noConfirm);
-
 /// The program-wide overwrite setting: whether copies replace existing files without asking. Each command that copies
 /// reads it from the main window's check box when it starts.
 using OverwriteSetting = bool;
@@ -64,8 +61,8 @@ class IdentityBackup {
   std::optional<std::size_t> SaveAll(const WinPath& backupFolder, const IdentityCatalogue& catalogue,
                                      const BackupScope& scope, OverwriteSetting overwrite);
 
-  /// Files that were to be copied and were not, since this object was made.
-  std::size_t FilesNotCopied() const { return filesNotCopied_; }
+  /// Message stores that could not be found and were told to the person, since this object was made.
+  std::size_t MissingStores() const { return missingStores_; }
 
  private:
   /// A store folder that is gone is told to the person.
@@ -77,13 +74,12 @@ class IdentityBackup {
   void SaveSignatures(const std::string& userId);
   bool IsEmpty(const IdentityInfo& identity);
   void TellSharedFolders(const IdentityCatalogue& catalogue);
-  void Copy(const WinPath& source, const WinPath& target, OverwriteSetting overwrite);
 
   Platform& platform_;
   RegistryStore& store_;
   BackupFolder& folder_;
   StatusSink status_;
-  std::size_t filesNotCopied_ = 0;
+  std::size_t missingStores_ = 0;
 };
 
 }  // namespace quillbox

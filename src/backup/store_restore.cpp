@@ -78,13 +78,15 @@ std::string StoreRestore::Restore(const IdentityInfo& identity, const WinPath& f
   if (!MakeFolder(files, folder)) return "its message store folder \"" + folder + "\" cannot be made";
   for (const std::string& name : FileList(files, "*.dbx")) {
     if (!IsStoreFileToCopy(name, Pop3Uidl::Skip)) continue;
-    if (!ShellFileCopy(platform_.GetShell(), from.Join(name), WinPath(folder).Join(name), overwrite)) ++filesNotCopied_;
+    platform_.GetShell().CopyFile(
+        {.source = from.Join(name), .target = WinPath(folder).Join(name), .noConfirm = overwrite});
     status_(name + " Restore Complete");
   }
   return {};
 }
 
 void StoreRestore::TellSkipped(const std::vector<std::string>& reasons) {
+  missingStores_ += reasons.size();
   if (reasons.empty()) return;
   std::string text = "The messages of these identities were not restored:\n";
   for (const std::string& reason : reasons) text += "\n" + reason;

@@ -23,8 +23,8 @@ class StoreRestore {
   /// folder cannot be entered.
   void RestoreAll(const WinPath& backupFolder, const IdentityCatalogue& catalogue, OverwriteSetting overwrite);
 
-  /// Files that were to be copied and were not, since this object was made.
-  std::size_t FilesNotCopied() const { return filesNotCopied_; }
+  /// Message stores that could not be restored and were told to the person, since this object was made.
+  std::size_t MissingStores() const { return missingStores_; }
 
  private:
   std::vector<std::string> TellSharedFolders(const WinPath& backupFolder, const IdentityCatalogue& catalogue);
@@ -36,7 +36,7 @@ class StoreRestore {
   RegistryStore& store_;
   BackupFolder& folder_;
   StatusSink status_;
-  std::size_t filesNotCopied_ = 0;
+  std::size_t missingStores_ = 0;
 };
 
 }  // namespace quillbox

@@ -136,7 +136,7 @@ std::string IdentityClone::CopyMessages() {
   if (!DirExists(files, to)) CreateFolder(files, to);
   for (const std::string& name : FileList(files, WithBackslash(from) + "*.*")) {
     if (name.empty()) continue;
-    if (!ShellFileCopy(platform_.GetShell(), WinPath(from).Join(name), WinPath(to + name), false)) ++filesNotCopied_;
+    platform_.GetShell().CopyFile({.source = WinPath(from).Join(name), .target = WinPath(to + name)});
   }
   return {};
 }

@@ -33,8 +33,6 @@ class IdentityClone {
   /// Copies the source's message store files to the destination's own folder, which is made when it is missing. A
   /// message to the person when nothing can be copied, empty otherwise.
   std::string CopyMessages();
-  /// Files that were to be copied and were not.
-  std::size_t FilesNotCopied() const { return filesNotCopied_; }
 
  private:
   WinPath File(const char* name) const { return WinPath(request_.backupFolder.Text() + name); }
@@ -50,7 +48,6 @@ class IdentityClone {
   CloneRequest request_;
   CodePage codePage_;
   std::vector<std::string> done_;
-  std::size_t filesNotCopied_ = 0;
 };
 
 }  // namespace quillbox

@@ -4,7 +4,9 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "platform/copy_result.h"
 #include "platform/dialogs.h"
 #include "platform/file_system.h"
 #include "platform/registry.h"
@@ -19,9 +21,13 @@ class Shell {
   virtual void Explore(const std::string& folder, const std::string& parameters) = 0;
   /// Opens a page in the person's browser.
   virtual void OpenUrl(const std::string& url) = 0;
-  /// Copies one file: whole or not at all, times kept. Asks before it replaces a file unless `noConfirm`; "Yes to All"
-  /// and Cancel hold until the running command ends. True when the copy was made.
-  virtual bool CopyFile(const WinPath& source, const WinPath& target, bool noConfirm) = 0;
+  /// Begins to copy one file: whole or not at all, times kept. Asks before it replaces a file unless told otherwise;
+  /// every answer that is about more than one file, and Cancel, hold until the running command ends. The bytes may
+  /// still be on their way to the disk when this returns, and the file has its name only when they are there.
+  virtual void CopyFile(const CopyRequest& request) = 0;
+  /// Waits until every copy is on the disk or has failed. What became of all copies of the running command, in the
+  /// order in which they were asked for.
+  virtual std::vector<CopyResult> FinishCopies() = 0;
 };
 
 enum class ShowStyle { Normal = 1, MinimisedWithFocus = 2 };
@@ -79,8 +85,9 @@ struct Platform {
   virtual Clipboard& GetClipboard() = 0;
   virtual Log& GetLog() = 0;
 
-  /// Ends a command of the person: registry changes reach the disk, and "Yes to All" is forgotten. Throws Error when
-  /// the changes could not be written; they stay in memory and are tried again at the next end.
+  /// Ends a command of the person: copies and registry changes reach the disk, and answers that held for the whole
+  /// command ("Yes to All") are forgotten. Throws Error when registry
+  /// changes could not be written; they stay in memory and are tried again at the next end.
   virtual void EndCommand() = 0;
   /// One line on the system that is being worked on, for the window's title: the disk's folder and profile.
   virtual std::string SystemDescription() = 0;

@@ -1,5 +1,6 @@
 #include "identities/clone_identity.h"
 
+#include "core/copy_tally.h"
 #include "identities/create_identity.h"
 #include "support/registry_snapshot.h"
 #include "support/sample_platform.h"
@@ -120,7 +121,7 @@ TEST_F(CloneIdentityTest, WhatCannotBeClonedChangesNothing) {
 TEST_F(CloneIdentityTest, MessagesGoToTheDestinationsOwnFolder) {
   IdentityClone clone = Clone(request);
   EXPECT_EQ(clone.CopyMessages(), "");
-  EXPECT_EQ(clone.FilesNotCopied(), 0u);
+  EXPECT_EQ(CopyTally(platform->GetShell().FinishCopies()).Text(), "");
   const auto host = [&](const std::string& folder) { return platform->offline.GetFiles().HostPath(WinPath(folder)); };
   const auto to = host(DefaultStoreFolder(Store(), platform->GetFiles(), kGuest));
   EXPECT_EQ(Names(to), Names(host(ReadStoreFolder(Store(), platform->GetFiles(), kMain))));

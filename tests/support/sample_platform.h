@@ -33,15 +33,14 @@ struct RecordingProcesses : Processes {
 
 /// Keeps what would be opened in the host's file manager or browser; copies are real.
 struct RecordingShell : Shell {
-  explicit RecordingShell(Shell& toInner) : inner(toInner) {}
+  explicit RecordingShell(Shell& toInner) : inner(&toInner) {}
   void Explore(const std::string& folder, const std::string& parameters) override {
     explored.push_back(parameters.empty() ? folder : folder + "|" + parameters);
   }
   void OpenUrl(const std::string& url) override { urls.push_back(url); }
-  bool CopyFile(const WinPath& source, const WinPath& target, bool noConfirm) override {
-    return inner.CopyFile(source, target, noConfirm);
-  }
-  Shell& inner;
+  void CopyFile(const CopyRequest& request) override { inner->CopyFile(request); }
+  std::vector<CopyResult> FinishCopies() override { return inner->FinishCopies(); }
+  Shell* inner;
   std::vector<std::string> explored;
   std::vector<std::string> urls;
 };
@@ -54,6 +53,11 @@ struct RecordingLog : Log {
 struct RecordingPlatform : Platform {
   RecordingPlatform(const OfflineOptions& options, Dialogs& dialogs)
       : offline(options, dialogs), processes(offline.GetProcesses()), shell(offline.GetShell()) {}
+  /// From now on copies are made with `io`, which may fail.
+  void CopyWith(std::unique_ptr<CopyIo> io) {
+    faultyShell = std::make_unique<OfflineShell>(offline.GetFiles(), offline.GetDialogs(), log, "", std::move(io));
+    shell.inner = faultyShell.get();
+  }
 
   Registry& GetRegistry() override { return offline.GetRegistry(); }
   FileSystem& GetFiles() override { return offline.GetFiles(); }
@@ -66,6 +70,7 @@ struct RecordingPlatform : Platform {
   Log& GetLog() override { return log; }
   void EndCommand() override {
     ++commandsEnded;
+    if (faultyShell) faultyShell->EndCommand();
     offline.EndCommand();
   }
   std::string SystemDescription() override { return offline.SystemDescription(); }
@@ -74,6 +79,7 @@ struct RecordingPlatform : Platform {
   RecordingProcesses processes;
   RecordingShell shell;
   RecordingLog log;
+  std::unique_ptr<OfflineShell> faultyShell;
   int commandsEnded = 0;
 };
 

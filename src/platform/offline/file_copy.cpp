@@ -1,36 +1,37 @@
 #include "platform/offline/file_copy.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <optional>
-#include <string_view>
 #include <system_error>
-#include <vector>
-
-#include "platform/offline/host_file.h"
-#include "text/error.h"
 
 namespace quillbox {
 
 namespace {
 
-constexpr std::size_t kChunk = std::size_t{1024} * 1024;
+/// The sizes of a read: the next smaller one where the one before fails. The smallest is a disk's sector.
+constexpr std::array<std::uint64_t, 3> kSteps = {std::uint64_t{1024} * 1024, 4096, 512};
+/// Write-back starts in pieces of this size, so that the flush at the end finds most of the file on the disk.
+constexpr std::uint64_t kWriteBackPiece = std::uint64_t{8} * 1024 * 1024;
+/// What disks, and file systems with checksums, answer about a place that cannot be read.
+constexpr std::array kUnreadable = {EIO, ENODATA, EREMOTEIO, EBADMSG, EUCLEAN, ETIMEDOUT};
 
-enum class Outcome { Copied, Stopped, SourceChanged };
-
-[[noreturn]] void Fail(const CopySide& side, const std::string& why) {
-  throw Error("copying a file", {side.shownAs, {}, {}}, why);
+bool IsUnreadable(const std::error_code& code) {
+  return code.category() == std::generic_category() &&
+         std::find(kUnreadable.begin(), kUnreadable.end(), code.value()) != kUnreadable.end();
 }
 
-/// Does `act`, whose failures are about `side`.
+/// Does `act`, whose failures are about the end `at`.
 template <typename Act>
-auto About(const CopySide& side, Act act) {
+auto About(CopyFault::At at, const Act& act) {
   try {
     return act();
   } catch (const std::system_error& failure) {
-    Fail(side, ReasonOf(failure.code()));
+    throw CopyFault(at, failure.code());
   }
 }
 
@@ -49,88 +50,154 @@ bool Unchanged(const struct stat& before, const struct stat& after) {
          SameTime(before.st_mtim, after.st_mtim);
 }
 
-/// One copy of the open source into a file in the making.
-class Run {
- public:
-  Run(const CopySide& source, const CopySide& target, int from, NewFile& to)
-      : source_(source), target_(target), from_(from), to_(to) {}
+/// True when the source's name still means the file that was read, and nobody wrote to it meanwhile.
+bool StillTheSame(const CopyEnds& ends, int from, const struct stat& before) {
+  try {
+    return Unchanged(before, StatusOf(from)) && Unchanged(before, StatusOf(ends.openSource().Get()));
+  } catch (const std::system_error&) {
+    return false;
+  }
+}
 
-  /// Copies the `total` bytes that the source had when it was opened.
-  Outcome CopyAll(std::uint64_t total, const CopyProgress& progress) {
+/// One pass over the open source into a file in the making.
+class Pass {
+ public:
+  enum class End { Filled, LeftOut, Stopped, SourceChanged };
+
+  Pass(int from, std::uint64_t total, NewFile& to, CopyIo& io, CopyWatcher& watcher)
+      : from_(from), total_(total), to_(to), io_(io), watcher_(watcher) {}
+
+  End Run() {
     for (;;) {
-      if (!progress(done_, total)) return Outcome::Stopped;
-      const std::size_t copied = inKernel_ ? CopyInKernel() : CopyByHand();
-      if (copied > 0) {
-        done_ += copied;
-        if (done_ > total) return Outcome::SourceChanged;
-      } else if (inKernel_) {
-        inKernel_ = false;  // not all file systems tell the file's end this way
-      } else {
-        return done_ == total ? Outcome::Copied : Outcome::SourceChanged;
-      }
+      if (!watcher_.OnProgress(done_, total_)) return End::Stopped;
+      if (done_ == total_) return NothingWasRead() ? End::LeftOut : End::Filled;
+      if (inKernel_ && CopyInKernel()) continue;
+      if (const auto end = CopyByHand()) return *end;
     }
   }
+  std::vector<ByteRange> TakeUnreadable() { return std::move(unreadable_); }
 
  private:
-  /// 0 when the kernel cannot copy between these files, or has nothing more to copy.
-  std::size_t CopyInKernel() const {
-    const ssize_t copied = copy_file_range(from_, nullptr, to_.Fd(), nullptr, kChunk, 0);
-    if (copied < 0 && (errno == ENOSPC || errno == EDQUOT || errno == EFBIG)) Fail(target_, SystemReason(errno));
-    return copied > 0 ? static_cast<std::size_t>(copied) : 0;
+  bool CopyInKernel() {
+    const std::uint64_t wanted = std::min(kSteps[0], total_ - done_);
+    const std::size_t copied =
+        About(CopyFault::At::Target, [&] { return io_.CopyInKernel(from_, done_, to_, wanted); });
+    inKernel_ = copied > 0;
+    Advance(copied);
+    return inKernel_;
   }
 
-  std::size_t CopyByHand() {
-    buffer_.resize(kChunk);
-    ssize_t got = 0;
-    do {
-      got = read(from_, buffer_.data(), buffer_.size());
-    } while (got < 0 && errno == EINTR);
-    if (got < 0) Fail(source_, SystemReason(errno));
-    About(target_, [&] { to_.Write({buffer_.data(), static_cast<std::size_t>(got)}); });
-    return static_cast<std::size_t>(got);
+  /// How the pass ends, or nothing when it goes on.
+  std::optional<End> CopyByHand() {
+    const std::size_t level = Level();
+    // Small steps end where the disk's own pieces do.
+    const std::uint64_t step = level == 0 ? kSteps[0] : kSteps.at(level) - done_ % kSteps.at(level);
+    const std::uint64_t wanted = std::min(step, total_ - done_);
+    buffer_.resize(kSteps[0]);
+    std::size_t got = 0;
+    try {
+      got = io_.Read(from_, done_, {buffer_.data(), wanted});
+    } catch (const std::system_error& failure) {
+      if (!IsUnreadable(failure.code())) throw CopyFault(CopyFault::At::Source, failure.code());
+      return OnUnreadable(level, wanted, failure.code());
+    }
+    if (got == 0) return End::SourceChanged;
+    Append(got);
+    return std::nullopt;
   }
 
-  const CopySide& source_;
-  const CopySide& target_;
+  /// Which of the sizes is read here.
+  std::size_t Level() const {
+    std::size_t level = kSteps.size() - 1;
+    while (level > 0 && done_ >= smallerUntil_.at(level)) --level;
+    return level;
+  }
+
+  std::optional<End> OnUnreadable(std::size_t level, std::uint64_t length, const std::error_code& code) {
+    if (level + 1 < kSteps.size()) {
+      smallerUntil_.at(level + 1) = done_ + length;
+      // Reading ahead of a bad place means more bad places, each of which may take the disk seconds.
+      posix_fadvise(from_, 0, 0, POSIX_FADV_RANDOM);
+      return std::nullopt;
+    }
+    if (unreadable_.empty()) {
+      const UnreadableAnswer answer = watcher_.OnUnreadable(done_, code);
+      if (answer != UnreadableAnswer::Keep) return answer == UnreadableAnswer::Cancel ? End::Stopped : End::LeftOut;
+    }
+    if (!unreadable_.empty() && unreadable_.back().offset + unreadable_.back().length == done_) {
+      unreadable_.back().length += length;
+    } else {
+      unreadable_.push_back({done_, length});
+    }
+    std::fill_n(buffer_.begin(), length, '\0');
+    Append(length);
+    return std::nullopt;
+  }
+
+  void Append(std::size_t length) {
+    About(CopyFault::At::Target, [&] { io_.Write(to_, {buffer_.data(), length}); });
+    Advance(length);
+  }
+
+  void Advance(std::uint64_t length) {
+    done_ += length;
+    if (done_ - writtenBack_ < kWriteBackPiece) return;
+    // A start that fails is made good by the flush.
+    sync_file_range(to_.Fd(), static_cast<off64_t>(writtenBack_), static_cast<off64_t>(done_ - writtenBack_),
+                    SYNC_FILE_RANGE_WRITE);
+    writtenBack_ = done_;
+  }
+
+  bool NothingWasRead() const { return total_ > 0 && unreadable_.size() == 1 && unreadable_.front().length == total_; }
+
   int from_;
+  std::uint64_t total_;
   NewFile& to_;
+  CopyIo& io_;
+  CopyWatcher& watcher_;
   bool inKernel_ = true;
   std::uint64_t done_ = 0;
+  std::uint64_t writtenBack_ = 0;
+  std::array<std::uint64_t, kSteps.size()> smallerUntil_ = {};  ///< up to where each size is read instead of a larger
+  std::vector<ByteRange> unreadable_;
   std::vector<char> buffer_;
 };
 
-Outcome CopyOnce(const CopySide& source, const CopySide& target, const CopyProgress& progress) {
-  const HostFd from = About(source, [&] { return OpenForReading(source.file); });
-  const struct stat before = About(source, [&] { return StatusOf(from.Get()); });
-  if (!S_ISREG(before.st_mode)) Fail(source, S_ISDIR(before.st_mode) ? "it is a folder" : "it is not an ordinary file");
+/// Nothing when the source changed meanwhile.
+std::optional<FilledFile> FillOnce(const CopyEnds& ends, CopyIo& io, CopyWatcher& watcher) {
+  const HostFd from = About(CopyFault::At::Source, ends.openSource);
+  const struct stat before = About(CopyFault::At::Source, [&] { return StatusOf(from.Get()); });
+  if (!S_ISREG(before.st_mode)) throw CopyFault(CopyFault::At::Source, "it is not an ordinary file");
 
-  return About(target, [&] {
-    const std::optional<struct stat> replaced = StatPlace(target.file);
-    if (replaced && replaced->st_dev == before.st_dev && replaced->st_ino == before.st_ino) {
-      Fail(target, "the source and the target are the same file");
-    }
-    NewFile to(target.file);
-    const Outcome outcome =
-        Run(source, target, from.Get(), to).CopyAll(static_cast<std::uint64_t>(before.st_size), progress);
-    if (outcome != Outcome::Copied) return outcome;
-
-    const std::optional<struct stat> byName = StatPlace(source.file);
-    const bool sameFile = byName && Unchanged(before, *byName);
-    if (!sameFile || !Unchanged(before, StatusOf(from.Get()))) return Outcome::SourceChanged;
-    to.SetTimes(before.st_atim, before.st_mtim);
-    to.Commit();
-    return Outcome::Copied;
-  });
+  FilledFile filled;
+  filled.file = About(CopyFault::At::Target, ends.createTarget);
+  filled.size = static_cast<std::uint64_t>(before.st_size);
+  Pass pass(from.Get(), filled.size, *filled.file, io, watcher);
+  switch (pass.Run()) {
+    case Pass::End::SourceChanged:
+      return std::nullopt;
+    case Pass::End::Stopped:
+      return FilledFile{.end = FilledFile::End::Stopped};
+    case Pass::End::LeftOut:
+      return FilledFile{.end = FilledFile::End::LeftOut};
+    case Pass::End::Filled:
+      break;
+  }
+  if (!StillTheSame(ends, from.Get(), before)) return std::nullopt;
+  About(CopyFault::At::Target, [&] { filled.file->SetTimes(before.st_atim, before.st_mtim); });
+  filled.end = FilledFile::End::Filled;
+  filled.unreadable = pass.TakeUnreadable();
+  return filled;
 }
 
 }  // namespace
 
-bool CopyWholeFile(const CopySide& source, const CopySide& target, const CopyProgress& progress) {
+FilledFile FillFromSource(const CopyEnds& ends, CopyIo& io, CopyWatcher& watcher) {
   for (int attempt = 0; attempt < kCopyAttempts; ++attempt) {
-    const Outcome outcome = CopyOnce(source, target, progress);
-    if (outcome != Outcome::SourceChanged) return outcome == Outcome::Copied;
+    if (auto filled = FillOnce(ends, io, watcher)) return std::move(*filled);
   }
-  Fail(source, "it changes while it is copied; close the program that is using it and try again");
+  throw CopyFault(CopyFault::At::Source,
+                  "it changes while it is copied; close the program that is using it and try again");
 }
 
 }  // namespace quillbox

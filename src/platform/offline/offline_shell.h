@@ -4,12 +4,13 @@
 
 #include <sys/types.h>
 
-#include <filesystem>
 #include <memory>
-#include <set>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/offline/copy_command.h"
+#include "platform/offline/copy_io.h"
 #include "platform/offline/offline_files.h"
 #include "platform/platform.h"
 
@@ -17,27 +18,23 @@ namespace quillbox {
 
 class OfflineShell : public Shell {
  public:
-  /// All must outlive the shell. `opener` is the host's program that opens a folder or a page given as its argument.
-  OfflineShell(OfflineFiles& files, Dialogs& dialogs, Log& log, std::string opener = "xdg-open");
+  /// All must outlive the shell. `opener` is the host's program that opens a folder or a page given as its argument,
+  /// `io` the calls that copies make.
+  OfflineShell(OfflineFiles& files, Dialogs& dialogs, Log& log, std::string opener = "xdg-open",
+               std::unique_ptr<CopyIo> io = std::make_unique<CopyIo>());
   ~OfflineShell() override;
   OfflineShell(const OfflineShell&) = delete;
   OfflineShell& operator=(const OfflineShell&) = delete;
 
   void Explore(const std::string& folder, const std::string& parameters) override;
   void OpenUrl(const std::string& url) override;
-  /// A `target` that is a folder stands for a file in it with the source's name.
-  bool CopyFile(const WinPath& source, const WinPath& target, bool noConfirm) override;
+  void CopyFile(const CopyRequest& request) override;
+  std::vector<CopyResult> FinishCopies() override;
 
-  /// Forgets "Yes to All" and Cancel, and takes the progress display away.
+  /// Waits for the copies, forgets what was answered for all of them, and takes the progress display away.
   void EndCommand();
 
  private:
-  struct Copy;
-  std::string FaultOf(const Copy& copy) const;
-  bool MayReplace(const Copy& copy, const FileEntry& existing);
-  bool Run(const Copy& copy);
-  bool Report(const Copy& copy, std::uint64_t done, std::uint64_t total);
-  void ShowCopyError(const std::string& name, const std::string& why);
   bool Start(const std::string& argument);
   void ReapEnded();
 
@@ -46,10 +43,8 @@ class OfflineShell : public Shell {
   Log& log_;
   std::string opener_;
   std::vector<pid_t> started_;
-  std::set<std::filesystem::path> swept_;  ///< folders that this command has freed of abandoned copies
-  bool yesToAll_ = false;
-  bool cancelled_ = false;
-  std::unique_ptr<Progress> progress_;  ///< one for all copies of a command
+  std::unique_ptr<CopyIo> io_;
+  std::optional<CopyCommand> copies_;  ///< of the running command; none before its first
 };
 
 }  // namespace quillbox

@@ -93,7 +93,10 @@ class Form1 : public Form {
   /// ended it early. `what` begins a sentence.
   void TellFailure(const std::string& what, const Handler& command);
   StatusSink ToStatus();
-  void ShowFilesNotCopied(std::size_t count);
+  /// Waits for the running command's copies and says in the second panel, after `first`, which did not go as asked.
+  void ShowCopies(const std::string& first = {}, std::size_t missingStores = 0);
+  void CopyAddressBook(CopyPart part);
+  void RestoreAddressBook(CopyPart part);
   void CheckBackupFolder(bool withMessage);
   void SaveReport(const char* name, const char* filter, ReportFormat format, const char* outcome);
   void chkbox();

@@ -1,6 +1,7 @@
 // The main window's backup folder, the quick backup, and the backups of all identities.
 #include "backup/identity_backup.h"
 #include "backup/registry_items.h"
+#include "core/copy_tally.h"
 #include "text/error.h"
 #include "ui/forms/form1.h"
 #include "ui/forms/windows.h"
@@ -48,10 +49,10 @@ void Form1::cmdQuickBackup_Click() {
     const PleaseWaitScope pleaseWait(cmdQuickBackup);
     program_.overwrite = chkOverwrite.checked;
     backup.Save(userId, username, *target, kQuickBackup, program_.overwrite);
+    ShowCopies({}, backup.MissingStores());
   }
   program_.backupFolder.Enter(*folder);
   sb1.panels[0] = "Backup Complete";
-  ShowFilesNotCopied(backup.FilesNotCopied());
 }
 
 void Form1::cmdbkupall_Click() {
@@ -67,7 +68,7 @@ void Form1::cmdComplete_Click() {
     bkupallIdentities();
     bkupIAM();
     bkupAddBook();
-    addBookFile_Click();
+    CopyAddressBook(CopyPart::OneOfSeveral);
     bkupcomplete();
   });
 }
@@ -81,18 +82,17 @@ void Form1::BackUpAll(const BackupScope& scope) {
   const auto folder = program_.backupFolder.Guard(FolderMessage::WithFullStop);
   if (!folder) return;
   program_.overwrite = chkOverwrite.checked;
-  std::optional<std::size_t> saved;
   {
     const HourglassScope hourglass(*this);
     const PleaseWaitScope pleaseWait(cmdbkupall);
     sb1.panels[0] = "";
     IdentityBackup backup(program_.platform, program_.store, program_.backupFolder, ToStatus());
-    saved = backup.SaveAll(*folder, program_.catalogue, scope, program_.overwrite);
+    const auto saved = backup.SaveAll(*folder, program_.catalogue, scope, program_.overwrite);
+    if (!saved) return ShowCopies();
+    ShowCopies(std::to_string(*saved) + " Identities Backed Up", backup.MissingStores());
   }
-  if (!saved) return;
   program_.backupFolder.Enter(*folder);
   sb1.panels[0] = "Backup Complete";
-  sb1.panels[1] = std::to_string(*saved) + " Identities Backed Up";
 }
 
 void Form1::TellFailure(const std::string& what, const Handler& command) {
@@ -100,6 +100,7 @@ void Form1::TellFailure(const std::string& what, const Handler& command) {
   try {
     command();
   } catch (const Error& error) {
+    ShowCopies();
     program_.platform.GetLog().Write(what + " ended early: " + Describe(error));
     program_.platform.GetDialogs().Show(
         {.text = what + " ended early. What was done until then stays done.\n\n" + Describe(error),
@@ -111,8 +112,10 @@ StatusSink Form1::ToStatus() {
   return [this](const std::string& text) { sb1.panels[0] = text; };
 }
 
-void Form1::ShowFilesNotCopied(std::size_t count) {
-  if (count > 0) sb1.panels[1] = "Files not copied: " + std::to_string(count);
+void Form1::ShowCopies(const std::string& first, std::size_t missingStores) {
+  CopyTally tally(program_.platform.GetShell().FinishCopies());
+  tally.AddMissingStores(missingStores);
+  sb1.panels[1] = tally.After(first);
 }
 
 }  // namespace quillbox

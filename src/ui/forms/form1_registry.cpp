@@ -1,5 +1,4 @@
 // The main window's single exports and merges of registry items, and the copies of the address book file.
-#include "backup/identity_backup.h"
 #include "backup/registry_items.h"
 #include "ui/forms/form1.h"
 #include "ui/forms/windows.h"
@@ -44,6 +43,10 @@ void Form1::ExportSilently(RegistryItem item) {
 }
 
 void Form1::addBookFile_Click() {
+  CopyAddressBook(CopyPart::OnlyFile);
+}
+
+void Form1::CopyAddressBook(CopyPart part) {
   const WinPath file(txtwabloc.text);
   sb1.panels[1] = "";
   // The folder window may show a folder that was never set.
@@ -56,11 +59,17 @@ void Form1::addBookFile_Click() {
         {.text = "The registry names no address book file, so none was copied.", .icon = MessageIcon::Exclamation});
     return;
   }
-  ShellFileCopy(program_.platform.GetShell(), file, WinPath(folder + "\\" + NameFromFullPath(file.Text())), false);
+  program_.platform.GetShell().CopyFile(
+      {.source = file, .target = WinPath(folder + "\\" + NameFromFullPath(file.Text())), .part = part});
   sb1.panels[0] = kAddressBookCopied;
+  ShowCopies();
 }
 
 void Form1::resWAB_Click() {
+  RestoreAddressBook(CopyPart::OnlyFile);
+}
+
+void Form1::RestoreAddressBook(CopyPart part) {
   sb1.panels[1] = "";
   const std::string current = program_.store.RegistryGetKeyValue(CurrentUser(kAddressBookKey), "").AsText();
   const std::string folder = DirectoryFromFile(current);
@@ -75,8 +84,9 @@ void Form1::resWAB_Click() {
          .icon = MessageIcon::Exclamation});
     return;
   }
-  ShellFileCopy(program_.platform.GetShell(), *file, WinPath(folder), false);
+  program_.platform.GetShell().CopyFile({.source = *file, .target = WinPath(folder), .part = part});
   sb1.panels[0] = kAddressBookCopied;
+  ShowCopies();
 }
 
 }  // namespace quillbox

@@ -31,6 +31,7 @@ void Form1::MoveWAB_Click() {
   const std::string folder = BrowseForFolder(program_.platform.GetDialogs());
   if (folder.empty()) return;
   AddressBook(program_.platform, program_.store).MoveTo(folder);
+  ShowCopies();
   sb1.panels[0] = "Move Complete";
 }
 

@@ -11,7 +11,7 @@ void Form1::cmdRestore_Click() {
     resbkupAllIdent();
     resbkupIAM();
     resbkupAddBook();
-    resWAB_Click();
+    RestoreAddressBook(CopyPart::OneOfSeveral);
     GetInputPaths();
     resComplete();
   });
@@ -35,8 +35,8 @@ void Form1::resComplete() {
   program_.overwrite = chkOverwrite.checked;
   StoreRestore restore(program_.platform, program_.store, program_.backupFolder, ToStatus());
   restore.RestoreAll(*folder, program_.catalogue, program_.overwrite);
+  ShowCopies({}, restore.MissingStores());
   sb1.panels[0] = "Restore Complete";
-  ShowFilesNotCopied(restore.FilesNotCopied());
 }
 
 void Form1::resDBX_Click() {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "backup/identity_backup.h"
+#include "core/copy_tally.h"
 #include "ui/forms/windows.h"
 
 namespace quillbox {
@@ -225,10 +225,15 @@ void Form2::srchBackup_Click() {
 
 /// Copies the checked files into `folder`, whose files of the same names the shell asks about.
 void Form2::CopyChecked(const WinPath& folder) {
-  for (const std::size_t row : lvFiles.CheckedRows()) {
+  const auto rows = lvFiles.CheckedRows();
+  Shell& shell = program_.platform.GetShell();
+  for (const std::size_t row : rows) {
     const std::string& name = found_.Name(row);
-    ShellFileCopy(program_.platform.GetShell(), WinPath(found_.Folder(row)).Join(name), folder.Join(name), false);
+    shell.CopyFile({.source = WinPath(found_.Folder(row)).Join(name),
+                    .target = folder.Join(name),
+                    .part = rows.size() == 1 ? CopyPart::OnlyFile : CopyPart::OneOfSeveral});
   }
+  sb2.panels[1] = rows.empty() ? "No files were checked" : CopyTally(shell.FinishCopies()).Text();
 }
 
 void Form2::cmdCopyFiles_Click() {

@@ -1,5 +1,6 @@
 #include "ui/forms/form4.h"
 
+#include "core/copy_tally.h"
 #include "identities/create_identity.h"
 #include "ui/forms/identity_picker.h"
 #include "ui/forms/windows.h"
@@ -180,8 +181,8 @@ void Form4::CopyMessages(IdentityClone& clone) {
   } catch (const std::exception& error) {
     fault = std::string("The Identity was cloned, but not all of its DBX files were copied: ") + error.what();
   }
+  StatusBar1.panels[1] = CopyTally(program_.platform.GetShell().FinishCopies()).Text();
   if (!fault.empty()) Tell(fault);
-  if (clone.FilesNotCopied() > 0) StatusBar1.panels[1] = "Files not copied: " + std::to_string(clone.FilesNotCopied());
 }
 
 void Form4::cmdClose_Click() {

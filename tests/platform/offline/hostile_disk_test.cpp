@@ -235,7 +235,8 @@ TEST_P(HostileDiskTest, ACopyNeitherTakesFromOutsideNorReplacesThere) {
               {"C:\\bk\\Inbox.dbx", "C:\\Store", "C:\\Store\\Inbox.dbx"},
               {"C:\\bk\\Inbox.dbx", "C:\\out\\Inbox.dbx", "C:\\out\\Inbox.dbx"}};
   for (const auto& row : rows) {
-    EXPECT_FALSE(shell.CopyFile(WinPath(row.source), WinPath(row.target), false));
+    shell.CopyFile({.source = WinPath(row.source), .target = WinPath(row.target), .part = CopyPart::OnlyFile});
+    EXPECT_EQ(shell.FinishCopies().back().end, CopyEnd::Failed);
     EXPECT_THAT(dialogs.LastMessage(), HasSubstr(std::string(row.named) + ": it leads out of the disk."));
   }
   EXPECT_EQ(dialogs.messages.size(), std::size(rows)) << "and nobody was asked about replacing";

@@ -26,7 +26,9 @@ struct OfflineShellTest : testing::Test {
     disk.Folder("bk");
   }
   bool Copy(const char* source, const char* target, bool noConfirm = false) {
-    return shell.CopyFile(WinPath(source), WinPath(target), noConfirm);
+    shell.CopyFile(
+        {.source = WinPath(source), .target = WinPath(target), .noConfirm = noConfirm, .part = CopyPart::OnlyFile});
+    return shell.FinishCopies().back().end == CopyEnd::Copied;
   }
   /// The names in the backup folder, joined.
   std::string Backups() const {
@@ -51,9 +53,9 @@ TEST_F(OfflineShellTest, CopiesContentAndTime) {
   EXPECT_TRUE(Copy("C:\\mail\\large.DBX", "C:\\bk\\Large.dbx"));
   EXPECT_EQ(disk.Read("bk/Large.dbx"), large);
   EXPECT_EQ(files.Stat(WinPath("C:\\bk\\large.dbx"))->modified, files.Stat(WinPath("C:\\Mail\\large.dbx"))->modified);
-  ASSERT_GE(dialogs.progress.size(), 4u);
-  EXPECT_THAT(dialogs.progress.back().text, HasSubstr("3.3 of 3.3 MB"));
-  EXPECT_EQ(dialogs.progress.back().done, large.size());
+  ASSERT_GE(dialogs.progress.size(), 5u);
+  EXPECT_THAT(dialogs.progress[4].text, HasSubstr("large.DBX  (3.3 of 3.3 MB)"));
+  EXPECT_EQ(dialogs.progress[4].done, large.size());
   EXPECT_EQ(dialogs.openProgressDisplays, 1);
   shell.EndCommand();
   EXPECT_EQ(dialogs.openProgressDisplays, 0);

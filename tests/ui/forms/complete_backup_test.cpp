@@ -1,3 +1,4 @@
+#include "support/faulty_copy_io.h"
 #include "support/file_size_limit.h"
 #include "support/registry_snapshot.h"
 #include "support/sample_windows.h"
@@ -7,6 +8,7 @@ namespace {
 
 using ::testing::AllOf;
 using ::testing::Contains;
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
@@ -198,6 +200,18 @@ TEST_F(CompleteBackupTest, IdentitiesOfOneNameShareAFolderAndLoseNothingUnasked)
   EXPECT_THAT(dialogs.messages[dialogs.messages.size() - 2].text, HasSubstr("nothing tells whose files"));
 }
 
+TEST_F(CompleteBackupTest, TheTallyOfAllItsStepsFollowsThePrescribedCount) {
+  auto io = std::make_unique<FaultyCopyIo>();
+  io->createError = EROFS;
+  platform->CopyWith(std::move(io));
+  dialogs.messageAnswers = {MessageAnswer::Yes};
+  form->cmdComplete.click();
+  EXPECT_EQ(dialogs.messages.size(), 1u) << "one question for the address book and all stores";
+  EXPECT_EQ(form->sb1.panels[0], "Backup Complete");
+  EXPECT_THAT(form->sb1.panels[1].Get(),
+              AllOf(StartsWith("2 Identities Backed Up; 0 of "), EndsWith(" files copied: the disk is read-only")));
+}
+
 TEST_F(CompleteBackupTest, AFullDiskLeavesTheEarlierBackupAndTheStores) {
   form->cmdComplete.click();
   form->chkOverwrite.click();
@@ -209,6 +223,8 @@ TEST_F(CompleteBackupTest, AFullDiskLeavesTheEarlierBackupAndTheStores) {
   {
     const FileSizeLimit full(1024);
     dialogs.overwriteAnswers = {OverwriteAnswer::No};  // the address book file
+    // The first file that is too large, here and in the restore.
+    dialogs.messageAnswers = {MessageAnswer::Yes, MessageAnswer::No};
     form->cmdComplete.click();
     EXPECT_THAT(dialogs.LastMessage(), AllOf(StartsWith("Not everything was done:"), HasSubstr("AllIdentities.reg"),
                                              HasSubstr("SignaturesWinXP.reg")));
@@ -217,7 +233,8 @@ TEST_F(CompleteBackupTest, AFullDiskLeavesTheEarlierBackupAndTheStores) {
   EXPECT_EQ(FilesIn(BackupFolderOnHost() / "Büro"), saved);
   EXPECT_EQ(Content(BackupFolderOnHost() / "Büro/SignaturesWinXP.reg"), signatures);
   EXPECT_EQ(FilesIn(messages), before);
-  EXPECT_THAT(form->sb1.panels[1].Get(), HasSubstr("Files not copied: "));
+  EXPECT_EQ(form->sb1.panels[0], "Restore Complete");
+  EXPECT_THAT(form->sb1.panels[1].Get(), EndsWith(" files copied: File too large"));
 }
 
 }  // namespace

@@ -122,6 +122,10 @@ TEST_F(Form2Test, CheckedFilesAreBackedUpAskingBeforeOneReplacesAnother) {
   ASSERT_EQ(dialogs.overwriteQuestions.size(), 1U);
   EXPECT_EQ(dialogs.overwriteQuestions[0].target.Text(), "D:\\Backup\\Inbox.dbx");
   EXPECT_EQ(form.sb2.panels[0], "Copy Complete");
+  EXPECT_EQ(form.sb2.panels[1], "1 of 2 files copied: 1 not replaced");
+  form.cmdDeselectAll.click();
+  form.cmdCopyFiles.click();
+  EXPECT_EQ(form.sb2.panels[1], "No files were checked");
 
   windows->program.backupFolder.Reset();
   form.cmdCopyFiles.click();
@@ -150,6 +154,7 @@ TEST_F(Form2Test, CheckedFilesAreRestoredIntoTheChosenIdentityAfterAYes) {
   form.resDBXFiles.click();
   EXPECT_EQ(Content(sample.driveC / "Store/Inbox.dbx"), "second");
   EXPECT_EQ(form.sb2.panels[0], "Restore Complete");
+  EXPECT_EQ(form.sb2.panels[1], "");
 
   form.IdentyPth.type(kEmptyIdentityMarker);
   form.resDBXFiles.click();

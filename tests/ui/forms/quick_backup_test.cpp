@@ -1,3 +1,4 @@
+#include "support/faulty_copy_io.h"
 #include "support/sample_windows.h"
 
 namespace quillbox {
@@ -23,6 +24,24 @@ class QuickBackupTest : public SampleWindows {
     Store().SetKeyValue(IdentityKey(windows->form1.Label6.caption), "Username", username, ValueType::Sz);
     windows->form1.GetInputPaths();
     windows->form1.cmbUserNames.pick(username);
+  }
+  /// How many files a quick backup of the selected identity copies.
+  std::size_t Files() {
+    std::size_t files = 1;  // the address book
+    for (const std::string& name : Names(StoreOnHost())) {
+      files += name.ends_with(".dbx") && name != "Pop3uidl.dbx" && name.find('.') == name.size() - 4 ? 1 : 0;
+    }
+    return files;
+  }
+  /// "0 of 12 files copied: ".
+  std::string Copied(std::size_t count) {
+    return std::to_string(count) + " of " + std::to_string(Files()) + " files copied: ";
+  }
+  FaultyCopyIo& CopyWithFaults() {
+    auto io = std::make_unique<FaultyCopyIo>();
+    FaultyCopyIo& faults = *io;
+    platform->CopyWith(std::move(io));
+    return faults;
   }
   /// Nothing but the backup folder itself may have come to be.
   void ExpectNoBackup() { EXPECT_TRUE(Names(BackupFolderOnHost()).empty()); }
@@ -80,7 +99,7 @@ TEST_F(QuickBackupTest, ExistingFilesAreReplacedOnlyWhenThePersonSaysSo) {
   form.cmdQuickBackup.click();
   EXPECT_EQ(Content(inbox), "older");
   EXPECT_EQ(form.sb1.panels[0], "Backup Complete");
-  EXPECT_THAT(form.sb1.panels[1].Get(), HasSubstr("Files not copied: "));
+  EXPECT_EQ(form.sb1.panels[1], Copied(0) + "cancelled");
 
   dialogs.overwriteAnswers = {OverwriteAnswer::YesToAll};
   form.cmdQuickBackup.click();
@@ -138,11 +157,40 @@ TEST_F(QuickBackupTest, AFolderThatCannotBeMadeIsNamedWithTheReason) {
   EXPECT_THAT(dialogs.LastMessage(), HasSubstr("\"D:\\Backup\" cannot be used because the folder does not exist"));
 }
 
+TEST_F(QuickBackupTest, AFullDiskIsOneQuestionAndSaidBesideTheCompletion) {
+  Form1& form = StartOn("Main Identity");
+  CopyWithFaults().writeError = ENOSPC;
+  for (const MessageAnswer answer : {MessageAnswer::Yes, MessageAnswer::No}) {
+    dialogs.messages.clear();
+    dialogs.messageAnswers = {answer};
+    form.cmdQuickBackup.click();
+    EXPECT_EQ(dialogs.messages.size(), 1u);
+    EXPECT_EQ(form.sb1.panels[0], "Backup Complete");
+    EXPECT_EQ(form.sb1.panels[1], Copied(0) + "the disk is full");
+  }
+}
+
+TEST_F(QuickBackupTest, DamagedFilesAreCountedBesideTheCompletion) {
+  Form1& form = StartOn("Main Identity");
+  form.cmdQuickBackup.click();
+  const auto folder = BackupFolderOnHost() / "Main Identity";
+  const std::string good = Content(folder / "Inbox.dbx");
+  CopyWithFaults().unreadable["Inbox.dbx"] = {{0x800, 1}};
+  form.chkOverwrite.click();
+  dialogs.messageAnswers = {MessageAnswer::Yes};
+  form.cmdQuickBackup.click();
+  EXPECT_EQ(form.sb1.panels[0], "Backup Complete");
+  EXPECT_EQ(form.sb1.panels[1], Copied(Files() - 1) + "1 kept as damaged");
+  EXPECT_EQ(Content(folder / "Inbox.dbx"), good);
+  EXPECT_EQ(Content(folder / "Inbox (damaged).dbx"), std::string(good).replace(0x800, 0x200, 0x200, '\0'));
+}
+
 TEST_F(QuickBackupTest, AStoreThatIsGoneIsToldAndTheRestBackedUp) {
   Form1& form = StartOn("Main Identity");
   std::filesystem::remove_all(StoreOnHost());
   form.cmdQuickBackup.click();
   EXPECT_THAT(dialogs.LastMessage(), HasSubstr("\"" + form.Text1.text.Get() + "\" does not exist"));
+  EXPECT_EQ(form.sb1.panels[1], "1 message store not copied");
   EXPECT_EQ(Names(BackupFolderOnHost() / "Main Identity"),
             (std::vector<std::string>{"Ann Miller.wab", "HKLMOutlookExpress.reg", "IAM.reg", "Main Identity.reg",
                                       "WAB.reg"}));

@@ -1,0 +1,73 @@
+#include "core/copy_tally.h"
+
+#include <algorithm>
+
+namespace quillbox {
+namespace {
+
+std::string Joined(const std::string& first, const char* between, const std::string& second) {
+  return first.empty() || second.empty() ? first + second : first + between + second;
+}
+
+/// The words for files that were not copied as asked, after their number. Null for what has a reason of its own.
+const char* WordsOf(CopyEnd end) {
+  switch (end) {
+    case CopyEnd::KeptDamaged:
+      return "kept as damaged";
+    case CopyEnd::LeftOut:
+      return "left out as damaged";
+    case CopyEnd::NotReplaced:
+      return "not replaced";
+    case CopyEnd::Copied:
+    case CopyEnd::Cancelled:
+    case CopyEnd::Failed:
+      break;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+CopyTally::CopyTally(const std::vector<CopyResult>& results) {
+  for (const CopyResult& result : results) Add(result);
+}
+
+void CopyTally::Add(const CopyResult& result) {
+  ++files_;
+  if (result.end == CopyEnd::Copied) {
+    ++copied_;
+    return;
+  }
+  const char* words = WordsOf(result.end);
+  const std::string text = words != nullptr ? words : result.reason;
+  const auto same = std::find_if(reasons_.begin(), reasons_.end(), [&](const Reason& r) { return r.words == text; });
+  if (same == reasons_.end()) {
+    reasons_.push_back({result.end, text, 1});
+  } else {
+    ++same->files;
+  }
+}
+
+std::string CopyTally::TextOf(const Reason& reason) const {
+  const std::string number = std::to_string(reason.files);
+  if (WordsOf(reason.end) != nullptr) return number + " " + reason.words;
+  return reasons_.size() > 1 && reason.files > 1 ? reason.words + " (" + number + " files)" : reason.words;
+}
+
+std::string CopyTally::Text() const {
+  std::string text;
+  if (copied_ < files_) {
+    std::string reasons;
+    for (const Reason& reason : reasons_) reasons = Joined(reasons, ", ", TextOf(reason));
+    text = std::to_string(copied_) + " of " + std::to_string(files_) + " files copied: " + reasons;
+  }
+  if (missingStores_ == 0) return text;
+  const char* stores = missingStores_ == 1 ? " message store not copied" : " message stores not copied";
+  return Joined(text, "; ", std::to_string(missingStores_) + stores);
+}
+
+std::string CopyTally::After(const std::string& first) const {
+  return Joined(first, "; ", Text());
+}
+
+}  // namespace quillbox

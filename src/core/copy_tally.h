@@ -1,0 +1,39 @@
+// What a command says at its end about the files that it was to copy. Only what did not go as asked is said: a command
+// that copied everything has its own text for that.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "platform/copy_result.h"
+
+namespace quillbox {
+
+class CopyTally {
+ public:
+  explicit CopyTally(const std::vector<CopyResult>& results);
+  /// Message stores of which not even the files are known, so that nothing of them was copied.
+  void AddMissingStores(std::size_t count) { missingStores_ += count; }
+
+  /// "10 of 12 files copied: 1 kept as damaged, the disk is full"; empty when everything was copied.
+  std::string Text() const;
+  /// `first`, and this tally's text after it where there is one.
+  std::string After(const std::string& first) const;
+
+ private:
+  struct Reason {
+    CopyEnd end;
+    std::string words;
+    std::size_t files;
+  };
+  void Add(const CopyResult& result);
+  std::string TextOf(const Reason& reason) const;
+
+  std::size_t files_ = 0;
+  std::size_t copied_ = 0;
+  std::vector<Reason> reasons_;  ///< in the order in which they first occurred
+  std::size_t missingStores_ = 0;
+};
+
+}  // namespace quillbox

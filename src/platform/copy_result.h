@@ -1,0 +1,37 @@
+// What a command asks the shell to copy, and what became of it. A type of its own, since "not copied" has many reasons
+// and a person is owed the right one.
+#pragma once
+
+#include <string>
+
+#include "text/win_path.h"
+
+namespace quillbox {
+
+/// Whether further files follow, so that it makes sense to ask "go on with the other files?".
+enum class CopyPart { OnlyFile, OneOfSeveral };
+
+struct CopyRequest {
+  WinPath source;
+  WinPath target;          ///< a file, or a folder for a file in it with the source's name
+  bool noConfirm = false;  ///< a file of that name is replaced without a question
+  CopyPart part = CopyPart::OneOfSeveral;
+};
+
+enum class CopyEnd {
+  Copied,
+  KeptDamaged,  ///< parts could not be read; what could is in a file of its own
+  LeftOut,      ///< parts could not be read, and the person wants no such copies
+  NotReplaced,  ///< the person said No to the overwrite question
+  Cancelled,    ///< the person stopped this copy or an earlier one of the command
+  Failed,
+};
+
+struct CopyResult {
+  WinPath source;
+  CopyEnd end = CopyEnd::Failed;
+  std::string keptAs;  ///< KeptDamaged: the file's name
+  std::string reason;  ///< Cancelled and Failed: a clause ("the disk is full")
+};
+
+}  // namespace quillbox

@@ -1,0 +1,94 @@
+// The copies of one command: what was asked once and holds for all of them, how far they are, and what became of each.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/copy_result.h"
+#include "platform/offline/copy_flush.h"
+#include "platform/offline/copy_io.h"
+#include "platform/offline/file_copy.h"
+#include "platform/offline/offline_files.h"
+#include "platform/platform.h"
+
+namespace quillbox {
+
+/// While a file is flushed to the disk by a thread of its own, the next one is read. Everything else, questions, log
+/// and what is counted, happens on the calling thread.
+class CopyCommand {
+ public:
+  /// All must outlive the command.
+  CopyCommand(OfflineFiles& files, Dialogs& dialogs, Log& log, CopyIo& io)
+      : files_(files), dialogs_(dialogs), log_(log), io_(io) {}
+  CopyCommand(const CopyCommand&) = delete;
+  CopyCommand& operator=(const CopyCommand&) = delete;
+
+  void Copy(const CopyRequest& request);
+  /// Waits for all copies; what became of each, in order.
+  const std::vector<CopyResult>& Finish();
+
+ private:
+  /// Both ends of one copy, with what is known of them.
+  struct Job {
+    CopyRequest request;
+    std::size_t result;      ///< its position in results_
+    WinPath source, target;  ///< absolute
+    PlaceResult from = HostFault::NoSuchDrive, to = HostFault::NoSuchDrive;
+    std::optional<FileEntry> sourceEntry, existing;
+  };
+  struct Flight {
+    Job job;
+    std::unique_ptr<CopyFlush> flush;
+  };
+  enum class FaultKind { File, Place };  ///< about one file, or about the place of all that go there
+  struct Fault {
+    FaultKind kind;
+    std::string about;
+    std::string why;  ///< a clause
+  };
+  class Watcher;
+
+  Job Plan(const CopyRequest& request, std::size_t result);
+  std::optional<Fault> FaultOf(const Job& job) const;
+  Fault FaultOf(const Job& job, const CopyFault& fault) const;
+  Fault TargetFault(const Job& job, const std::error_code& code) const;
+  bool MayReplace(const Job& job);
+  void Run(const Job& job);
+  void Fill(const Job& job);
+
+  bool MeetsFlight(const Job& job) const;
+  void SettleFirst();
+  void SettleAll();
+  std::error_code Await(CopyFlush& flush, const std::string& name);
+
+  void KeepDamaged(Job job, FilledFile filled);
+  bool NameDamaged(const Job& job, std::unique_ptr<NewFile> file);
+  void WriteMissingList(const Job& job, const FilledFile& filled);
+  UnreadableAnswer AskAboutDamage(const Job& job, std::uint64_t offset, const std::error_code& code);
+
+  bool Report(const std::string& text, std::uint64_t done, std::uint64_t total);
+  void Fail(const Job& job, const Fault& fault);
+  void Stop(const std::string& reason);
+  void End(const Job& job, CopyEnd end, std::string reason = {});
+
+  OfflineFiles& files_;
+  Dialogs& dialogs_;
+  Log& log_;
+  CopyIo& io_;
+  std::vector<CopyResult> results_;
+  std::set<std::filesystem::path> swept_;  ///< folders that were freed of abandoned copies
+  bool yesToAll_ = false;
+  std::optional<UnreadableAnswer> damageAnswer_;
+  std::set<FaultKind> wentOn_;             ///< kinds of failures that the person answered "go on" about
+  std::optional<std::string> stopReason_;  ///< set: nothing more is copied
+  std::unique_ptr<Progress> progress_;     ///< one for all copies
+  std::deque<Flight> flights_;             ///< flushes that were begun, in order
+};
+
+}  // namespace quillbox

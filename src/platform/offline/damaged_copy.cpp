@@ -1,0 +1,94 @@
+#include "platform/offline/damaged_copy.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <numeric>
+#include <span>
+#include <system_error>
+
+namespace quillbox {
+
+namespace {
+
+constexpr std::size_t kCompareChunk = std::size_t{256} * 1024;
+
+/// Where the name's ending begins; a name without one ends there.
+std::size_t EndingOf(std::string_view name) {
+  const std::size_t dot = name.rfind('.');
+  return dot == std::string_view::npos || dot == 0 ? name.size() : dot;
+}
+
+/// Fills `buffer` unless the file ends first. False when it cannot be read.
+bool ReadAt(int fd, std::uint64_t offset, std::span<char> buffer, std::size_t& length) {
+  length = 0;
+  while (length < buffer.size()) {
+    const ssize_t got = pread(fd, buffer.data() + length, buffer.size() - length, static_cast<off_t>(offset + length));
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) return false;
+    if (got == 0) break;
+    length += static_cast<std::size_t>(got);
+  }
+  return true;
+}
+
+}  // namespace
+
+std::string DamagedName(std::string_view name, unsigned number) {
+  const std::size_t ending = EndingOf(name);
+  const std::string mark = number < 2 ? " (damaged)" : " (damaged " + std::to_string(number) + ")";
+  return std::string(name.substr(0, ending)) + mark + std::string(name.substr(ending));
+}
+
+std::string MissingListName(std::string_view damagedName) {
+  return std::string(damagedName.substr(0, EndingOf(damagedName))) + ".txt";
+}
+
+std::uint64_t LengthOf(const std::vector<ByteRange>& ranges) {
+  return std::accumulate(ranges.begin(), ranges.end(), std::uint64_t{0},
+                         [](std::uint64_t sum, const ByteRange& range) { return sum + range.length; });
+}
+
+std::string MissingList(std::string_view damagedName, std::string_view source, std::uint64_t size,
+                        const std::vector<ByteRange>& missing) {
+  std::string text = std::string(damagedName) + " is a damaged copy of " + std::string(source) + ".\r\n" +
+                     std::to_string(LengthOf(missing)) + " of its " + std::to_string(size) +
+                     " bytes could not be read and are zeros in the copy:\r\n\r\nOffset, length in bytes\r\n";
+  for (const ByteRange& range : missing) {
+    std::array<char, 48> line = {};
+    std::snprintf(line.data(), line.size(), "0x%08llX, %llu\r\n", static_cast<unsigned long long>(range.offset),
+                  static_cast<unsigned long long>(range.length));
+    text += line.data();
+  }
+  return text;
+}
+
+bool HoldsTheSame(NewFile& file, const HostPlace& other) {
+  HostFd fd;
+  try {
+    fd = OpenForReading(other);
+  } catch (const std::system_error&) {
+    return false;
+  }
+  struct stat ours = {};
+  struct stat theirs = {};
+  if (fstat(file.Fd(), &ours) != 0 || fstat(fd.Get(), &theirs) != 0) return false;
+  if (!S_ISREG(theirs.st_mode) || ours.st_size != theirs.st_size) return false;
+  std::vector<char> a(kCompareChunk);
+  std::vector<char> b(kCompareChunk);
+  for (std::uint64_t offset = 0; offset < static_cast<std::uint64_t>(ours.st_size); offset += kCompareChunk) {
+    std::size_t lengthA = 0;
+    std::size_t lengthB = 0;
+    if (!ReadAt(file.Fd(), offset, a, lengthA) || !ReadAt(fd.Get(), offset, b, lengthB)) return false;
+    if (lengthA != lengthB || !std::equal(a.begin(), a.begin() + static_cast<std::ptrdiff_t>(lengthA), b.begin())) {
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace quillbox
