@@ -1,0 +1,154 @@
+// The copies of a command, 10 files of 100 MB, beside `cp -a` followed by `sync` of the files' file system, in turns.
+// Both begin with the files out of the host's memory and end when the copies are on the disk. Prints the times'
+// medians, their range and their ratio.
+//
+//   copy_bench [FOLDER [ROUNDS]]    FOLDER is where the files are made; a folder for temporary files without it
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "platform/offline/offline_files.h"
+#include "platform/offline/offline_shell.h"
+#include "timing.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace quillbox;
+
+constexpr int kFiles = 10;
+constexpr std::size_t kFileSize = std::size_t{100} * 1000 * 1000;
+constexpr int kRounds = 7;
+
+struct NoProgress : Progress {
+  bool Update(const std::string& /*text*/, std::uint64_t /*done*/, std::uint64_t /*total*/) override { return true; }
+};
+
+/// Asks nothing: whatever goes wrong ends the measurement.
+struct NoDialogs : Dialogs {
+  MessageAnswer Show(const Message& message) override { throw std::runtime_error(message.text); }
+  std::optional<std::string> Input(const std::string& /*prompt*/, const std::string& /*title*/,
+                                   const std::string& /*proposed*/) override {
+    return std::nullopt;
+  }
+  std::optional<WinPath> OpenFile(const FileDialog& /*dialog*/) override { return std::nullopt; }
+  std::optional<WinPath> SaveFile(const FileDialog& /*dialog*/) override { return std::nullopt; }
+  std::optional<WinPath> BrowseForFolder(const std::string& /*title*/) override { return std::nullopt; }
+  OverwriteAnswer AskOverwrite(const OverwriteQuestion& /*question*/) override { return OverwriteAnswer::Cancel; }
+  std::unique_ptr<Progress> ShowProgress(const std::string& /*title*/) override {
+    return std::make_unique<NoProgress>();
+  }
+};
+
+struct NoLog : Log {
+  void Write(std::string_view /*text*/) override {}
+};
+
+std::string NameOf(int number) {
+  return "Folder " + std::to_string(number) + ".dbx";
+}
+
+/// Bytes that no file system can make smaller.
+void MakeFiles(const fs::path& folder) {
+  fs::create_directories(folder);
+  std::mt19937_64 random(1);
+  std::vector<std::uint64_t> block(kFileSize / 100 / sizeof(std::uint64_t));
+  for (int number = 0; number < kFiles; ++number) {
+    std::ofstream out(folder / NameOf(number), std::ios::binary);
+    for (int part = 0; part < 100; ++part) {
+      std::generate(block.begin(), block.end(), [&] { return random(); });
+      out.write(reinterpret_cast<const char*>(block.data()),
+                static_cast<std::streamsize>(block.size() * sizeof(std::uint64_t)));
+    }
+    if (!out.flush()) throw std::runtime_error("the files could not be made in " + folder.string());
+  }
+}
+
+/// An empty target, sources that are not in memory, and a disk with nothing left to do.
+void Prepare(const fs::path& folder, const fs::path& target) {
+  fs::remove_all(target);
+  fs::create_directories(target);
+  sync();
+  for (int number = 0; number < kFiles; ++number) {
+    const HostFd fd(open((folder / "in" / NameOf(number)).c_str(), O_RDONLY | O_CLOEXEC));
+    posix_fadvise(fd.Get(), 0, 0, POSIX_FADV_DONTNEED);
+  }
+}
+
+void CopyOurs(const fs::path& folder) {
+  const Environment environment;
+  OfflineFiles files(DriveMap{folder}, environment);
+  NoDialogs dialogs;
+  NoLog log;
+  OfflineShell shell(files, dialogs, log);
+  for (int number = 0; number < kFiles; ++number) {
+    shell.CopyFile({.source = WinPath("C:\\in").Join(NameOf(number)), .target = WinPath("C:\\ours")});
+  }
+  for (const CopyResult& result : shell.FinishCopies()) {
+    if (result.end != CopyEnd::Copied) throw std::runtime_error(result.source.Text() + ": " + result.reason);
+  }
+}
+
+void Run(std::vector<std::string> words) {
+  std::vector<char*> arguments;
+  for (std::string& word : words) arguments.push_back(word.data());
+  arguments.push_back(nullptr);
+  pid_t child = 0;
+  int status = 1;
+  if (posix_spawnp(&child, arguments[0], nullptr, nullptr, arguments.data(), environ) == 0) waitpid(child, &status, 0);
+  if (status != 0) throw std::runtime_error(words[0] + " failed");
+}
+
+void CopyTheirs(const fs::path& folder) {
+  Run({"cp", "-a", (folder / "in").string() + "/.", (folder / "theirs").string()});
+  Run({"sync", "-f", (folder / "theirs").string()});
+}
+
+void Print(const char* name, const std::vector<double>& times) {
+  const auto [least, most] = std::minmax_element(times.begin(), times.end());
+  std::printf("%s %.0f ms (%.0f to %.0f), ", name, Median(times), *least, *most);
+}
+
+void Measure(const fs::path& folder, int rounds) {
+  MakeFiles(folder / "in");
+  std::vector<double> ours;
+  std::vector<double> theirs;
+  for (int round = 0; round < rounds; ++round) {
+    Prepare(folder, folder / "ours");
+    ours.push_back(Milliseconds([&] { CopyOurs(folder); }));
+    Prepare(folder, folder / "theirs");
+    theirs.push_back(Milliseconds([&] { CopyTheirs(folder); }));
+    if (round == 0) Run({"diff", "-r", (folder / "ours").string(), (folder / "theirs").string()});
+  }
+  std::printf("%d files of %zu MB, %d rounds: ", kFiles, kFileSize / 1000 / 1000, rounds);
+  Print("copies", ours);
+  Print("cp and sync", theirs);
+  std::printf("%.2f times\n", Median(ours) / Median(theirs));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const fs::path folder = (argc > 1 ? fs::path(argv[1]) : fs::temp_directory_path()) / "quillbox-copy-bench";
+  int result = 0;
+  try {
+    fs::create_directories(folder);
+    Measure(folder, argc > 2 ? std::max(1, std::atoi(argv[2])) : kRounds);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "copy_bench: %s\n", error.what());
+    result = 1;
+  }
+  fs::remove_all(folder);
+  return result;
+}
