@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "text/code_page.h"
+#include "text/message_text.h"
 
 namespace quillbox {
 
@@ -22,7 +23,7 @@ void AppendLines(std::string& report, std::string_view lines, std::initializer_l
     if (end == std::string_view::npos || gap == gaps.end()) {
       throw std::invalid_argument("a report's template has an unknown gap: " + std::string(name));
     }
-    report += gap->second;
+    report += OneLine(gap->second);
     done = end + 1;
   }
   report += lines.substr(done);

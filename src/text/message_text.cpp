@@ -20,7 +20,8 @@ struct UnitRange {
   char16_t first;
   char16_t last;
 };
-constexpr UnitRange kNotShown[] = {{0x80, 0x9F}, {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069}};
+constexpr UnitRange kNotShown[] = {
+    {0x80, 0x9F}, {0x061C, 0x061C}, {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069}};
 
 bool IsHigh(char16_t unit) {
   return unit >= 0xD800 && unit <= 0xDBFF;
@@ -64,6 +65,17 @@ std::string OneLine(std::string_view text) {
     }
   }
   return ToUtf8(units);
+}
+
+std::string SeveralLines(std::string_view text) {
+  std::string shown;
+  for (std::size_t start = 0;;) {
+    const std::size_t end = std::min(text.find('\n', start), text.size());
+    shown += OneLine(text.substr(start, end - start));
+    if (end == text.size()) return shown;
+    shown += '\n';
+    start = end + 1;
+  }
 }
 
 }  // namespace quillbox

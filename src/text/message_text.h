@@ -1,4 +1,5 @@
-// Names from files in messages: short enough to be read, and on one line whatever they hold.
+// Names from files in messages, windows and reports: short enough to be read, and on one line whatever they hold. What
+// is shown is not what is stored: never use a shown text as a key or a path.
 #pragma once
 
 #include <string>
@@ -17,5 +18,8 @@ std::string ShortName(std::string_view name);
 /// their pictures (U+2400 and on); what cannot be shown (the C1 controls, line separators, marks that turn the
 /// direction of writing, half characters, bytes that are not UTF-8) becomes U+FFFD.
 std::string OneLine(std::string_view text);
+
+/// The same for a text of several lines: "\n" stays.
+std::string SeveralLines(std::string_view text);
 
 }  // namespace quillbox

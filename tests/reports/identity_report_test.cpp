@@ -43,5 +43,21 @@ TEST_F(IdentityReportTest, AllIdentitiesOfTheSelectedFolderAreListedAndOtherFile
   EXPECT_THAT(MakeIdentityReport(facts, ReportFormat::Text), HasSubstr("\r\nNumber of  Files Found: 3\r\n"));
 }
 
+TEST_F(IdentityReportTest, ANameTakesOneLineWhateverItHolds) {
+  facts.identities = {{"{1}", "Ann\r\nEnd Of File", "C:\\Mail\x1B[2J"}};
+  facts.selectedFolder = facts.identities[0].storeFolder;
+  facts.defaultUsername = "b\u202Ea";
+  facts.addressBookFile = "C:\\book\n.wab";
+  facts.foundFiles = {"In\u2028box.dbx"};
+  const std::string text = MakeIdentityReport(facts, ReportFormat::Text);
+  for (const char* line : {"        Ann\u240D\u240AEnd Of File", "Ann\u240D\u240AEnd Of File", "C:\\Mail\u241B[2J",
+                           "Default {USER ID} Username: b\uFFFDa", "C:\\book\u240A.wab",
+                           "Ann\u240D\u240AEnd Of File: {1}", "In\uFFFDbox.dbx"}) {
+    EXPECT_THAT(text, HasSubstr(std::string("\r\n") + line + "\r\n"));
+  }
+  EXPECT_THAT(MakeIdentityReport(facts, ReportFormat::Html),
+              HasSubstr("\r\n<DIV>        Ann\u240D\u240AEnd Of File</DIV>\r\n"));
+}
+
 }  // namespace
 }  // namespace quillbox

@@ -44,10 +44,14 @@ TEST_F(RulesReportTest, ACriterionThatCannotBeDecodedEndsTheReportWhereItStands)
   EXPECT_THAT(report.text, Not(HasSubstr("End Of File")));
 }
 
-TEST_F(RulesReportTest, WhatIsFilledInIsNoTemplate) {
+TEST_F(RulesReportTest, WhatIsFilledInIsNoTemplateAndTakesOneLine) {
   const RegistryPath rules = CurrentUser(IdentitySettingsKey(kHome) + "\\Rules\\News");
-  store->SetValueEx(store->CreateKey(rules.Child("000")), "Name", ValueType::Sz, "50 %version% <b> \xE6\x97\xA5\n");
-  EXPECT_THAT(Written(Make(RuleSet::News, ReportFormat::Html)), HasSubstr("Name: 50 %version% <b> ?\n</DIV>"));
+  store->SetValueEx(store->CreateKey(rules.Child("000")), "Name", ValueType::Sz,
+                    "50 %version% <b> \xE6\x97\xA5\r\nEnabled: no");
+  EXPECT_THAT(Written(Make(RuleSet::News, ReportFormat::Html)),
+              HasSubstr("<DIV>Name: 50 %version% <b> ???Enabled: no</DIV>\r\n"));
+  EXPECT_THAT(Written(Make(RuleSet::News, ReportFormat::Text)),
+              HasSubstr("\r\nName: 50 %version% <b> ???Enabled: no\r\nEnabled: "));
 }
 
 }  // namespace

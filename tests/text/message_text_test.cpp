@@ -45,6 +45,12 @@ TEST(MessageText, IsOneLineWhateverANameHolds) {
   EXPECT_EQ(OneLine("\xED\xA0\x80 \xFF"), unknown + " " + unknown) << "half a character, not UTF-8";
 }
 
+TEST(MessageText, OrKeepsTheLinesOfAMessage) {
+  EXPECT_EQ(SeveralLines(""), "");
+  EXPECT_EQ(SeveralLines("one\n\ntw\ro\n"), "one\n\ntw\u240Do\n");
+  EXPECT_EQ(SeveralLines("\u061C\u2066x\u200D\n"), "\uFFFD\uFFFDx\u200D\n") << "joiners are part of names";
+}
+
 TEST(MessageText, ErrorsAreOneShortLine) {
   const Error error("opening\nit", {std::string(5000, 'k') + "\n", 16, {}}, "why\tnot");
   EXPECT_THAT(Describe(error), EndsWith("kkk␊ [5001 characters], offset 0x10: why␉not (while opening␊it)"));

@@ -10,6 +10,7 @@
 
 #include "platform/offline/host_file.h"
 #include "platform/offline/state_folder.h"
+#include "text/message_text.h"
 
 namespace quillbox {
 namespace fs = std::filesystem;
@@ -39,10 +40,10 @@ FileLog::FileLog(const fs::path& stateFolder) {
 }
 
 void FileLog::Write(std::string_view text) try {
+  // Lines of one text become one line; signs for them would only make it harder to read.
   std::string line = LocalTime() + "  " + std::string(text);
-  std::replace_if(
-      line.begin(), line.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, ' ');
-  line += '\n';
+  std::replace(line.begin(), line.end(), '\n', ' ');
+  line = OneLine(line) + '\n';
   WriteLine(STDERR_FILENO, line);
   if (file_.empty()) return;
   const HostFd fd(open(file_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600));

@@ -16,7 +16,7 @@ class FileLog : public Log {
   /// Logs to `quillbox.log` in `stateFolder`, made when missing. Where that fails, standard error alone is left.
   explicit FileLog(const std::filesystem::path& stateFolder);
 
-  /// One line with the local time. Control characters become blanks. Never throws.
+  /// One line with the local time. Line ends become blanks, other control characters signs. Never throws.
   void Write(std::string_view text) override;
 
  private:

@@ -84,7 +84,7 @@ wxString ToWxPath(const std::filesystem::path& path) {
 }  // namespace
 
 MessageAnswer WxDialogs::Show(const Message& message) {
-  wxMessageDialog dialog(ActiveWindow(), ToWx(message.text), ToWx(message.title),
+  wxMessageDialog dialog(ActiveWindow(), ToWxLines(message.text), ToWx(message.title),
                          StyleOf(message.buttons) | StyleOf(message.icon) | wxCENTRE);
   // The words are the program's in every language that the session may have.
   const ButtonWords words = message.words.value_or(ButtonWords{"&Yes", "&No"});
@@ -107,9 +107,11 @@ MessageAnswer WxDialogs::Show(const Message& message) {
 
 std::optional<std::string> WxDialogs::Input(const std::string& prompt, const std::string& title,
                                             const std::string& proposed) {
-  wxTextEntryDialog dialog(ActiveWindow(), ToWx(prompt), ToWx(title), ToWx(proposed));
+  const wxString shown = ToWx(proposed);
+  wxTextEntryDialog dialog(ActiveWindow(), ToWxLines(prompt), ToWx(title), shown);
   if (dialog.ShowModal() != wxID_OK) return std::nullopt;
-  return FromWx(dialog.GetValue());
+  // What the person left alone is what was proposed, whatever of it could be shown.
+  return dialog.GetValue() == shown ? proposed : FromWx(dialog.GetValue());
 }
 
 std::optional<WinPath> WxDialogs::OpenFile(const FileDialog& dialog) {

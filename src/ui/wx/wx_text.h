@@ -1,27 +1,23 @@
-// The way between the program's inner text and the toolkit's strings.
+// The way between the program's inner text and the toolkit's strings. All that a window shows passes here, and only
+// here, so this is where texts of a disk become harmless to look at; the controls keep what is stored.
 #pragma once
 
 #include <wx/string.h>
 
 #include <string>
 
-#include "text/unicode.h"
+#include "text/message_text.h"
 
 namespace quillbox {
 
-/// `text` for showing. What the toolkit cannot hold (a lone surrogate) is shown as U+FFFD.
+/// `text` for showing in one line; see OneLine.
 inline wxString ToWx(const std::string& text) {
-  std::u16string units = ToUtf16(text);
-  const auto isHigh = [](char16_t unit) { return unit >= 0xD800 && unit < 0xDC00; };
-  const auto isLow = [](char16_t unit) { return unit >= 0xDC00 && unit < 0xE000; };
-  for (std::size_t i = 0; i < units.size(); ++i) {
-    if (isHigh(units[i]) && i + 1 < units.size() && isLow(units[i + 1])) {
-      ++i;
-    } else if (isHigh(units[i]) || isLow(units[i])) {
-      units[i] = 0xFFFD;
-    }
-  }
-  return wxString::FromUTF8(ToUtf8(units));
+  return wxString::FromUTF8(OneLine(text));
+}
+
+/// `text` for showing in as many lines as it has: for messages and prompts.
+inline wxString ToWxLines(const std::string& text) {
+  return wxString::FromUTF8(SeveralLines(text));
 }
 
 inline std::string FromWx(const wxString& text) {

@@ -106,6 +106,47 @@ TEST_F(FormWindowTest, TextThatIsNoUnicodeIsShownAllTheSame) {
   EXPECT_EQ(Widget<wxStaticText>(form.value).GetLabelText(), wxString::FromUTF8("A\xEF\xBF\xBD\xF0\x9F\x98\x80"));
 }
 
+TEST_F(FormWindowTest, NamesOfADiskTakeOneLineAndStayWhatTheyAre) {
+  const std::string name = "a\nb\u202Ec";
+  const wxString shown = wxString::FromUTF8("a\u240Ab\uFFFDc");
+  form.caption = name;
+  form.value.caption = name;
+  form.picker.items = {"x", name, shown.utf8_string()};
+  form.picker.text = name;
+  form.box.text = name;
+  form.frame.caption = name;
+  form.first.caption = name;
+  form.list.items = {name};
+  form.several.items = {name};
+  form.bar.panels[0] = name;
+  form.value.tooltip = name;
+  Settle();
+  EXPECT_EQ(Window().GetTitle(), shown);
+  EXPECT_EQ(Widget<wxStaticText>(form.value).GetLabelText(), shown);
+  EXPECT_EQ(Widget<wxStaticText>(form.value).GetToolTipText(), shown);
+  EXPECT_EQ(Widget<wxComboBox>(form.picker).GetValue(), shown);
+  EXPECT_EQ(Widget<wxComboBox>(form.picker).GetString(1), shown);
+  EXPECT_EQ(Widget<wxTextCtrl>(form.box).GetValue(), shown);
+  EXPECT_EQ(Widget<wxStaticBox>(form.frame).GetLabel(), shown);
+  EXPECT_EQ(Widget<wxRadioButton>(form.first).GetLabelText(), shown);
+  EXPECT_EQ(Widget<wxListBox>(form.list).GetString(0), shown);
+  EXPECT_EQ(Widget<wxListBox>(form.several).GetString(0), shown);
+  EXPECT_EQ(Widget<wxStatusBar>(form.bar).GetStatusText(0), shown);
+
+  EXPECT_EQ(form.picker.text, name);
+  EXPECT_EQ(form.box.text, name);
+  EXPECT_EQ(form.acts, "");
+  // Of two items that look alike the one that was picked counts.
+  for (const int item : {0, 1, 2, 1}) {
+    Widget<wxComboBox>(form.picker).SetSelection(item);
+    wxCommandEvent picked(wxEVT_COMBOBOX, Widget<wxComboBox>(form.picker).GetId());
+    picked.SetEventObject(&Widget<wxComboBox>(form.picker));
+    picked.SetInt(item);
+    Widget<wxComboBox>(form.picker).ProcessWindowEvent(picked);
+    EXPECT_EQ(form.picker.text, form.picker.items->at(static_cast<std::size_t>(item)));
+  }
+}
+
 TEST_F(FormWindowTest, ActsOfAPersonRunTheHandlersOnce) {
   ClickOn(Widget<wxButton>(form.cmdOk));
   EXPECT_EQ(TakeActs(), "ok ");

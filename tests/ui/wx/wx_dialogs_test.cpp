@@ -103,6 +103,8 @@ TEST_F(WxDialogsTest, InputIsTypedOrCancelled) {
   EXPECT_EQ(dialogs.Input("Enter folder name", "Quillbox", "proposed"), "xy") << "typing replaces the proposed text";
   AnswerWith(WXK_ESCAPE);
   EXPECT_EQ(dialogs.Input("Enter folder name", "Quillbox", "kept"), std::nullopt);
+  AnswerWith(WXK_RETURN);
+  EXPECT_EQ(dialogs.Input("Enter new Username", "Quillbox", "Ann\n"), "Ann\n") << "what was left alone stays";
 }
 
 TEST_F(WxDialogsTest, OverwriteQuestionShowsBothFilesAndGivesEveryAnswer) {
