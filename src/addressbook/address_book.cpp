@@ -19,11 +19,16 @@ void AddressBook::Write(const char* value, const std::string& text) {
   store_.SetKeyValue(kAddressBookKey, value, text, ValueType::Sz);
 }
 
-bool AddressBook::UseSlot(std::size_t slot) {
-  const std::string file = Read(kSlotValues.at(slot));
-  if (file.empty() || file == kNoneSelected) return false;
-  Use(file);
-  return true;
+std::optional<DiskPath> AddressBook::UseSlot(std::size_t slot) {
+  return UseStored(kSlotValues.at(slot));
+}
+
+std::optional<DiskPath> AddressBook::UseStored(const char* value) {
+  const std::string text = Read(value);
+  if (text.empty() || text == kNoneSelected) return std::nullopt;
+  DiskPath file = CheckAddressBook(platform_.GetFiles(), text, value);
+  if (file.IsUsable()) Use(text);
+  return file;
 }
 
 void AddressBook::FillSlots(const SlotFiles& files) {
@@ -39,17 +44,21 @@ bool AddressBook::SaveSetting() {
   return true;
 }
 
-std::string AddressBook::RestoreSetting() {
-  std::string file = Read(kSavedSetting);
-  if (!file.empty()) Use(file);
-  return file;
+std::optional<DiskPath> AddressBook::RestoreSetting() {
+  return UseStored(kSavedSetting);
 }
 
-void AddressBook::MoveTo(const std::string& folder) {
-  const std::string file = store_.RegistryGetKeyValue(CurrentUser(kAddressBookKey), "").AsText();
-  const std::string target = WithBackslash(folder) + NameFromFullPath(file);
-  Use(target);
-  platform_.GetShell().CopyFile({.source = WinPath(file), .target = WinPath(target), .part = CopyPart::OnlyFile});
+std::optional<PathRefusal> AddressBook::MoveTo(const std::string& folder) {
+  FileSystem& files = platform_.GetFiles();
+  const DiskPath file = CheckAddressBook(files, store_.RegistryGetKeyValue(CurrentUser(kAddressBookKey), "").AsText());
+  const DiskPath chosen(files, folder);
+  for (const DiskPath* path : {&file, &chosen}) {
+    if (!path->IsUsable()) return path->Refusal();
+  }
+  const WinPath target = chosen.Path().Join(file.Path().Name());
+  Use(target.Text());
+  platform_.GetShell().CopyFile({.source = file.Path(), .target = target, .part = CopyPart::OnlyFile});
+  return std::nullopt;
 }
 
 }  // namespace quillbox

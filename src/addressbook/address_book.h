@@ -4,9 +4,11 @@
 
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <string>
 
 #include "core/address_book_slots.h"
+#include "core/disk_path.h"
 #include "core/registry_store.h"
 #include "platform/platform.h"
 
@@ -23,23 +25,25 @@ class AddressBook {
   std::string InUse() { return Read(""); }
   void Use(const std::string& file) { Write("", file); }
 
-  /// Has the file of a slot (0 to 3) be the one in use, whether or not it exists. False, and nothing is changed, when
-  /// the slot holds no file.
-  bool UseSlot(std::size_t slot);
+  /// Has the file of a slot (0 to 3) be the one in use, whether or not it exists. Nothing is changed when the result is
+  /// a refusal or, for a slot without a file, nothing.
+  std::optional<DiskPath> UseSlot(std::size_t slot);
   /// Remembers `files` in the four slots.
   void FillSlots(const SlotFiles& files);
 
   /// Keeps a copy of the setting. False, and an older copy stays, when there is no setting.
   bool SaveSetting();
-  /// Brings the saved copy back. The file that is then in use; empty, and nothing is changed, when there is no copy.
-  std::string RestoreSetting();
+  /// Brings the saved copy back. Nothing is changed when the result is a refusal or, without a copy, nothing.
+  std::optional<DiskPath> RestoreSetting();
 
   /// Sets the file in use to the file of its name in `folder`, then copies it there; the old file stays. The shell
-  /// asks before it replaces a file and tells what it cannot copy; the setting is changed all the same.
-  void MoveTo(const std::string& folder);
+  /// asks before it replaces a file and tells what it cannot copy; the setting is changed all the same. Nothing is done
+  /// when the file or the folder is refused, which is the result.
+  std::optional<PathRefusal> MoveTo(const std::string& folder);
 
  private:
   std::string Read(const char* value);
+  std::optional<DiskPath> UseStored(const char* value);
   void Write(const char* value, const std::string& text);
 
   Platform& platform_;

@@ -4,9 +4,11 @@
 #include <utility>
 
 #include "backup/registry_items.h"
+#include "core/disk_path.h"
 #include "core/file_helpers.h"
 #include "core/status_text.h"
 #include "text/error.h"
+#include "text/message_text.h"
 #include "text/unicode.h"
 
 namespace quillbox {
@@ -51,8 +53,8 @@ std::vector<std::string> SharedUsernames(const std::vector<IdentityInfo>& identi
 std::optional<WinPath> IdentityBackup::EnterIdentityFolder(const WinPath& backupFolder, const std::string& username) {
   const WinPath target = backupFolder.Join(username);
   const auto refuse = [&](const WinPath& folder, const std::string& reason) -> std::optional<WinPath> {
-    platform_.GetDialogs().Show({.text = "The backup of \"" + username + "\" was not made: the folder \"" +
-                                         folder.Text() + "\" cannot be used because " + reason + ".",
+    platform_.GetDialogs().Show({.text = "The backup of \"" + OneLine(username) + "\" was not made: the folder \"" +
+                                         OneLine(folder.Text()) + "\" cannot be used because " + reason + ".",
                                  .icon = MessageIcon::Exclamation});
     return std::nullopt;
   };
@@ -118,7 +120,7 @@ bool IdentityBackup::IsEmpty(const IdentityInfo& identity) {
 
 void IdentityBackup::TellSharedFolders(const IdentityCatalogue& catalogue) {
   for (const std::string& username : SharedUsernames(catalogue.identities)) {
-    platform_.GetDialogs().Show({.text = "Several identities are named \"" + username +
+    platform_.GetDialogs().Show({.text = "Several identities are named \"" + OneLine(username) +
                                          "\". Their backups share one folder, in which the file of a later one takes "
                                          "the place of an earlier one's file of that name. To keep them apart, give "
                                          "them different names first.",
@@ -128,12 +130,16 @@ void IdentityBackup::TellSharedFolders(const IdentityCatalogue& catalogue) {
 
 void IdentityBackup::CopyStore(const std::string& userId, const WinPath& target, Pop3Uidl pop3Uidl,
                                OverwriteSetting overwrite) {
-  std::string folder;
+  FileSystem& files = platform_.GetFiles();
+  std::optional<DiskPath> folder;
   std::string fault;
   try {
-    folder = ReadStoreFolder(store_, platform_.GetFiles(), userId);
-    if (folder.empty() || !DirExists(platform_.GetFiles(), folder)) {
-      fault = "The message store folder \"" + folder + "\" " + WhyNoFolder(platform_.GetFiles(), folder) + ".";
+    folder = CheckStoreFolder(files, userId, ReadStoreFolder(store_, files, userId));
+    if (!folder->Text().empty() && !folder->IsUsable()) {
+      fault = folder->Refusal().Sentence();
+    } else if (folder->Text().empty() || !DirExists(files, folder->Path().Text())) {
+      fault =
+          "The message store folder \"" + OneLine(folder->Text()) + "\" " + WhyNoFolder(files, folder->Text()) + ".";
     }
   } catch (const Error& error) {
     fault = "The message store folder is not known: " + Describe(error) + ".";
@@ -144,10 +150,10 @@ void IdentityBackup::CopyStore(const std::string& userId, const WinPath& target,
     ++missingStores_;
     return;
   }
-  for (const std::string& name : FileList(platform_.GetFiles(), folder + "\\*.dbx")) {
+  for (const std::string& name : FileList(files, folder->Path().Join("*.dbx").Text())) {
     if (!IsStoreFileToCopy(name, pop3Uidl)) continue;
     platform_.GetShell().CopyFile(
-        {.source = WinPath(folder).Join(name), .target = target.Join(name), .noConfirm = overwrite});
+        {.source = folder->Path().Join(name), .target = target.Join(name), .noConfirm = overwrite});
     status_(name + " Backup Complete");
   }
 }
@@ -156,8 +162,13 @@ void IdentityBackup::CopyAddressBook(const WinPath& target, OverwriteSetting ove
   const std::string file = store_.RegistryGetKeyValue(CurrentUser(kAddressBookKey), "").AsText();
   // Without an address book setting there is no file that could be missed.
   if (!file.empty()) {
-    platform_.GetShell().CopyFile(
-        {.source = WinPath(file), .target = target.Join(WinPath(file).Name()), .noConfirm = overwrite});
+    const DiskPath source = CheckAddressBook(platform_.GetFiles(), file);
+    if (source.IsUsable()) {
+      platform_.GetShell().CopyFile(
+          {.source = source.Path(), .target = target.Join(source.Path().Name()), .noConfirm = overwrite});
+    } else {
+      store_.Reports().Add(source.Refusal().Sentence());
+    }
   }
   status_("Adress Book Backup Complete");
 }

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 
+#include "core/disk_path.h"
 #include "core/file_helpers.h"
 #include "core/status_text.h"
 #include "text/error.h"
+#include "text/message_text.h"
 #include "text/unicode.h"
 
 namespace quillbox {
@@ -17,15 +19,7 @@ bool Holds(const std::vector<std::string>& usernames, const std::string& usernam
 
 /// The identity as a person tells it from others of its name.
 std::string NameOf(const IdentityInfo& identity) {
-  return "\"" + identity.username + "\" " + identity.userId;
-}
-
-/// Why a store folder read from the registry is nothing to restore into; empty when it is. Anything but a full path
-/// would be taken as a folder in the backup.
-std::string StoreFolderFault(const std::string& folder) {
-  if (folder == kEmptyIdentityMarker) return "it was never started in Outlook Express and has no message store yet";
-  if (WinPath(folder).IsAbsolute() || folder.starts_with("\\\\")) return {};
-  return "its message store folder \"" + folder + "\" is no full path";
+  return "\"" + OneLine(identity.username) + "\" " + OneLine(identity.userId);
 }
 
 }  // namespace
@@ -54,9 +48,9 @@ std::vector<std::string> StoreRestore::TellSharedFolders(const WinPath& backupFo
   std::vector<std::string> shared = SharedUsernames(catalogue.identities);
   for (const std::string& username : shared) {
     if (!FileNameFault(username).empty() || !DirExists(platform_.GetFiles(), username)) continue;
-    platform_.GetDialogs().Show({.text = "Several identities are named \"" + username +
+    platform_.GetDialogs().Show({.text = "Several identities are named \"" + OneLine(username) +
                                          "\", and nothing tells whose files the folder \"" +
-                                         backupFolder.Join(username).Text() +
+                                         OneLine(backupFolder.Join(username).Text()) +
                                          "\" holds. They are restored to each of them; before a file is replaced you "
                                          "are asked.",
                                  .icon = MessageIcon::Exclamation});
@@ -68,18 +62,21 @@ std::string StoreRestore::Restore(const IdentityInfo& identity, const WinPath& f
   FileSystem& files = platform_.GetFiles();
   const Status entered = files.SetCurrentDirectory(from);
   if (entered != Status::Success) return "the folder \"" + from.Text() + "\" cannot be used: " + StatusReason(entered);
-  std::string folder;
+  std::string stored;
   try {
-    folder = ReadStoreFolder(store_, files, identity.userId);
+    stored = ReadStoreFolder(store_, files, identity.userId);
   } catch (const Error& error) {
     return Describe(error);
   }
-  if (std::string fault = StoreFolderFault(folder); !fault.empty()) return fault;
-  if (!MakeFolder(files, folder)) return "its message store folder \"" + folder + "\" cannot be made";
+  if (stored == kEmptyIdentityMarker) return "it was never started in Outlook Express and has no message store yet";
+  const DiskPath folder = CheckStoreFolder(files, identity.userId, stored);
+  if (!folder.IsUsable()) return folder.Refusal().Clause();
+  if (!MakeFolder(files, folder.Path().Text()))
+    return "its message store folder \"" + OneLine(stored) + "\" cannot be made";
   for (const std::string& name : FileList(files, "*.dbx")) {
     if (!IsStoreFileToCopy(name, Pop3Uidl::Skip)) continue;
     platform_.GetShell().CopyFile(
-        {.source = from.Join(name), .target = WinPath(folder).Join(name), .noConfirm = overwrite});
+        {.source = from.Join(name), .target = folder.Path().Join(name), .noConfirm = overwrite});
     status_(name + " Restore Complete");
   }
   return {};

@@ -1,5 +1,6 @@
-// What went wrong with registry files. The program's own texts say only that the registry editor ran; the reasons are
-// gathered here and told to the person in one message for each command, however many files it has.
+// What went wrong with registry files, and which paths of the registry were not used. The program's own texts say only
+// that the registry editor ran; the reasons are gathered here and told to the person in one message for each command,
+// however many files it has.
 #pragma once
 
 #include <string>

@@ -1,11 +1,13 @@
 #include "identities/clone_identity.h"
 
 #include "backup/identity_backup.h"
+#include "core/disk_path.h"
 #include "core/file_helpers.h"
 #include "core/identity_catalogue.h"
 #include "identities/create_identity.h"
 #include "identities/user_id.h"
 #include "text/error.h"
+#include "text/message_text.h"
 
 namespace quillbox {
 namespace {
@@ -22,6 +24,17 @@ constexpr const char* kRemoved[] = {kSourceFile, kDestinationFile, kIdentityFile
 
 constexpr const char* kAccountsKey = "SOFTWARE\\Microsoft\\Internet Account Manager\\Accounts";
 constexpr const char* kIdentityAccounts = "\\Software\\Microsoft\\Internet Account Manager";
+
+/// Why a store folder holds nothing to copy, as a clause; empty when it can be read.
+std::string SourceFault(FileSystem& files, const DiskPath& from) {
+  if (from.Text().empty()) return "the registry does not say where its messages are (it has no \"Store Root\")";
+  if (from.Text() == kEmptyIdentityMarker) {
+    return "it was never started in Outlook Express and has no message store yet";
+  }
+  if (!from.IsUsable()) return from.Refusal().Clause();
+  if (DirExists(files, from.Path().Text())) return {};
+  return "its message store folder \"" + OneLine(from.Text()) + "\" " + WhyNoFolder(files, from.Text());
+}
 
 }  // namespace
 
@@ -117,15 +130,11 @@ void IdentityClone::RemoveFiles() {
 
 std::string IdentityClone::CopyMessages() {
   FileSystem& files = platform_.GetFiles();
-  std::string from;
+  std::optional<DiskPath> from;
   std::string fault;
   try {
-    from = ReadStoreFolder(store_, files, request_.source);
-    if (from.empty()) fault = "the registry does not say where its messages are (it has no \"Store Root\")";
-    if (from == kEmptyIdentityMarker) fault = "it was never started in Outlook Express and has no message store yet";
-    if (fault.empty() && !DirExists(files, from)) {
-      fault = "its message store folder \"" + from + "\" " + WhyNoFolder(files, from);
-    }
+    from = CheckStoreFolder(files, request_.source, ReadStoreFolder(store_, files, request_.source));
+    fault = SourceFault(files, *from);
   } catch (const Error& error) {
     fault = Describe(error);
   }
@@ -134,9 +143,9 @@ std::string IdentityClone::CopyMessages() {
   }
   const std::string to = DefaultStoreFolder(store_, files, request_.destination);
   if (!DirExists(files, to)) CreateFolder(files, to);
-  for (const std::string& name : FileList(files, WithBackslash(from) + "*.*")) {
+  for (const std::string& name : FileList(files, from->Path().Join("*.*").Text())) {
     if (name.empty()) continue;
-    platform_.GetShell().CopyFile({.source = WinPath(from).Join(name), .target = WinPath(to + name)});
+    platform_.GetShell().CopyFile({.source = from->Path().Join(name), .target = WinPath(to + name)});
   }
   return {};
 }

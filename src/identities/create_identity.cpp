@@ -1,5 +1,6 @@
 #include "identities/create_identity.h"
 
+#include "core/disk_path.h"
 #include "core/file_helpers.h"
 #include "identities/user_id.h"
 #include "text/error.h"
@@ -37,12 +38,8 @@ std::string CreateFolder(FileSystem& files, const std::string& path) {
 std::string DefaultStoreFolder(RegistryStore& store, FileSystem& files, const std::string& userId) {
   const RegistryPath key = CurrentUser(kShellFolders);
   const std::string folder = ExpandStoreRoot(files, store.RegistryGetKeyValue(key, kLocalAppData).AsText());
-  // Anything but a full path would be taken as a folder in the current directory.
-  if (!WinPath(folder).IsAbsolute()) {
-    throw Error("finding the folder for message stores",
-                {FullName(key) + ", \"" + std::string(kLocalAppData) + "\"", {}, {}},
-                "\"" + folder + "\" is no full path");
-  }
+  const DiskPath checked(files, folder, RegistryValueName{key, kLocalAppData});
+  if (!checked.IsUsable()) throw Error("finding the folder for message stores", {}, checked.Refusal().Clause());
   return FolderBelow(folder, userId);
 }
 
@@ -111,6 +108,9 @@ void IdentityMaker::MakeStoreFolder(const std::string& userId) {
     if (!DirExists(files, folder)) platform_.GetLog().Write(folder + ": the message store folder was not made");
   } catch (const Error& error) {
     platform_.GetLog().Write(Describe(error));
+    platform_.GetDialogs().Show(
+        {.text = "No folder was made for the messages of the new Identity.\n\n" + Describe(error),
+         .icon = MessageIcon::Exclamation});
   }
 }
 

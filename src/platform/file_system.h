@@ -89,6 +89,9 @@ class FileSystem {
   virtual std::optional<std::string> RefusalOf(const WinPath& /*path*/) { return std::nullopt; }
 
   virtual DriveType TypeOfDrive(const WinPath& root) = 0;
+  /// True for a drive of the system that is worked on, with or without a medium; false for a letter that has none and
+  /// for a drive that shows the files of the computer that the program runs on.
+  virtual bool IsOwnDrive(char letter) = 0;
   /// The volume's label, which may be empty; nothing when the drive is not there.
   virtual std::optional<std::string> VolumeLabel(const WinPath& root) = 0;
 

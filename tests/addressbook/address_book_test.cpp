@@ -5,6 +5,7 @@
 namespace quillbox {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 
 constexpr const char* kOnC = "C:\\Mail\\home.wab";
@@ -21,12 +22,13 @@ struct AddressBookTest : SamplePlatform {
 TEST_F(AddressBookTest, NothingIsLostToASlotOrACopyThatHoldsNoPath) {
   const std::string first = book->InUse();
   store->SetKeyValue(kAddressBookKey, "WAB0", kOnC, ValueType::ExpandSz);
-  EXPECT_FALSE(book->UseSlot(0)) << "only plain text counts";
-  EXPECT_FALSE(book->UseSlot(1)) << "a missing value";
+  EXPECT_FALSE(book->UseSlot(0).has_value()) << "only plain text counts";
+  EXPECT_FALSE(book->UseSlot(1).has_value()) << "a missing value";
   EXPECT_TRUE(book->SaveSetting());
   book->Use("");
   EXPECT_FALSE(book->SaveSetting());
-  EXPECT_EQ(book->RestoreSetting(), first);
+  EXPECT_EQ(book->RestoreSetting().value().Text(), first);
+  EXPECT_EQ(book->InUse(), first);
 }
 
 TEST_F(AddressBookTest, MovingCopiesTheFileAndPointsTheSettingThere) {
@@ -44,9 +46,31 @@ TEST_F(AddressBookTest, MovingCopiesTheFileAndPointsTheSettingThere) {
   EXPECT_THAT(dialogs.LastMessage(), HasSubstr("same file"));
   EXPECT_EQ(Content(sample.driveD / "Books/home.wab"), "contacts");
 
-  book->MoveTo("Q:\\");
-  EXPECT_EQ(book->InUse(), "Q:\\home.wab");
+  book->MoveTo("D:\\None");
+  EXPECT_EQ(book->InUse(), "D:\\None\\home.wab");
   EXPECT_THAT(dialogs.LastMessage(), HasSubstr("there is no such folder"));
+}
+
+TEST_F(AddressBookTest, NothingLeadsOffTheDisk) {
+  const auto reasonOf = [](const auto& refused) { return refused.value().Refusal().Sentence(); };
+  store->SetKeyValue(kAddressBookKey, "WAB2", "Z:\\x.wab", ValueType::Sz);
+  store->SetKeyValue(kAddressBookKey, "WABBackup", "Q:\\y.wab", ValueType::Sz);
+  book->Use(kOnC);
+  EXPECT_THAT(reasonOf(book->UseSlot(2)),
+              AllOf(HasSubstr("Z:\\x.wab"), HasSubstr("\"WAB2\""), HasSubstr("no such drive")));
+  EXPECT_THAT(reasonOf(book->RestoreSetting()), AllOf(HasSubstr("Q:\\y.wab"), HasSubstr("\"WABBackup\"")));
+  EXPECT_EQ(book->MoveTo("Z:\\home").value().Sentence(),
+            "The path \"Z:\\home\" is not used: that Windows has no such drive.");
+  EXPECT_EQ(book->InUse(), kOnC);
+
+  book->Use("Z:" + (temp / "host.wab").string());
+  EXPECT_THAT(book->MoveTo("D:\\").value().Sentence(), HasSubstr("host.wab"));
+  // A name with a way out in it is no way out.
+  temp.File("disk/C/up.wab", "contacts");
+  book->Use("C:\\a/../../../up.wab");
+  EXPECT_FALSE(book->MoveTo("D:\\").has_value());
+  EXPECT_EQ(book->InUse(), "D:\\up.wab");
+  EXPECT_EQ(Content(sample.driveD / "up.wab"), "contacts");
 }
 
 }  // namespace

@@ -126,8 +126,8 @@ TEST_F(CloneIdentityTest, MessagesGoToTheDestinationsOwnFolder) {
   const auto to = host(DefaultStoreFolder(Store(), platform->GetFiles(), kGuest));
   EXPECT_EQ(Names(to), Names(host(ReadStoreFolder(Store(), platform->GetFiles(), kMain))));
   EXPECT_THAT(Clone({kGuest, kMain, {}}).CopyMessages(), HasSubstr("never started"));
-  Store().SetKeyValue(IdentitySettingsKey(kMain), "Store Root", "E:\\Gone", ValueType::Sz);
-  EXPECT_THAT(Clone(request).CopyMessages(), HasSubstr("\"E:\\Gone\" does not exist"));
+  Store().SetKeyValue(IdentitySettingsKey(kMain), "Store Root", "D:\\Gone", ValueType::Sz);
+  EXPECT_THAT(Clone(request).CopyMessages(), HasSubstr("\"D:\\Gone\" does not exist"));
   Store().SetKeyValue(IdentitySettingsKey(kMain), "Store Root", "", ValueType::Sz);
   EXPECT_THAT(Clone(request).CopyMessages(), HasSubstr("no \"Store Root\""));
 }

@@ -34,6 +34,7 @@ struct FixedFiles : FileSystem {
     const auto known = drives.find(root.Drive());
     return known == drives.end() ? DriveType::NoRoot : known->second;
   }
+  bool IsOwnDrive(char letter) override { return letter != 'Z' && drives.count(letter) > 0; }
   WinPath CurrentDirectory() override { return WinPath("C:\\Data"); }
 
   std::unique_ptr<FolderWalk> Walk(const WinPath&, const std::string&) override {

@@ -165,6 +165,11 @@ DriveType OfflineFiles::TypeOfDrive(const WinPath& root) {
   return drives_.IsHostDrive(root.Drive()) ? DriveType::Remote : DriveType::Fixed;
 }
 
+bool OfflineFiles::IsOwnDrive(char letter) {
+  const char upper = WinPath(std::string{letter, ':'}).Drive();
+  return drives_.FolderOf(upper) != nullptr && !drives_.IsHostDrive(upper);
+}
+
 std::optional<std::string> OfflineFiles::VolumeLabel(const WinPath& root) {
   const fs::path* folder = drives_.FolderOf(root.Drive());
   if (folder == nullptr || !IsHostFolder(*folder)) return std::nullopt;

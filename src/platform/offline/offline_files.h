@@ -36,6 +36,7 @@ class OfflineFiles : public FileSystem, public HostPaths {
   std::optional<FileEntry> Stat(const WinPath& path) override;
   std::optional<std::string> RefusalOf(const WinPath& path) override;
   DriveType TypeOfDrive(const WinPath& root) override;
+  bool IsOwnDrive(char letter) override;
   std::optional<std::string> VolumeLabel(const WinPath& root) override;
   std::string ExpandEnvironment(std::string_view text) override { return environment_.Expand(text); }
   Status MakeDirectory(const WinPath& path) override;

@@ -205,6 +205,12 @@ void Form1::OpenExplorer(const std::string& folder) {
   program_.platform.GetShell().Explore(folder, "");
 }
 
+void Form1::OpenExplorer(const DiskPath& folder) {
+  sb1.panels[1] = "";
+  if (folder.IsUsable()) return OpenExplorer(folder.Text());
+  TellRefusal(program_, folder.Refusal());
+}
+
 void Form1::OpenExplorer2(const std::string& folder) {
   sb1.panels[1] = "";
   const ListView& list = windows_.form2.lvFiles;
@@ -261,12 +267,17 @@ void Form1::cmdShowAdditionalInfo_Click() {
 
 void Form1::cmdOpenFolder_Click() {
   ClearStatus();
-  OpenExplorer(Text1.text);
+  const std::string folder = Text1.text;
+  // Without a store there is nothing to refuse; the shell says that there is no such folder.
+  if (folder.empty() || folder == kEmptyIdentityMarker) return OpenExplorer(folder);
+  OpenExplorer(CheckStoreFolder(program_.platform.GetFiles(), Label6.caption, folder));
 }
 
 void Form1::cmdOpenWab_Click() {
   ClearStatus();
-  OpenExplorer(DirectoryFromFile(txtwabloc.text.Get()));
+  const std::string folder = DirectoryFromFile(txtwabloc.text.Get());
+  if (folder.empty()) return OpenExplorer(folder);
+  OpenExplorer(CheckAddressBook(program_.platform.GetFiles(), folder));
 }
 
 void Form1::cmdRefresh_Click() {

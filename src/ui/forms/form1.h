@@ -6,6 +6,7 @@
 
 #include "backup/identity_backup.h"
 #include "backup/registry_items.h"
+#include "core/disk_path.h"
 #include "reports/report_template.h"
 #include "ui/form.h"
 #include "ui/forms/program.h"
@@ -70,6 +71,8 @@ class Form1 : public Form {
   void IsOERuuning();
   /// Opens a folder in the file manager.
   void OpenExplorer(const std::string& folder);
+  /// The same for a folder that the disk's registry names; a refused one is told to the person.
+  void OpenExplorer(const DiskPath& folder);
   /// Opens a folder with the file selected whose row is selected in the search window.
   void OpenExplorer2(const std::string& folder);
 

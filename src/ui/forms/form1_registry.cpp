@@ -47,20 +47,22 @@ void Form1::addBookFile_Click() {
 }
 
 void Form1::CopyAddressBook(CopyPart part) {
-  const WinPath file(txtwabloc.text);
+  const std::string stored = txtwabloc.text;
   sb1.panels[1] = "";
   // The folder window may show a folder that was never set.
   const std::string folder = windows_.form3.txtbkPth.text;
   if (folder == kNoneSelected || program_.backupFolder.Get() == kNoneSelected) {
     return program_.backupFolder.Tell(FolderMessage::WithFullStop);
   }
-  if (file.Empty()) {
+  if (stored.empty()) {
     program_.platform.GetDialogs().Show(
         {.text = "The registry names no address book file, so none was copied.", .icon = MessageIcon::Exclamation});
     return;
   }
+  const DiskPath file = CheckAddressBook(program_.platform.GetFiles(), stored);
+  if (!file.IsUsable()) return program_.store.Reports().Add(file.Refusal().Sentence());
   program_.platform.GetShell().CopyFile(
-      {.source = file, .target = WinPath(folder + "\\" + NameFromFullPath(file.Text())), .part = part});
+      {.source = file.Path(), .target = WinPath(folder + "\\" + file.Path().Name()), .part = part});
   sb1.panels[0] = kAddressBookCopied;
   ShowCopies();
 }
@@ -84,7 +86,9 @@ void Form1::RestoreAddressBook(CopyPart part) {
          .icon = MessageIcon::Exclamation});
     return;
   }
-  program_.platform.GetShell().CopyFile({.source = *file, .target = WinPath(folder), .part = part});
+  const DiskPath target = CheckAddressBook(program_.platform.GetFiles(), folder);
+  if (!target.IsUsable()) return program_.store.Reports().Add(target.Refusal().Sentence());
+  program_.platform.GetShell().CopyFile({.source = *file, .target = target.Path(), .part = part});
   sb1.panels[0] = kAddressBookCopied;
   ShowCopies();
 }

@@ -30,7 +30,8 @@ void Form1::MoveWAB_Click() {
   }
   const std::string folder = BrowseForFolder(program_.platform.GetDialogs());
   if (folder.empty()) return;
-  AddressBook(program_.platform, program_.store).MoveTo(folder);
+  const auto refusal = AddressBook(program_.platform, program_.store).MoveTo(folder);
+  if (refusal) return TellRefusal(program_, *refusal);
   ShowCopies();
   sb1.panels[0] = "Move Complete";
 }

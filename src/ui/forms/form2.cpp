@@ -257,8 +257,21 @@ void Form2::resDBXFiles_Click() {
     program_.platform.GetDialogs().Show({.text = kNoStoreFolder, .icon = MessageIcon::Exclamation});
     return;
   }
-  CopyChecked(WinPath(IdentyPth.text));
+  const DiskPath target = RestoreTarget();
+  if (!target.IsUsable()) return TellRefusal(program_, target.Refusal());
+  CopyChecked(target.Path());
   sb2.panels[0] = "Restore Complete";
+}
+
+/// The folder shown: what the registry names for the chosen identity, or what the person typed over it.
+DiskPath Form2::RestoreTarget() {
+  FileSystem& files = program_.platform.GetFiles();
+  for (const IdentityInfo& identity : program_.catalogue.identities) {
+    if (identity.userId == cmbResIdentity.text.Get() && identity.storeFolder == IdentyPth.text.Get()) {
+      return CheckStoreFolder(files, identity.userId, identity.storeFolder);
+    }
+  }
+  return {files, IdentyPth.text};
 }
 
 void Form2::cndSelectAll_Click() {

@@ -7,6 +7,7 @@
 
 #include "backup/drives.h"
 #include "backup/file_search.h"
+#include "core/disk_path.h"
 #include "ui/form.h"
 #include "ui/forms/program.h"
 #include "ui/list_view.h"
@@ -71,6 +72,7 @@ class Form2 : public Form {
   void SearchIn(const std::vector<std::string>& roots);
   void GetFiles(const std::string& path, const std::string& pattern, SearchReport& report, Progress& progress);
   void CopyChecked(const WinPath& folder);
+  DiskPath RestoreTarget();
 
   void cmdSearch_Click();
   void srchBackup_Click();

@@ -125,15 +125,22 @@ void Form6::Form_Activate() {
 
 void Form6::Option_Click(std::size_t slot) {
   sb1.panels[0] = "";
-  if (Options()[slot]->caption == kNoneSelected || !book_.UseSlot(slot)) return Tell(kNoBookHere);
+  if (Options()[slot]->caption == kNoneSelected) return Tell(kNoBookHere);
+  const auto file = book_.UseSlot(slot);
+  if (!file) return Tell(kNoBookHere);
+  if (!file->IsUsable()) return TellRefusal(program_, file->Refusal());
   ShowChanged("Change Complete");
 }
 
 void Form6::cmdBrowse1_Click() {
+  FileSystem& files = program_.platform.GetFiles();
+  const DiskPath current = CheckAddressBook(files, DirectoryFromFile(book_.InUse()));
   const auto chosen = program_.platform.GetDialogs().OpenFile(
-      {.title = {}, .folder = WinPath(DirectoryFromFile(book_.InUse())), .name = {}, .filter = kFilter});
+      {.title = {}, .folder = current.IsUsable() ? WinPath(current.Text()) : WinPath(), .name = {}, .filter = kFilter});
   if (!chosen) return;
-  pending_ = chosen->Text();
+  const DiskPath file(files, chosen->Text());
+  if (!file.IsUsable()) return TellRefusal(program_, file.Refusal());
+  pending_ = file.Text();
   ShowCurrent(pending_);
   ShowNew(pending_);
   sb1.panels[0] = "Selection Made";
@@ -165,8 +172,10 @@ void Form6::cmdmkbackup6_Click() {
 
 void Form6::cmdRestore_Click() {
   sb1.panels[0] = "";
-  txtRestore.text = book_.RestoreSetting();
-  if (txtRestore.text->empty()) return Tell(kNothingSaved);
+  const auto file = book_.RestoreSetting();
+  txtRestore.text = file ? file->Text() : std::string();
+  if (!file) return Tell(kNothingSaved);
+  if (!file->IsUsable()) return TellRefusal(program_, file->Refusal());
   ShowChanged("Restore Complete");
 }
 

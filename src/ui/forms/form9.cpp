@@ -46,14 +46,13 @@ void Form9::Open() {
 
 void Form9::Form_Activate() {
   txtOutPath3.text = DirectoryFromFile(book_.InUse());
-  getem();
+  lstFiles9.items = std::vector<std::string>{};
+  if (!txtOutPath3.text->empty()) getem(CheckAddressBook(program_.platform.GetFiles(), txtOutPath3.text));
 }
 
-void Form9::getem() {
-  std::vector<std::string> names;
-  if (!txtOutPath3.text->empty()) {
-    names = FileList(program_.platform.GetFiles(), WithBackslash(txtOutPath3.text) + "*.wab");
-  }
+void Form9::getem(const DiskPath& folder) {
+  if (!folder.IsUsable()) return TellRefusal(program_, folder.Refusal());
+  std::vector<std::string> names = FileList(program_.platform.GetFiles(), folder.Path().Join("*.wab").Text());
   std::erase(names, "");
   lstFiles9.items = std::move(names);
 }
@@ -61,8 +60,9 @@ void Form9::getem() {
 void Form9::cmdBrowse1_Click() {
   const std::string folder = BrowseForFolder(program_.platform.GetDialogs());
   if (folder.empty()) return;
-  txtOutPath3.text = folder;
-  getem();
+  const DiskPath chosen(program_.platform.GetFiles(), folder);
+  if (chosen.IsUsable()) txtOutPath3.text = folder;
+  getem(chosen);
 }
 
 void Form9::cmdSelWABs_Click() {

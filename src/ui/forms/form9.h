@@ -30,7 +30,8 @@ class Form9 : public Form {
 
  private:
   void Form_Activate();
-  void getem();
+  /// Lists the address book files of a folder.
+  void getem(const DiskPath& folder);
   void deselect() { lstFiles9.selected = std::vector<std::size_t>{}; }
   void cmdBrowse1_Click();
   void cmdSelWABs_Click();

@@ -5,6 +5,7 @@
 
 #include "backup/backup_folder.h"
 #include "core/address_book_slots.h"
+#include "core/disk_path.h"
 #include "core/identity_catalogue.h"
 #include "core/registry_store.h"
 #include "identities/create_identity.h"
@@ -27,10 +28,15 @@ struct Program {
   IdentityCatalogue catalogue;
   AddressBookSlots addressBookSlots;
   bool searchPerformed = false;  ///< the search window has searched since the start
-  bool overwrite = false;  ///< the overwrite setting that the last backup command read
+  bool overwrite = false;        ///< the overwrite setting that the last backup command read
 
   /// Ends the program; set by whoever runs the windows.
   std::function<void()> quit = [] {};
 };
+
+/// Says that a path is not used, and why.
+inline void TellRefusal(Program& program, const PathRefusal& refusal) {
+  program.platform.GetDialogs().Show({.text = refusal.Sentence(), .icon = MessageIcon::Exclamation});
+}
 
 }  // namespace quillbox

@@ -1,0 +1,68 @@
+#include "core/disk_path.h"
+
+#include <algorithm>
+
+#include "core/identity_catalogue.h"
+#include "text/message_text.h"
+#include "text/unicode.h"
+
+namespace quillbox {
+namespace {
+
+const char* Reason(PathFault fault) {
+  switch (fault) {
+    case PathFault::NoSuchDrive:
+      return "that Windows has no such drive";
+    case PathFault::NotFull:
+      return "it is not a full path";
+    case PathFault::OnNetwork:
+      break;
+  }
+  return "it is on another computer";
+}
+
+std::variant<WinPath, PathFault> Decide(FileSystem& files, std::string text) {
+  std::replace(text.begin(), text.end(), '/', '\\');
+  const WinPath path(text);
+  if (text.starts_with("\\\\")) return PathFault::OnNetwork;
+  if (path.Drive() != 0 && !files.IsOwnDrive(path.Drive())) return PathFault::NoSuchDrive;
+  if (!path.IsAbsolute()) return PathFault::NotFull;
+  return Resolve(path, path);
+}
+
+}  // namespace
+
+std::string PathRefusal::Clause() const {
+  std::string words = "the path \"" + OneLine(path) + "\"";
+  if (source) {
+    const std::string value = source->value.empty() ? "the default value" : "the value \"" + source->value + "\"";
+    words += ", which the disk's registry names in " + value + " of " + OneLine(FullName(source->key)) + ",";
+  }
+  return words + " is not used: " + Reason(fault);
+}
+
+std::string PathRefusal::Sentence() const {
+  std::string words = Clause() + ".";
+  words[0] = AsciiUpper(words[0]);
+  return words;
+}
+
+DiskPath::DiskPath(FileSystem& files, std::string text, std::optional<RegistryValueName> source)
+    : text_(std::move(text)) {
+  auto decided = Decide(files, text_);
+  if (auto* path = std::get_if<WinPath>(&decided)) {
+    result_ = std::move(*path);
+  } else {
+    result_ = PathRefusal{text_, std::get<PathFault>(decided), std::move(source)};
+  }
+}
+
+DiskPath CheckStoreFolder(FileSystem& files, const std::string& userId, std::string folder) {
+  return {files, std::move(folder), RegistryValueName{CurrentUser(IdentitySettingsKey(userId)), "Store Root"}};
+}
+
+DiskPath CheckAddressBook(FileSystem& files, std::string file, const std::string& value) {
+  return {files, std::move(file), RegistryValueName{CurrentUser(kAddressBookKey), value}};
+}
+
+}  // namespace quillbox

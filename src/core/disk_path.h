@@ -1,0 +1,64 @@
+// Paths that the disk's registry names: message stores, address books. They are not the person's words, so they are
+// followed on the disk's own drives only; one that names a drive of this computer would have files of this computer
+// copied onto the disk, or replaced. Every command asks here before it touches such a path; labels and pickers go on
+// showing what is stored.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <variant>
+
+#include "platform/file_system.h"
+#include "text/registry_path.h"
+
+namespace quillbox {
+
+enum class PathFault {
+  NoSuchDrive,  ///< a drive of this computer, or one that is not there
+  NotFull,      ///< it would depend on the current directory
+  OnNetwork,    ///< a share of another computer
+};
+
+/// Where a path was read; the default value has an empty name.
+struct RegistryValueName {
+  RegistryPath key;
+  std::string value;
+};
+
+/// A path that is not used, and why.
+struct PathRefusal {
+  std::string path;
+  PathFault fault;
+  std::optional<RegistryValueName> source;  ///< nothing for a path that the person gave
+
+  /// All of it as a clause without a full stop ("the path ... is not used: that Windows has no such drive").
+  std::string Clause() const;
+  /// The same as a sentence.
+  std::string Sentence() const;
+};
+
+/// A path that has been checked: there is no WinPath to be had of one that was refused.
+class DiskPath {
+ public:
+  /// `text` is a path as it is stored (variables expanded) or was chosen.
+  DiskPath(FileSystem& files, std::string text, std::optional<RegistryValueName> source = std::nullopt);
+
+  bool IsUsable() const { return std::holds_alternative<WinPath>(result_); }
+  /// Absolute, without "." and "..", forward slashes or a backslash at its end; so its Name() is one name. Throws
+  /// std::bad_variant_access for a refused path.
+  const WinPath& Path() const { return std::get<WinPath>(result_); }
+  /// Throws std::bad_variant_access for a usable path.
+  const PathRefusal& Refusal() const { return std::get<PathRefusal>(result_); }
+  const std::string& Text() const { return text_; }
+
+ private:
+  std::string text_;
+  std::variant<WinPath, PathRefusal> result_;
+};
+
+/// The message store folder `folder` of an identity, as ReadStoreFolder gives it.
+DiskPath CheckStoreFolder(FileSystem& files, const std::string& userId, std::string folder);
+/// The address book file `file` that `value` of the address book key holds: the one in use, a slot, the saved copy.
+DiskPath CheckAddressBook(FileSystem& files, std::string file, const std::string& value = {});
+
+}  // namespace quillbox

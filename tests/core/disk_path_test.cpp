@@ -1,0 +1,58 @@
+#include "core/disk_path.h"
+
+#include "core/identity_catalogue.h"
+#include "support/sample_platform.h"
+
+namespace quillbox {
+namespace {
+
+class DiskPathTest : public SamplePlatform {
+ protected:
+  void SetUp() override { MakeDisk(); }
+  /// The path that is used, or why none is.
+  std::string Decide(const std::string& text) {
+    const DiskPath path(platform->GetFiles(), text);
+    EXPECT_EQ(path.Text(), text);
+    return path.IsUsable() ? path.Path().Text() : path.Refusal().Sentence();
+  }
+};
+
+TEST_F(DiskPathTest, OnlyFullPathsOnTheDisksOwnDrivesAreUsed) {
+  EXPECT_EQ(Decide("C:\\Mail\\"), "C:\\Mail");
+  EXPECT_EQ(Decide("d:\\Mail\\.\\x\\..\\a.wab"), "d:\\Mail\\a.wab");
+  EXPECT_EQ(Decide("C:/a/../../../b.wab"), "C:\\b.wab") << "no name holds a way out of its folder";
+  for (const char* path : {"Z:\\home\\x", "z:/home", "Z:x", "E:\\x", "Q:\\", "Z:"}) {
+    EXPECT_EQ(Decide(path), std::string("The path \"") + path + "\" is not used: that Windows has no such drive.");
+  }
+  for (const char* path : {"", "Mail", "..\\x", "\\home\\x", "/home/x", "C:x", "C:", "%X%\\y", ":\\x"}) {
+    EXPECT_EQ(Decide(path), std::string("The path \"") + path + "\" is not used: it is not a full path.");
+  }
+  for (const char* path : {"\\\\server\\share", "\\\\?\\Z:\\home", "//./Z:/home", "\\/x"}) {
+    EXPECT_EQ(Decide(path), std::string("The path \"") + path + "\" is not used: it is on another computer.");
+  }
+}
+
+TEST_F(DiskPathTest, ARefusalNamesTheValueAndThePathInOneLine) {
+  FileSystem& files = platform->GetFiles();
+  EXPECT_EQ(CheckStoreFolder(files, "{1\n}", "Z:\\a\nb").Refusal().Sentence(),
+            "The path \"Z:\\a\u240Ab\", which the disk's registry names in the value \"Store Root\" of "
+            "HKEY_CURRENT_USER\\Identities\\{1\u240A}\\Software\\Microsoft\\Outlook Express\\5.0, is not used: that "
+            "Windows has no such drive.");
+  EXPECT_EQ(CheckAddressBook(files, "a.wab").Refusal().Clause(),
+            "the path \"a.wab\", which the disk's registry names in the default value of "
+            "HKEY_CURRENT_USER\\Software\\Microsoft\\WAB\\WAB4\\Wab File Name, is not used: it is not a full path");
+}
+
+TEST_F(DiskPathTest, AVariableOfTheDiskLeadsNowhereElse) {
+  Store().CreateKey(CurrentUser("Environment"));
+  Store().SetKeyValue("Environment", "HOST", "Z:\\home", ValueType::Sz);
+  platform->EndCommand();
+  OpenDisk();
+  FileSystem& files = platform->GetFiles();
+  const DiskPath folder = CheckStoreFolder(files, "{1}", ExpandStoreRoot(files, "C:\\%HOST%\\x"));
+  ASSERT_FALSE(folder.IsUsable());
+  EXPECT_EQ(folder.Refusal().path, "Z:\\home\\x");
+}
+
+}  // namespace
+}  // namespace quillbox
