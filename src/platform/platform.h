@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/chosen_folders.h"
 #include "platform/copy_result.h"
 #include "platform/dialogs.h"
 #include "platform/file_system.h"
@@ -84,6 +85,7 @@ struct Platform {
   virtual Guids& GetGuids() = 0;
   virtual Clipboard& GetClipboard() = 0;
   virtual Log& GetLog() = 0;
+  virtual ChosenFolders& GetChosenFolders() = 0;
 
   /// Ends a command of the person: copies and registry changes reach the disk, and answers that held for the whole
   /// command ("Yes to All") are forgotten. Throws Error when registry

@@ -28,6 +28,7 @@ struct FormPlatform : Platform, Log {
   Guids& GetGuids() override { return Missing<Guids>(); }
   Clipboard& GetClipboard() override { return Missing<Clipboard>(); }
   Log& GetLog() override { return *this; }
+  ChosenFolders& GetChosenFolders() override { return Missing<ChosenFolders>(); }
   void EndCommand() override {
     ++commandsEnded;
     if (onEndCommand) onEndCommand();

@@ -68,6 +68,7 @@ struct RecordingPlatform : Platform {
   Guids& GetGuids() override { return offline.GetGuids(); }
   Clipboard& GetClipboard() override { return offline.GetClipboard(); }
   Log& GetLog() override { return log; }
+  ChosenFolders& GetChosenFolders() override { return offline.GetChosenFolders(); }
   void EndCommand() override {
     ++commandsEnded;
     if (faultyShell) faultyShell->EndCommand();

@@ -70,6 +70,7 @@ OfflinePlatform::OfflinePlatform(const OfflineOptions& options, Dialogs& dialogs
       lock_(LockDisk(disk_, profile_, options, log_)),
       files_(DriveMap(disk_.folder, options.drives), environment_),
       registry_(clock_, files_, log_),
+      chosenFolders_(stateFolder_, disk_.folder, profile_.name, files_, registry_),
       shell_(files_, dialogs_, log_),
       processes_(registry_, files_, log_, EditorFor(disk_, profile_, options, lock_)) {
   MountHives(options.readOnly ? HiveMode::Read : HiveMode::Write);

@@ -11,6 +11,7 @@
 
 #include "platform/offline/disk_lock.h"
 #include "platform/offline/environment.h"
+#include "platform/offline/folder_memory.h"
 #include "platform/offline/hive_file.h"
 #include "platform/offline/log.h"
 #include "platform/offline/offline_files.h"
@@ -53,6 +54,7 @@ class OfflinePlatform : public Platform {
   Guids& GetGuids() override { return guids_; }
   Clipboard& GetClipboard() override { return clipboard_ != nullptr ? *clipboard_ : noClipboard_; }
   Log& GetLog() override { return log_; }
+  ChosenFolders& GetChosenFolders() override { return chosenFolders_; }
   void EndCommand() override;
   std::string SystemDescription() override;
 
@@ -81,6 +83,7 @@ class OfflinePlatform : public Platform {
   Environment environment_;
   OfflineFiles files_;
   OfflineRegistry registry_;
+  FolderMemory chosenFolders_;
   OfflineShell shell_;
   OfflineProcesses processes_;
   std::vector<std::string> warnings_;

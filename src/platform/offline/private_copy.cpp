@@ -22,15 +22,6 @@ constexpr int kMaxOlderCopies = 10'000;
 constexpr std::size_t kStampAt = 4;
 constexpr std::size_t kStampEnd = 20;
 
-/// FNV-1a: all that is asked of it is one folder for each path.
-std::string HashName(std::string_view text) {
-  std::uint64_t hash = 0xCBF29CE484222325u;
-  for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3u;
-  std::array<char, 17> digits = {};
-  std::snprintf(digits.data(), digits.size(), "%016llx", static_cast<unsigned long long>(hash));
-  return digits.data();
-}
-
 /// A file's first bytes, at most `size`; none when it cannot be read.
 std::string Beginning(const HostPlace& file, std::size_t size) try {
   std::string bytes(size, '\0');

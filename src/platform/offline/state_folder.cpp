@@ -3,6 +3,9 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <array>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <system_error>
@@ -42,6 +45,15 @@ bool MakePrivateFolder(const fs::path& folder) {
   if (!fs::create_directory(folder, code)) return fs::is_directory(folder, code);
   fs::permissions(folder, fs::perms::owner_all, code);
   return true;
+}
+
+/// FNV-1a.
+std::string HashName(std::string_view text) {
+  std::uint64_t hash = 0xCBF29CE484222325u;
+  for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3u;
+  std::array<char, 17> digits = {};
+  std::snprintf(digits.data(), digits.size(), "%016llx", static_cast<unsigned long long>(hash));
+  return digits.data();
 }
 
 }  // namespace quillbox

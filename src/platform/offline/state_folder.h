@@ -2,6 +2,8 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
+#include <string_view>
 
 namespace quillbox {
 
@@ -10,5 +12,8 @@ std::filesystem::path StateFolder();
 
 /// Makes a folder of the program's own with all its parents, open to the user alone. False when that failed.
 bool MakePrivateFolder(const std::filesystem::path& folder);
+
+/// A file name for `text`, 16 hexadecimal digits: the same for the same text, hardly ever for another.
+std::string HashName(std::string_view text);
 
 }  // namespace quillbox

@@ -1,0 +1,44 @@
+// The backup folder that the person chose for a disk and profile, remembered in the state folder: a small file of its
+// own for each disk and profile, so that programs on different disks do not get in each other's way.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "platform/chosen_folders.h"
+#include "platform/offline/offline_files.h"
+#include "platform/registry.h"
+
+namespace quillbox {
+
+class FolderMemory : public ChosenFolders {
+ public:
+  /// `disk` is the folder that is C:\ . The other two must outlive this object.
+  FolderMemory(const std::filesystem::path& stateFolder, const std::filesystem::path& disk, std::string profile,
+               OfflineFiles& files, Registry& registry);
+
+  std::optional<FolderFault> FaultOf(const WinPath& folder) const override;
+  bool IsChosen(const WinPath& folder) override;
+  void Choose(const WinPath& folder) override;
+
+ private:
+  /// Where a folder is once all links are followed; nothing when it is nowhere.
+  std::optional<std::filesystem::path> PlaceOf(const WinPath& folder) const;
+  bool IsOfTheSystem(const std::filesystem::path& place) const;
+  bool IsRemembered(const std::filesystem::path& place) const;
+  std::string Lines(const std::filesystem::path& place) const;
+  /// The {USER_ID}s that the open profile has now.
+  std::set<std::string> Identities() const;
+
+  std::filesystem::path folder_;  ///< where file_ is
+  std::filesystem::path file_;
+  std::string disk_;
+  std::string profile_;
+  OfflineFiles& files_;
+  Registry& registry_;
+  std::optional<std::filesystem::path> chosen_;  ///< as far as this run knows
+};
+
+}  // namespace quillbox
