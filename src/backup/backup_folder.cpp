@@ -1,8 +1,11 @@
 #include "backup/backup_folder.h"
 
+#include <utility>
+
 #include "core/file_helpers.h"
 #include "core/identity_catalogue.h"
 #include "text/error.h"
+#include "text/message_text.h"
 
 namespace quillbox {
 namespace {
@@ -25,12 +28,96 @@ const char* Wording(FolderMessage wording) {
 
 }  // namespace
 
-std::string BackupFolder::Get() {
+const char* FolderRefusal::Reason() const {
+  switch (fault) {
+    case FolderFault::NoSuchPlace:
+      return "this computer has no such place";
+    case FolderFault::SystemFolder:
+      return "it is in a folder of this computer's running system (/proc, /sys or /dev)";
+    case FolderFault::OfTheSystem:
+      break;
+  }
+  return "it is a folder of the disk that is open; choose it on the disk's own drive";
+}
+
+std::string FolderRefusal::Sentence() const {
+  return "\"" + OneLine(folder) + "\" cannot be the backup folder: " + Reason() + ".";
+}
+
+std::string BackupFolder::Stored() {
   return store_.RegistryGetKeyValue(CurrentUser(kIdentitiesKey), kFolderValue).AsText();
 }
 
-void BackupFolder::Set(const std::string& folder) {
+void BackupFolder::Store(const std::string& folder) {
   store_.SetKeyValue(kIdentitiesKey, kFolderValue, folder, ValueType::Sz);
+}
+
+std::optional<WinPath> BackupFolder::OnThisComputer(const std::string& folder) {
+  if (folder.empty() || folder == kNoneSelected) return std::nullopt;
+  FileSystem& files = platform_.GetFiles();
+  WinPath path = Resolve(WinPath(folder), files.CurrentDirectory());
+  const bool isForeign = path.Drive() != 0 && !files.IsOwnDrive(path.Drive()) &&
+                         files.TypeOfDrive(WinPath(std::string{path.Drive(), ':', '\\'})) > DriveType::NoRoot;
+  return isForeign ? std::optional(std::move(path)) : std::nullopt;
+}
+
+bool BackupFolder::Counts(const std::string& folder) {
+  const auto path = OnThisComputer(folder);
+  ChosenFolders& chosen = platform_.GetChosenFolders();
+  return !path || (!chosen.FaultOf(*path) && chosen.IsChosen(*path));
+}
+
+std::string BackupFolder::Get() {
+  std::string stored = Stored();
+  return Counts(stored) ? stored : kNoneSelected;
+}
+
+std::optional<FolderRefusal> BackupFolder::RefusalOf(const std::string& folder) {
+  const auto path = OnThisComputer(folder);
+  const auto fault = path ? platform_.GetChosenFolders().FaultOf(*path) : std::nullopt;
+  return fault ? std::optional(FolderRefusal{folder, *fault}) : std::nullopt;
+}
+
+std::optional<FolderRefusal> BackupFolder::Choose(const std::string& folder) {
+  if (auto refusal = RefusalOf(folder)) return refusal;
+  const auto path = OnThisComputer(folder);
+  if (path && !platform_.GetChosenFolders().IsChosen(*path)) Remember(*path);
+  if (Stored() != folder) Store(folder);
+  return std::nullopt;
+}
+
+/// A choice that cannot be remembered holds for this run; the next one asks.
+void BackupFolder::Remember(const WinPath& folder) try {
+  platform_.GetChosenFolders().Choose(folder);
+} catch (const Error& error) {
+  platform_.GetLog().Write(Describe(error));
+}
+
+void BackupFolder::Reset() {
+  if (Counts(Stored())) Store(kNoneSelected);
+}
+
+void BackupFolder::KeepOver(const std::function<void()>& change) {
+  const std::string stored = Stored();
+  change();
+  if (!stored.empty() && Stored() != stored) Store(stored);
+}
+
+void BackupFolder::AskForConsent(const std::string& stored) {
+  const auto path = OnThisComputer(stored);
+  if (!path || Counts(stored) || asked_) return;
+  asked_ = true;
+  if (const auto refusal = RefusalOf(stored)) {
+    platform_.GetLog().Write("The registry's backup folder is not used. " + refusal->Sentence());
+    return;
+  }
+  if (!DirExists(platform_.GetFiles(), stored)) return;
+  const Message question{
+      .text = "The registry of this disk names " + OneLine(stored) + " as the backup folder. Use it?",
+      .buttons = MessageButtons::YesNo,
+      .icon = MessageIcon::Question,
+      .noIsDefault = true};
+  if (platform_.GetDialogs().Show(question) == MessageAnswer::Yes) Remember(*path);
 }
 
 Status BackupFolder::Probe() {
@@ -43,6 +130,7 @@ BackupFolderCheck BackupFolder::Check(bool withMessage) {
   if (!check.keyOpened) return check;
   const bool hasData = Probe() == probe::kHasData;
   if (!hasData) Reset();
+  if (withMessage) AskForConsent(Stored());
   check.shown = hasData ? Get() : kNoneSelected;
   check.isSet = check.shown != kNoneSelected;
   if (!check.isSet && withMessage) platform_.GetDialogs().Show({.text = kSelectAtStart});

@@ -2,6 +2,7 @@
 // backup command runs first.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -25,19 +26,39 @@ struct BackupFolderCheck {
   std::string shown;       ///< what the main window shows: the folder, or kNoneSelected
 };
 
+/// A folder that cannot be the backup folder, and why.
+struct FolderRefusal {
+  std::string folder;
+  FolderFault fault;
+
+  const char* Reason() const;
+  /// All of it in a sentence for the person.
+  std::string Sentence() const;
+};
+
+/// The setting is in the disk's registry, whose words are not the person's: a folder of this computer that is stored
+/// there counts only when the person chose it here, or says so when asked at the start. Until then the setting reads
+/// kNoneSelected everywhere, and what is stored stays.
 class BackupFolder {
  public:
   BackupFolder(Platform& platform, RegistryStore& store) : platform_(platform), store_(store) {}
 
-  /// The setting as stored: a folder, kNoneSelected, or empty when it is missing.
+  /// The setting that counts: a folder, kNoneSelected, or empty when it is missing.
   std::string Get();
-  void Set(const std::string& folder);
-  void Reset() { Set(kNoneSelected); }
+  /// The person chooses `folder` (which may be kNoneSelected). Nothing is changed when the result is a refusal.
+  std::optional<FolderRefusal> Choose(const std::string& folder);
+  /// Why nothing can be backed up to `folder`; nothing when it can. Only a folder of this computer can be refused.
+  std::optional<FolderRefusal> RefusalOf(const std::string& folder);
+  /// Stores kNoneSelected in place of a folder that counted.
+  void Reset();
+  /// Runs `change` of the registry, and puts the stored setting back if that has replaced it.
+  void KeepOver(const std::function<void()>& change);
   /// Whether the setting is missing, empty or holds data.
   Status Probe();
 
-  /// The check at start: writes the default when nothing is stored, resets a folder that is gone. With `withMessage` a
-  /// missing choice is told to the person.
+  /// The check at start: writes the default when nothing is stored, resets a folder that is gone. With `withMessage`
+  /// the person is asked about a folder of this computer that is stored but was never chosen, once in a run, and a
+  /// missing choice is told.
   BackupFolderCheck Check(bool withMessage);
   /// The guard of a backup command: the folder as stored, or nothing after the message has been shown.
   std::optional<WinPath> Guard(FolderMessage wording);
@@ -52,8 +73,17 @@ class BackupFolder {
   void StoreOverwrite(bool overwrite);
 
  private:
+  std::string Stored();
+  void Store(const std::string& folder);
+  /// The full path of a stored folder that is on a drive of this computer; nothing for any other.
+  std::optional<WinPath> OnThisComputer(const std::string& folder);
+  bool Counts(const std::string& folder);
+  void AskForConsent(const std::string& stored);
+  void Remember(const WinPath& folder);
+
   Platform& platform_;
   RegistryStore& store_;
+  bool asked_ = false;
 };
 
 /// Asks for a folder with the shell's picker, "Select a directory"; empty when the person cancels.

@@ -60,6 +60,8 @@ std::optional<WinPath> IdentityBackup::EnterIdentityFolder(const WinPath& backup
   };
   const std::string fault = FileNameFault(username);
   if (!fault.empty()) return refuse(target, fault);
+  // A folder above the disk's may be the backup folder; that of an identity is then perhaps the disk's.
+  if (const auto refusal = folder_.RefusalOf(target.Text())) return refuse(target, refusal->Reason());
   try {
     folder_.Enter(backupFolder);
   } catch (const Error& error) {

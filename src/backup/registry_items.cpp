@@ -166,9 +166,7 @@ void RegistryItems::RestoreSilently(RegistryItem item, const std::string& folder
 
 // A file of all identities carries the backup folder that was set when it was made, perhaps on another disk.
 void RegistryItems::Merge(const WinPath& file, OnFailure onFailure) {
-  const std::string folder = folder_.Get();
-  store_.RegMerge(file.Text(), onFailure);
-  if (!folder.empty() && folder_.Get() != folder) folder_.Set(folder);
+  folder_.KeepOver([&] { store_.RegMerge(file.Text(), onFailure); });
 }
 
 std::set<std::string> RegistryItems::UserIds() {

@@ -27,6 +27,7 @@ struct Message {
   MessageButtons buttons = MessageButtons::Ok;
   MessageIcon icon = MessageIcon::None;
   std::optional<ButtonWords> words = {};  ///< only with YesNo and YesNoCancel
+  bool noIsDefault = false;               ///< Enter says No, for a Yes that must not be given by accident
 };
 
 struct FileDialog {

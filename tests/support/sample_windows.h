@@ -22,9 +22,20 @@ class SampleWindows : public SamplePlatform {
   /// Makes D:\Backup and has it be the backup folder, then starts the program.
   Form1& Start() {
     std::filesystem::create_directories(BackupFolderOnHost());
-    windows->program.backupFolder.Set(kBackup);
+    windows->program.backupFolder.Choose(kBackup);
     windows->form1.Open();
     return windows->form1;
+  }
+  /// The name under which the program sees a file of this computer that is on none of the disk's drives.
+  static std::string OnZ(const std::filesystem::path& host) {
+    std::string path = "Z:" + host.string();
+    std::replace(path.begin(), path.end(), '/', '\\');
+    return path;
+  }
+  /// Stores a folder in the registry as a disk comes with it: nobody has chosen it here.
+  void StoreBackupFolder(const std::string& folder) {
+    Store().CreateKey(CurrentUser(kIdentitiesKey));
+    Store().SetKeyValue(kIdentitiesKey, "Quillbox", folder, ValueType::Sz);
   }
   std::filesystem::path BackupFolderOnHost() const { return sample.driveD / "Backup"; }
 

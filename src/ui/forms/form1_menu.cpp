@@ -108,7 +108,7 @@ void Form1::brbkfldr_Click() {
   sb1.panels[1] = "";
   const std::string folder = BrowseForFolder(program_.platform.GetDialogs());
   if (folder.empty()) return;
-  program_.backupFolder.Set(folder);
+  if (const auto refusal = program_.backupFolder.Choose(folder)) return TellRefusal(program_, *refusal);
   const std::string stored = program_.backupFolder.Get();
   lblbkuppth.caption = stored;
   windows_.form3.EnsureLoaded();

@@ -54,6 +54,7 @@ void Form1::CopyAddressBook(CopyPart part) {
   if (folder == kNoneSelected || program_.backupFolder.Get() == kNoneSelected) {
     return program_.backupFolder.Tell(FolderMessage::WithFullStop);
   }
+  if (const auto refusal = program_.backupFolder.RefusalOf(folder)) return TellRefusal(program_, *refusal);
   if (stored.empty()) {
     program_.platform.GetDialogs().Show(
         {.text = "The registry names no address book file, so none was copied.", .icon = MessageIcon::Exclamation});

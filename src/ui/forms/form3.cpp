@@ -124,10 +124,10 @@ void Form3::cmdMkFolder_Click() {
 
 void Form3::cmdSetPath_Click() {
   const std::string folder = txtbkPth.text;
+  const bool isNew = folder != program_.backupFolder.Get();
+  if (const auto refusal = program_.backupFolder.Choose(folder)) return TellRefusal(program_, *refusal);
   windows_.form2.txtbackupPath.caption = folder;
-  if (folder == program_.backupFolder.Get()) return;
-  program_.backupFolder.Set(folder);
-  windows_.form1.lblbkuppth.caption = folder;
+  if (isNew) windows_.form1.lblbkuppth.caption = folder;
 }
 
 void Form3::cmdClse_Click() {

@@ -34,8 +34,9 @@ struct Program {
   std::function<void()> quit = [] {};
 };
 
-/// Says that a path is not used, and why.
-inline void TellRefusal(Program& program, const PathRefusal& refusal) {
+/// Says that a path is not used, and why: a PathRefusal or a FolderRefusal.
+template <class Refusal>
+void TellRefusal(Program& program, const Refusal& refusal) {
   program.platform.GetDialogs().Show({.text = refusal.Sentence(), .icon = MessageIcon::Exclamation});
 }
 

@@ -84,8 +84,9 @@ wxString ToWxPath(const std::filesystem::path& path) {
 }  // namespace
 
 MessageAnswer WxDialogs::Show(const Message& message) {
-  wxMessageDialog dialog(ActiveWindow(), ToWxLines(message.text), ToWx(message.title),
-                         StyleOf(message.buttons) | StyleOf(message.icon) | wxCENTRE);
+  wxMessageDialog dialog(
+      ActiveWindow(), ToWxLines(message.text), ToWx(message.title),
+      StyleOf(message.buttons) | StyleOf(message.icon) | wxCENTRE | (message.noIsDefault ? wxNO_DEFAULT : 0));
   // The words are the program's in every language that the session may have.
   const ButtonWords words = message.words.value_or(ButtonWords{"&Yes", "&No"});
   switch (message.buttons) {

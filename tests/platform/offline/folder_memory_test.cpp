@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include "offline_fixture.h"
+#include "platform/offline/windows_names.h"
 
 namespace quillbox {
 namespace {

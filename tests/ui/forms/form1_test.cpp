@@ -108,9 +108,9 @@ TEST_F(Form1Test, FoldersAndTheWebPageOpenThroughTheShell) {
 
 TEST_F(Form1Test, TheBackupFolderIsCheckedAtStart) {
   // The first check resets a folder that is gone without a word; the second one, at the end of the start, shows it.
-  windows->program.backupFolder.Set("D:\\Gone");
+  windows->program.backupFolder.Choose("D:\\Gone");
   EXPECT_EQ(windows->program.backupFolder.Check(true).shown, "D:\\Gone");
-  windows->program.backupFolder.Set("D:\\Gone");
+  windows->program.backupFolder.Choose("D:\\Gone");
   windows->form1.Open();
   EXPECT_EQ(windows->form1.lblbkuppth.caption, "None Selected");
   EXPECT_EQ(Read(kIdentitiesKey, "Quillbox"), RegValue("None Selected"));

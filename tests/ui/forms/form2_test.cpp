@@ -26,9 +26,9 @@ class Form2Test : public SampleWindows {
   }
   Form2& SearchMail() {
     Form2& form = OpenSearch();
-    windows->program.backupFolder.Set("C:\\Mail");
+    windows->program.backupFolder.Choose("C:\\Mail");
     form.srchBackup.click();
-    windows->program.backupFolder.Set(kBackup);
+    windows->program.backupFolder.Choose(kBackup);
     return form;
   }
   static std::vector<std::string> Rows(const Form2& form) {
