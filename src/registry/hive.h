@@ -77,6 +77,7 @@ class Hive {
   static constexpr std::size_t kMaxDepth = 512;
   static constexpr std::uint32_t kBigDataLimit = 16344;  ///< bytes; more needs `db` where the version has it
   static constexpr std::uint32_t kMaxDataWithoutDb = 1u << 20;
+  static constexpr std::uint64_t kMaxData = std::uint64_t{0xFFFF} * kBigDataLimit;  ///< `db` counts in 16 bits
 
   /// A new hive, version 1.3, with only a root key. `now` stamps it.
   static Hive Create(std::string_view rootName, FileTime now);

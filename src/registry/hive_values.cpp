@@ -10,9 +10,6 @@ namespace {
 /// A key with more values than this is searched by an index.
 constexpr std::size_t kIndexFrom = 32;
 
-/// `db` records count their segments in 16 bits.
-constexpr std::uint64_t kMaxBigData = std::uint64_t{0xFFFF} * Hive::kBigDataLimit;
-
 std::size_t ValueCountOf(const HiveData& hive, std::uint32_t key) {
   return hive.cells.Get32(key, KeyField::kValueCount);
 }
@@ -215,7 +212,7 @@ std::uint32_t FindValue(const HiveData& hive, std::uint32_t key, const NewName& 
 }
 
 std::string DataFault(const HiveData& hive, std::uint64_t size) {
-  const std::uint64_t limit = hive.minor > 3 ? kMaxBigData : Hive::kMaxDataWithoutDb;
+  const std::uint64_t limit = hive.minor > 3 ? Hive::kMaxData : Hive::kMaxDataWithoutDb;
   if (size <= limit) return {};
   return "its data are " + std::to_string(size) + " bytes long, and a hive of version 1." + std::to_string(hive.minor) +
          " holds no more than " + std::to_string(limit) + " in one value";

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "registry/byte_source.h"
+#include "registry/reg_file_limits.h"
 #include "text/code_page.h"
 #include "text/unicode.h"
 
@@ -64,9 +66,14 @@ class RegFileVisitor {
   virtual void OnProblem(std::size_t line, std::string_view reason) = 0;
 };
 
-/// Reads a registry file of either form. Throws Error (with `name`) only when it is no registry file at all: a wrong
-/// header. Everything else that is wrong goes to OnProblem with its line number from 1. Values under no key, or under
-/// `[-KEY]`, are not visited.
-void ReadRegFile(std::string_view bytes, const std::string& name, const CodePage& codePage, RegFileVisitor& visitor);
+/// Reads the registry file `name` of either form. Throws Error when the bytes cannot be read, exceed `limits.file`, or
+/// are no registry file at all: a wrong header. Everything else that is wrong goes to OnProblem with its line number
+/// from 1. Values under no key, or under `[-KEY]`, are not visited. The memory that this takes does not grow with the
+/// file, only with the largest value in it.
+void ReadRegFile(ByteSource& source, const std::string& name, const CodePage& codePage, RegFileVisitor& visitor,
+                 const RegFileLimits& limits = {});
+/// The same for bytes in memory.
+void ReadRegFile(std::string_view bytes, const std::string& name, const CodePage& codePage, RegFileVisitor& visitor,
+                 const RegFileLimits& limits = {});
 
 }  // namespace quillbox

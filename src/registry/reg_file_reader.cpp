@@ -1,6 +1,10 @@
 #include <algorithm>
 #include <optional>
+#include <string>
+#include <utility>
 
+#include "registry/held_data.h"
+#include "registry/hive.h"
 #include "registry/reg_file.h"
 #include "registry/reg_file_form.h"
 #include "registry/reg_file_lines.h"
@@ -12,6 +16,9 @@ namespace {
 constexpr std::size_t kMaxNumberDigits = 8;
 constexpr std::string_view kStatementStarts = "[\"@";
 constexpr std::string_view kOpenQuote = "a quote is not closed";
+constexpr std::string_view kBackslash = "\\";
+constexpr std::string_view kNul("\0", 1);
+constexpr std::size_t kBrackets = 3;  ///< those around a key's name, and the "-" of one that is deleted
 
 int HexDigit(char c) {
   if (c >= '0' && c <= '9') return c - '0';
@@ -26,10 +33,13 @@ bool IsBlank(char c) {
 }
 
 struct ParsedValue {
+  explicit ParsedValue(std::uint64_t maxHeld) : data(maxHeld) {}
+
   std::string name;
+  bool isNameWhole = true;  ///< false when the name is too long for any hive; `name` is its beginning then
   bool isDeletion = false;
   std::uint32_t type = 0;
-  Bytes data;
+  HeldData data;
 };
 
 struct Fault {
@@ -39,8 +49,9 @@ struct Fault {
 
 class Parser {
  public:
-  Parser(RegFileLines& lines, bool textIs8Bit, const CodePage& codePage, RegFileVisitor& visitor)
-      : lines_(lines), textIs8Bit_(textIs8Bit), codePage_(codePage), visitor_(visitor) {}
+  Parser(RegFileLines& lines, bool textIs8Bit, const CodePage& codePage, const RegFileLimits& limits,
+         RegFileVisitor& visitor)
+      : lines_(lines), textIs8Bit_(textIs8Bit), codePage_(codePage), limits_(limits), visitor_(visitor) {}
 
   void Run();
 
@@ -50,22 +61,29 @@ class Parser {
 
   void ReadKey();
   void ReadValue();
+  void ReportMalformed(std::size_t number);
+  void Deliver(ParsedValue value, std::size_t number);
   bool ParseValue(ParsedValue& value);
   bool ParseData(ParsedValue& value);
-  bool ParseQuoted(std::string& text);
+  template <typename Add>
+  bool ParseQuoted(Add add);
+  std::string_view TakeCharacter();
   bool ParseNumber(std::uint32_t& number);
   bool ParseHexType(std::uint32_t& type);
-  bool ParseHex(Bytes& data);
-  bool ParseByte(Bytes& data);
+  bool ParseHex(HeldData& data);
+  bool ParseByte(HeldData& data);
   bool MoveToContinuation();
   void PassOverContinuations();
+  bool RestEndsInBackslash();
   bool RequireEnd();
   Bytes StoredText(Bytes data) const;
 
   bool Move();
+  void ReturnTo(RegFileLines::Mark mark);
+  bool Have(std::size_t count);
   void SkipBlanks();
-  bool AtEnd() const { return at_ >= line_.size(); }
-  bool AtEndOrComment() const { return AtEnd() || line_[at_] == ';'; }
+  bool AtEnd() { return at_ >= line_.size() && !Have(1); }
+  bool AtEndOrComment() { return AtEnd() || line_[at_] == ';'; }
   bool Accept(char c);
   bool Accept(std::string_view word);
   bool Fail(std::string_view reason);
@@ -73,12 +91,15 @@ class Parser {
   RegFileLines& lines_;
   bool textIs8Bit_;
   const CodePage& codePage_;
+  const RegFileLimits& limits_;
   RegFileVisitor& visitor_;
-  std::string_view line_;
+  std::string_view line_;  ///< what is at hand of the line; Have() brings more
   std::size_t at_ = 0;
   Under under_ = Under::NoKeyYet;
   Fault fault_;
-  RegFileLines::Mark resume_;  ///< where reading goes on when the value at hand turns out to be malformed
+  /// The second line of a quoted text, where reading goes on when the value at hand turns out to be malformed. Nothing:
+  /// it goes on after the present line.
+  std::optional<RegFileLines::Mark> resume_;
 };
 
 void Parser::Run() {
@@ -93,9 +114,15 @@ void Parser::Run() {
       visitor_.OnProblem(lines_.Number(), "this is no key, no value and no comment");
     }
   }
+  if (lines_.EndsInHalfUnit()) visitor_.OnProblem(lines_.Number(), "the file ends in the middle of a character");
 }
 
 void Parser::ReadKey() {
+  if (Have(kMaxKeyNameBytes + kBrackets + 1)) {
+    under_ = Under::SkippedKey;
+    visitor_.OnProblem(lines_.Number(), "the key's name is longer than any key's; its values are left out");
+    return;
+  }
   const std::size_t close = line_.rfind(']');
   if (close == std::string_view::npos) {
     under_ = Under::SkippedKey;
@@ -114,24 +141,59 @@ void Parser::ReadKey() {
 
 void Parser::ReadValue() {
   const std::size_t number = lines_.Number();
-  resume_ = lines_.Here();
-  ParsedValue value;
-  if (!ParseValue(value)) {
-    // A text that ran on into later lines and is followed by nonsense there was meant to end in its own line.
-    if (resume_.number == number && fault_.line != number) fault_ = {number, kOpenQuote};
-    lines_.Return(resume_);
-    if (under_ != Under::SkippedKey) visitor_.OnProblem(fault_.line, fault_.reason);
-  } else if (under_ == Under::NoKeyYet) {
+  const RegFileLines::Mark start = lines_.Start();
+  ParsedValue value(std::min(limits_.held, limits_.data));
+  bool isGood = ParseValue(value);
+  const std::uint64_t size = value.data.Size();
+  if (isGood && under_ == Under::Key && !value.data.IsWhole() && size <= limits_.data) {
+    ReturnTo(start);
+    Move();
+    SkipBlanks();
+    value = ParsedValue(limits_.data);
+    value.data.Reserve(size);
+    isGood = ParseValue(value);
+  }
+  if (!isGood) {
+    ReportMalformed(number);
+  } else {
+    Deliver(std::move(value), number);
+  }
+}
+
+void Parser::ReportMalformed(std::size_t number) {
+  // A text that ran on into later lines and is followed by nonsense there was meant to end in its own line.
+  if (resume_ && fault_.line != number) fault_ = {number, kOpenQuote};
+  if (resume_) ReturnTo(*resume_);
+  if (under_ != Under::SkippedKey) visitor_.OnProblem(fault_.line, fault_.reason);
+}
+
+void Parser::Deliver(ParsedValue value, std::size_t number) {
+  if (under_ == Under::SkippedKey) return;
+  if (under_ == Under::NoKeyYet) {
     visitor_.OnProblem(number, "the value stands before the first key");
-  } else if (under_ == Under::Key && value.isDeletion) {
+  } else if (!value.isNameWhole) {
+    visitor_.OnProblem(number, "the value's name has more than " + std::to_string(Hive::kMaxValueNameUnits) +
+                                   " characters, and no hive holds such a name");
+  } else if (value.isDeletion) {
     visitor_.OnDeleteValue(value.name, number);
-  } else if (under_ == Under::Key) {
-    visitor_.OnValue(value.name, value.type, value.data, number);
+  } else if (value.data.Size() > limits_.data) {
+    visitor_.OnProblem(number, "the value's data are " + std::to_string(value.data.Size()) +
+                                   " bytes long, and no hive holds more than " + std::to_string(limits_.data) +
+                                   " in one value");
+  } else {
+    Bytes data = std::move(value.data).Take();
+    if (IsTextInHex(value.type)) data = StoredText(std::move(data));
+    visitor_.OnValue(value.name, value.type, data, number);
   }
 }
 
 bool Parser::ParseValue(ParsedValue& value) {
-  if (!Accept('@') && !ParseQuoted(value.name)) return false;
+  resume_.reset();
+  const auto addToName = [&value](std::string_view text) {
+    value.isNameWhole &= value.name.size() + text.size() <= kMaxValueNameBytes;
+    if (value.isNameWhole) value.name += text;
+  };
+  if (!Accept('@') && !ParseQuoted(addToName)) return false;
   SkipBlanks();
   if (!Accept('=')) return Fail("there is no \"=\" after the value's name");
   SkipBlanks();
@@ -144,11 +206,9 @@ bool Parser::ParseData(ParsedValue& value) {
     return RequireEnd();
   }
   if (!AtEnd() && line_[at_] == '"') {
-    std::string text;
-    if (!ParseQuoted(text) || !RequireEnd()) return false;
     value.type = kRegSz;
-    value.data = Utf16Bytes(ToUtf16(text));
-    value.data.insert(value.data.end(), 2, 0);
+    if (!ParseQuoted([&value](std::string_view text) { value.data.AddText(text); }) || !RequireEnd()) return false;
+    value.data.AddText(kNul);
     return true;
   }
   if (Accept("dword:")) {
@@ -156,7 +216,7 @@ bool Parser::ParseData(ParsedValue& value) {
     SkipBlanks();
     if (!ParseNumber(number)) return Fail("a dword has 1 to 8 hexadecimal digits");
     value.type = kRegDword;
-    for (unsigned shift = 0; shift < 32; shift += 8) value.data.push_back(static_cast<std::uint8_t>(number >> shift));
+    for (unsigned shift = 0; shift < 32; shift += 8) value.data.Add(static_cast<std::uint8_t>(number >> shift));
     return RequireEnd();
   }
   if (!ParseHexType(value.type)) return Fail("the value is of no known kind");
@@ -164,35 +224,44 @@ bool Parser::ParseData(ParsedValue& value) {
     PassOverContinuations();
     return false;
   }
-  if (IsTextInHex(value.type)) value.data = StoredText(std::move(value.data));
   return true;
 }
 
-// Moves over a quoted text, which may hold raw line ends.
-bool Parser::ParseQuoted(std::string& text) {
+// Moves over a quoted text, which may hold raw line ends, and gives it to `add` part by part, in whole characters.
+template <typename Add>
+bool Parser::ParseQuoted(Add add) {
   ++at_;
   for (;;) {
-    const std::size_t special = std::min(line_.find_first_of("\"\\", at_), line_.size());
-    text += line_.substr(at_, special - at_);
-    at_ = special + 1;
-    if (special < line_.size() && line_[special] == '"') return true;
-    if (special + 1 < line_.size()) {
-      text += line_[at_++];
+    if (AtEnd()) {
+      add(lines_.LineEnd());
+      if (!Move()) return Fail(kOpenQuote);
+      if (!resume_) resume_ = lines_.Start();
       continue;
     }
-    if (special < line_.size()) text += '\\';
-    text += lines_.LineEnd();
-    if (!Move()) return Fail(kOpenQuote);
+    const std::size_t special = std::min(line_.find_first_of("\"\\", at_), line_.size());
+    add(line_.substr(at_, special - at_));
+    at_ = special;
+    if (special == line_.size()) continue;
+    if (line_[at_++] == '"') return true;
+    // At the end of a line a backslash stands for itself.
+    add(AtEnd() ? kBackslash : TakeCharacter());
   }
 }
 
+std::string_view Parser::TakeCharacter() {
+  const std::size_t start = at_++;
+  const auto isContinuation = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; };
+  while (at_ < line_.size() && isContinuation(line_[at_])) ++at_;
+  return line_.substr(start, at_ - start);
+}
+
 bool Parser::ParseNumber(std::uint32_t& number) {
-  const std::size_t start = at_;
+  std::size_t digits = 0;
   number = 0;
-  for (; !AtEnd() && HexDigit(line_[at_]) >= 0; ++at_) {
+  for (; !AtEnd() && HexDigit(line_[at_]) >= 0; ++at_, ++digits) {
     number = (number << 4) | static_cast<std::uint32_t>(HexDigit(line_[at_]));
   }
-  return at_ > start && at_ - start <= kMaxNumberDigits;
+  return digits > 0 && digits <= kMaxNumberDigits;
 }
 
 // "hex:" or "hex(type):".
@@ -202,11 +271,11 @@ bool Parser::ParseHexType(std::uint32_t& type) {
   return Accept("hex(") && ParseNumber(type) && Accept("):");
 }
 
-bool Parser::ParseHex(Bytes& data) {
+bool Parser::ParseHex(HeldData& data) {
   for (bool byteExpected = true;;) {
     SkipBlanks();
     if (AtEndOrComment()) {
-      return byteExpected && !data.empty() ? Fail("the data break off after a comma") : true;
+      return byteExpected && data.Size() > 0 ? Fail("the data break off after a comma") : true;
     }
     if (Accept('\\')) {
       if (!MoveToContinuation()) return false;
@@ -221,13 +290,13 @@ bool Parser::ParseHex(Bytes& data) {
   }
 }
 
-bool Parser::ParseByte(Bytes& data) {
+bool Parser::ParseByte(HeldData& data) {
   if (AtEnd()) return false;
   int byte = HexDigit(line_[at_]);
   if (byte < 0) return false;
   ++at_;
   if (!AtEnd() && HexDigit(line_[at_]) >= 0) byte = byte * 16 + HexDigit(line_[at_++]);
-  data.push_back(static_cast<std::uint8_t>(byte));
+  data.Add(static_cast<std::uint8_t>(byte));
   return true;
 }
 
@@ -236,26 +305,33 @@ bool Parser::MoveToContinuation() {
   if (!RequireEnd()) return false;
   fault_ = {lines_.Number(), "the data break off: the line that continues them is missing"};
   for (;;) {
-    const RegFileLines::Mark before = lines_.Here();
     if (!Move()) return false;
     SkipBlanks();
     if (AtEndOrComment()) continue;
     if (kStatementStarts.find(line_[at_]) == std::string_view::npos) return true;
-    lines_.Return(before);
-    line_ = {};
+    ReturnTo(lines_.Start());
     return false;
   }
 }
 
 // The rest of malformed data says nothing on its own: reading goes on after its last line.
 void Parser::PassOverContinuations() {
-  for (;;) {
-    resume_ = lines_.Here();
-    const std::size_t last = line_.find_last_not_of(" \t");
-    if (last == std::string_view::npos || line_[last] != '\\' || !Move()) return;
+  resume_.reset();
+  while (RestEndsInBackslash() && Move()) {
     SkipBlanks();
-    if (!AtEnd() && kStatementStarts.find(line_[at_]) != std::string_view::npos) return;
+    if (AtEnd() || kStatementStarts.find(line_[at_]) == std::string_view::npos) continue;
+    ReturnTo(lines_.Start());
+    return;
   }
+}
+
+bool Parser::RestEndsInBackslash() {
+  char last = 0;
+  for (; !AtEnd(); at_ = line_.size()) {
+    const std::size_t found = line_.find_last_not_of(" \t");
+    if (found != std::string_view::npos && found >= at_) last = line_[found];
+  }
+  return last == '\\';
 }
 
 bool Parser::RequireEnd() {
@@ -275,8 +351,26 @@ Bytes Parser::StoredText(Bytes data) const {
 bool Parser::Move() {
   at_ = 0;
   const bool moved = lines_.Next();
-  line_ = moved ? lines_.Text() : std::string_view{};
+  line_ = lines_.Text();
   return moved;
+}
+
+/// Lets Move() go to the line that begins at `mark`.
+void Parser::ReturnTo(RegFileLines::Mark mark) {
+  lines_.Return(mark);
+  line_ = lines_.Text();
+  at_ = 0;
+}
+
+/// True when the line has `count` more bytes, which are at hand then.
+bool Parser::Have(std::size_t count) {
+  while (line_.size() - at_ < count) {
+    const bool found = lines_.Extend(at_);
+    line_ = lines_.Text();
+    at_ = 0;
+    if (!found) return false;
+  }
+  return true;
 }
 
 void Parser::SkipBlanks() {
@@ -290,7 +384,7 @@ bool Parser::Accept(char c) {
 }
 
 bool Parser::Accept(std::string_view word) {
-  if (!EqualIgnoreCase(line_.substr(std::min(at_, line_.size()), word.size()), word)) return false;
+  if (!Have(word.size()) || !EqualIgnoreCase(line_.substr(at_, word.size()), word)) return false;
   at_ += word.size();
   return true;
 }
@@ -302,15 +396,25 @@ bool Parser::Fail(std::string_view reason) {
 
 }  // namespace
 
-void ReadRegFile(std::string_view bytes, const std::string& name, const CodePage& codePage, RegFileVisitor& visitor) {
-  RegFileLines lines(bytes, codePage);
-  const std::string_view header = lines.Next() ? lines.Text() : std::string_view{};
-  if (header != kRegedit4Header && header != kUnicode5Header) {
+void ReadRegFile(ByteSource& source, const std::string& name, const CodePage& codePage, RegFileVisitor& visitor,
+                 const RegFileLimits& limits) {
+  RegFileLines lines(source, name, codePage, limits);
+  if (lines.Next()) {
+    while (lines.Text().size() <= kUnicode5Header.size() && lines.Extend(0)) continue;
+  }
+  const bool is8Bit = lines.Text() == kRegedit4Header;
+  if (!is8Bit && lines.Text() != kUnicode5Header) {
     throw Error("reading a registry file", {name, std::nullopt, 1},
                 "this is no registry file: it does not begin with \"" + std::string(kRegedit4Header) + "\" or \"" +
                     std::string(kUnicode5Header) + "\"");
   }
-  Parser(lines, header == kRegedit4Header, codePage, visitor).Run();
+  Parser(lines, is8Bit, codePage, limits, visitor).Run();
+}
+
+void ReadRegFile(std::string_view bytes, const std::string& name, const CodePage& codePage, RegFileVisitor& visitor,
+                 const RegFileLimits& limits) {
+  TextSource source(bytes);
+  ReadRegFile(source, name, codePage, visitor, limits);
 }
 
 }  // namespace quillbox

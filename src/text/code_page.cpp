@@ -161,6 +161,17 @@ std::string CodePage::Decode(std::string_view bytes) const {
   return ToUtf8(units);
 }
 
+std::size_t CodePage::WholeCharacters(std::string_view bytes) const {
+  if (!IsDoubleByte()) return bytes.size();
+  std::size_t at = 0;
+  while (at < bytes.size()) {
+    const bool isLead = tables_->lead[static_cast<std::uint8_t>(bytes[at])];
+    if (isLead && at + 1 == bytes.size()) return at;
+    at += isLead && static_cast<std::uint8_t>(bytes[at + 1]) >= kLeastTrailByte ? 2 : 1;
+  }
+  return at;
+}
+
 std::optional<std::string> CodePage::Encode(std::string_view text) const {
   std::string bytes;
   for (const char16_t unit : ToUtf16(text)) {

@@ -24,6 +24,9 @@ class CodePage {
   /// `bytes` as inner text. A byte without a meaning becomes the control character of its number (as Windows does);
   /// a broken double-byte pair becomes U+FFFD.
   std::string Decode(std::string_view bytes) const;
+  /// How many of `bytes`, which begin with a whole character, make whole characters: all, or all but the first byte of
+  /// a pair whose second one has yet to come.
+  std::size_t WholeCharacters(std::string_view bytes) const;
   /// `text` in this code page, or nothing when a character of it has no byte here (no best fits, no question marks).
   std::optional<std::string> Encode(std::string_view text) const;
   /// `text` in this code page, with '?' for every character that it cannot hold.
