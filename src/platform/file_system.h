@@ -58,6 +58,8 @@ class FileReader {
   virtual ~FileReader() = default;
   /// Fills `buffer` from its start, whole unless the file ends first; the bytes read. Throws Error.
   virtual std::size_t Read(std::span<char> buffer) = 0;
+  /// The next Read starts at `offset` bytes from the file's start. Throws Error; a pipe has no way back.
+  virtual void GoTo(std::uint64_t offset) = 0;
 };
 
 /// A file in the making. Destroyed before Commit() it leaves no trace, and what was in its place stays.

@@ -86,9 +86,9 @@ class Merger : public RegFileVisitor {
 
 }  // namespace
 
-MergeReport MergeFile(Registry& registry, std::string_view bytes, const std::string& name, const CodePage& codePage) {
+MergeReport MergeFile(Registry& registry, ByteSource& source, const std::string& name, const CodePage& codePage) {
   Merger merger(registry);
-  ReadRegFile(bytes, name, codePage, merger);
+  ReadRegFile(source, name, codePage, merger);
   return merger.Take();
 }
 

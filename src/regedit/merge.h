@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/registry.h"
+#include "registry/byte_source.h"
 #include "text/code_page.h"
 
 namespace quillbox {
@@ -28,8 +29,9 @@ struct MergeReport {
   std::size_t problemCount = 0;
 };
 
-/// Merges the bytes of the file `name` into `registry`. What the file deletes and is not there is no problem. Throws
-/// Error, with nothing changed, when it is no registry file.
-MergeReport MergeFile(Registry& registry, std::string_view bytes, const std::string& name, const CodePage& codePage);
+/// Merges what `source`, the file `name`, says into `registry`. What the file deletes and is not there is no problem.
+/// Throws Error when it is no registry file, with nothing changed, and when it cannot be read to its end: then the
+/// registry must not be committed.
+MergeReport MergeFile(Registry& registry, ByteSource& source, const std::string& name, const CodePage& codePage);
 
 }  // namespace quillbox

@@ -10,6 +10,31 @@
 namespace quillbox {
 namespace {
 
+/// The file that is merged.
+class FileSource : public ByteSource {
+ public:
+  FileSource(FileSystem& files, const WinPath& file)
+      : files_(files), path_(file), before_(files.Stat(file)), reader_(files.OpenForReading(file)) {}
+
+  std::optional<std::uint64_t> Size() const override { return before_ ? std::optional(before_->size) : std::nullopt; }
+  std::size_t Read(std::span<char> buffer) override { return reader_->Read(buffer); }
+  void GoBackTo(std::uint64_t offset) override { reader_->GoTo(offset); }
+
+  /// Throws Error when the file is not what it was when it was opened.
+  void RequireUnchanged() const {
+    const std::optional<FileEntry> now = files_.Stat(path_);
+    if (before_ && now && before_->size == now->size && before_->modified == now->modified) return;
+    throw Error("merging a registry file", {path_.Text(), {}, {}},
+                "another program changed it while it was read; nothing was merged");
+  }
+
+ private:
+  FileSystem& files_;
+  WinPath path_;
+  std::optional<FileEntry> before_;
+  std::unique_ptr<FileReader> reader_;
+};
+
 RegeditExit RunExport(Platform& platform, const RegeditCommand& command, const WinPath& file, std::ostream& out,
                       std::ostream& err) {
   const CodePage codePage(platform.GetFiles().CodePageNumber());
@@ -23,8 +48,9 @@ RegeditExit RunExport(Platform& platform, const RegeditCommand& command, const W
 RegeditExit RunMerge(Platform& platform, const RegeditCommand& command, const WinPath& file, std::ostream& out,
                      std::ostream& err) {
   const CodePage codePage(platform.GetFiles().CodePageNumber());
-  const std::string bytes = platform.GetFiles().ReadFile(file);
-  const MergeReport report = MergeFile(platform.GetRegistry(), bytes, command.file, codePage);
+  FileSource source(platform.GetFiles(), file);
+  const MergeReport report = MergeFile(platform.GetRegistry(), source, command.file, codePage);
+  source.RequireUnchanged();
   err << ProblemLines(report, command.file);
   platform.EndCommand();
   if (!command.silent) out << MergeSummary(report, command.file);

@@ -34,7 +34,10 @@ struct System : OfflineFixture {
   ExportResult Export(RegFileForm form = RegFileForm::Regedit4, unsigned codePage = CodePage::kDefault) {
     return ExportKey(registry, kIdentities, form, CodePage(codePage));
   }
-  MergeReport Merge(std::string_view bytes) { return MergeFile(registry, bytes, "x.reg", CodePage()); }
+  MergeReport Merge(std::string_view bytes) {
+    TextSource source(bytes);
+    return MergeFile(registry, source, "x.reg", CodePage());
+  }
 
   HiveFile file;
 };

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 
 #include <map>
@@ -14,6 +15,7 @@ namespace quillbox {
 namespace {
 
 using testing::AllOf;
+using testing::EndsWith;
 using testing::HasSubstr;
 
 struct Outcome {
@@ -108,7 +110,7 @@ TEST_F(RegeditProgram, WrongCommandsGetUsageAndFailuresAReason) {
         "--disk c /s /e kept.reg 'HKEY_CURRENT_USER\\Never'", "--disk c /e no/folder.reg HKEY_CURRENT_USER"}) {
     const Outcome outcome = Run(failing);
     EXPECT_EQ(outcome.code, 1) << failing;
-    EXPECT_THAT(outcome.err, AllOf(HasSubstr("regedit: "), testing::EndsWith("\n"))) << failing;
+    EXPECT_THAT(outcome.err, AllOf(HasSubstr("regedit: "), EndsWith("\n"))) << failing;
     EXPECT_EQ(outcome.out, "") << failing;
   }
   EXPECT_EQ(folder.Read("kept.reg"), "an earlier export");
@@ -123,6 +125,26 @@ TEST_F(RegeditProgram, SilentMergeReportsLinesAndMergesTheRest) {
   EXPECT_THAT(merged.err, HasSubstr("bad.reg, line 4: "));
   Run("--disk c /s /e:A out.reg HKEY_CURRENT_USER\\\\Identities");
   EXPECT_THAT(folder.Read("out.reg"), HasSubstr("\"a\"=\"1\"\r\n\"c\"=\"3\"\r\n"));
+}
+
+TEST_F(RegeditProgram, FilesLargerThanTheMemoryAreReadInPieces) {
+  constexpr std::uintmax_t kMegabyte = std::uintmax_t{1} << 20;
+  const auto file = folder.File("big.reg", "REGEDIT4\n[HKEY_CURRENT_USER\\New]\n\"a\"=\"never closed\n");
+  std::filesystem::resize_file(file, 128 * kMegabyte);
+  const Outcome merged = Run("--disk c big.reg");
+  EXPECT_EQ(merged.code, 1);
+  EXPECT_EQ(merged.out, "big.reg: 1 key added, 0 keys deleted, 0 values set, 0 values deleted\n");
+  EXPECT_THAT(
+      merged.err,
+      EndsWith("\nbig.reg, line 3: a quote is not closed\nbig.reg, line 4: this is no key, no value and no comment\n"));
+  rusage used = {};
+  getrusage(RUSAGE_CHILDREN, &used);
+  EXPECT_LT(used.ru_maxrss, 100 * 1024) << "kilobytes";
+
+  std::filesystem::resize_file(file, 4096 * kMegabyte + 1);
+  EXPECT_THAT(Run("--disk c big.reg").err,
+              EndsWith("regedit: big.reg: it is larger than 4 GB, and no registry file of such a size is read "
+                       "(while reading a registry file)\n"));
 }
 
 TEST_F(RegeditProgram, IndependentReaderFindsTheSame) {

@@ -40,6 +40,10 @@ class HostReader : public FileReader {
     }
     return length;
   }
+  void GoTo(std::uint64_t offset) override {
+    if (lseek(fd_.Get(), static_cast<off_t>(offset), SEEK_SET) >= 0) return;
+    throw Error(kReading, {name_, {}, {}}, SystemReason(errno));
+  }
 
  private:
   std::string name_;
