@@ -17,6 +17,7 @@ constexpr StatusRow kRows[] = {
     {Status::BadRegistry, "it is no usable hive file"},
     {Status::RegistryIo, "a file could not be read or written (the log says more)"},
     {Status::KeyDeleted, "it was deleted meanwhile"},
+    {Status::NoResources, "it is larger than the registry can hold (the log says more)"},
 };
 
 }  // namespace

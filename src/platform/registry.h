@@ -110,7 +110,8 @@ class Registry {
   virtual Status SetValue(const Key& key, std::string_view name, ValueType type, ByteView data) = 0;
   virtual Status DeleteValue(const Key& key, std::string_view name) = 0;
 
-  /// Deletes a key with everything below it.
+  /// Deletes a key with everything below it. FileNotFound when there is none; AccessDenied when nobody can tell, since
+  /// what would hold it is not there.
   virtual Status DeleteTree(const RegistryPath& path) = 0;
   /// Writes the key and everything below it as a new hive file; FileExists when there is one. Needs the privilege
   /// "SeBackupPrivilege".
@@ -118,6 +119,9 @@ class Registry {
   /// Replaces what the key holds by the hive file's content. Needs "SeRestorePrivilege"; `flags` 8 forces it.
   virtual Status RestoreKey(const Key& key, const WinPath& file, std::uint32_t flags) = 0;
   virtual bool EnablePrivilege(std::string_view name) = 0;
+
+  /// Why the call before this one was refused, as a clause for a message; empty when its status says all there is.
+  virtual std::string WhyRefused() const = 0;
 
   // For the registry editor, which must carry data as they are stored.
 

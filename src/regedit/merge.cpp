@@ -5,13 +5,14 @@
 
 #include "regedit/outcome.h"
 #include "registry/reg_file.h"
+#include "text/message_text.h"
 
 namespace quillbox {
 namespace {
 
 std::string Quoted(std::string_view text) {
   std::string quoted(1, '"');
-  quoted.append(text).append(1, '"');
+  quoted.append(ShortName(text)).append(1, '"');
   return quoted;
 }
 
@@ -76,7 +77,9 @@ class Merger : public RegFileVisitor {
   }
 
   void Refuse(std::size_t line, std::string_view name, Status status) {
-    OnProblem(line, Quoted(name) + ": " + ReasonOf(status));
+    const std::string why = registry_.WhyRefused();
+    OnProblem(line,
+              (name.empty() ? "the default value" : Quoted(name)) + ": " + (why.empty() ? ReasonOf(status) : why));
   }
 
   Registry& registry_;

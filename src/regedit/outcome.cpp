@@ -13,7 +13,7 @@ struct Reason {
   const char* words;
 };
 
-constexpr std::array<Reason, 8> kReasons{{
+constexpr std::array<Reason, 9> kReasons{{
     {Status::FileNotFound, "there is no such key on this disk"},
     {Status::PathNotFound, "there is no such key on this disk"},
     {Status::AccessDenied, "access is denied: its hive is not on this disk or cannot be written"},
@@ -22,6 +22,7 @@ constexpr std::array<Reason, 8> kReasons{{
     {Status::BadRegistry, "its hive cannot be used"},
     {Status::RegistryIo, "its hive cannot be read or written"},
     {Status::KeyDeleted, "the key was deleted meanwhile"},
+    {Status::NoResources, "it is larger than the registry can hold"},
 }};
 
 std::string Counted(std::size_t count, const char* thing) {

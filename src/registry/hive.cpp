@@ -27,7 +27,8 @@ void ForEachName(std::string_view path, Use use) {
 std::uint32_t Cell(const HiveData& hive, HiveKey key) {
   if (!hive.cells.IsUsed(key.cell) || hive.cells.Room(key.cell) < KeyField::kName ||
       hive.cells.Tag(key.cell) != kKeyTag) {
-    throw Error("using a registry key", {.name = hive.name, .offset = {}, .line = {}}, "the key has been deleted");
+    throw HiveRefusal(HiveLimit::Deleted, "using a registry key", {.name = hive.name, .offset = {}, .line = {}},
+                      "the key has been deleted");
   }
   return key.cell;
 }
@@ -43,14 +44,14 @@ void Touch(HiveData& hive, std::uint32_t key) {
 
 void RequireKeyName(const HiveData& hive, std::uint32_t parent, const NewName& name) {
   const char* doing = "creating a registry key";
-  if (name.units.empty()) ThrowRefusal(hive, parent, doing, "the new key's name is empty");
+  if (name.units.empty()) ThrowRefusal(hive, parent, HiveLimit::Name, doing, "the new key's name is empty");
   if (name.units.size() > Hive::kMaxNameUnits) {
-    ThrowRefusal(hive, parent, doing,
+    ThrowRefusal(hive, parent, HiveLimit::Name, doing,
                  "the new key's name is " + std::to_string(name.units.size()) +
                      " characters long; a key's name has no more than " + std::to_string(Hive::kMaxNameUnits));
   }
   if (name.units.find(u'\\') != std::u16string::npos) {
-    ThrowRefusal(hive, parent, doing, "the new key's name holds a backslash");
+    ThrowRefusal(hive, parent, HiveLimit::Name, doing, "the new key's name holds a backslash");
   }
 }
 
@@ -58,10 +59,11 @@ void RequireNewKey(const HiveData& hive, std::uint32_t parent, const NewName& na
   const char* doing = "creating a registry key";
   RequireKeyName(hive, parent, name);
   if (depth > Hive::kMaxDepth) {
-    ThrowRefusal(hive, parent, doing,
+    ThrowRefusal(hive, parent, HiveLimit::Depth, doing,
                  "keys can be nested " + std::to_string(Hive::kMaxDepth) + " levels deep and no deeper");
   }
-  if (!CanTakeSubkey(hive, parent)) ThrowRefusal(hive, parent, doing, "the key's list of subkeys is full");
+  if (!CanTakeSubkey(hive, parent))
+    ThrowRefusal(hive, parent, HiveLimit::Subkeys, doing, "the key's list of subkeys is full");
 }
 
 std::uint32_t AddSubkey(HiveData& hive, std::uint32_t parent, const NewName& name) {
@@ -265,10 +267,11 @@ void Hive::SetValue(HiveKey key, std::string_view name, std::uint32_t type, Byte
   const std::string doing = "writing the value \"" + ShortName(name) + "\"";
   const NewName newName(name);
   if (newName.units.size() > kMaxValueNameUnits) {
-    ThrowRefusal(*state_, cell, doing, "its name has more than " + std::to_string(kMaxValueNameUnits) + " characters");
+    ThrowRefusal(*state_, cell, HiveLimit::Name, doing,
+                 "its name has more than " + std::to_string(kMaxValueNameUnits) + " characters");
   }
   if (const std::string fault = DataFault(*state_, data.size()); !fault.empty()) {
-    ThrowRefusal(*state_, cell, doing, fault);
+    ThrowRefusal(*state_, cell, HiveLimit::Data, doing, fault);
   }
   RequireSpace(*state_, cell, doing, newName.StoredSize() + data.size() + data.size() / 4);
   WriteValue(*state_, cell, newName, type, data);
@@ -287,7 +290,7 @@ bool Hive::DeleteValue(HiveKey key, std::string_view name) {
 void Hive::DeleteTree(HiveKey key) {
   const std::uint32_t cell = Cell(*state_, key);
   if (cell == state_->root) {
-    ThrowRefusal(*state_, cell, "deleting a registry key", "a hive's root key cannot be deleted");
+    ThrowRefusal(*state_, cell, HiveLimit::RootKey, "deleting a registry key", "a hive's root key cannot be deleted");
   }
   RemoveKey(*state_, cell);
   state_->changed = true;

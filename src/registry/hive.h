@@ -8,8 +8,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "text/error.h"
 #include "text/unicode.h"
 
 namespace quillbox {
@@ -69,6 +71,28 @@ enum class DamagedParts {
   LeaveOut,  ///< what concerns one key, value or list is left out; without a tree it is an Error still
 };
 
+/// What stands against a change.
+enum class HiveLimit {
+  Name,     ///< no key or value can have the name
+  Depth,    ///< the key would be too deep
+  Subkeys,  ///< the key's list is full
+  Data,     ///< one value cannot hold so much
+  Size,     ///< the hive cannot grow any more
+  RootKey,  ///< the key is the hive's root
+  Deleted,  ///< the key was deleted
+};
+
+/// The Error of a change that a hive refuses, with nothing changed.
+class HiveRefusal : public Error {
+ public:
+  HiveRefusal(HiveLimit limit, std::string doing, ErrorPlace place, std::string why)
+      : Error(std::move(doing), std::move(place), std::move(why)), limit_(limit) {}
+  HiveLimit Limit() const { return limit_; }
+
+ private:
+  HiveLimit limit_;
+};
+
 class Hive {
  public:
   /// Sizes from the format; what exceeds them is refused, never truncated.
@@ -126,7 +150,7 @@ class Hive {
   std::vector<HiveValue> Values(HiveKey key) const;
   std::optional<HiveValue> Value(HiveKey key, std::string_view name) const;
 
-  // Changes. Each throws Error (naming the key and the limit) before it touches anything, or is done whole.
+  // Changes. Each throws HiveRefusal (naming the key and the limit) before it touches anything, or is done whole.
 
   /// The subkey `name` (one name), made when missing with its parent's security descriptor.
   HiveKey CreateSubkey(HiveKey parent, std::string_view name);

@@ -42,8 +42,9 @@ struct HiveData {
 
 /// Throws the Error of a damaged file; `offset` counts from the start of the bins.
 [[noreturn]] void ThrowHiveFault(const std::string& fileName, std::size_t offset, std::string why);
-/// Throws the Error of a change that a limit forbids.
-[[noreturn]] void ThrowRefusal(const HiveData& hive, std::uint32_t key, std::string doing, std::string why);
+/// Throws the HiveRefusal of a change to `key`.
+[[noreturn]] void ThrowRefusal(const HiveData& hive, std::uint32_t key, HiveLimit limit, std::string doing,
+                               std::string why);
 
 // hive_load.cpp, hive_check.cpp
 void LoadHive(HiveData& hive, Bytes file, const ReadHiveLogs& readLogs, DamagedParts damaged);

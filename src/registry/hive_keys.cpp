@@ -39,8 +39,8 @@ void ThrowHiveFault(const std::string& fileName, std::size_t offset, std::string
   throw Error("opening the hive", {.name = fileName, .offset = kHivePage + offset, .line = {}}, std::move(why));
 }
 
-void ThrowRefusal(const HiveData& hive, std::uint32_t key, std::string doing, std::string why) {
-  throw Error(std::move(doing), {.name = KeyPath(hive, key), .offset = {}, .line = {}}, std::move(why));
+void ThrowRefusal(const HiveData& hive, std::uint32_t key, HiveLimit limit, std::string doing, std::string why) {
+  throw HiveRefusal(limit, std::move(doing), {.name = KeyPath(hive, key), .offset = {}, .line = {}}, std::move(why));
 }
 
 StoredName KeyName(const HiveData& hive, std::uint32_t key) {
@@ -131,7 +131,7 @@ void RequireSpace(const HiveData& hive, std::uint32_t key, const std::string& do
   const std::uint64_t lists = std::uint64_t{hive.cells.Get32(key, KeyField::kValueCount)} * 8 +
                               std::uint64_t{hive.cells.Get32(key, KeyField::kSubkeyCount)} * 2;
   if (hive.cells.BinsSize() + size + lists + kSpaceForLists > kMaxBinsSize) {
-    ThrowRefusal(hive, key, doing, "a hive cannot be larger than 2 GB");
+    ThrowRefusal(hive, key, HiveLimit::Size, doing, "a hive cannot be larger than 2 GB");
   }
 }
 

@@ -103,7 +103,7 @@ class TreeMeasure {
       const auto [key, level] = pending.back();
       pending.pop_back();
       if (level > Hive::kMaxDepth) {
-        ThrowRefusal(source_, key, doing_,
+        ThrowRefusal(source_, key, HiveLimit::Depth, doing_,
                      "keys can be nested " + std::to_string(Hive::kMaxDepth) + " levels deep and no deeper");
       }
       AddKey(key);
@@ -126,7 +126,8 @@ class TreeMeasure {
   void AddValue(std::uint32_t key, std::uint32_t value) {
     const std::uint64_t data = ValueSize(source_, value);
     if (const std::string fault = DataFault(hive_, data); !fault.empty()) {
-      ThrowRefusal(source_, key, doing_, "value \"" + ShortName(NameText(ValueName(source_, value))) + "\": " + fault);
+      ThrowRefusal(source_, key, HiveLimit::Data, doing_,
+                   "value \"" + ShortName(NameText(ValueName(source_, value))) + "\": " + fault);
     }
     // Big data stand in pieces that do not fill their bins: a quarter more is ample.
     size_ += source_.cells.Room(value) + data + data / 4 + 3 * kRecordOverhead;

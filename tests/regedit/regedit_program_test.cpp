@@ -127,6 +127,55 @@ TEST_F(RegeditProgram, SilentMergeReportsLinesAndMergesTheRest) {
   EXPECT_THAT(folder.Read("out.reg"), HasSubstr("\"a\"=\"1\"\r\n\"c\"=\"3\"\r\n"));
 }
 
+TEST_F(RegeditProgram, EveryRefusedChangeHasItsOwnReason) {
+  MakeHiveFile(folder / "c/WINDOWS/system32/config/system");
+  std::string deep;
+  for (int level = 0; level < 512; ++level) deep += "\\d";
+  const std::string longName(300, 'n');
+  const std::string shownName = std::string(260, 'n') + "\u2026" + std::string(100, 'n') + " [16384 characters]";
+  const std::string shownDeep = deep.substr(0, 243) + "\u2026" + deep.substr(924) + " [1041 characters]";
+  std::string tooLarge = "00";
+  for (int byte = 0; byte < 1 << 20; ++byte) tooLarge += ",00";
+  folder.File("no.reg", "REGEDIT4\n[HKEY_CURRENT_USER\\" + longName + "]\n[HKEY_CURRENT_USER" + deep +
+                            "]\n[HKEY_CURRENT_USER\\A]\n\"big\"=hex:" + tooLarge + "\n@=hex:" + tooLarge + "\n\"" +
+                            std::string(16384, 'n') +
+                            "\"=\"x\"\n[-HKEY_LOCAL_MACHINE\\SOFTWARE]\n"
+                            "[-HKEY_LOCAL_MACHINE\\HARDWARE\\A]\n[HKEY_USERS\\S-1]\n[HKEY_LOCAL_MACHINE]\n"
+                            "[HKEY_LOCAL_MACHINE\\SYSTEM\\A]\n[HKEY_NOWHERE\\A]\n");
+  const Outcome merged = Run("--disk c no.reg");
+  EXPECT_EQ(merged.code, 1);
+  EXPECT_EQ(merged.out, "no.reg: 1 key added, 0 keys deleted, 0 values set, 0 values deleted\n");
+  const std::string size =
+      "its data are 1048577 bytes long, and a hive of version 1.3 holds no more than 1048576 in one value\n";
+  EXPECT_THAT(merged.err,
+              EndsWith("no.reg, line 2: \"HKEY_CURRENT_USER\\" + longName +
+                       "\": the new key's name is 300 characters long; a key's name has no more than 255\n"
+                       "no.reg, line 3: \"HKEY_CURRENT_USER" +
+                       shownDeep +
+                       "\": keys can be nested 512 levels deep and no deeper\n"
+                       "no.reg, line 5: \"big\": " +
+                       size + "no.reg, line 6: the default value: " + size + "no.reg, line 7: \"" + shownName +
+                       "\": its name has more than 16383 characters\n"
+                       "no.reg, line 8: \"HKEY_LOCAL_MACHINE\\SOFTWARE\": the root key of a hive cannot be deleted\n"
+                       "no.reg, line 9: \"HKEY_LOCAL_MACHINE\\HARDWARE\\A\": its hive is not on this disk\n"
+                       "no.reg, line 10: \"HKEY_USERS\\S-1\": its hive is not on this disk\n"
+                       "no.reg, line 11: \"HKEY_LOCAL_MACHINE\": the key itself is in no hive\n"
+                       "no.reg, line 12: \"HKEY_LOCAL_MACHINE\\SYSTEM\\A\": its hive cannot be written\n"
+                       "no.reg, line 13: \"HKEY_NOWHERE\\A\" begins with no root key\n"));
+}
+
+TEST_F(RegeditProgram, HiveThatIsNotThereIsNamedWithItsFault) {
+  folder.File("c/WINDOWS/system32/config/software", "no hive");
+  folder.File("no.reg", "REGEDIT4\n[-HKEY_LOCAL_MACHINE\\Software\\A]\n[HKEY_LOCAL_MACHINE\\SYSTEM\\A]\n");
+  const Outcome merged = Run("--disk c no.reg");
+  EXPECT_EQ(merged.code, 1);
+  EXPECT_THAT(merged.err,
+              AllOf(HasSubstr("no.reg, line 2: \"HKEY_LOCAL_MACHINE\\Software\\A\": its hive is not there: /"),
+                    HasSubstr("config/software, offset 0x0: "),
+                    EndsWith("no.reg, line 3: \"HKEY_LOCAL_MACHINE\\SYSTEM\\A\": its hive is not there: the disk has "
+                             "no file for it\n")));
+}
+
 TEST_F(RegeditProgram, FilesLargerThanTheMemoryAreReadInPieces) {
   constexpr std::uintmax_t kMegabyte = std::uintmax_t{1} << 20;
   const auto file = folder.File("big.reg", "REGEDIT4\n[HKEY_CURRENT_USER\\New]\n\"a\"=\"never closed\n");

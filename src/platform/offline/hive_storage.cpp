@@ -106,7 +106,9 @@ Bytes ReadHostFile(const HostPlace& file, const std::string& doing) try {
   struct stat info = {};
   if (fstat(fd.Get(), &info) != 0) ThrowErrno(errno);
   if (!S_ISREG(info.st_mode)) ThrowFault(HostFault::NotOrdinary);
-  if (static_cast<std::uint64_t>(info.st_size) > kMaxFileBytes) ThrowErrno(EFBIG);
+  if (static_cast<std::uint64_t>(info.st_size) > kMaxFileBytes) {
+    throw Error(doing, {file.Path().string(), {}, {}}, "it is larger than 2 GB, and no hive or log has more");
+  }
   Bytes bytes(static_cast<std::size_t>(info.st_size));
   std::size_t length = 0;
   while (length < bytes.size()) {

@@ -36,7 +36,7 @@ struct FileState {
 };
 FileState StateOf(const HostPlace& file);
 
-/// The whole file, which must be an ordinary one. Throws Error; `doing` as there.
+/// The whole file, which must be an ordinary one, and no larger than any hive. Throws Error; `doing` as there.
 Bytes ReadHostFile(const HostPlace& file, const std::string& doing);
 
 /// Makes `file` hold `bytes`, or replaces it by them, whole or not at all. Owner, permissions, extended attributes

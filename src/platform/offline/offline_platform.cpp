@@ -116,6 +116,7 @@ void OfflinePlatform::MountMachineHive(const std::optional<FoundHive>& file, con
       fault = Describe(error);
     }
   }
+  registry_.NoteMissing({RegistryRoot::LocalMachine, name}, fault);
   warnings_.push_back(key + " is not there: " + fault + ".");
   log_.Write(warnings_.back());
 }

@@ -18,6 +18,9 @@ constexpr std::string_view kBackupPrivilege = "SeBackupPrivilege";
 constexpr std::string_view kRestorePrivilege = "SeRestorePrivilege";
 constexpr std::uint32_t kForceRestore = 8;
 
+// A hive's offsets have 31 useful bits.
+constexpr std::uint64_t kMaxHiveBytes = std::uint64_t{1} << 31;
+
 constexpr std::string_view kCurrentControlSet = "CurrentControlSet";
 const RegistryPath kSystem = {RegistryRoot::LocalMachine, "System"};
 
@@ -69,6 +72,28 @@ std::string ControlSetName(const Hive& system) {
   std::array<char, 24> name = {};
   std::snprintf(name.data(), name.size(), "ControlSet%03u", number);
   return name.data();
+}
+
+/// Throws Error for a file that is larger than any hive, before it is brought into memory.
+void RequireHiveSize(FileSystem& files, const WinPath& file) {
+  const std::optional<FileEntry> entry = files.Stat(file);
+  if (!entry || entry->size <= kMaxHiveBytes) return;
+  throw Error("reading a hive", {file.Text(), {}, {}}, "it is larger than 2 GB, and no hive has more");
+}
+
+Status StatusOf(HiveLimit limit) {
+  switch (limit) {
+    case HiveLimit::Data:
+    case HiveLimit::Size:
+    case HiveLimit::Subkeys:
+      return Status::NoResources;
+    case HiveLimit::RootKey:
+      return Status::AccessDenied;
+    case HiveLimit::Deleted:
+      return Status::KeyDeleted;
+    default:
+      return Status::InvalidParameter;
+  }
 }
 
 }  // namespace
@@ -155,7 +180,12 @@ void OfflineRegistry::Reload() {
   }
 }
 
+void OfflineRegistry::NoteMissing(const RegistryPath& at, std::string why) {
+  missing_.emplace_back(RegistryPath{at.root, Normalised(at.subkey)}, std::move(why));
+}
+
 std::optional<OfflineRegistry::Place> OfflineRegistry::Locate(const RegistryPath& path) {
+  refusal_.clear();
   const std::string names = Normalised(path.subkey);
   bool isRoot = false;
   for (MountPoint& mount : mounts_) {
@@ -178,7 +208,8 @@ Key OfflineRegistry::MakeKey(const Place& place, HiveKey key, Access access) {
   return Key(std::make_unique<OpenKey>(openKeys_, place, key, access));
 }
 
-OfflineRegistry::Use OfflineRegistry::Check(const Key& key, Need need) const {
+OfflineRegistry::Use OfflineRegistry::Check(const Key& key, Need need) {
+  refusal_.clear();
   auto* open = dynamic_cast<OpenKey*>(key.Handle());
   if (open == nullptr || !open->BelongsTo(openKeys_)) return {Status::InvalidHandle, nullptr, nullptr};
   if (open->deleted) return {Status::KeyDeleted, nullptr, nullptr};
@@ -202,14 +233,35 @@ Hive& OfflineRegistry::Edit(MountPoint& mount) {
   return hive;
 }
 
-/// Runs a change; its Error goes to the log, and `failure` is the answer.
+Status OfflineRegistry::Refuse(Status status, std::string why) {
+  refusal_ = std::move(why);
+  return status;
+}
+
+/// The answer to a change at `path` when nothing can be written there; Success when something can.
+Status OfflineRegistry::RefuseWrite(const RegistryPath& path, const std::optional<Place>& place) {
+  if (!place) {
+    const std::string names = Normalised(path.subkey);
+    for (const auto& [at, why] : missing_) {
+      if (at.root == path.root && Below(names, at.subkey))
+        return Refuse(Status::AccessDenied, "its hive is not there: " + why);
+    }
+    return Refuse(Status::AccessDenied, "its hive is not on this disk");
+  }
+  if (place->mount == nullptr) return Refuse(Status::AccessDenied, "the key itself is in no hive");
+  if (!place->mount->file->CanWrite()) return Refuse(Status::AccessDenied, "its hive cannot be written");
+  return Status::Success;
+}
+
+/// Runs a change; its Error goes to the log, and `failure` is the answer unless a limit has its own.
 template <typename Change>
 Status OfflineRegistry::Try(Status failure, Change change) {
   try {
     return change();
   } catch (const Error& error) {
     log_.Write(Describe(error));
-    return failure;
+    const auto* refusal = dynamic_cast<const HiveRefusal*>(&error);
+    return Refuse(refusal == nullptr ? failure : StatusOf(refusal->Limit()), error.Why());
   }
 }
 
@@ -218,20 +270,21 @@ OpenResult OfflineRegistry::Open(const RegistryPath& path, Access access) {
   if (!place) return {Status::FileNotFound, {}};
   const bool writes = access != Access::Read;
   if (place->mount == nullptr) {
-    if (writes) return {Status::AccessDenied, {}};
+    if (writes) return {RefuseWrite(path, place), {}};
     return {Status::Success, MakeKey(*place, {}, access)};
   }
   const Hive& hive = place->mount->file->View();
   const std::optional<HiveKey> key = hive.Find(hive.Root(), place->path);
   if (!key) return {Status::FileNotFound, {}};
-  if (writes && !place->mount->file->CanWrite()) return {Status::AccessDenied, {}};
+  if (writes && RefuseWrite(path, place) != Status::Success) return {Status::AccessDenied, {}};
   return {Status::Success, MakeKey(*place, *key, access)};
 }
 
 OpenResult OfflineRegistry::Create(const RegistryPath& path) {
   const std::optional<Place> place = Locate(path);
-  if (!place || place->mount == nullptr || !place->mount->file->CanWrite()) return {Status::AccessDenied, {}};
   OpenResult result;
+  result.status = RefuseWrite(path, place);
+  if (result.status != Status::Success) return result;
   result.status = Try(Status::InvalidParameter, [&] {
     Hive& hive = Edit(*place->mount);
     result.key = MakeKey(*place, hive.CreatePath(hive.Root(), place->path), Access::Full);
@@ -325,12 +378,12 @@ Status OfflineRegistry::DeleteValue(const Key& key, std::string_view name) {
 
 Status OfflineRegistry::DeleteTree(const RegistryPath& path) {
   const std::optional<Place> place = Locate(path);
-  if (!place) return Status::FileNotFound;
-  if (place->mount == nullptr || place->path.empty()) return Status::AccessDenied;
+  if (!place || place->mount == nullptr) return RefuseWrite(path, place);
+  if (place->path.empty()) return Refuse(Status::AccessDenied, "the root key of a hive cannot be deleted");
   const Hive& hive = place->mount->file->View();
   const std::optional<HiveKey> key = hive.Find(hive.Root(), place->path);
   if (!key) return Status::FileNotFound;
-  if (!place->mount->file->CanWrite()) return Status::AccessDenied;
+  if (RefuseWrite(path, place) != Status::Success) return Status::AccessDenied;
   return Try(Status::AccessDenied, [&] {
     Edit(*place->mount).DeleteTree(*key);
     for (OpenKey* open : *openKeys_) open->deleted |= open->IsBelow(*place, true);
@@ -363,6 +416,7 @@ Status OfflineRegistry::RestoreKey(const Key& key, const WinPath& file, std::uin
 
   std::string content;
   const Status read = Try(Status::RegistryIo, [&] {
+    RequireHiveSize(files_, file);
     content = files_.ReadFile(file);
     return Status::Success;
   });

@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "platform/offline/hive_file.h"
@@ -26,6 +27,8 @@ class OfflineRegistry : public Registry {
   /// Shows `file` at a root (HKEY_CURRENT_USER) or at a key right below one (HKEY_LOCAL_MACHINE\System, where
   /// CurrentControlSet is the control set that Select\Current names). `file` must outlive the registry.
   void Mount(const RegistryPath& at, HiveFile& file);
+  /// Notes why no hive is shown at `at`, for the messages about changes there.
+  void NoteMissing(const RegistryPath& at, std::string why);
   /// Writes every hive that changed. Throws the first Error after all were tried.
   void Commit();
   /// Reads afresh the hives whose files changed. Open keys stay open where their paths still exist.
@@ -43,6 +46,7 @@ class OfflineRegistry : public Registry {
   Status SaveKey(const Key& key, const WinPath& file) override;
   Status RestoreKey(const Key& key, const WinPath& file, std::uint32_t flags) override;
   bool EnablePrivilege(std::string_view name) override;
+  std::string WhyRefused() const override { return refusal_; }
   ValueResult EnumStoredValue(const Key& key, std::uint32_t index) override;
   Status SetStoredValue(const Key& key, std::string_view name, ValueType type, ByteView data) override;
 
@@ -56,7 +60,9 @@ class OfflineRegistry : public Registry {
 
   std::optional<Place> Locate(const RegistryPath& path);
   Key MakeKey(const Place& place, HiveKey key, Access access);
-  Use Check(const Key& key, Need need) const;
+  Use Check(const Key& key, Need need);
+  Status Refuse(Status status, std::string why);
+  Status RefuseWrite(const RegistryPath& path, const std::optional<Place>& place);
   std::vector<std::string> MountNames(RegistryRoot root) const;
   bool HasPrivilege(std::string_view name) const;
   Hive& Edit(MountPoint& mount);
@@ -67,7 +73,9 @@ class OfflineRegistry : public Registry {
   FileSystem& files_;
   Log& log_;
   std::deque<MountPoint> mounts_;
-  std::shared_ptr<OpenKeys> openKeys_;  ///< shared with the keys, which may outlive the registry
+  std::vector<std::pair<RegistryPath, std::string>> missing_;  ///< hives that could not be mounted, and why
+  std::string refusal_;                                        ///< why the last call was refused
+  std::shared_ptr<OpenKeys> openKeys_;                         ///< shared with the keys, which may outlive the registry
   std::set<std::string> privileges_;
 };
 

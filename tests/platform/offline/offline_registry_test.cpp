@@ -82,6 +82,22 @@ TEST_F(OfflineRegistryTest, ARestoreFromADamagedFileChangesNothing) {
   EXPECT_THAT(log.text, testing::HasSubstr("bad.dat"));
 }
 
+TEST_F(OfflineRegistryTest, AFileThatIsLargerThanAnyHiveIsNotRead) {
+  std::filesystem::resize_file(disk.File("big.dat", "regf"), (std::uintmax_t{1} << 31) + 1);
+  registry.EnablePrivilege("SeRestorePrivilege");
+  const Key key = registry.Create(User("k")).key;
+  EXPECT_EQ(registry.RestoreKey(key, WinPath("C:\\big.dat"), 8), Status::RegistryIo);
+  EXPECT_EQ(registry.WhyRefused(), "it is larger than 2 GB, and no hive has more");
+  EXPECT_EQ(registry.Open(User("k"), Access::Read).status, Status::Success);
+  EXPECT_EQ(registry.WhyRefused(), "");
+  try {
+    Open("big.dat", HiveMode::Read);
+    ADD_FAILURE() << "it was read";
+  } catch (const Error& error) {
+    EXPECT_THAT(error.what(), testing::HasSubstr("big.dat: it is larger than 2 GB, and no hive or log has more"));
+  }
+}
+
 TEST_F(OfflineRegistryTest, FiftyThousandSubkeysAreQuick) {
   constexpr std::uint32_t kCount = 50'000;
   const auto begin = std::chrono::steady_clock::now();
