@@ -9,6 +9,8 @@
 namespace quillbox {
 namespace {
 
+constexpr std::size_t kPieceBytes = std::size_t{256} << 10;
+
 struct Level {
   RegistryPath path;
   Key key;
@@ -21,8 +23,8 @@ void Check(Status status, const RegistryPath& path) {
 
 class Exporter {
  public:
-  Exporter(Registry& registry, RegFileForm form, const CodePage& codePage)
-      : registry_(registry), writer_(form, codePage) {
+  Exporter(Registry& registry, RegFileForm form, const CodePage& codePage, const WriteBytes& write)
+      : registry_(registry), write_(write), writer_(form, codePage) {
     result_.form = form;
   }
 
@@ -38,7 +40,7 @@ class Exporter {
         Enter(level.path.Child(next.name));
       }
     }
-    result_.bytes = writer_.Finish();
+    write_(writer_.Finish());
     result_.firstLoss = writer_.FirstLoss();
     return std::move(result_);
   }
@@ -55,11 +57,14 @@ class Exporter {
       Check(value.status, path);
       writer_.Value(value.name, static_cast<std::uint32_t>(value.type), value.data);
       ++result_.values;
+      if (writer_.Pending() >= kPieceBytes) write_(writer_.Take());
     }
+    if (writer_.Pending() >= kPieceBytes) write_(writer_.Take());
     levels_.push_back({path, std::move(opened.key)});
   }
 
   Registry& registry_;
+  const WriteBytes& write_;
   RegFileWriter writer_;
   std::vector<Level> levels_;
   ExportResult result_;
@@ -67,11 +72,15 @@ class Exporter {
 
 }  // namespace
 
-ExportResult ExportKey(Registry& registry, const RegistryPath& path, RegFileForm form, const CodePage& codePage) {
-  ExportResult result = Exporter(registry, form, codePage).Run(path);
-  if (result.firstLoss.empty()) return result;
-  std::string firstLoss = std::move(result.firstLoss);
-  result = Exporter(registry, RegFileForm::Unicode5, codePage).Run(path);
+ExportResult ExportKey(Registry& registry, const RegistryPath& path, RegFileForm form, const CodePage& codePage,
+                       const WriteBytes& write) {
+  std::string firstLoss;
+  if (form == RegFileForm::Regedit4) {
+    const WriteBytes drop = [](std::string_view) {};
+    firstLoss = Exporter(registry, form, codePage, drop).Run(path).firstLoss;
+    if (!firstLoss.empty()) form = RegFileForm::Unicode5;
+  }
+  ExportResult result = Exporter(registry, form, codePage, write).Run(path);
   result.firstLoss = std::move(firstLoss);
   return result;
 }

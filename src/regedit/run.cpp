@@ -38,8 +38,10 @@ class FileSource : public ByteSource {
 RegeditExit RunExport(Platform& platform, const RegeditCommand& command, const WinPath& file, std::ostream& out,
                       std::ostream& err) {
   const CodePage codePage(platform.GetFiles().CodePageNumber());
-  const ExportResult result = ExportKey(platform.GetRegistry(), command.key, command.form, codePage);
-  platform.GetFiles().WriteFile(file, result.bytes);
+  const std::unique_ptr<FileWriter> writer = platform.GetFiles().StartFile(file);
+  const ExportResult result = ExportKey(platform.GetRegistry(), command.key, command.form, codePage,
+                                        [&](std::string_view bytes) { writer->Write(bytes); });
+  writer->Commit();
   err << FormNotice(result, command.file);
   if (!command.silent) out << ExportSummary(result, FullName(command.key), command.file);
   return RegeditExit::Done;

@@ -29,7 +29,10 @@ class RegFileWriter {
   void Key(std::string_view fullName);
   /// A value of the key begun last; an empty name is the default value.
   void Value(std::string_view name, std::uint32_t type, ByteView data);
-  /// Ends the file and returns its bytes.
+  /// The bytes written since the last call, for a file that is not to be held whole. How many there are: Pending().
+  std::string Take();
+  std::size_t Pending() const { return out_.size(); }
+  /// Ends the file and returns its bytes, without those that were taken.
   std::string Finish();
 
   /// False once a name or text was written that the 8-bit form cannot hold (it then shows "?" there). Always true
@@ -48,7 +51,7 @@ class RegFileWriter {
 
   RegFileForm form_;
   CodePage codePage_;
-  std::string out_;  ///< the file's bytes so far, in its own encoding
+  std::string out_;  ///< bytes not yet taken, in the file's encoding
   std::string currentKey_;
   bool holdsEverything_ = true;
   std::string firstLoss_;

@@ -93,9 +93,13 @@ void RegFileWriter::Value(std::string_view name, std::uint32_t type, ByteView da
   if (!held) NoteLoss(quotedName);
 }
 
+std::string RegFileWriter::Take() {
+  return std::exchange(out_, {});
+}
+
 std::string RegFileWriter::Finish() {
   Put(kLineEnd);
-  return std::exchange(out_, {});
+  return Take();
 }
 
 void RegFileWriter::PutHex(std::size_t column, ByteView data) {

@@ -20,6 +20,11 @@ Bytes Stored(std::u16string text) {
   return Utf16Bytes(text += u'\0');
 }
 
+struct Exported : ExportResult {
+  std::string bytes;
+  std::size_t pieces = 0;
+};
+
 /// A registry with nothing but an empty user's hive.
 struct System : OfflineFixture {
   explicit System(HiveMode mode = HiveMode::Write)
@@ -31,8 +36,17 @@ struct System : OfflineFixture {
     const OpenResult opened = registry.Create(kIdentities.Child(path));
     ASSERT_EQ(registry.SetStoredValue(opened.key, name, type, data), Status::Success);
   }
-  ExportResult Export(RegFileForm form = RegFileForm::Regedit4, unsigned codePage = CodePage::kDefault) {
-    return ExportKey(registry, kIdentities, form, CodePage(codePage));
+  Exported Export(RegFileForm form = RegFileForm::Regedit4, unsigned codePage = CodePage::kDefault) {
+    return Export(kIdentities, form, codePage);
+  }
+  Exported Export(const RegistryPath& path, RegFileForm form, unsigned codePage = CodePage::kDefault) {
+    Exported exported;
+    static_cast<ExportResult&>(exported) =
+        ExportKey(registry, path, form, CodePage(codePage), [&](std::string_view bytes) {
+          exported.bytes += bytes;
+          ++exported.pieces;
+        });
+    return exported;
   }
   MergeReport Merge(std::string_view bytes) {
     TextSource source(bytes);
@@ -48,7 +62,7 @@ TEST(RegeditExport, WritesKeysDepthFirstAndValuesAsStored) {
   system.Set("A", "z", ValueType::Dword, {1, 0, 0, 0});
   system.Set("A", "a", ValueType::ExpandSz, Stored(u"%A%\u00E9"));
   system.Set("C", "", ValueType::Binary, {});
-  const ExportResult result = system.Export();
+  const Exported result = system.Export();
   EXPECT_EQ(result.bytes,
             "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Identities]\r\n\r\n"
             "[HKEY_CURRENT_USER\\Identities\\A]\r\n\"z\"=dword:00000001\r\n\"a\"=hex(2):25,41,25,e9,00\r\n\r\n"
@@ -60,20 +74,29 @@ TEST(RegeditExport, WritesKeysDepthFirstAndValuesAsStored) {
   System copy;
   EXPECT_EQ(copy.Merge(result.bytes).valuesSet, 4U);
   EXPECT_EQ(copy.Export().bytes, result.bytes);
-  EXPECT_THROW(ExportKey(system.registry, kIdentities.Child("D"), RegFileForm::Unicode5, CodePage()), Error);
-  EXPECT_THROW(ExportKey(system.registry, {RegistryRoot::Users, "x"}, RegFileForm::Unicode5, CodePage()), Error);
+  EXPECT_THROW(system.Export(kIdentities.Child("D"), RegFileForm::Unicode5), Error);
+  EXPECT_THROW(system.Export({RegistryRoot::Users, "x"}, RegFileForm::Unicode5), Error);
 }
 
 TEST(RegeditExport, TextThatEightBitsCannotHoldGetsTheUnicodeForm) {
   System system;
   system.Set("Key", "Username", ValueType::Sz, Stored(u"\u8868"));
   EXPECT_EQ(system.Export(RegFileForm::Regedit4, 932).form, RegFileForm::Regedit4);
-  const ExportResult result = system.Export();
+  const Exported result = system.Export();
   EXPECT_EQ(result.form, RegFileForm::Unicode5);
   System copy;
   copy.Merge(result.bytes);
   EXPECT_EQ(copy.Export(RegFileForm::Unicode5).bytes, result.bytes);
   EXPECT_THAT(FormNotice(result, "u.reg"), HasSubstr("[HKEY_CURRENT_USER\\Identities\\Key] \"Username\""));
+}
+
+TEST(RegeditExport, LargeKeysAreWrittenInPiecesAndComeBack) {
+  System system, copy;
+  for (int i = 0; i < 8; ++i) system.Set("Key" + std::to_string(i), "b", ValueType::Binary, Bytes(100'000, 0xAB));
+  const Exported result = system.Export();
+  EXPECT_GT(result.pieces, 4U);
+  EXPECT_EQ(copy.Merge(result.bytes).valuesSet, 8U);
+  EXPECT_EQ(copy.Export().bytes, result.bytes);
 }
 
 TEST(RegeditMerge, CountsWhatItChangesAndTellsWhatItCannot) {
