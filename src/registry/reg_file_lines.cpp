@@ -114,8 +114,11 @@ void RegFileLines::FillTo(std::size_t length) {
 
 /// Where in the buffer the line ends; the buffer's size (without half a unit) when that is not in it.
 std::size_t RegFileLines::FindLineEnd() const {
-  if (encoding_ != Encoding::Utf16) return std::min(buffer_.find_first_of(kCrLf, at_), buffer_.size());
   std::size_t end = at_;
+  if (encoding_ != Encoding::Utf16) {
+    while (end < buffer_.size() && buffer_[end] != '\r' && buffer_[end] != '\n') ++end;
+    return end;
+  }
   for (; end + 1 < buffer_.size(); end += 2) {
     const char16_t unit = UnitAt(end);
     if (unit == u'\r' || unit == u'\n') break;
