@@ -13,6 +13,7 @@
 #include "platform/offline/host_open.h"
 #include "text/code_page.h"
 #include "text/error.h"
+#include "text/message_text.h"
 #include "text/unicode.h"
 
 namespace quillbox {
@@ -323,7 +324,7 @@ UnreadableAnswer CopyCommand::AskAboutDamage(const Job& job, std::uint64_t offse
   if (damageAnswer_) return *damageAnswer_;
   progress_.reset();
   const MessageAnswer answer = dialogs_.Show(
-      {.text = job.source.Text() + " cannot be read in full: " + ReasonOf(code) + " at offset " + Hex(offset) +
+      {.text = OneLine(job.source.Text()) + " cannot be read in full: " + ReasonOf(code) + " at offset " + Hex(offset) +
                ".\n\nDo you want to keep what can be read of such files? Each gets a name of its own, like \"" +
                DamagedName(job.target.Name(), 1) +
                "\", with zeros for what is missing and a list of it beside; a copy that is there already stays as it "
@@ -350,9 +351,10 @@ void CopyCommand::Fail(const Job& job, const Fault& fault) {
   End(job, CopyEnd::Failed, fault.why);
   if (stopReason_ || wentOn_.contains(fault.kind)) return;
   progress_.reset();
-  Message message{.text = "Cannot copy " + job.source.Name() + ".\n\n" + fault.about + ": " + fault.why + ".",
-                  .title = kErrorTitle,
-                  .icon = MessageIcon::Exclamation};
+  Message message{
+      .text = "Cannot copy " + OneLine(job.source.Name()) + ".\n\n" + OneLine(fault.about + ": " + fault.why) + ".",
+      .title = kErrorTitle,
+      .icon = MessageIcon::Exclamation};
   if (job.request.part == CopyPart::OneOfSeveral) {
     message.text += "\n\nDo you want to stop copying, or to go on with the other files?";
     message.buttons = MessageButtons::YesNo;

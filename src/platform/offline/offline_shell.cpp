@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "text/error.h"
+#include "text/message_text.h"
 #include "text/unicode.h"
 
 namespace quillbox {
@@ -46,13 +47,13 @@ void OfflineShell::EndCommand() {
 void OfflineShell::Explore(const std::string& folder, const std::string& /*parameters*/) {
   const PlaceResult place = folder.empty() ? PlaceResult(HostFault::NoSuchDrive) : files_.PlaceOf(WinPath(folder));
   if (!place || !IsFolder(*place)) {
-    dialogs_.Show({"The path '" + folder + "' does not exist or is not a directory.", kProgramName, MessageButtons::Ok,
-                   MessageIcon::Error});
+    dialogs_.Show({"The path '" + OneLine(folder) + "' does not exist or is not a directory.", kProgramName,
+                   MessageButtons::Ok, MessageIcon::Error});
     return;
   }
   const std::string host = place->Path().string();
   if (Start(host)) return;
-  dialogs_.Show({"No file manager could be started. On this computer the folder is:\n\n" + host, kProgramName,
+  dialogs_.Show({"No file manager could be started. On this computer the folder is:\n\n" + OneLine(host), kProgramName,
                  MessageButtons::Ok, MessageIcon::Information});
 }
 

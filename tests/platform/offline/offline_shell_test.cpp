@@ -173,6 +173,8 @@ TEST_F(OfflineShellTest, ExploresOnlyFoldersAndNeverThroughAShell) {
     shell.Explore(missing, "");
     EXPECT_EQ(dialogs.LastMessage(), std::string("The path '") + missing + "' does not exist or is not a directory.");
   }
+  shell.Explore("C:\\a\n\nb", "");
+  EXPECT_EQ(dialogs.LastMessage(), "The path 'C:\\a\u240A\u240Ab' does not exist or is not a directory.");
   disk.Folder("$(touch x); it's");
   shell.Explore("C:\\$(touch x); it's", "");
   EXPECT_THAT(dialogs.LastMessage(), HasSubstr((disk / "$(touch x); it's").string())) << "there is no file manager";
