@@ -15,6 +15,11 @@ struct AddressBookTest : SamplePlatform {
     MakeDisk();
     book = std::make_unique<AddressBook>(*platform, *store);
   }
+  /// Moves the address book, and has the copy at its place.
+  void Move(const char* folder) {
+    EXPECT_FALSE(book->MoveTo(folder).has_value());
+    platform->EndCommand();
+  }
 
   std::unique_ptr<AddressBook> book;
 };
@@ -35,18 +40,17 @@ TEST_F(AddressBookTest, MovingCopiesTheFileAndPointsTheSettingThere) {
   temp.File("disk/C/Mail/home.wab", "contacts");
   std::filesystem::create_directories(sample.driveD / "Books");
   book->Use(kOnC);
-  book->MoveTo("D:\\Books");
+  Move("D:\\Books");
   EXPECT_EQ(book->InUse(), "D:\\Books\\home.wab");
   EXPECT_EQ(Content(sample.driveD / "Books/home.wab"), "contacts");
   EXPECT_EQ(temp.Read("disk/C/Mail/home.wab"), "contacts");
 
-  dialogs.overwriteAnswers = {OverwriteAnswer::Yes};
-  book->MoveTo("D:\\Books\\");
+  Move("D:\\Books\\");
   EXPECT_EQ(book->InUse(), "D:\\Books\\home.wab");
   EXPECT_THAT(dialogs.LastMessage(), HasSubstr("same file"));
   EXPECT_EQ(Content(sample.driveD / "Books/home.wab"), "contacts");
 
-  book->MoveTo("D:\\None");
+  Move("D:\\None");
   EXPECT_EQ(book->InUse(), "D:\\None\\home.wab");
   EXPECT_THAT(dialogs.LastMessage(), HasSubstr("there is no such folder"));
 }
@@ -68,7 +72,7 @@ TEST_F(AddressBookTest, NothingLeadsOffTheDisk) {
   // A name with a way out in it is no way out.
   temp.File("disk/C/up.wab", "contacts");
   book->Use("C:\\a/../../../up.wab");
-  EXPECT_FALSE(book->MoveTo("D:\\").has_value());
+  Move("D:\\");
   EXPECT_EQ(book->InUse(), "D:\\up.wab");
   EXPECT_EQ(Content(sample.driveD / "up.wab"), "contacts");
 }

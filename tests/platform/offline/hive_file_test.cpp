@@ -176,7 +176,7 @@ TEST_F(HiveFileTest, NothingOutsideTheDiskIsReadOrReplaced) {
   fs::create_symlink(outside / "log", disk / "profile/ntuser.dat.log");
   const HostPlace place = HostPlace::DiskRoot(disk.Path()).Join("profile").Join("NTUSER.DAT");
   HiveFile file(place, HiveMode::Write, disk / "state", log);
-  EXPECT_THAT(log.text, HasSubstr("ntuser.dat.log: not used, since it leads out of the disk"));
+  EXPECT_THAT(log.text, HasSubstr("ntuser.dat.log: not used, since it could not be read: it leads out of the disk"));
 
   Set(file, "new");
   fs::rename(disk / kHive, disk / "profile/moved");

@@ -182,6 +182,9 @@ TEST_P(HostileDiskTest, WhatIsNotAFileIsNeitherReadNorWaitedFor) {
 TEST_P(HostileDiskTest, ALinkPutInAfterTheLookupIsNotFollowed) {
   const HostPlace file = *files.PlaceOf(WinPath("C:\\Store\\Folders.dbx"));
   const HostPlace folder = *files.PlaceOf(WinPath("C:\\Store"));
+  temp.File("c/Store/deep/Old.dbx", "within");
+  temp.File("elsewhere/deep/Old.dbx", "secret");
+  const HostPlace deep = *files.PlaceOf(WinPath("C:\\Store\\deep\\Old.dbx"));
   const HostPlace fresh = *files.PlaceOf(WinPath("C:\\Store\\bashrc"), LastStep::NoLink);
   const auto expectAllRefused = [&](const HostPlace& place, const std::string& why) {
     EXPECT_EQ(Fault([&] { OpenForReading(place); }), why);
@@ -197,6 +200,11 @@ TEST_P(HostileDiskTest, ALinkPutInAfterTheLookupIsNotFollowed) {
   for (const HostPlace& place : {file, fresh}) expectAllRefused(place, "it leads out of the disk");
   EXPECT_EQ(Fault([&] { OpenFolder(folder); }), "it leads out of the disk");
   EXPECT_EQ(StatPlace(fresh), std::nullopt);
+
+  fs::remove(c / "Store");
+  fs::create_directory_symlink(temp / "elsewhere", c / "Store");
+  expectAllRefused(deep, "it leads out of the disk");
+  EXPECT_EQ(temp.Read("elsewhere/deep/Old.dbx"), "secret");
 
   fs::remove(c / "Store");
   fs::create_directory_symlink(c / "bk", c / "Store");
