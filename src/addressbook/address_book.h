@@ -37,8 +37,8 @@ class AddressBook {
   std::optional<DiskPath> RestoreSetting();
 
   /// Sets the file in use to the file of its name in `folder`, then begins to copy it there; the old file stays. The
-  /// shell asks before it replaces a file and tells what it cannot copy; the setting is changed all the same. Nothing is done
-  /// when the file or the folder is refused, which is the result.
+  /// shell asks before it replaces a file and tells what it cannot copy; the setting is changed all the same. Nothing
+  /// is done when the file or the folder is refused, which is the result.
   std::optional<PathRefusal> MoveTo(const std::string& folder);
 
  private:

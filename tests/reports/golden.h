@@ -13,7 +13,7 @@
 namespace quillbox {
 
 inline void ExpectGolden(const std::string& name, const std::string& bytes) {
-  const std::filesystem::path file = std::filesystem::path(__FILE__).parent_path() / "golden" / name;
+  const std::filesystem::path file = std::filesystem::path(QUILLBOX_GOLDEN_DIR) / name;
   if (std::getenv("QUILLBOX_NEW_GOLDEN")) std::ofstream(file, std::ios::binary) << bytes;
   std::ifstream in(file, std::ios::binary);
   EXPECT_EQ(bytes, std::string(std::istreambuf_iterator<char>(in), {})) << name;

@@ -135,9 +135,9 @@ TEST_F(HostileDiskTest, WhatThePersonChoosesInTheWindowsNeedsNoQuestion) {
 
 TEST_F(HostileDiskTest, SystemFoldersAndTheDiskItselfAreNeitherOfferedNorTaken) {
   std::filesystem::create_directory_symlink(sample.driveC, temp / "host/link");
-  Form1& form = Start();
   for (const std::string& folder :
        {std::string("Z:\\proc\\self"), std::string("z:/dev/shm"), OnZ(sample.driveD), OnZ(temp / "host/link/Mail")}) {
+    Form1& form = Start();
     dialogs.messages.clear();
     dialogs.folderAnswers = {WinPath(folder)};
     form.menuBar.click("brbkfldr");
@@ -158,7 +158,6 @@ TEST_F(HostileDiskTest, SystemFoldersAndTheDiskItselfAreNeitherOfferedNorTaken) 
     EXPECT_THAT(Texts(), ElementsAre(kAskStart));
     EXPECT_THAT(platform->log.lines, Contains(HasSubstr("cannot be the backup folder")));
     EXPECT_EQ(Stored(), folder);
-    Start();
   }
 }
 
