@@ -200,8 +200,7 @@ bool CopyCommand::MayReplace(const Job& job) {
 }
 
 void CopyCommand::Run(const Job& job) {
-  const HostPlace folder = job.to->Folder();
-  if (swept_.insert(folder.Path()).second) RemoveAbandonedFiles(folder);
+  files_.Sweep(job.to->Folder());
   try {
     return Fill(job);
   } catch (const CopyFault& fault) {

@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <deque>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <set>
@@ -82,7 +81,6 @@ class CopyCommand {
   Log& log_;
   CopyIo& io_;
   std::vector<CopyResult> results_;
-  std::set<std::filesystem::path> swept_;  ///< folders that were freed of abandoned copies
   bool yesToAll_ = false;
   std::optional<UnreadableAnswer> damageAnswer_;
   std::set<FaultKind> wentOn_;             ///< kinds of failures that the person answered "go on" about

@@ -250,6 +250,7 @@ std::unique_ptr<FileWriter> OfflineFiles::StartFile(const WinPath& path) {
   if (const std::string fault = FileNameFault(absolute.Name()); !fault.empty() && !StatPlace(place)) {
     throw Error(kWriting, {absolute.Text(), {}, {}}, "no file can have that name: " + fault);
   }
+  if (!IsStream(place)) Sweep(place.Folder());
   return StartHostFile(place, absolute.Text());
 }
 

@@ -10,6 +10,7 @@
 #include "platform/host_paths.h"
 #include "platform/offline/drive_map.h"
 #include "platform/offline/environment.h"
+#include "platform/offline/folder_sweep.h"
 #include "text/code_page.h"
 
 namespace quillbox {
@@ -29,6 +30,9 @@ class OfflineFiles : public FileSystem, public HostPaths {
   std::filesystem::path HostPath(const WinPath& path) const override;
   WinPath WindowsPathOf(const std::filesystem::path& path) const override;
   void SetCodePageNumber(unsigned number) { codePage_ = number; }
+  /// Frees a host folder, into which a file is about to be written, of abandoned temporary files.
+  void Sweep(const HostPlace& folder) { sweep_.Sweep(folder); }
+  void EndCommand() { sweep_.Forget(); }
 
   std::unique_ptr<FileFinder> Find(const WinPath& pattern) override;
   std::unique_ptr<FileFinder> FindNames(const WinPath& pattern) override;
@@ -57,6 +61,7 @@ class OfflineFiles : public FileSystem, public HostPaths {
 
   DriveMap drives_;
   const Environment& environment_;
+  FolderSweep sweep_;
   unsigned codePage_ = CodePage::kDefault;
   char currentDrive_ = DriveMap::kSystemDrive;
   std::map<char, WinPath> currentDirectories_;  ///< a drive without an entry is at its root

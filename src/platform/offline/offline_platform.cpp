@@ -137,6 +137,7 @@ unsigned OfflinePlatform::FindCodePage() {
 
 void OfflinePlatform::EndCommand() {
   shell_.EndCommand();
+  files_.EndCommand();
   registry_.Commit();
 }
 

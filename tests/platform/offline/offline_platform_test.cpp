@@ -92,5 +92,16 @@ TEST_F(OfflinePlatformTest, RefusesWhatItCannotOpen) {
   EXPECT_THAT(WhyNot(), HasSubstr("ntuser.dat"));
 }
 
+TEST_F(OfflinePlatformTest, FoldersThatAreWrittenAreFreedOfWhatWasLeft) {
+  const std::filesystem::path folders[] = {disk.anna, disk.folder / "Export"};
+  std::filesystem::create_directories(folders[1]);
+  for (const std::filesystem::path& folder : folders) std::ofstream(folder / ".quillbox-a1B2c3") << "half a file";
+  OfflinePlatform platform(options, dialogs);
+  platform.GetFiles().WriteFile(WinPath("C:\\Export\\a.reg"), "text");
+  for (const std::filesystem::path& folder : folders) {
+    EXPECT_FALSE(std::filesystem::exists(folder / ".quillbox-a1B2c3")) << folder;
+  }
+}
+
 }  // namespace
 }  // namespace quillbox

@@ -1,0 +1,11 @@
+#include "platform/offline/folder_sweep.h"
+
+#include "platform/offline/host_file.h"
+
+namespace quillbox {
+
+void FolderSweep::Sweep(const HostPlace& folder) {
+  if (swept_.insert(folder.Path()).second) RemoveAbandonedFiles(folder);
+}
+
+}  // namespace quillbox
