@@ -12,6 +12,12 @@
 namespace quillbox {
 namespace {
 
+// The program that starts the editor hands it the disk's lock, and has asked the person itself.
+Salvage SalvageOf(const RegeditDisk& disk) {
+  if (!disk.salvage) return Salvage::Ask;
+  return disk.lockFds.empty() ? Salvage::Agreed : Salvage::AgreedBefore;
+}
+
 // An export leaves the registry alone, so it also works while another program has the disk.
 OfflineOptions DiskOptions(const RegeditRequest& request) {
   OfflineOptions options;
@@ -22,6 +28,7 @@ OfflineOptions DiskOptions(const RegeditRequest& request) {
   options.currentDirectory = request.disk.directory;
   options.stateFolder = request.disk.stateFolder;
   options.readOnly = request.command.action == RegeditAction::Export;
+  options.salvage = SalvageOf(request.disk);
   return options;
 }
 
@@ -45,6 +52,10 @@ RegeditExit Run(const std::vector<std::string>& arguments) {
 int main(int argc, char** argv) {
   try {
     return static_cast<int>(quillbox::Run({argv + 1, argv + argc}));
+  } catch (const quillbox::HiveRefused& error) {
+    std::cerr << "regedit: " << error.what()
+              << "\nregedit: nothing was done; with --salvage it is opened all the same\n";
+    return static_cast<int>(quillbox::RegeditExit::Failed);
   } catch (const std::exception& error) {
     std::cerr << "regedit: " << error.what() << '\n';
     return static_cast<int>(quillbox::RegeditExit::Failed);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/offline/hive_consent.h"
 #include "sample/sample_disk.h"
 #include "text/error.h"
 
@@ -16,9 +17,12 @@ constexpr const char* kSampleFolder = "quillbox-sample";
 std::string ProfileLine(const ProfileFolder& profile) {
   const IdentityCount count = CountIdentities(profile);
   if (count.error) return profile.name + " — cannot be read: " + count.error->Why();
-  if (count.identities == 0) return profile.name + " — no identities";
-  return profile.name +
-         (count.identities == 1 ? " — 1 identity" : " — " + std::to_string(count.identities) + " identities");
+  std::string line = profile.name + " — ";
+  line += count.identities == 0 ? "no" : std::to_string(count.identities);
+  line += count.identities == 1 ? " identity" : " identities";
+  if (count.damagedPlaces > 0) return line + " (registry " + DamagedIn(count.damagedPlaces) + ")";
+  if (count.lacksLogs) return line + " (registry not closed cleanly, and its logs cannot be used)";
+  return line;
 }
 
 }  // namespace
@@ -52,6 +56,7 @@ StartWindow::StartWindow(HandlerGuard& guard, Dialogs& dialogs, std::function<vo
       open_(std::move(open)) {
   txtFolder.readOnly = true;
   lblFault.colour = Colour::Red;
+  lblFault.wraps = true;
   cmdOpen.isDefault = true;
   cmdOpen.enabled = false;
   cmdClose.isCancel = true;

@@ -19,6 +19,8 @@ const std::string_view kRegeditUsage =
     "  --disk FOLDER       the folder that holds the Windows disk's C:\\\n"
     "  --profile NAME      whose registry, where the disk has several profiles\n"
     "  --drive D=FOLDER    the folder of a further drive (may be repeated)\n"
+    "  --salvage           open a damaged registry without its damaged parts (changes go to a private copy), and one\n"
+    "                      that was not closed cleanly as it stands where its logs cannot be used\n"
     "  /s                  say nothing but what went wrong\n"
     "KEY is a full name such as \"HKEY_CURRENT_USER\\Identities\".\n";
 
@@ -130,6 +132,7 @@ constexpr std::array<Option, 6> kOptions{{
 }};
 
 constexpr std::string_view kCommandLineOption = "--command-line";
+constexpr std::string_view kSalvageOption = "--salvage";
 
 void SetHandOperands(RegeditRequest& request, const std::vector<std::string>& operands) {
   const bool isExport = request.command.action == RegeditAction::Export;
@@ -168,6 +171,10 @@ RegeditRequest ParseArguments(const std::vector<std::string>& arguments) {
     const std::string& argument = arguments[i];
     if (!argument.starts_with("--")) {
       if (!ApplySwitch(argument, request.command)) operands.push_back(argument);
+      continue;
+    }
+    if (argument == kSalvageOption) {
+      request.disk.salvage = true;
       continue;
     }
     const auto* option =

@@ -31,6 +31,7 @@ struct RegeditDisk {
   std::vector<int> lockFds;            ///< open descriptors that hold the disk's locks, inherited from the program
   std::string directory;               ///< current directory, a Windows path; empty: the platform's choice
   std::string stateFolder;             ///< where the program keeps private copies; empty: the user's own
+  bool salvage = false;                ///< open damaged hives, and those whose logs cannot be used, without a question
 };
 
 struct RegeditRequest {

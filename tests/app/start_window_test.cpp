@@ -3,8 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/offline/offline_platform.h"
 #include "platform/platform.h"
 #include "sample/sample_disk.h"
+#include "support/damaged_hive.h"
 #include "support/scripted_dialogs.h"
 #include "support/temp_folder.h"
 
@@ -57,6 +59,43 @@ TEST_F(StartWindowTest, ADamagedHiveIsNamedBesideItsProfile) {
   temp.File("disk/C/Documents and Settings/Ann Miller/NTUSER.DAT", "no hive");
   window.Look({.folder = temp / "disk/C", .profile = {}, .drives = {}});
   EXPECT_THAT(window.lstProfiles.items.Get(), ElementsAre(HasSubstr("Ann Miller — cannot be read: ")));
+}
+
+TEST_F(StartWindowTest, ARegistryThatCanBeReadInPartSaysSoBesideItsProfile) {
+  MakeSampleDisk(temp / "disk", {.smallStores = true});
+  const std::filesystem::path hive = temp / "disk/C/Documents and Settings/Ann Miller/NTUSER.DAT";
+  const std::string content = temp.Read("disk/C/Documents and Settings/Ann Miller/NTUSER.DAT");
+  LeaveUnclosed(hive);
+  std::ofstream(hive.string() + ".LOG") << "no log";
+  window.Look({.folder = temp / "disk/C", .profile = {}, .drives = {}});
+  EXPECT_THAT(window.lstProfiles.items.Get(),
+              ElementsAre("Ann Miller — 3 identities (registry not closed cleanly, and its logs cannot be used)"));
+
+  std::ofstream(hive, std::ios::binary) << content;
+  DamageKeys(hive, {"Environment", "Software\\Microsoft\\WAB\\WAB4\\Wab File Name"});
+  window.Look({.folder = temp / "disk/C", .profile = {}, .drives = {}});
+  EXPECT_THAT(window.lstProfiles.items.Get(), ElementsAre("Ann Miller — 3 identities (registry damaged in 2 places)"));
+}
+
+TEST_F(StartWindowTest, AnAnswerOfNoLeavesTheWindowWithTheReason) {
+  const SampleDisk sample = MakeSampleDisk(temp / "disk", {.smallStores = true});
+  DamageKeys(sample.driveC / "Documents and Settings/Ann Miller/NTUSER.DAT", {"Environment"});
+  StartWindow asking(guard, dialogs, [this](const DiskChoice& choice) {
+    OfflineOptions options;
+    options.folder = choice.folder;
+    options.profile = choice.profile;
+    options.stateFolder = temp / "state";
+    const OfflinePlatform platform(options, dialogs);
+    opened.push_back(choice);
+  });
+  asking.Look({.folder = sample.driveC, .profile = {}, .drives = {}});
+  asking.Show();
+  dialogs.messageAnswers = {MessageAnswer::No, MessageAnswer::Yes};
+  asking.cmdOpen.click();
+  EXPECT_TRUE(opened.empty() && asking.visible);
+  EXPECT_THAT(asking.lblFault.caption.Get(), HasSubstr("NTUSER.DAT, offset 0x"));
+  asking.cmdOpen.click();
+  EXPECT_EQ(opened.size(), 1u);
 }
 
 TEST_F(StartWindowTest, ASampleDiskIsMadeWhereThePersonSays) {

@@ -10,6 +10,7 @@
 
 #include "platform/offline/offline_fixture.h"
 #include "registry/reg_file.h"
+#include "support/damaged_hive.h"
 
 namespace quillbox {
 namespace {
@@ -194,6 +195,48 @@ TEST_F(RegeditProgram, FilesLargerThanTheMemoryAreReadInPieces) {
   EXPECT_THAT(Run("--disk c big.reg").err,
               EndsWith("regedit: big.reg: it is larger than 4 GB, and no registry file of such a size is read "
                        "(while reading a registry file)\n"));
+}
+
+TEST_F(RegeditProgram, ADamagedRegistryIsRefusedUnlessItIsToBeSalvaged) {
+  folder.File("more.reg", "REGEDIT4\r\n[HKEY_CURRENT_USER\\Damaged]\r\n[HKEY_CURRENT_USER\\Sound]\r\n");
+  ASSERT_EQ(Run("--disk c more.reg").code, 0);
+  DamageKeys(kHive, {"Damaged"});
+  const std::string damaged = folder.Read("c/Documents and Settings/Ann/NTUSER.DAT");
+  for (const char* command : {"--disk c more.reg", "--disk c /e out.reg HKEY_CURRENT_USER"}) {
+    const Outcome refused = Run(command);
+    EXPECT_EQ(refused.code, 1) << command;
+    EXPECT_THAT(
+        refused.err,
+        AllOf(HasSubstr("The registry of Ann is damaged in 1 place. Open what can be read? The disk will not be "
+                        "written."),
+              HasSubstr("NTUSER.DAT, offset 0x"), HasSubstr("--salvage")))
+        << command;
+  }
+  EXPECT_FALSE(std::filesystem::exists(folder / "out.reg"));
+  EXPECT_FALSE(std::filesystem::exists(folder / "state/quillbox/copies"));
+
+  const Outcome exported = Run("--disk c --salvage /e:A out.reg HKEY_CURRENT_USER");
+  EXPECT_EQ(exported.code, 0) << exported.err;
+  EXPECT_THAT(exported.err, HasSubstr("the root key is damaged: "));
+  EXPECT_THAT(folder.Read("out.reg"),
+              AllOf(HasSubstr("[HKEY_CURRENT_USER\\Sound]"), testing::Not(HasSubstr("Damaged"))));
+  const Outcome merged = Run("--salvage --disk c more.reg");
+  EXPECT_EQ(merged.code, 0) << merged.err;
+  EXPECT_EQ(folder.Read("c/Documents and Settings/Ann/NTUSER.DAT"), damaged);
+  EXPECT_EQ(Run("--disk c /e:A out.reg HKEY_CURRENT_USER").code, 0) << "the private copy is sound";
+  EXPECT_THAT(folder.Read("out.reg"), HasSubstr("[HKEY_CURRENT_USER\\Damaged]"));
+}
+
+TEST_F(RegeditProgram, ARegistryWithoutItsLogsIsRefusedUnlessItIsToBeSalvaged) {
+  LeaveUnclosed(kHive);
+  std::ofstream(kHive.string() + ".LOG1") << "no log";
+  const Outcome refused = Run("--disk c start.reg");
+  EXPECT_EQ(refused.code, 1);
+  EXPECT_THAT(refused.err, AllOf(HasSubstr("NTUSER.DAT.LOG1: "), HasSubstr("Windows might still apply them")));
+  EXPECT_FALSE(std::filesystem::exists(kHive.string() + ".before-quillbox"));
+  const Outcome merged = Run("--disk c --salvage start.reg");
+  EXPECT_EQ(merged.code, 0) << merged.err;
+  EXPECT_EQ(folder.Read("c/Documents and Settings/Ann/NTUSER.DAT.LOG1.before-quillbox"), "no log");
 }
 
 TEST_F(RegeditProgram, IndependentReaderFindsTheSame) {

@@ -1,12 +1,12 @@
 #include "platform/offline/hive_file.h"
 
+#include <optional>
 #include <system_error>
 #include <utility>
-#include <vector>
 
+#include "platform/offline/hive_logs.h"
+#include "platform/offline/host_file.h"
 #include "platform/offline/host_open.h"
-#include "platform/offline/place_finder.h"
-#include "platform/offline/windows_names.h"
 #include "text/error.h"
 
 namespace quillbox {
@@ -14,48 +14,43 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* kOpening = "opening the hive";
-constexpr const char* kReadingLog = "reading the hive's log";
 constexpr const char* kWriting = "writing the hive";
 
 std::string Shown(const HostPlace& file) {
   return file.Path().string();
 }
 
-struct FoundLog {
-  HostPlace entry;    ///< beside the hive
-  PlaceResult place;  ///< what is read: the entry, or the file that it leads to
-};
-
-/// The hive's own logs, whose names may be in another case than its own: that of the old form first, then the two of
-/// the new one.
-std::vector<FoundLog> FindLogs(const HostPlace& hive) {
-  std::vector<FoundLog> logs;
-  for (const char* suffix : {".LOG", ".LOG1", ".LOG2"}) {
-    const std::string wanted = WindowsName(hive.Name()) + suffix;
-    const PlaceResult entry = FindPlace(hive.Folder(), {wanted}, LastStep::Keep);
-    if (!entry || !StatPlace(*entry)) continue;
-    logs.push_back({*entry, FollowEntry(hive.Folder(), entry->Name())});
-  }
-  return logs;
+Hive LoadHive(const HostPlace& file, DamagedParts damaged) {
+  return Hive::Load(
+      ReadHostFile(file, kOpening), Shown(file), [&] { return ReadLogsOf(file); }, damaged);
 }
 
-std::vector<HiveLogFile> ReadLogs(const HostPlace& hive) {
-  std::vector<HiveLogFile> logs;
-  for (const FoundLog& log : FindLogs(hive)) {
-    HiveLogFile file{Shown(log.entry), {}, {}};
-    try {
-      if (!log.place) throw HostFileError(kReadingLog, log.entry, log.place.Fault());
-      file.bytes = ReadHostFile(*log.place, kReadingLog);
-    } catch (const Error& error) {
-      file.unreadable = error.Why();
-    }
-    logs.push_back(std::move(file));
+/// What can be read of a hive that is refused with `refusal`, which is thrown when that is nothing.
+Hive LoadDamaged(const HostPlace& file, const Error& refusal) {
+  try {
+    return LoadHive(file, DamagedParts::LeaveOut);
+  } catch (const Error&) {
+    throw refusal;
   }
-  return logs;
 }
 
-Hive LoadHive(const HostPlace& file) {
-  return Hive::Load(ReadHostFile(file, kOpening), Shown(file), [&] { return ReadLogs(file); });
+/// Throws HiveRefused with the words of `refusal` when the hive needs `consent` and does not get it.
+Hive Agreed(Hive hive, const HiveConsent& consent, const Error& refusal) {
+  if (NeedsConsent(hive) && (!consent || !consent(hive))) throw HiveRefused(refusal);
+  return hive;
+}
+
+Hive LoadAgreed(const HostPlace& file, const HiveConsent& consent) {
+  std::optional<Hive> hive;
+  try {
+    hive = LoadHive(file, DamagedParts::Refuse);
+  } catch (const HostFileError&) {
+    throw;
+  } catch (const Error& fault) {
+    return Agreed(LoadDamaged(file, fault), consent, fault);
+  }
+  const Error refusal(kOpening, {Shown(file), {}, {}}, UnusedLogsFault(*hive));
+  return Agreed(std::move(*hive), consent, refusal);
 }
 
 /// A hive anywhere on the host with its links resolved; beneath a drive they are already.
@@ -69,9 +64,15 @@ HostPlace RealPlace(const HostPlace& hive) {
 
 }  // namespace
 
-HiveFile::HiveFile(const HostPlace& hive, HiveMode mode, const fs::path& stateFolder, Log& log)
+HivePlaces PlacesOf(const HostPlace& hive, const fs::path& stateFolder) {
+  const HostPlace disk = RealPlace(hive);
+  return {disk, PrivateCopy(stateFolder, disk).File()};
+}
+
+HiveFile::HiveFile(const HostPlace& hive, HiveMode mode, const fs::path& stateFolder, Log& log,
+                   const HiveConsent& consent)
     : disk_(RealPlace(hive)), mode_(mode), log_(log), copy_(stateFolder, disk_), readFrom_(disk_) {
-  Read(Source());
+  Read(Source(), consent);
   if (copy_.IsOutdated()) {
     log_.Write(Shown(disk_) + ": changed since its private copy was begun; " + Shown(copy_.File()) + " is not used");
   }
@@ -84,26 +85,34 @@ HiveFile::HiveFile(const HostPlace& hive, HiveMode mode, const fs::path& stateFo
   if (!canWrite_) log_.Write(Shown(copy_.File()) + ": it cannot be written either; nothing can be changed");
 }
 
+void HiveFile::LeaveDiskAlone() {
+  if (private_ || mode_ == HiveMode::Read) return;
+  private_ = true;
+  canWrite_ = copy_.CanWrite();
+  log_.Write(Shown(disk_) + ": changes go to " + Shown(copy_.File()));
+}
+
 const HostPlace& HiveFile::Source() const {
   return copy_.IsCurrent() ? copy_.File() : disk_;
 }
 
-void HiveFile::Read(const HostPlace& file) {
+void HiveFile::Read(const HostPlace& file, const HiveConsent& consent) {
   // The state first: a change while it is read then shows as one later.
   const FileState state = StateOf(file);
-  hive_ = LoadHive(file);
+  const bool isCopy = file == copy_.File();
+  hive_ = LoadAgreed(file, consent);
   readFrom_ = file;
   readState_ = state;
   edited_ = unsaved_ = false;
+  agreed_ = agreed_ || NeedsConsent(*hive_);
+  damagedCopy_ = isCopy && !hive_->Damage().empty();
+  damagedPlaces_ = hive_->DamageCount() + (isCopy ? copy_.DamagedPlaces() : 0);
   if (hive_->Origin() == HiveOrigin::Recovered) log_.Write(Shown(file) + ": not closed cleanly; its log was applied");
   if (hive_->Origin() == HiveOrigin::DirtyNoLog) {
     log_.Write(Shown(file) + ": not closed cleanly, and no log to recover it from; taken as it stands");
   }
-  for (const UnusedHiveLog& unused : hive_->UnusedLogs()) log_.Write(unused.name + ": not used, since " + unused.why);
-  if (file == copy_.File()) {
-    private_ = true;
-    log_.Write(Shown(disk_) + ": its private copy " + Shown(file) + " is used in its place");
-  }
+  if (isCopy) log_.Write(Shown(disk_) + ": its private copy " + Shown(file) + " is used in its place");
+  private_ = private_ || isCopy || damagedPlaces_ > 0;
 }
 
 Hive& HiveFile::Edit() {
@@ -111,49 +120,114 @@ Hive& HiveFile::Edit() {
   return *hive_;
 }
 
+bool HiveFile::NeedsWriting() const {
+  return unsaved_ || (edited_ && hive_->Changed());
+}
+
 void HiveFile::Commit(FileTime now) {
-  if (!unsaved_ && !(edited_ && hive_->Changed())) return;
+  if (!NeedsWriting()) return;
+  try {
+    WriteImage(now, "");
+  } catch (const HostFileError& error) {
+    if (error.IsInPlace()) NoteWritten();
+    throw;
+  }
+  NoteWritten();
+  unsaved_ = false;
+}
+
+void HiveFile::Stage(FileTime now) {
+  WriteImage(now, kStagedSuffix);
+  staged_ = Staged::Ready;
+}
+
+void HiveFile::Publish() try {
+  if (staged_ == Staged::No) return;
+  if (staged_ == Staged::Ready) {
+    CheckWritable();
+    MoveIntoPlace(StagedFile(), TargetFile(), kWriting);
+    NoteWritten();
+  } else {
+    FlushFolder(OpenFolder(TargetFile().Folder()).Get());
+  }
+  staged_ = Staged::No;
+  unsaved_ = false;
+} catch (const std::system_error& error) {
+  throw HostFileError(kWriting, TargetFile(), error.code(), true);
+} catch (const HostFileError& error) {
+  if (error.IsInPlace()) {
+    NoteWritten();
+    staged_ = Staged::InPlace;
+  }
+  throw;
+}
+
+void HiveFile::Unstage() noexcept {
+  if (staged_ == Staged::Ready) RemoveEntry(StagedFile());
+  staged_ = Staged::No;
+}
+
+void HiveFile::CheckWritable() const {
   if (!canWrite_) throw Error(kWriting, {Shown(TargetFile()), {}, {}}, "it was opened for reading only");
   if (const FileState state = StateOf(readFrom_); state != readState_) {
     throw Error(kWriting, {Shown(readFrom_), {}, {}},
                 state == FileState{} ? "it is gone" : "another program has changed it since it was read");
   }
+}
+
+/// Writes what the hive is now to the target's name with `suffix` at the end.
+void HiveFile::WriteImage(FileTime now, const char* suffix) {
+  CheckWritable();
   unsaved_ = true;
   const Bytes image = hive_->Image(now);
   try {
-    Write(image);
+    Write(image, suffix);
   } catch (const HostFileError& error) {
     if (private_ || !error.IsReadOnly() || !copy_.CanWrite()) throw;
     log_.Write(Describe(error) + "; changes go to " + Shown(copy_.File()));
     private_ = true;
-    Write(image);
+    Write(image, suffix);
   }
-  unsaved_ = edited_ = false;
 }
 
-void HiveFile::Write(const Bytes& image) {
+void HiveFile::Write(const Bytes& image, const char* suffix) {
   if (!private_) {
     KeepOriginals();
   } else if (readFrom_ != copy_.File()) {
-    const fs::path older = copy_.Begin();
+    const fs::path older = copy_.Begin(damagedPlaces_);
     if (!older.empty())
       log_.Write(Shown(disk_) + ": changed since its private copy was begun; kept as " + older.string());
+  } else if (damagedCopy_) {
+    log_.Write(Shown(copy_.File()) + ": damaged; kept as " + copy_.KeepDamaged().string());
+    copy_.Begin(damagedPlaces_);
+    damagedCopy_ = false;
   }
   const HostPlace& target = TargetFile();
-  ReplaceHostFile(target, image, kWriting, target);
-  readFrom_ = target;
-  readState_ = StateOf(target);
+  const HostPlace file = Beside(target, suffix);
+  // What was left there may be a link, which is not written to.
+  if (file != target) RemoveEntry(file);
+  ReplaceHostFile(file, image, kWriting, target);
+}
+
+/// The target holds what the last image was.
+void HiveFile::NoteWritten() {
+  readFrom_ = TargetFile();
+  readState_ = StateOf(readFrom_);
+  edited_ = edited_ && hive_->Changed();
 }
 
 void HiveFile::KeepOriginals() {
-  const auto keep = [](const HostPlace& file, const HostPlace& entry, KeepHow how) {
-    return KeepBeside(file, entry.Folder().Join(entry.Name() + kKeptSuffix), how);
-  };
-  const bool first = keep(disk_, disk_, KeepHow::SecondName);
-  if (!first || hive_->Origin() != HiveOrigin::Recovered) return;
-  // The original is of use only with its logs, which the next Windows overwrites in place.
-  for (const FoundLog& log : FindLogs(disk_)) {
-    if (log.place) keep(*log.place, log.entry, KeepHow::Copy);
+  KeepBeside(disk_, Beside(disk_, kKeptSuffix), KeepHow::SecondName);
+  // What the logs hold is of use only as long as the hive looks as it did, and is then the only way back to it.
+  KeepLogsOf(disk_, kKeptSuffix, log_);
+}
+
+void HiveFile::RemoveLeftovers() const {
+  if (mode_ == HiveMode::Read) return;
+  for (const HostPlace& file : {disk_, copy_.File()}) {
+    if (private_ && file == disk_) continue;
+    RemoveAbandonedFiles(file.Folder());
+    RemoveEntry(Beside(file, kStagedSuffix));
   }
 }
 
@@ -163,7 +237,7 @@ bool HiveFile::Reload() {
   if (unsaved_ || (edited_ && hive_->Changed())) {
     log_.Write(Shown(source) + ": another program has changed it; changes that were not yet written are lost");
   }
-  Read(source);
+  Read(source, [this](const Hive& hive) { return agreed_ && (hive.Damage().empty() || damagedPlaces_ > 0); });
   return true;
 }
 

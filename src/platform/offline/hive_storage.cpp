@@ -10,12 +10,15 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdio>
+#include <exception>
 #include <optional>
 #include <string_view>
 #include <system_error>
 #include <vector>
 
 #include "platform/offline/host_file.h"
+#include "platform/offline/host_streams.h"
 
 namespace quillbox {
 namespace {
@@ -24,6 +27,10 @@ namespace {
 constexpr std::uint64_t kMaxFileBytes = 1ull << 31;
 constexpr std::size_t kMaxAttributeBytes = 65'536;
 constexpr const char* kKeeping = "keeping the original hive";
+
+// The two sequence numbers and the time of the last write, in a hive's first block.
+constexpr std::size_t kStampAt = 4;
+constexpr std::size_t kStampEnd = 20;
 
 // Attributes of the NTFS drivers that they do not list.
 constexpr std::array kNtfsAttributes = {"system.ntfs_attrib", "system.ntfs_crtime", "system.ntfs_acl"};
@@ -84,8 +91,11 @@ bool ForbidsWriting(int code) {
 
 }  // namespace
 
-HostFileError::HostFileError(std::string doing, const HostPlace& file, const std::error_code& code)
-    : Error(std::move(doing), {file.Path().string(), {}, {}}, ReasonOf(code)), code_(code) {}
+HostFileError::HostFileError(std::string doing, const HostPlace& file, const std::error_code& code, bool inPlace)
+    : Error(std::move(doing), {file.Path().string(), {}, {}},
+            (inPlace ? "it was written, but its folder could not be flushed to the disk: " : "") + ReasonOf(code)),
+      code_(code),
+      inPlace_(inPlace) {}
 
 HostFileError::HostFileError(std::string doing, const HostPlace& file, int code)
     : HostFileError(std::move(doing), file, std::error_code(code, std::generic_category())) {}
@@ -99,6 +109,20 @@ FileState StateOf(const HostPlace& file) {
   if (!info) return {};
   return {info->st_dev, info->st_ino, static_cast<std::uint64_t>(info->st_size), info->st_mtim.tv_sec,
           info->st_mtim.tv_nsec};
+}
+
+std::string HiveStamp(const HostPlace& hive) try {
+  std::string block(kStampEnd, '\0');
+  if (OpenHostFile(hive, {})->Read(block) < block.size()) return "none";
+  std::string digits;
+  for (std::size_t at = kStampAt; at < kStampEnd; ++at) {
+    std::array<char, 3> byte = {};
+    std::snprintf(byte.data(), byte.size(), "%02x", static_cast<unsigned char>(block[at]));
+    digits += byte.data();
+  }
+  return digits;
+} catch (const Error&) {
+  return "none";
 }
 
 Bytes ReadHostFile(const HostPlace& file, const std::string& doing) try {
@@ -129,9 +153,41 @@ void ReplaceHostFile(const HostPlace& file, ByteView bytes, const std::string& d
     CopyFileAttributes(like, replacement.Fd());
     replacement.Write(AsText(bytes));
     replacement.Commit();
+  } catch (const FolderFlushError& error) {
+    throw HostFileError(doing, file, error.code(), true);
   } catch (const std::system_error& error) {
     throw HostFileError(doing, file, error.code());
   }
+}
+
+HostPlace Beside(const HostPlace& file, const char* suffix) {
+  return file.Folder().Join(file.Name() + suffix);
+}
+
+void MoveIntoPlace(const HostPlace& from, const HostPlace& file, const std::string& doing) try {
+  const OpenPlace target = OpenFolderOf(file);
+  const int folder = target.folder.Get();
+  if (renameat(folder, from.Name().c_str(), folder, target.name.c_str()) != 0) ThrowErrno(errno);
+  FlushFolder(folder);
+} catch (const FolderFlushError& error) {
+  throw HostFileError(doing, file, error.code(), true);
+} catch (const std::system_error& error) {
+  throw HostFileError(doing, file, error.code());
+}
+
+bool IsOrdinaryEntry(const HostPlace& file) try {
+  const OpenPlace entry = OpenFolderOf(file);
+  struct stat info = {};
+  return fstatat(entry.folder.Get(), entry.name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(info.st_mode);
+} catch (const std::system_error&) {
+  return false;
+}
+
+bool RemoveEntry(const HostPlace& file) noexcept try {
+  const OpenPlace entry = OpenFolderOf(file);
+  return unlinkat(entry.folder.Get(), entry.name.c_str(), 0) == 0;
+} catch (const std::exception&) {
+  return false;
 }
 
 bool KeepBeside(const HostPlace& file, const HostPlace& kept, KeepHow how) try {

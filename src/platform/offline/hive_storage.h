@@ -15,14 +15,17 @@ namespace quillbox {
 /// An Error of a call on a host file, with its code for callers that choose by it.
 class HostFileError : public Error {
  public:
-  HostFileError(std::string doing, const HostPlace& file, const std::error_code& code);
+  HostFileError(std::string doing, const HostPlace& file, const std::error_code& code, bool inPlace = false);
   /// With an errno.
   HostFileError(std::string doing, const HostPlace& file, int code);
+  /// True when the file is in its place, but may not stay there if the power fails.
+  bool IsInPlace() const { return inPlace_; }
   /// True when the disk or the permissions forbid the write, as opposed to a full or failing disk.
   bool IsReadOnly() const;
 
  private:
   std::error_code code_;
+  bool inPlace_;
 };
 
 /// What tells one state of a file from another. All zero for a file that is not there.
@@ -36,13 +39,27 @@ struct FileState {
 };
 FileState StateOf(const HostPlace& file);
 
+/// What changes in a hive whenever it is written: the sequence numbers and the time in its first block, as hexadecimal
+/// digits. "none" when there is no such file.
+std::string HiveStamp(const HostPlace& hive);
+
 /// The whole file, which must be an ordinary one, and no larger than any hive. Throws Error; `doing` as there.
 Bytes ReadHostFile(const HostPlace& file, const std::string& doing);
 
 /// Makes `file` hold `bytes`, or replaces it by them, whole or not at all. Owner, permissions, extended attributes
 /// (Windows' own ones and the time of creation among them) are taken from `like`, where it exists, as far as the system
-/// lets them. Throws HostFileError, with the file as it was and no temporary file left.
+/// lets them. Throws HostFileError, with no temporary file left, and with the file as it was unless IsInPlace().
 void ReplaceHostFile(const HostPlace& file, ByteView bytes, const std::string& doing, const HostPlace& like);
+
+/// The entry beside `file` whose name is the file's with `suffix` at the end.
+HostPlace Beside(const HostPlace& file, const char* suffix);
+/// Gives `from` the name of `file`, which is in the same folder, in one step, and flushes the folder. Throws
+/// HostFileError.
+void MoveIntoPlace(const HostPlace& from, const HostPlace& file, const std::string& doing);
+/// True for an ordinary file under this very name; false for a link to one.
+bool IsOrdinaryEntry(const HostPlace& file);
+/// Removes a file or a link itself. False with errno when it stays.
+bool RemoveEntry(const HostPlace& file) noexcept;
 
 enum class KeepHow {
   SecondName,  ///< a hard link where there are any, else a copy: for a file that will be replaced, never overwritten

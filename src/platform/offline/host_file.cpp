@@ -65,13 +65,14 @@ std::optional<struct stat> ReplacedBy(const HostPlace& place, const OpenPlace& t
   return existing;
 }
 
+}  // namespace
+
 void FlushFolder(int folder) {
   if (fsync(folder) == 0) return;
-  // Some file systems have no such call for folders, and a folder that may not be read is open for its names only.
-  if (errno != EINVAL && errno != ENOTSUP && errno != EBADF && errno != ENOSYS) ThrowErrno(errno);
+  // A folder that may not be read is open for its names only (EBADF).
+  if (errno == EINVAL || errno == ENOTSUP || errno == EBADF || errno == ENOSYS) return;
+  throw FolderFlushError(errno, std::generic_category());
 }
-
-}  // namespace
 
 NewFile::NewFile(const HostPlace& given) {
   const HostPlace place = FollowHostLink(given);

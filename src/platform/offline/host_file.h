@@ -8,10 +8,22 @@
 #include <ctime>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 #include "platform/offline/host_open.h"
 
 namespace quillbox {
+
+/// A folder could not be flushed to the disk: the file that was made or replaced in it has its name, but may lose it
+/// when the power fails.
+class FolderFlushError : public std::system_error {
+ public:
+  using std::system_error::system_error;
+};
+
+/// Flushes an open folder, so that the names in it last. File systems that have no such call, and folders that may not
+/// be read, are passed over. Throws FolderFlushError.
+void FlushFolder(int folder);
 
 /// A file in the making: written under a temporary name beside its target, and in the target's place with Commit(),
 /// after a flush to the disk. Destroyed before that, it leaves what was there. Everything happens in the folder that
@@ -36,8 +48,7 @@ class NewFile {
   void SetName(const std::string& name) { target_.name = name; }
   /// Returns when the disk has what was written so far. Costs nothing when nothing was written since the last time.
   void Flush();
-  /// Flushes, gives the file its name and flushes the folder. A folder that cannot be flushed is a failure too, unless
-  /// its file system has no such call; the file is in its place then, but might not survive a power cut.
+  /// Flushes, gives the file its name and flushes the folder; with FolderFlushError the file is in its place.
   void Commit();
 
  private:

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <numeric>
 #include <system_error>
 #include <utility>
 
@@ -17,6 +18,7 @@ namespace {
 
 constexpr const char* kSoftware = "SOFTWARE";
 constexpr const char* kSystem = "SYSTEM";
+constexpr const char* kSalvageOption = "--salvage";
 const RegistryPath kCodePages = {RegistryRoot::LocalMachine, "SYSTEM\\CurrentControlSet\\Control\\Nls\\CodePage"};
 
 const std::map<char, fs::path>& Checked(const std::map<char, fs::path>& drives) {
@@ -62,6 +64,7 @@ RegistryEditor EditorFor(const WindowsDisk& disk, const ProfileFolder& profile, 
 
 OfflinePlatform::OfflinePlatform(const OfflineOptions& options, Dialogs& dialogs, Clipboard* clipboard)
     : stateFolder_(options.stateFolder.empty() ? StateFolder() : options.stateFolder),
+      salvage_(options.salvage),
       log_(stateFolder_),
       dialogs_(dialogs),
       clipboard_(clipboard),
@@ -95,13 +98,42 @@ OfflinePlatform::~OfflinePlatform() {
   }
 }
 
+HiveConsent OfflinePlatform::ConsentFor(const HostPlace& hive, std::string registry) {
+  return [this, name = hive.Path().string(), registry = std::move(registry)](const Hive& found) {
+    if (salvage_ == Salvage::AgreedBefore) return true;
+    if (salvage_ == Salvage::Ask) {
+      const MessageAnswer answer = dialogs_.Show({.text = ConsentQuestion(found, registry),
+                                                  .buttons = MessageButtons::YesNo,
+                                                  .icon = MessageIcon::Exclamation});
+      if (answer != MessageAnswer::Yes) return false;
+    }
+    LogWhatIsMissing(found, name, log_);
+    return true;
+  };
+}
+
 void OfflinePlatform::MountHives(HiveMode mode) {
   const HostPlace& user = profile_.hive.Place();
-  if (mode == HiveMode::Write) RemoveAbandonedFiles(user.Folder());
-  hives_.push_back(std::make_unique<HiveFile>(user, mode, stateFolder_, log_));
+  hives_.push_back(
+      std::make_unique<HiveFile>(user, mode, stateFolder_, log_, ConsentFor(user, "The registry of " + profile_.name)));
   registry_.Mount({RegistryRoot::CurrentUser, ""}, *hives_.back());
   MountMachineHive(disk_.softwareHive, kSoftware, mode);
   MountMachineHive(disk_.systemHive, kSystem, HiveMode::Read);
+  LeaveDamagedDiskAlone();
+  const bool salvaged =
+      std::any_of(hives_.begin(), hives_.end(), [](const auto& hive) { return hive->NeededConsent(); });
+  if (salvaged) processes_.PassOn(kSalvageOption);
+  for (const auto& hive : hives_) hive->RemoveLeftovers();
+}
+
+std::size_t OfflinePlatform::DamagedPlaces() const {
+  return std::accumulate(hives_.begin(), hives_.end(), std::size_t{0},
+                         [](std::size_t sum, const auto& hive) { return sum + hive->DamagedPlaces(); });
+}
+
+void OfflinePlatform::LeaveDamagedDiskAlone() {
+  if (DamagedPlaces() == 0) return;
+  for (const auto& hive : hives_) hive->LeaveDiskAlone();
 }
 
 void OfflinePlatform::MountMachineHive(const std::optional<FoundHive>& file, const char* name, HiveMode mode) {
@@ -109,9 +141,14 @@ void OfflinePlatform::MountMachineHive(const std::optional<FoundHive>& file, con
   std::string fault = "the disk has no file for it";
   if (file) {
     try {
-      hives_.push_back(std::make_unique<HiveFile>(file->Place(), mode, stateFolder_, log_));
+      const HostPlace& place = file->Place();
+      hives_.push_back(
+          std::make_unique<HiveFile>(place, mode, stateFolder_, log_,
+                                     ConsentFor(place, std::string("The registry of this Windows (") + name + ")")));
       registry_.Mount({RegistryRoot::LocalMachine, name}, *hives_.back());
       return;
+    } catch (const HiveRefused&) {
+      throw;
     } catch (const Error& error) {
       fault = Describe(error);
     }
@@ -147,7 +184,11 @@ bool OfflinePlatform::UsesPrivateCopy() const {
 
 std::string OfflinePlatform::SystemDescription() {
   std::string text = disk_.folder.string() + ", " + profile_.name;
-  if (UsesPrivateCopy()) text += " (write-protected: registry changes go to a private copy)";
+  if (const std::size_t places = DamagedPlaces(); places > 0) {
+    text += " (" + DamagedIn(places) + ": what cannot be read is left out; changes go to a private copy)";
+  } else if (UsesPrivateCopy()) {
+    text += " (write-protected: registry changes go to a private copy)";
+  }
   return text;
 }
 

@@ -24,6 +24,13 @@
 
 namespace quillbox {
 
+/// What is done about hives that are damaged or whose logs cannot be used.
+enum class Salvage {
+  Ask,           ///< the person is asked for each
+  Agreed,        ///< the person has asked for it; the log gets what is missing
+  AgreedBefore,  ///< the program that started this one has asked, and has told the log
+};
+
 struct OfflineOptions {
   std::filesystem::path folder;                  ///< the host folder that is C:\ .
   std::string profile;                           ///< may be empty where there is only one
@@ -33,13 +40,15 @@ struct OfflineOptions {
   std::filesystem::path stateFolder;             ///< empty for the user's own
   std::filesystem::path registryEditor;          ///< empty for the one beside the running program
   bool readOnly = false;                         ///< changes nothing, and needs no lock
+  Salvage salvage = Salvage::Ask;
 };
 
 class OfflinePlatform : public Platform {
  public:
   /// Throws Error when the disk, the profile or its hive cannot be opened, when several profiles are there and none is
   /// named, when a drive's folder is not there, and when another program has the disk. A machine hive that cannot be
-  /// used is a warning. `dialogs` and `clipboard` must outlive the platform.
+  /// used is a warning. HiveRefused when the person does not want a hive used that is damaged or lacks what is in its
+  /// logs; nothing has been written to the disk until then. `dialogs` and `clipboard` must outlive the platform.
   OfflinePlatform(const OfflineOptions& options, Dialogs& dialogs, Clipboard* clipboard = nullptr);
   ~OfflinePlatform() override;
   OfflinePlatform(const OfflinePlatform&) = delete;
@@ -60,16 +69,21 @@ class OfflinePlatform : public Platform {
 
   /// What was wrong with the disk and did not keep it from being opened, a sentence each.
   const std::vector<std::string>& Warnings() const { return warnings_; }
-  /// True when a hive's changes go to a private copy in the state folder, since the disk cannot be written.
+  /// True when a hive's changes go to a private copy in the state folder, since the disk cannot or must not be written.
   bool UsesPrivateCopy() const;
   const ProfileFolder& Profile() const { return profile_; }
 
  private:
   void MountHives(HiveMode mode);
   void MountMachineHive(const std::optional<FoundHive>& file, const char* name, HiveMode mode);
+  HiveConsent ConsentFor(const HostPlace& hive, std::string registry);
+  /// With a damaged hive no hive of the disk is written.
+  void LeaveDamagedDiskAlone();
+  std::size_t DamagedPlaces() const;
   unsigned FindCodePage();
 
   std::filesystem::path stateFolder_;
+  Salvage salvage_;
   FileLog log_;
   SystemClock clock_;
   RandomGuids guids_;

@@ -28,6 +28,9 @@ class OfflineProcesses : public Processes {
   /// far could not be written (nothing is started then), and when what was changed could not be read back.
   ProcessEnd RunAndWait(const std::string& commandLine, ShowStyle style) override;
 
+  /// Gives the editor one more option from now on.
+  void PassOn(const std::string& option) { editor_.diskArguments.push_back(option); }
+
  private:
   ProcessEnd RunEditor(const std::string& commandLine);
 

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstdio>
 #include <optional>
+#include <string_view>
 #include <system_error>
 
 #include "platform/offline/hive_storage.h"
@@ -18,9 +20,9 @@ namespace {
 constexpr const char* kDoing = "making a private copy of the hive";
 constexpr int kMaxOlderCopies = 10'000;
 
-// The two sequence numbers and the time of the last write, in a hive's first block.
-constexpr std::size_t kStampAt = 4;
-constexpr std::size_t kStampEnd = 20;
+// The last line of the origin of a copy without what was damaged.
+constexpr std::string_view kDamage = "damaged places ";
+constexpr std::size_t kDamageLine = 32;
 
 /// A file's first bytes, at most `size`; none when it cannot be read.
 std::string Beginning(const HostPlace& file, std::size_t size) try {
@@ -32,24 +34,11 @@ std::string Beginning(const HostPlace& file, std::size_t size) try {
   return {};
 }
 
-std::string HiveStamp(const HostPlace& hive) {
-  std::string block = Beginning(hive, kStampEnd);
-  block.resize(kStampEnd);
-  std::string digits;
-  for (std::size_t at = kStampAt; at < kStampEnd; ++at) {
-    std::array<char, 3> byte = {};
-    std::snprintf(byte.data(), byte.size(), "%02x", static_cast<unsigned char>(block[at]));
-    digits += byte.data();
-  }
-  return digits;
-}
-
-fs::path KeepOlder(const fs::path& file) {
+/// A name beside `file` that is free.
+fs::path OlderName(const fs::path& file) {
   for (int number = 1; number < kMaxOlderCopies; ++number) {
     fs::path older = file.string() + ".older-" + std::to_string(number);
-    if (fs::exists(fs::symlink_status(older))) continue;
-    fs::rename(file, older);
-    return older;
+    if (!fs::exists(fs::symlink_status(older))) return older;
   }
   throw Error(kDoing, {file.string(), {}, {}}, "there are too many older copies beside it");
 }
@@ -76,7 +65,18 @@ bool PrivateCopy::IsThere() const {
 bool PrivateCopy::IsCurrent() const {
   if (!IsThere()) return false;
   const std::string origin = DiskOrigin();
-  return Beginning(originFile_, origin.size() + 1) == origin;
+  return Beginning(originFile_, origin.size()) == origin;
+}
+
+std::size_t PrivateCopy::DamagedPlaces() const {
+  const std::size_t length = DiskOrigin().size();
+  const std::string origin = Beginning(originFile_, length + kDamageLine);
+  const std::string_view rest = std::string_view(origin).substr(std::min(length, origin.size()));
+  std::size_t places = 0;
+  if (rest.starts_with(kDamage)) {
+    std::from_chars(rest.data() + kDamage.size(), rest.data() + rest.size(), places);
+  }
+  return places;
 }
 
 bool PrivateCopy::IsOutdated() const {
@@ -87,15 +87,25 @@ bool PrivateCopy::CanWrite() const {
   return MakePrivateFolder(folder_) && CanWriteFolder(HostPlace::Anywhere(folder_));
 }
 
-fs::path PrivateCopy::Begin() try {
+fs::path PrivateCopy::Begin(std::size_t damagedPlaces) try {
   fs::path older;
-  if (IsOutdated()) older = KeepOlder(file_.Path());
-  const std::string origin = DiskOrigin();
+  if (IsOutdated()) {
+    older = OlderName(file_.Path());
+    fs::rename(file_.Path(), older);
+  }
+  std::string origin = DiskOrigin();
+  if (damagedPlaces > 0) origin.append(kDamage).append(std::to_string(damagedPlaces)).append("\n");
   ReplaceHostFile(originFile_, ByteView(reinterpret_cast<const std::uint8_t*>(origin.data()), origin.size()), kDoing,
                   originFile_);
   return older;
 } catch (const fs::filesystem_error& error) {
   throw HostFileError(kDoing, file_, error.code());
+}
+
+fs::path PrivateCopy::KeepDamaged() const {
+  fs::path older = OlderName(file_.Path());
+  KeepBeside(file_, HostPlace::Anywhere(older), KeepHow::SecondName);
+  return older;
 }
 
 }  // namespace quillbox

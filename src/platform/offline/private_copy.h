@@ -2,6 +2,7 @@
 // long as the disk's own hive stays what it was when the copy was begun.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 
@@ -21,9 +22,13 @@ class PrivateCopy {
   bool IsOutdated() const;
   /// True when the copy's folder is there, or could be made, and can be written.
   bool CanWrite() const;
-  /// Notes the disk's hive as it is now, ahead of writing File(). An outdated copy is kept under another name, which is
-  /// returned; else an empty path. Throws Error.
-  std::filesystem::path Begin();
+  /// In how many places the hive is damaged that a current copy was made from.
+  std::size_t DamagedPlaces() const;
+  /// Notes the disk's hive as it is now, ahead of writing File(), and in how many places it is damaged.
+  /// An outdated copy is kept under another name, which is returned; else an empty path. Throws Error.
+  std::filesystem::path Begin(std::size_t damagedPlaces);
+  /// Keeps the copy, damaged as it is, under another name too, ahead of its being replaced. Throws Error.
+  std::filesystem::path KeepDamaged() const;
 
  private:
   bool IsThere() const;

@@ -243,10 +243,11 @@ IdentityCount CountIdentities(const ProfileFolder& profile) {
     void Write(std::string_view /*text*/) override {}
   } log;
   try {
-    const HiveFile file(profile.hive.Place(), HiveMode::Read, StateFolder(), log);
+    const HiveFile file(profile.hive.Place(), HiveMode::Read, StateFolder(), log, [](const Hive&) { return true; });
     const Hive& hive = file.View();
     const std::optional<HiveKey> identities = hive.Find(hive.Root(), "Identities");
-    return {identities ? hive.SubkeyCount(*identities) : 0, std::nullopt};
+    return {identities ? hive.SubkeyCount(*identities) : 0, std::nullopt, file.DamagedPlaces(),
+            hive.Origin() == HiveOrigin::DirtyUnusedLogs};
   } catch (const Error& error) {
     return {0, error};
   }

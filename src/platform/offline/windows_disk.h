@@ -57,10 +57,12 @@ const ProfileFolder& ChooseProfile(const WindowsDisk& disk, const std::string& n
 
 struct IdentityCount {
   std::size_t identities = 0;
-  std::optional<Error> error;  ///< why they could not be counted
+  std::optional<Error> error;     ///< why they could not be counted
+  std::size_t damagedPlaces = 0;  ///< in the registry; what cannot be read there was passed over
+  bool lacksLogs = false;         ///< the registry was not closed cleanly, and its logs cannot be used
 };
 
-/// How many identities a profile's registry holds. Only reads.
+/// How many identities a profile's registry holds, as far as it can be read. Only reads, and asks nobody.
 IdentityCount CountIdentities(const ProfileFolder& profile);
 
 }  // namespace quillbox

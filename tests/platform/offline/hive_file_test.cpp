@@ -6,11 +6,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 
 #include "platform/offline/offline_fixture.h"
 #include "registry/hive_tools.h"
+#include "support/damaged_hive.h"
+#include "support/host_calls.h"
 #include "text/error.h"
 
 namespace quillbox {
@@ -175,7 +178,10 @@ TEST_F(HiveFileTest, NothingOutsideTheDiskIsReadOrReplaced) {
   disk.File(kHive, {reinterpret_cast<const char*>(dirty.data()), dirty.size()});
   fs::create_symlink(outside / "log", disk / "profile/ntuser.dat.log");
   const HostPlace place = HostPlace::DiskRoot(disk.Path()).Join("profile").Join("NTUSER.DAT");
-  HiveFile file(place, HiveMode::Write, disk / "state", log);
+  HiveFile file(place, HiveMode::Write, disk / "state", log, [this](const Hive& hive) {
+    LogWhatIsMissing(hive, kHive, log);
+    return true;
+  });
   EXPECT_THAT(log.text, HasSubstr("ntuser.dat.log: not used, since it could not be read: it leads out of the disk"));
 
   Set(file, "new");
@@ -200,6 +206,159 @@ TEST_F(HiveFileTest, WithoutAnyPlaceToWriteNothingCanBeChanged) {
   EXPECT_EQ(registry.Open({}, Access::Read).status, Status::Success);
   EXPECT_EQ(registry.Open({}, Access::Full).status, Status::AccessDenied);
   EXPECT_EQ(registry.Create({RegistryRoot::CurrentUser, "x"}).status, Status::AccessDenied);
+}
+
+TEST_F(HiveFileTest, LogsAreKeptAsTheyAreBeforeTheFirstChange) {
+  disk.File("profile/NTUSER.DAT.LOG", "an old log");
+  disk.File("profile/ntuser.dat.LOG1", "a new log");
+  Change("first");
+  EXPECT_EQ(disk.Read("profile/NTUSER.DAT.LOG.before-quillbox"), "an old log");
+  EXPECT_EQ(disk.Read("profile/ntuser.dat.LOG1.before-quillbox"), "a new log");
+  disk.File("profile/NTUSER.DAT.LOG", "of the next Windows");
+  disk.File("profile/ntuser.dat.LOG2", "one more");
+  Change("second");
+  EXPECT_EQ(disk.Read("profile/NTUSER.DAT.LOG.before-quillbox"), "an old log");
+  EXPECT_EQ(disk.Read("profile/ntuser.dat.LOG2.before-quillbox"), "one more") << "each log counts by itself";
+}
+
+TEST_F(HiveFileTest, LogsThatAreNoFilesDoNoHarm) {
+  ASSERT_EQ(mkfifo((disk / "profile/NTUSER.DAT.LOG").c_str(), 0600), 0);
+  disk.Folder("profile/NTUSER.DAT.LOG1");
+  disk.File("profile/NTUSER.DAT.LOG2");
+  fs::resize_file(disk / "profile/NTUSER.DAT.LOG2", (256u << 20) + 1);
+  Change("first");
+  EXPECT_THAT(log.text, HasSubstr("NTUSER.DAT.LOG: not kept, since it is not an ordinary file"));
+  EXPECT_EQ(FilesInProfile(), 5) << "the hive, what was kept of it, and three logs";
+
+  LeaveUnclosed(disk / kHive);
+  std::string refusal;
+  try {
+    Open(kHive);
+  } catch (const HiveRefused& error) {
+    refusal = Describe(error);
+  }
+  EXPECT_THAT(refusal, HasSubstr("profile/NTUSER.DAT: it was not closed cleanly, and its logs cannot be used "
+                                 "(NTUSER.DAT.LOG: it could not be read: it is not an ordinary file; NTUSER.DAT.LOG1: "
+                                 "it could not be read: it is not an ordinary file; NTUSER.DAT.LOG2: it could not be "
+                                 "read: it is larger than 256 MB); Windows might still apply them"));
+}
+
+TEST_F(HiveFileTest, AHiveWithoutItsLogsNeedsConsentOnce) {
+  disk.File("profile/NTUSER.DAT.LOG", "no log");
+  LeaveUnclosed(disk / kHive);
+  const std::string original = disk.Read(kHive);
+  EXPECT_THROW(Open(kHive), HiveRefused);
+  int asked = 0;
+  HiveFile file(HostPlace::Anywhere(disk / kHive), HiveMode::Write, disk / "state", log,
+                [&](const Hive&) { return ++asked > 0; });
+  EXPECT_EQ(disk.Read(kHive), original);
+  EXPECT_TRUE(file.NeededConsent() && file.CanWrite() && !file.IsPrivateCopy());
+  fs::last_write_time(disk / kHive, fs::file_time_type::clock::now() + std::chrono::seconds(5));
+  EXPECT_TRUE(file.Reload());
+  EXPECT_EQ(asked, 1);
+  Set(file, "new");
+  file.Commit(kTestTime + 1);
+  EXPECT_EQ(disk.Read(kKept), original);
+  EXPECT_EQ(disk.Read("profile/NTUSER.DAT.LOG.before-quillbox"), "no log");
+  EXPECT_EQ(Value(Open(kHive)), "new") << "it is a clean hive now";
+}
+
+TEST_F(HiveFileTest, AFolderThatCannotBeFlushedIsToldAndTriedAgain) {
+  HiveFile file = Open(kHive);
+  Set(file, "new");
+  const auto failing = [&](int code) {
+    return [this, code](HostCall call, const std::string& name) {
+      return call == HostCall::Flush && name == (disk / "profile").string() ? code : 0;
+    };
+  };
+  {
+    const HostCallGuard guard(failing(EIO));
+    try {
+      file.Commit(kTestTime + 1);
+      ADD_FAILURE() << "nothing was told";
+    } catch (const Error& error) {
+      EXPECT_THAT(error.Why(), HasSubstr("its folder could not be flushed to the disk: Input/output error"));
+    }
+    EXPECT_TRUE(file.NeedsWriting());
+  }
+  const HostCallGuard guard(failing(EINVAL));  // a file system that has no such flush
+  file.Commit(kTestTime + 2);
+  EXPECT_FALSE(file.NeedsWriting());
+  EXPECT_EQ(Value(Open(kHive)), "new");
+}
+
+class DamagedHiveFileTest : public HiveFileTest {
+ protected:
+  DamagedHiveFileTest() {
+    Hive hive = Hive::Create("root", kTestTime);
+    hive.SetValue(hive.Root(), "v", 3, AsBytes("old"));
+    for (const char* path : {"kept", "bad", "worse\\below"}) hive.CreatePath(hive.Root(), path);
+    WriteBytes(disk / kHive, hive.Image(kTestTime));
+    DamageKeys(disk / kHive, {"bad", "worse\\below"});
+  }
+  HiveFile OpenDamaged() {
+    return {HostPlace::Anywhere(disk / kHive), HiveMode::Write, disk / "state", log,
+            [this](const Hive&) { return ++asked > 0; }};
+  }
+  int asked = 0;
+};
+
+TEST_F(DamagedHiveFileTest, ItsChangesGoToAPrivateCopyThatIsSound) {
+  const std::string original = disk.Read(kHive);
+  EXPECT_THROW(Open(kHive), HiveRefused);
+  {
+    HiveFile file = OpenDamaged();
+    EXPECT_EQ(file.DamagedPlaces(), 2u);
+    EXPECT_TRUE(file.IsPrivateCopy() && file.CanWrite());
+    EXPECT_TRUE(file.View().Find(file.View().Root(), "kept"));
+    EXPECT_FALSE(file.View().Find(file.View().Root(), "bad"));
+    Set(file, "new");
+    file.Commit(kTestTime + 1);
+    EXPECT_EQ(Hive::Load(ReadBytes(file.TargetFile().Path()), "copy").Origin(), HiveOrigin::Clean);
+  }
+  EXPECT_EQ(disk.Read(kHive), original);
+  EXPECT_EQ(FilesInProfile(), 1);
+  const HiveFile again = Open(kHive);
+  EXPECT_EQ(Value(again), "new");
+  EXPECT_EQ(again.DamagedPlaces(), 2u) << "still without what was damaged";
+  EXPECT_EQ(asked, 1);
+}
+
+TEST_F(DamagedHiveFileTest, AReloadAsksNobody) {
+  HiveFile file = OpenDamaged();
+  {
+    HiveFile editor = OpenDamaged();  // as the registry editor does
+    Set(editor, "by the editor");
+    editor.Commit(kTestTime + 1);
+  }
+  EXPECT_TRUE(file.Reload());
+  EXPECT_EQ(Value(file), "by the editor");
+  EXPECT_EQ(file.DamagedPlaces(), 2u);
+  EXPECT_EQ(asked, 2);
+  HiveFile sound = Open(kHive);
+  DamageKeys(sound.TargetFile().Path(), {"kept"});
+  EXPECT_THROW(sound.Reload(), Error) << "nobody has agreed to that";
+  EXPECT_EQ(Value(sound), "by the editor") << "what there was stays";
+}
+
+TEST_F(DamagedHiveFileTest, APrivateCopyThatIsDamagedItselfIsKept) {
+  {
+    HiveFile file = OpenDamaged();
+    Set(file, "one");
+    file.Commit(kTestTime + 1);
+  }
+  const fs::path copy = Open(kHive, HiveMode::Read).TargetFile().Path();
+  DamageKeys(copy, {"kept"});
+  const Bytes damaged = ReadBytes(copy);
+  HiveFile file = OpenDamaged();
+  EXPECT_EQ(file.DamagedPlaces(), 3u);
+  Set(file, "two");
+  file.Commit(kTestTime + 2);
+  Set(file, "three");
+  file.Commit(kTestTime + 3);
+  EXPECT_EQ(ReadBytes(copy.string() + ".older-1"), damaged);
+  EXPECT_FALSE(fs::exists(copy.string() + ".older-2"));
+  EXPECT_EQ(Open(kHive).DamagedPlaces(), 3u);
 }
 
 }  // namespace

@@ -3,18 +3,22 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <map>
+
 #include "sample_disk.h"
+#include "support/damaged_hive.h"
 #include "support/scripted_dialogs.h"
 
 namespace quillbox {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
 struct OfflinePlatformTest : testing::Test {
   XpDisk disk;
   ScriptedDialogs dialogs;
-  OfflineOptions options = {disk.folder, "", {}, {}, "", disk.temp / "state", "", false};
+  OfflineOptions options = {disk.folder, "", {}, {}, "", disk.temp / "state", "", false, Salvage::Ask};
 
   std::string WhyNot() {
     try {
@@ -92,9 +96,93 @@ TEST_F(OfflinePlatformTest, RefusesWhatItCannotOpen) {
   EXPECT_THAT(WhyNot(), HasSubstr("ntuser.dat"));
 }
 
+struct SalvageTest : OfflinePlatformTest {
+  const std::filesystem::path kUser = disk.anna / "ntuser.dat";
+  const std::filesystem::path kSoftware = disk.folder / "WINDOWS/system32/config/software";
+  const RegistryPath kNewUserKey = {RegistryRoot::CurrentUser, "Identities\\{3}"};
+  const RegistryPath kNewMachineKey = {RegistryRoot::LocalMachine, "SOFTWARE\\New"};
+
+  /// Every file of the disk with what is in it.
+  std::map<std::string, Bytes> Everything() const {
+    std::map<std::string, Bytes> files;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(disk.folder)) {
+      if (entry.is_regular_file()) files[entry.path()] = ReadBytes(entry.path());
+    }
+    return files;
+  }
+  std::string LogText() const { return disk.temp.Read("state/quillbox.log"); }
+};
+
+TEST_F(SalvageTest, ADamagedRegistryOpensOnAPrivateCopyIfThePersonSaysYes) {
+  DamageKeys(kUser, {"Identities\\{2}", "Environment"});
+  disk.temp.File("c/Documents and Settings/Anna/.quillbox-a1B2c3", "left over");
+  const std::map<std::string, Bytes> before = Everything();
+  dialogs.messageAnswers = {MessageAnswer::No};
+  EXPECT_THAT(WhyNot(), HasSubstr("ntuser.dat, offset 0x"));
+  EXPECT_THAT(LogText(), Not(HasSubstr("is damaged: ")));
+  dialogs.messageAnswers = {MessageAnswer::Yes};
+  {
+    OfflinePlatform platform(options, dialogs);
+    EXPECT_EQ(dialogs.LastMessage(),
+              "The registry of Anna is damaged in 2 places. Open what can be read? The disk will not be written.");
+    EXPECT_EQ(dialogs.messages.back().icon, MessageIcon::Exclamation);
+    EXPECT_THAT(
+        platform.SystemDescription(),
+        testing::EndsWith("Anna (damaged in 2 places: what cannot be read is left out; changes go to a private copy)"));
+    EXPECT_THAT(LogText(), HasSubstr("ntuser.dat, offset 0x"));
+    EXPECT_THAT(LogText(), HasSubstr("the root key is damaged: "));
+    EXPECT_THAT(LogText(), HasSubstr("Identities is damaged: "));
+    platform.GetRegistry().Create(kNewUserKey);
+    platform.GetRegistry().Create(kNewMachineKey);
+    platform.EndCommand();
+  }
+  EXPECT_EQ(Everything(), before);
+  OfflinePlatform again(options, dialogs);
+  EXPECT_EQ(again.GetRegistry().Open(kNewUserKey, Access::Full).status, Status::Success);
+  EXPECT_EQ(again.GetRegistry().Open(kNewMachineKey, Access::Full).status, Status::Success);
+  EXPECT_THAT(again.SystemDescription(), HasSubstr("damaged in 2 places")) << "nobody is asked, but everybody told";
+}
+
+TEST_F(SalvageTest, ADamagedMachineHiveKeepsTheWholeDiskFromBeingWritten) {
+  DamageKeys(kSoftware, {"Microsoft\\Windows\\CurrentVersion"});
+  const std::map<std::string, Bytes> before = Everything();
+  dialogs.messageAnswers = {MessageAnswer::Yes};
+  {
+    OfflinePlatform platform(options, dialogs);
+    EXPECT_EQ(dialogs.LastMessage(),
+              "The registry of this Windows (SOFTWARE) is damaged in 1 place. Open what can be read? The disk will not "
+              "be written.");
+    EXPECT_THAT(platform.SystemDescription(), HasSubstr("(damaged in 1 place: "));
+    platform.GetRegistry().Create(kNewUserKey);
+  }
+  EXPECT_EQ(Everything(), before);
+}
+
+TEST_F(SalvageTest, ARegistryWhoseLogsCannotBeUsedIsWrittenOnlyIfThePersonSaysYes) {
+  LeaveUnclosed(kUser);
+  disk.temp.File("c/Documents and Settings/Anna/ntuser.dat.LOG", "no log");
+  const std::map<std::string, Bytes> before = Everything();
+  dialogs.messageAnswers = {MessageAnswer::No};
+  EXPECT_THAT(WhyNot(), HasSubstr("its logs cannot be used (ntuser.dat.LOG: "));
+  EXPECT_THAT(dialogs.LastMessage(),
+              testing::MatchesRegex("The registry of Anna was not closed cleanly, and its logs cannot be used:\n\n"
+                                    "ntuser.dat.LOG: [^\n]+\n\nWindows might still apply them. "
+                                    "Go on with the registry as it stands\\?"));
+  EXPECT_EQ(Everything(), before);
+  dialogs.messageAnswers = {MessageAnswer::Yes};
+  {
+    OfflinePlatform platform(options, dialogs);
+    EXPECT_EQ(Everything(), before);
+    platform.GetRegistry().Create(kNewUserKey);
+  }
+  EXPECT_EQ(ReadBytes(kUser.string() + ".before-quillbox"), before.at(kUser));
+  EXPECT_EQ(ReadBytes(kUser.string() + ".LOG.before-quillbox"), before.at(kUser.string() + ".LOG"));
+  EXPECT_EQ(WhyNot(), "(opened)");
+}
+
 TEST_F(OfflinePlatformTest, FoldersThatAreWrittenAreFreedOfWhatWasLeft) {
-  const std::filesystem::path folders[] = {disk.anna, disk.folder / "Export"};
-  std::filesystem::create_directories(folders[1]);
+  const std::filesystem::path folders[] = {disk.anna, disk.folder / "WINDOWS/system32/config", disk.folder / "Export"};
+  std::filesystem::create_directories(folders[2]);
   for (const std::filesystem::path& folder : folders) std::ofstream(folder / ".quillbox-a1B2c3") << "half a file";
   OfflinePlatform platform(options, dialogs);
   platform.GetFiles().WriteFile(WinPath("C:\\Export\\a.reg"), "text");

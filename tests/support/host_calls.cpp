@@ -1,0 +1,71 @@
+#include "support/host_calls.h"
+
+#include <fcntl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <utility>
+
+namespace quillbox {
+namespace {
+
+OnHostCall& Hook() {
+  static OnHostCall hook;
+  return hook;
+}
+
+bool Fails(HostCall call, const std::string& file) {
+  const int code = Hook() ? Hook()(call, file) : 0;
+  if (code != 0) errno = code;
+  return code != 0;
+}
+
+std::string NameOf(int fd) {
+  std::array<char, 4096> name = {};
+  const ssize_t length = readlink(("/proc/self/fd/" + std::to_string(fd)).c_str(), name.data(), name.size());
+  return {name.data(), length > 0 ? static_cast<std::size_t>(length) : 0};
+}
+
+}  // namespace
+
+HostCallGuard::HostCallGuard(OnHostCall onCall) {
+  before_ = std::exchange(Hook(), std::move(onCall));
+}
+
+HostCallGuard::~HostCallGuard() {
+  Hook() = std::move(before_);
+}
+
+}  // namespace quillbox
+
+using quillbox::Fails;
+using quillbox::HostCall;
+
+extern "C" {
+
+int fsync(int fd) {
+  if (Fails(HostCall::Flush, quillbox::NameOf(fd))) return -1;
+  return quillbox::Hook() ? 0 : static_cast<int>(syscall(SYS_fsync, fd));
+}
+
+int renameat(int fromFolder, const char* from, int toFolder, const char* to) noexcept {
+  if (Fails(HostCall::Rename, to)) return -1;
+  return static_cast<int>(syscall(SYS_renameat2, fromFolder, from, toFolder, to, 0));
+}
+
+int rename(const char* from, const char* to) noexcept {
+  return renameat(AT_FDCWD, from, AT_FDCWD, to);
+}
+
+int unlinkat(int folder, const char* name, int flags) noexcept {
+  if (Fails(HostCall::Remove, name)) return -1;
+  return static_cast<int>(syscall(SYS_unlinkat, folder, name, flags));
+}
+
+int unlink(const char* name) noexcept {
+  return unlinkat(AT_FDCWD, name, 0);
+}
+}
