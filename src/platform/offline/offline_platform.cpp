@@ -112,7 +112,19 @@ HiveConsent OfflinePlatform::ConsentFor(const HostPlace& hive, std::string regis
   };
 }
 
+void OfflinePlatform::FinishInterrupted() {
+  const HostPlace* machine = disk_.softwareHive ? disk_.softwareHive->PlaceIfAny() : nullptr;
+  if (machine == nullptr) return;
+  std::vector<HivePlaces> profiles;
+  for (const ProfileFolder& profile : disk_.profiles) {
+    if (const HostPlace* hive = profile.hive.PlaceIfAny()) profiles.push_back(PlacesOf(*hive, stateFolder_));
+  }
+  warnings_ = FinishInterruptedCommit(PlacesOf(*machine, stateFolder_), profiles, log_);
+}
+
 void OfflinePlatform::MountHives(HiveMode mode) {
+  if (mode == HiveMode::Write) FinishInterrupted();
+  const bool hasUnfinished = !warnings_.empty();
   const HostPlace& user = profile_.hive.Place();
   hives_.push_back(
       std::make_unique<HiveFile>(user, mode, stateFolder_, log_, ConsentFor(user, "The registry of " + profile_.name)));
@@ -123,6 +135,7 @@ void OfflinePlatform::MountHives(HiveMode mode) {
   const bool salvaged =
       std::any_of(hives_.begin(), hives_.end(), [](const auto& hive) { return hive->NeededConsent(); });
   if (salvaged) processes_.PassOn(kSalvageOption);
+  if (hasUnfinished) return;
   for (const auto& hive : hives_) hive->RemoveLeftovers();
 }
 

@@ -74,6 +74,7 @@ class OfflinePlatform : public Platform {
   const ProfileFolder& Profile() const { return profile_; }
 
  private:
+  void FinishInterrupted();
   void MountHives(HiveMode mode);
   void MountMachineHive(const std::optional<FoundHive>& file, const char* name, HiveMode mode);
   HiveConsent ConsentFor(const HostPlace& hive, std::string registry);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <exception>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -147,7 +146,7 @@ struct OfflineRegistry::Use {
 };
 
 OfflineRegistry::OfflineRegistry(Clock& clock, FileSystem& files, Log& log)
-    : clock_(clock), files_(files), log_(log), openKeys_(std::make_shared<OpenKeys>()) {}
+    : clock_(clock), files_(files), log_(log), commit_(log), openKeys_(std::make_shared<OpenKeys>()) {}
 
 OfflineRegistry::~OfflineRegistry() = default;
 
@@ -156,18 +155,25 @@ void OfflineRegistry::Mount(const RegistryPath& at, HiveFile& file) {
 }
 
 void OfflineRegistry::Commit() {
-  std::exception_ptr first;
+  commit_.Write(WritableHives(), clock_.Now());
+}
+
+std::vector<HiveFile*> OfflineRegistry::WritableHives() const {
+  std::vector<HiveFile*> hives;
   for (const MountPoint& mount : mounts_) {
-    try {
-      mount.file->Commit(clock_.Now());
-    } catch (const Error&) {
-      if (!first) first = std::current_exception();
-    }
+    if (mount.file->CanWrite()) hives.push_back(mount.file);
   }
-  if (first) std::rethrow_exception(first);
+  return hives;
+}
+
+void OfflineRegistry::FinishInterrupted() {
+  const std::vector<HiveFile*> hives = WritableHives();
+  if (hives.size() != 2) return;
+  FinishInterruptedCommit(hives[1]->Places(), {hives[0]->Places()}, log_);
 }
 
 void OfflineRegistry::Reload() {
+  FinishInterrupted();
   for (MountPoint& mount : mounts_) {
     if (!mount.file->Reload()) continue;
     const Hive& hive = mount.file->View();

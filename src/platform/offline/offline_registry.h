@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/offline/hive_commit.h"
 #include "platform/offline/hive_file.h"
 #include "platform/platform.h"
 
@@ -29,9 +30,10 @@ class OfflineRegistry : public Registry {
   void Mount(const RegistryPath& at, HiveFile& file);
   /// Notes why no hive is shown at `at`, for the messages about changes there.
   void NoteMissing(const RegistryPath& at, std::string why);
-  /// Writes every hive that changed. Throws the first Error after all were tried.
+  /// Writes the hives that changed, all or none. Throws Error that says what was written and what was not.
   void Commit();
-  /// Reads afresh the hives whose files changed. Open keys stay open where their paths still exist.
+  /// Reads afresh the hives whose files changed, after finishing what another program was killed at. Open keys stay
+  /// open where their paths still exist.
   void Reload();
 
   OpenResult Open(const RegistryPath& path, Access access) override;
@@ -66,6 +68,8 @@ class OfflineRegistry : public Registry {
   std::vector<std::string> MountNames(RegistryRoot root) const;
   bool HasPrivilege(std::string_view name) const;
   Hive& Edit(MountPoint& mount);
+  std::vector<HiveFile*> WritableHives() const;
+  void FinishInterrupted();
   template <typename Change>
   Status Try(Status failure, Change change);
 
@@ -75,7 +79,8 @@ class OfflineRegistry : public Registry {
   std::deque<MountPoint> mounts_;
   std::vector<std::pair<RegistryPath, std::string>> missing_;  ///< hives that could not be mounted, and why
   std::string refusal_;                                        ///< why the last call was refused
-  std::shared_ptr<OpenKeys> openKeys_;                         ///< shared with the keys, which may outlive the registry
+  HiveCommit commit_;
+  std::shared_ptr<OpenKeys> openKeys_;  ///< shared with the keys, which may outlive the registry
   std::set<std::string> privileges_;
 };
 

@@ -3,10 +3,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
 #include <map>
 
 #include "sample_disk.h"
 #include "support/damaged_hive.h"
+#include "support/host_calls.h"
 #include "support/scripted_dialogs.h"
 
 namespace quillbox {
@@ -189,6 +194,26 @@ TEST_F(OfflinePlatformTest, FoldersThatAreWrittenAreFreedOfWhatWasLeft) {
   for (const std::filesystem::path& folder : folders) {
     EXPECT_FALSE(std::filesystem::exists(folder / ".quillbox-a1B2c3")) << folder;
   }
+}
+
+TEST_F(OfflinePlatformTest, ACommandThatWasKilledHalfwayIsFinished) {
+  const RegistryPath user = {RegistryRoot::CurrentUser, "New"}, machine = {RegistryRoot::LocalMachine, "SOFTWARE\\New"};
+  const pid_t child = fork();
+  if (child == 0) {
+    OfflinePlatform platform(options, dialogs);
+    platform.GetRegistry().Create(user);
+    platform.GetRegistry().Create(machine);
+    const HostCallGuard guard([](HostCall call, const std::string& file) {
+      if (call == HostCall::Rename && file.ends_with("software")) raise(SIGKILL);
+      return 0;
+    });
+    platform.EndCommand();
+  }
+  waitpid(child, nullptr, 0);
+  OfflinePlatform platform(options, dialogs);
+  EXPECT_EQ(platform.GetRegistry().Open(user, Access::Read).status, Status::Success);
+  EXPECT_EQ(platform.GetRegistry().Open(machine, Access::Read).status, Status::Success);
+  EXPECT_TRUE(platform.Warnings().empty());
 }
 
 }  // namespace
