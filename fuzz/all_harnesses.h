@@ -1,0 +1,12 @@
+// Every harness, for what works on all of them.
+#pragma once
+
+#include <array>
+
+#include "harness.h"
+
+namespace quillbox {
+
+inline const std::array kAllHarnesses = {&kRegTextHarness, &kCommandLineHarness, &kTextHarness, &kRuleHarness};
+
+}  // namespace quillbox
