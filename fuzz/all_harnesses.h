@@ -7,6 +7,7 @@
 
 namespace quillbox {
 
-inline const std::array kAllHarnesses = {&kRegTextHarness, &kCommandLineHarness, &kTextHarness, &kRuleHarness};
+inline const std::array kAllHarnesses = {&kHiveHarness,        &kHiveChangeHarness, &kHiveLogHarness, &kRegTextHarness,
+                                         &kCommandLineHarness, &kTextHarness,       &kRuleHarness};
 
 }  // namespace quillbox

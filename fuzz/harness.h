@@ -58,7 +58,8 @@ struct Harness {
   void (*mutate)(Bytes& input, std::size_t limit, Mutation& mutation) = nullptr;
 };
 
-extern const Harness kRegTextHarness, kCommandLineHarness, kTextHarness, kRuleHarness;
+extern const Harness kHiveHarness, kHiveChangeHarness, kHiveLogHarness, kRegTextHarness, kCommandLineHarness,
+    kTextHarness, kRuleHarness;
 
 /// The parts of an input that are not the text under test, taken from its front.
 class InputReader {

@@ -1,0 +1,17 @@
+// Everything that a hive holds as one number, read in every way that there is.
+#pragma once
+
+#include <cstdint>
+
+#include "registry/hive.h"
+
+namespace quillbox {
+
+/// Times, classes and security descriptors included. Throws BrokenPromise where two ways of reading disagree.
+std::uint64_t ReadAll(const Hive& hive);
+
+/// Writes the hive and opens what was written: it must open, be clean, and hold the same. Opening it must not have
+/// corrected anything.
+void RequireReloads(Hive& hive);
+
+}  // namespace quillbox

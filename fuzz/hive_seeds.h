@@ -1,0 +1,16 @@
+// Small hives, made by code, that hold every kind of record.
+#pragma once
+
+#include <vector>
+
+#include "harness.h"
+#include "registry/hive.h"
+
+namespace quillbox {
+
+/// A hive of version 1.`minor` with values of every form, a class, nested keys and names of both forms.
+Hive SmallHive(std::uint32_t minor);
+
+std::vector<Seed> HiveSeeds();
+
+}  // namespace quillbox
