@@ -9,8 +9,10 @@
 #include <set>
 
 #include "platform/offline/offline_fixture.h"
+#include "platform/offline/offline_platform.h"
 #include "registry/reg_file.h"
 #include "support/damaged_hive.h"
+#include "support/scripted_dialogs.h"
 
 namespace quillbox {
 namespace {
@@ -225,6 +227,28 @@ TEST_F(RegeditProgram, ADamagedRegistryIsRefusedUnlessItIsToBeSalvaged) {
   EXPECT_EQ(folder.Read("c/Documents and Settings/Ann/NTUSER.DAT"), damaged);
   EXPECT_EQ(Run("--disk c /e:A out.reg HKEY_CURRENT_USER").code, 0) << "the private copy is sound";
   EXPECT_THAT(folder.Read("out.reg"), HasSubstr("[HKEY_CURRENT_USER\\Damaged]"));
+}
+
+TEST_F(RegeditProgram, TheProgramThatHasAskedHandsTheAnswerOn) {
+  folder.File("c/more.reg", "REGEDIT4\r\n[HKEY_CURRENT_USER\\Damaged]\r\n[HKEY_CURRENT_USER\\Sound]\r\n");
+  ASSERT_EQ(Run("--disk c c/more.reg").code, 0);
+  DamageKeys(kHive, {"Damaged"});
+  const std::string damaged = folder.Read("c/Documents and Settings/Ann/NTUSER.DAT");
+  ScriptedDialogs dialogs;
+  dialogs.messageAnswers = {MessageAnswer::Yes};
+  OfflineOptions options;
+  options.folder = folder / "c";
+  options.stateFolder = folder / "state";
+  options.registryEditor = QUILLBOX_BIN_DIR "/regedit";
+  OfflinePlatform platform(options, dialogs);
+  platform.GetRegistry().Create({RegistryRoot::CurrentUser, "Before"});
+  const ProcessEnd end = platform.GetProcesses().RunAndWait("regedit /s C:\\more.reg", ShowStyle::Normal);
+  EXPECT_EQ(end.exitCode, 0) << end.errors;
+  for (const char* key : {"Before", "Damaged", "Sound"}) {
+    EXPECT_EQ(platform.GetRegistry().Open({RegistryRoot::CurrentUser, key}, Access::Read).status, Status::Success);
+  }
+  EXPECT_THAT(platform.SystemDescription(), HasSubstr("(damaged in 1 place: "));
+  EXPECT_EQ(folder.Read("c/Documents and Settings/Ann/NTUSER.DAT"), damaged);
 }
 
 TEST_F(RegeditProgram, ARegistryWithoutItsLogsIsRefusedUnlessItIsToBeSalvaged) {
