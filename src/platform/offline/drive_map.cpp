@@ -54,9 +54,15 @@ bool DriveMap::IsHostDrive(char letter) const {
   return drive != drives_.end() && IsHostRoot(drive->second.folder);
 }
 
+bool DriveMap::IsLeftAlone(char letter) const {
+  const auto drive = drives_.find(letter);
+  return leftAlone_ && drive != drives_.end() && drive->second.inBounds.has_value();
+}
+
 PlaceResult DriveMap::PlaceOf(const WinPath& path, LastStep last) const {
   const auto drive = drives_.find(path.Drive());
   if (drive == drives_.end() || !path.IsAbsolute()) return HostFault::NoSuchDrive;
+  if (last == LastStep::NoLink && IsLeftAlone(path.Drive())) return HostFault::LeftAlone;
   const std::optional<std::size_t>& inBounds = drive->second.inBounds;
   const HostPlace root = inBounds ? HostPlace::Beneath(bounds_, *inBounds) : HostPlace::Anywhere("/");
   return FindPlace(root, Components(std::string_view(path.Text()).substr(2)), last);

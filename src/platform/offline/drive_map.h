@@ -29,6 +29,9 @@ class DriveMap {
   /// drive is anywhere on the host, all others are beneath their folders. Refused for a path without a drive of ours,
   /// one with a name that would leave its folder, and one that leads out of the disk.
   PlaceResult PlaceOf(const WinPath& path, LastStep last = LastStep::Follow) const;
+  /// From now on no place is given out for writing (LastStep::NoLink) on any drive but the host's.
+  void LeaveDiskAlone() { leftAlone_ = true; }
+  bool IsLeftAlone(char letter) const;
   /// The Windows path of a host path: in the drive whose folder holds it most closely. Nothing when no drive does.
   std::optional<WinPath> WindowsPathOf(const std::filesystem::path& hostPath) const;
 
@@ -39,6 +42,7 @@ class DriveMap {
   };
   std::map<char, Drive> drives_;
   std::shared_ptr<const DiskBounds> bounds_;
+  bool leftAlone_ = false;
 };
 
 }  // namespace quillbox

@@ -27,6 +27,8 @@ class HostFaults : public std::error_category {
         return "a link has come into its path in the meantime";
       case HostFault::NotOrdinary:
         return "it is not an ordinary file";
+      case HostFault::LeftAlone:
+        return "the disk is not written, since its registry is damaged";
     }
     return "it cannot be used";
   }

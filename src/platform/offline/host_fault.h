@@ -18,6 +18,7 @@ enum class HostFault {
   IsLink,          ///< what would be written is a link
   Changed,         ///< a link has come into the path since the place was looked up
   NotOrdinary,     ///< a device, pipe or socket
+  LeftAlone,       ///< it would be written to a disk of which the person was told that it is not
 };
 std::error_code make_error_code(HostFault fault);  // NOLINT(readability-identifier-naming): the library's name
 

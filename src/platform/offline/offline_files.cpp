@@ -183,6 +183,7 @@ Status OfflineFiles::MakeDirectory(const WinPath& path) {
   if (place->IsRoot() || StatPlace(*place)) return Status::FileExists;
   if (!IsFolder(place->Folder())) return Status::PathNotFound;
   if (!FileNameFault(absolute.Name()).empty()) return Status::InvalidParameter;
+  if (drives_.IsLeftAlone(absolute.Drive())) return Status::AccessDenied;
   try {
     const OpenPlace made = OpenFolderOf(*place);
     return StatusOfErrno(mkdirat(made.folder.Get(), made.name.c_str(), kNewFolderMode) == 0 ? 0 : errno);
@@ -205,7 +206,7 @@ Status OfflineFiles::DeleteFile(const WinPath& path) {
   if (!place) return place.Fault() == HostFault::LeadsOut ? Status::AccessDenied : Status::PathNotFound;
   if (place->IsRoot()) return Status::AccessDenied;
   if (!IsFolder(place->Folder())) return Status::PathNotFound;
-  if (IsFolder(*place)) return Status::AccessDenied;
+  if (IsFolder(*place) || drives_.IsLeftAlone(Absolute(path).Drive())) return Status::AccessDenied;
   try {
     const OpenPlace gone = OpenFolderOf(*place);
     return StatusOfErrno(unlinkat(gone.folder.Get(), gone.name.c_str(), 0) == 0 ? 0 : errno);

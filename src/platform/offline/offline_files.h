@@ -22,6 +22,8 @@ class OfflineFiles : public FileSystem, public HostPaths {
   OfflineFiles(DriveMap drives, const Environment& environment);
 
   const DriveMap& Drives() const { return drives_; }
+  /// From now on nothing is written on the disk's own drives: what a person asks for is refused with that reason.
+  void LeaveDiskAlone() { drives_.LeaveDiskAlone(); }
   /// `path` made absolute with the current drive and directories.
   WinPath Absolute(const WinPath& path) const;
   /// Where `path` is on the host, whether it exists or not; why not, when it is on no drive of ours or leads out of the

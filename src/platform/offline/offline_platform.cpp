@@ -147,6 +147,7 @@ std::size_t OfflinePlatform::DamagedPlaces() const {
 void OfflinePlatform::LeaveDamagedDiskAlone() {
   if (DamagedPlaces() == 0) return;
   for (const auto& hive : hives_) hive->LeaveDiskAlone();
+  files_.LeaveDiskAlone();
 }
 
 void OfflinePlatform::MountMachineHive(const std::optional<FoundHive>& file, const char* name, HiveMode mode) {

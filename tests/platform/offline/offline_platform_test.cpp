@@ -159,6 +159,20 @@ TEST_F(SalvageTest, ADamagedMachineHiveKeepsTheWholeDiskFromBeingWritten) {
               "be written.");
     EXPECT_THAT(platform.SystemDescription(), HasSubstr("(damaged in 1 place: "));
     platform.GetRegistry().Create(kNewUserKey);
+
+    // What a person asks for in a window does not reach the disk either.
+    OfflineFiles& files = platform.GetFiles();
+    EXPECT_THROW(files.WriteFile(WinPath("C:\\report.txt"), "text"), Error);
+    EXPECT_EQ(files.MakeDirectory(WinPath("C:\\New")), Status::AccessDenied);
+    EXPECT_EQ(files.DeleteFile(WinPath("C:\\WINDOWS\\system32\\config\\software")), Status::AccessDenied);
+    const std::filesystem::path mine = disk.temp.File("mine/Inbox.dbx", "messages");
+    platform.GetShell().CopyFile(
+        {.source = files.WindowsPathOf(mine), .target = WinPath("C:\\Inbox.dbx"), .part = CopyPart::OnlyFile});
+    EXPECT_EQ(platform.GetShell().FinishCopies().back().end, CopyEnd::Failed);
+    EXPECT_THAT(dialogs.LastMessage(),
+                HasSubstr("C:\\Inbox.dbx: the disk is not written, since its registry is damaged."));
+    files.WriteFile(files.WindowsPathOf(disk.temp / "mine/report.txt"), "text");
+    EXPECT_EQ(disk.temp.Read("mine/report.txt"), "text");
   }
   EXPECT_EQ(Everything(), before);
 }
