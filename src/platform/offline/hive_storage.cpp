@@ -8,6 +8,7 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -87,6 +88,13 @@ bool LinkBeside(const OpenPlace& file, const OpenPlace& second) {
 
 bool ForbidsWriting(int code) {
   return code == EROFS || code == EACCES || code == EPERM;
+}
+
+/// True for failures that do not say that writing is forbidden: the next try may do better.
+bool MayPass(const std::error_code& code) {
+  constexpr std::array kPassing = {EIO, ENOMEM, EMFILE, ENFILE, ENOSPC, EDQUOT};
+  return code.category() == std::generic_category() &&
+         std::find(kPassing.begin(), kPassing.end(), code.value()) != kPassing.end();
 }
 
 }  // namespace
@@ -214,9 +222,10 @@ bool CanReplaceFile(const HostPlace& file) try {
   const OpenPlace entry = OpenFolderOf(file);
   const int noFollow = file.IsBeneathDrive() ? O_NOFOLLOW : 0;
   const HostFd fd(openat(entry.folder.Get(), entry.name.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK | noFollow));
-  return fd && CanWriteFolder(file.Folder());
-} catch (const std::system_error&) {
-  return false;
+  if (!fd) ThrowErrno(errno);
+  return CanWriteFolder(file.Folder());
+} catch (const std::system_error& failure) {
+  return MayPass(failure.code());
 }
 
 }  // namespace quillbox

@@ -71,7 +71,8 @@ bool KeepBeside(const HostPlace& file, const HostPlace& kept, KeepHow how);
 /// True when new files can be made in `folder`. Leaves nothing behind, not even a changed time.
 bool CanWriteFolder(const HostPlace& folder);
 /// True when `file` may be written and replaced. Asks the file system and not only the permissions, which an
-/// administrator passes over.
+/// administrator passes over. A failing disk does not make it false, or one bad moment would turn all changes to a
+/// private copy: there the write itself says what is wrong.
 bool CanReplaceFile(const HostPlace& file);
 
 }  // namespace quillbox

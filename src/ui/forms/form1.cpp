@@ -132,6 +132,8 @@ void Form1::Form_Load() {
 }
 
 void Form1::GetInputPaths() {
+  // A disk may turn out to be write-protected while it is worked on.
+  lblSystem.caption = program_.platform.SystemDescription();
   cmbUserNames.Clear();
   inpth1.Clear();
   const CatalogueLoad load = LoadCatalogue(program_.store, program_.platform.GetFiles());
