@@ -182,7 +182,7 @@ TEST_F(RegeditProgram, HiveThatIsNotThereIsNamedWithItsFault) {
 TEST_F(RegeditProgram, FilesLargerThanTheMemoryAreReadInPieces) {
   constexpr std::uintmax_t kMegabyte = std::uintmax_t{1} << 20;
   const auto file = folder.File("big.reg", "REGEDIT4\n[HKEY_CURRENT_USER\\New]\n\"a\"=\"never closed\n");
-  std::filesystem::resize_file(file, 128 * kMegabyte);
+  std::filesystem::resize_file(file, 384 * kMegabyte);
   const Outcome merged = Run("--disk c big.reg");
   EXPECT_EQ(merged.code, 1);
   EXPECT_EQ(merged.out, "big.reg: 1 key added, 0 keys deleted, 0 values set, 0 values deleted\n");
@@ -191,7 +191,8 @@ TEST_F(RegeditProgram, FilesLargerThanTheMemoryAreReadInPieces) {
       EndsWith("\nbig.reg, line 3: a quote is not closed\nbig.reg, line 4: this is no key, no value and no comment\n"));
   rusage used = {};
   getrusage(RUSAGE_CHILDREN, &used);
-  EXPECT_LT(used.ru_maxrss, 100 * 1024) << "kilobytes";
+  // Most of this is what the address sanitizer needs for itself where it is on.
+  EXPECT_LT(used.ru_maxrss, 200 * 1024) << "kilobytes";
 
   std::filesystem::resize_file(file, 4096 * kMegabyte + 1);
   EXPECT_THAT(Run("--disk c big.reg").err,
