@@ -11,7 +11,7 @@
 #include "platform/offline/offline_platform.h"
 #include "platform/offline/state_folder.h"
 #include "text/error.h"
-#include "ui/forms/windows.h"
+#include "ui/forms/program_windows.h"
 #include "ui/wx/wx_app.h"
 #include "ui/wx/wx_clipboard.h"
 #include "ui/wx/wx_dialogs.h"
@@ -58,7 +58,7 @@ class Application {
     } catch (const Error& error) {
       log_.Write(Describe(error));
     }
-    windows_ = std::make_unique<Windows>(*platform_);
+    windows_ = std::make_unique<ProgramWindows>(*platform_);
     windows_->program.quit = [this] { system_.Quit(); };
     for (Form* form : windows_->All()) system_.Attach(*form);
     windows_->form1.Open();
@@ -75,7 +75,7 @@ class Application {
   WxClipboard clipboard_;
   HandlerGuard guard_{log_, dialogs_};
   std::unique_ptr<OfflinePlatform> platform_;
-  std::unique_ptr<Windows> windows_;
+  std::unique_ptr<ProgramWindows> windows_;
   std::unique_ptr<StartWindow> start_;
 };
 

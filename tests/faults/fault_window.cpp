@@ -6,7 +6,7 @@
 #include <string>
 
 #include "support/sample_platform.h"
-#include "ui/forms/windows.h"
+#include "ui/forms/program_windows.h"
 
 namespace quillbox {
 namespace {
@@ -26,7 +26,7 @@ void Print(const char* what, std::string text) {
   std::printf("%s: %s\n", what, text.c_str());
 }
 
-bool Give(Windows& windows, const std::string& command) {
+bool Give(ProgramWindows& windows, const std::string& command) {
   Form1& form = windows.form1;
   if (command == "prepare") {
     form.chkOverwrite.click();
@@ -52,7 +52,7 @@ int Run(const std::filesystem::path& folder, const std::filesystem::path& state,
   AgreeingDialogs dialogs;
   OfflinePlatform platform(options, dialogs);
   for (const std::string& warning : platform.Warnings()) Print("message", warning);
-  Windows windows(platform);
+  ProgramWindows windows(platform);
   if (command == "prepare") windows.program.backupFolder.Choose("D:\\Backup");
   windows.form1.Open();
   if (!Give(windows, command)) return 2;

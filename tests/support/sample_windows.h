@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "support/sample_platform.h"
-#include "ui/forms/windows.h"
+#include "ui/forms/program_windows.h"
 
 namespace quillbox {
 
@@ -16,7 +16,7 @@ class SampleWindows : public SamplePlatform {
   void OpenDisk() override {
     windows.reset();
     SamplePlatform::OpenDisk();
-    windows = std::make_unique<Windows>(*platform);
+    windows = std::make_unique<ProgramWindows>(*platform);
   }
 
   /// Makes D:\Backup and has it be the backup folder, then starts the program.
@@ -39,7 +39,7 @@ class SampleWindows : public SamplePlatform {
   }
   std::filesystem::path BackupFolderOnHost() const { return sample.driveD / "Backup"; }
 
-  std::unique_ptr<Windows> windows;
+  std::unique_ptr<ProgramWindows> windows;
 };
 
 }  // namespace quillbox

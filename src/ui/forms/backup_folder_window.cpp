@@ -1,0 +1,140 @@
+#include "ui/forms/backup_folder_window.h"
+
+#include "core/file_helpers.h"
+#include "core/status_text.h"
+#include "ui/forms/program_windows.h"
+
+namespace quillbox {
+namespace {
+
+const WinPath kFirstFolder("C:\\");
+
+}  // namespace
+
+Form3::Form3(Program& program, ProgramWindows& windows)
+    : Form(program.guard, "Form3", "Select or Create a Backup Folder"),
+      Label1(*this, "Label1", "1) Select Drive "),
+      Label2(*this, "Label2", "2a) Double Click Folder In Folder List To Select It."),
+      Label3(*this, "Label3", "2b) Press Create Folder and type in path and name of folder to create"),
+      Label4(*this, "Label4",
+             "3) Press Set Folder to make this the backup folder. Path and Folder name will appear in Backup Folder "
+             "line."),
+      Label5(*this, "Label5", "4) Press Close when finished"),
+      Label7(*this, "Label7", "Select Drive"),
+      Drive1(*this, "Drive1", "", "Select a drive."),
+      lblSelFolder(*this, "lblSelFolder", "Folder List"),
+      Dir1(*this, "Dir1",
+           "Navigate to location to create folder or select a previously created folder as backup folder."),
+      lblFilesNFolder(*this, "lblFilesNFolder", "Files in folder:"),
+      File1(*this, "File1", "Shows files in current folder."),
+      lblbkPth(*this, "lblbkPth", "Backup Folder"),
+      txtbkPth(*this, "txtbkPth", kNoneSelected, "Path and name of folder."),
+      cmdMkFolder(*this, "cmdMkFolder", "Create New Backup Folder", "Click to create a new folder."),
+      cmdSetPath(*this, "cmdSetPath", "Set Selected  Folder As Backup",
+                 "Click here to make the current folder selected as backup folder."),
+      cmdClse(*this, "cmdClse", "Close", "Close this window."),
+      program_(program),
+      windows_(windows) {
+  cmdSetPath.isDefault = true;
+  cmdClse.isCancel = true;
+  Drive1.onClick = [this] { Drive1_Change(); };
+  Dir1.onOpen = [this] {
+    Dir1.SetPath(program_.platform.GetFiles(), Dir1.FolderAt(static_cast<std::size_t>(Dir1.selected.Get())));
+    Dir1_Change();
+  };
+  cmdMkFolder.onClick = [this] { cmdMkFolder_Click(); };
+  cmdSetPath.onClick = [this] { cmdSetPath_Click(); };
+  cmdClse.onClick = [this] { cmdClse_Click(); };
+}
+
+LayoutNode Form3::Layout() {
+  return Column({
+      Item(Label1),
+      Item(Label2),
+      Item(Label3),
+      Item(Label4),
+      Item(Label5),
+      Row({Column({Item(Label7), Item(Drive1), Item(lblSelFolder), Item(Dir1, 1)}, 1),
+           Column({Item(lblFilesNFolder), Item(File1, 1)}, 1)},
+          1),
+      Item(lblbkPth),
+      Item(txtbkPth),
+      Row({Item(cmdMkFolder, 1), Item(cmdSetPath, 1), Item(cmdClse, 1)}),
+  });
+}
+
+void Form3::EnsureLoaded() {
+  if (loaded_) return;
+  loaded_ = true;
+  Form_Load();
+}
+
+void Form3::OpenFrom(Form& opener) {
+  opener_ = &opener;
+  EnsureLoaded();
+  opener.Hide();
+  Show();
+}
+
+void Form3::Form_Load() {
+  FileSystem& files = program_.platform.GetFiles();
+  Drive1.Fill(files);
+  Drive1.ShowDriveOf(kFirstFolder);
+  txtbkPth.text = program_.backupFolder.Get();
+  if (txtbkPth.text == kNoneSelected) {
+    MoveDir(kFirstFolder);
+    txtbkPth.text = Dir1.Path().Text();
+  }
+  if (DirExists(files, txtbkPth.text)) {
+    MoveDir(WinPath(txtbkPth.text));
+  } else {
+    program_.backupFolder.Reset();
+  }
+}
+
+void Form3::MoveDir(const WinPath& folder) {
+  FileSystem& files = program_.platform.GetFiles();
+  Dir1.SetPath(files, folder);
+  File1.SetPath(files, Dir1.Path());
+  Drive1.ShowDriveOf(Dir1.Path());
+}
+
+void Form3::Drive1_Change() {
+  Dir1.SetPath(program_.platform.GetFiles(), WinPath(Drive1.text));
+  Dir1_Change();
+}
+
+void Form3::Dir1_Change() {
+  File1.SetPath(program_.platform.GetFiles(), Dir1.Path());
+  txtbkPth.text = Dir1.Path().Text();
+}
+
+void Form3::cmdMkFolder_Click() {
+  const auto answer = program_.platform.GetDialogs().Input("Enter folder name", kProgramName, "");
+  if (!answer || answer->empty()) return;
+  // No separator is put between: at C:\Backups the answer "\Mail" makes C:\Backups\Mail.
+  const WinPath folder(File1.Path().Text() + *answer);
+  txtbkPth.text = folder.Text();
+  const Status made = program_.platform.GetFiles().MakeDirectory(folder);
+  if (made != Status::Success) {
+    program_.platform.GetLog().Write(folder.Text() + ": the folder was not made because " + StatusReason(made));
+  }
+  Dir1.Refresh(program_.platform.GetFiles());
+}
+
+void Form3::cmdSetPath_Click() {
+  const std::string folder = txtbkPth.text;
+  const bool isNew = folder != program_.backupFolder.Get();
+  if (const auto refusal = program_.backupFolder.Choose(folder)) return TellRefusal(program_, *refusal);
+  windows_.form2.txtbackupPath.caption = folder;
+  if (isNew) windows_.form1.lblbkuppth.caption = folder;
+}
+
+void Form3::cmdClse_Click() {
+  windows_.form1.IsOERuuning();
+  Form& opener = opener_ ? *opener_ : static_cast<Form&>(windows_.form1);
+  opener.Show();
+  Hide();
+}
+
+}  // namespace quillbox

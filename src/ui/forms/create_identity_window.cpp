@@ -1,0 +1,66 @@
+#include "ui/forms/create_identity_window.h"
+
+#include "ui/forms/program_windows.h"
+
+namespace quillbox {
+namespace {
+
+constexpr const char* kBegin = "Press Create New Identity button above to begin.";
+
+}  // namespace
+
+Form7::Form7(Program& program, ProgramWindows& windows)
+    : Form(program.guard, "Form7", "Create New identity"),
+      cmdCreateNewIdentity(*this, "cmdCreateNewIdentity", "Create New Identity"),
+      cmdclose(*this, "cmdclose", "Close"),
+      lblNewUsername(*this, "lblNewUsername", "New Username For This Identiity is: "),
+      txtNewUsername(*this, "txtNewUsername", "", kBegin),
+      lblNewGUID(*this, "lblNewGUID", "New {USER_ID}  is:"),
+      txtNewGUID(*this, "txtNewGUID", "", kBegin),
+      sb1(*this, "sb1", 1),
+      program_(program),
+      windows_(windows) {
+  txtNewUsername.readOnly = true;
+  txtNewGUID.readOnly = true;
+  cmdCreateNewIdentity.isDefault = true;
+  cmdclose.isCancel = true;
+  cmdCreateNewIdentity.onClick = [this] { cmdCreateNewIdentity_Click(); };
+  cmdclose.onClick = [this] { cmdClose_Click(); };
+}
+
+LayoutNode Form7::Layout() {
+  return Column({
+      Row({Item(cmdCreateNewIdentity, 1), Item(cmdclose, 1)}),
+      Grid(2, {1}, {Item(lblNewUsername), Item(txtNewUsername), Item(lblNewGUID), Item(txtNewGUID)}),
+      Space(),
+      Item(sb1),
+  });
+}
+
+void Form7::Open() {
+  txtNewUsername.text = "";
+  txtNewGUID.text = "";
+  sb1.panels[0] = "";
+  windows_.form1.Hide();
+  Show();
+}
+
+void Form7::cmdCreateNewIdentity_Click() {
+  sb1.panels[0] = "";
+  const auto made = program_.identityMaker.Run({});
+  if (!made) {
+    sb1.panels[0] = "No New Identity Was Created.";
+    return;
+  }
+  windows_.form1.GetInputPaths();
+  txtNewUsername.text = made->username;
+  txtNewGUID.text = made->userId;
+  sb1.panels[0] = "New {USER_ID} Created";
+}
+
+void Form7::cmdClose_Click() {
+  Hide();
+  windows_.form1.Show();
+}
+
+}  // namespace quillbox

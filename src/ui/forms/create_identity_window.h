@@ -1,0 +1,37 @@
+// "Create New identity": makes a new, empty identity and shows its username and {USER_ID}.
+#pragma once
+
+#include "ui/form.h"
+#include "ui/forms/program.h"
+
+namespace quillbox {
+
+class ProgramWindows;
+
+class Form7 : public Form {
+ public:
+  Form7(Program& program, ProgramWindows& windows);
+
+  // In tab order.
+  Button cmdCreateNewIdentity;
+  Button cmdclose;
+  Label lblNewUsername;
+  TextBox txtNewUsername;
+  Label lblNewGUID;
+  TextBox txtNewGUID;
+  StatusBar sb1;
+
+  /// Shows the window, emptied, in place of the main window.
+  void Open();
+
+  LayoutNode Layout() override;
+
+ private:
+  void cmdCreateNewIdentity_Click();
+  void cmdClose_Click();
+
+  Program& program_;
+  ProgramWindows& windows_;
+};
+
+}  // namespace quillbox

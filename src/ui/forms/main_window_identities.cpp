@@ -1,0 +1,82 @@
+// The main window's way to the identities: the windows that manage them, the rename, and the replacement of a {USER_ID}
+// by prompts.
+#include "identities/manage_identities.h"
+#include "identities/replace_user_id.h"
+#include "ui/forms/main_window.h"
+#include "ui/forms/program_windows.h"
+
+namespace quillbox {
+namespace {
+
+constexpr const char* kAboutReplacing =
+    "You will be prompted for a {USER_ID} to replace the {USER_ID} in the registry file. If you are unsure as to what "
+    "to put here, press Cancel now and check the documentation on this part of the program.";
+
+}  // namespace
+
+void Form1::crtnewID_Click() {
+  ClearStatus();
+  windows_.form7.Open();
+}
+
+void Form1::CloneIdentity_Click() {
+  ClearStatus();
+  windows_.form4.Open();
+}
+
+void Form1::remIdent_Click() {
+  ClearStatus();
+  windows_.form5.Open();
+}
+
+void Form1::chgStartIdent_Click() {
+  ClearStatus();
+  windows_.form8.Open();
+}
+
+void Form1::usrIDString_Click() {
+  ClearStatus();
+  windows_.form17.Open();
+}
+
+void Form1::chgIdentName_Click() {
+  ClearStatus();
+  const std::string current = Label7.caption;
+  const std::string userId = Label6.caption;
+  Dialogs& dialogs = program_.platform.GetDialogs();
+  const std::string username =
+      dialogs.Input("Enter new Username", "Current Username: " + current, current).value_or(std::string());
+  if (username.empty() || userId.empty()) {
+    sb1.panels[0] = "No changes made.";
+    return;
+  }
+  if (!RenameIdentity(program_.store, program_.catalogue, userId, current, username)) {
+    dialogs.Show({.text = "Name already exists", .icon = MessageIcon::Exclamation});
+    return;
+  }
+  if (Label9.caption == userId) Label10.caption = username;
+  std::vector<std::string> usernames;
+  for (const IdentityInfo& identity : program_.catalogue.identities) usernames.push_back(identity.username);
+  cmbUserNames.items = std::move(usernames);
+  cmbUserNames.text = username;
+  Label7.caption = username;
+}
+
+void Form1::repUSERID_Click() {
+  ClearStatus();
+  Dialogs& dialogs = program_.platform.GetDialogs();
+  if (dialogs.Show({.text = kAboutReplacing, .buttons = MessageButtons::YesNo}) != MessageAnswer::Yes) return;
+  const auto input = AskRegistryFile(program_);
+  if (!input) return;
+  FileSystem& files = program_.platform.GetFiles();
+  const std::string old = FindOldUserId(files, *input);
+  const std::string userId =
+      dialogs.Input("Enter new {USER_ID}", "Current {USER_ID}: " + old, "").value_or(std::string());
+  if (userId.empty()) return;
+  const HourglassScope hourglass(*this);
+  const WinPath output = ReplacedFile(lblbkuppth.caption, *input);
+  ReplaceUserId(files, *input, output, userId);
+  sb1.panels[0] = "File Saved as: " + output.Text();
+}
+
+}  // namespace quillbox

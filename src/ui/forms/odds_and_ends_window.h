@@ -1,0 +1,38 @@
+// "Odds and Ends": switches and title bars of Outlook Express and Internet Explorer that no dialog of theirs offers.
+#pragma once
+
+#include "ui/form.h"
+#include "ui/forms/program.h"
+#include "ui/forms/setting_controls.h"
+
+namespace quillbox {
+
+class ProgramWindows;
+
+class Form12 : public Form {
+ public:
+  Form12(Program& program, ProgramWindows& windows);
+
+  // In tab order; those of the settings are reached by their names.
+  ComboBox cmbUsr;
+  Label lblcurUsrName;
+  SettingsEditor editor;
+  SettingControls settings;
+  Button cmdResIELogo;
+  Button cmdClose;
+
+  /// Shows this window in place of the main window, with everything read afresh.
+  void Open();
+
+  LayoutNode Layout() override;
+
+ private:
+  void Form_Load();
+  void cmbUsr_Click();
+  void cmdClose_Click();
+
+  Program& program_;
+  ProgramWindows& windows_;
+};
+
+}  // namespace quillbox

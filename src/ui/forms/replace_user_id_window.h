@@ -1,0 +1,55 @@
+// "Replace {USER_ID} String in .reg File": carries a saved registry file over to another identity, step by step.
+#pragma once
+
+#include <optional>
+
+#include "ui/form.h"
+#include "ui/forms/program.h"
+
+namespace quillbox {
+
+class ProgramWindows;
+
+class Form17 : public Form {
+ public:
+  Form17(Program& program, ProgramWindows& windows);
+
+  // In tab order.
+  Label lblfirst;
+  Button cmpOpen;
+  Label lblselectedfile;
+  Label lblsecond;
+  ComboBox cmboUserIDs97;
+  Label lblUserID9;
+  Label lblcurUsrName17;
+  Label lblfinishit;
+  Button cmdReplace;
+  Label lblshowem;
+  Label lblFinished;
+  Label lblMerge;
+  Button cmdMerge;
+  Button cmdClose;
+
+  /// Shows the window with the identities that there are now, in place of the main window.
+  void Open();
+
+  LayoutNode Layout() override;
+
+ private:
+  void Form_Load();
+  void cmboUserIDs97_Click();
+  void cmpOpen_Click();
+  void cmdReplace_Click();
+  void cmdMerge_Click();
+  void cmdClose_Click();
+
+  Program& program_;
+  ProgramWindows& windows_;
+  WinPath input_;   ///< empty until a file was chosen
+  WinPath output_;  ///< empty until a file was made
+};
+
+/// Asks for the registry file to replace a {USER_ID} in, beginning in the backup folder; nothing when cancelled.
+std::optional<WinPath> AskRegistryFile(Program& program);
+
+}  // namespace quillbox

@@ -1,0 +1,99 @@
+#include "ui/forms/settings_window.h"
+
+#include "settings/settings_tabs.h"
+#include "ui/forms/program_windows.h"
+
+namespace quillbox {
+namespace {
+
+constexpr const char* kNotSetUp =
+    "This Identity has not been set up. Please log into that Identity and set the values from the Options menu.";
+
+std::vector<std::string> TabCaptions() {
+  std::vector<std::string> captions;
+  for (const SettingsTab* tab : SettingsTabs()) captions.emplace_back(tab->caption);
+  return captions;
+}
+
+}  // namespace
+
+Form13::Form13(Program& program, ProgramWindows& windows)
+    : Form(program.guard, "Form13", "5.0 Settings"),
+      lblOERegSet(*this, "lblOERegSet",
+                  "Outlook Express Registry Entries. These are the names of the values used in the registry. The "
+                  "friendly name that appears in OE's Tools | Options can be seen by moving the mouse over the item to "
+                  "show in the tooltips."),
+      lbluseridlbl(*this, "lbluseridlbl", "User ID: ", "This is the Identity's {USER_ID} string."),
+      cmboUserIDs10(*this, "cmboUserIDs10"),
+      lblusernamelbl(*this, "lblusernamelbl", "User Name: ", "This is the User name of the Identity selected above."),
+      lblusername(*this, "lblusername"),
+      lbluserid(*this, "lbluserid"),
+      SSTab1(*this, "SSTab1", TabCaptions()),
+      editor(program.platform, program.store),
+      tabs(MakeTabs(program.platform.GetDialogs())),
+      lblNote(*this, "lblNote",
+              "NOTE: Some registry entries will not appear until that item has been selected in Outlook Express's "
+              "Options."),
+      lblNote2(*this, "lblNote2", "If an items is disabled, it has not been set in Tools | Options"),
+      cmdClose10(*this, "cmdClose10", "Close", "Close this window."),
+      program_(program),
+      windows_(windows) {
+  lblOERegSet.wraps = true;
+  cmdClose10.isCancel = true;
+  cmboUserIDs10.onClick = [this] { ShowIdentity(); };
+  cmdClose10.onClick = [this] { cmdClose10_Click(); };
+}
+
+std::vector<std::unique_ptr<SettingControls>> Form13::MakeTabs(Dialogs& dialogs) {
+  std::vector<std::unique_ptr<SettingControls>> made;
+  for (const SettingsTab* tab : SettingsTabs()) {
+    made.push_back(
+        std::make_unique<SettingControls>(*this, *tab, editor, dialogs, [this] { return cmboUserIDs10.text.Get(); }));
+  }
+  return made;
+}
+
+LayoutNode Form13::Layout() {
+  std::vector<LayoutNode> pages;
+  for (const auto& tab : tabs) pages.push_back(tab->Layout());
+  return Column({
+      Item(lblOERegSet),
+      Row({Item(lbluseridlbl), Item(cmboUserIDs10, 1), Item(lblusernamelbl), Item(lblusername), Item(lbluserid, 1)}),
+      Tabs(SSTab1, std::move(pages), 1),
+      Item(lblNote),
+      Row({Item(lblNote2, 1), Item(cmdClose10)}),
+  });
+}
+
+void Form13::Open() {
+  Show();
+  windows_.form1.Hide();
+  Form_Load();
+}
+
+void Form13::Form_Load() {
+  const auto& identities = program_.catalogue.identities;
+  cmboUserIDs10.Clear();
+  for (const IdentityInfo& identity : identities) cmboUserIDs10.Add(identity.userId);
+  if (!identities.empty()) cmboUserIDs10.text = identities.front().userId;
+  SSTab1.selected = 0;
+  ShowIdentity();
+}
+
+void Form13::ShowIdentity() {
+  const std::string userId = cmboUserIDs10.text;
+  lbluserid.caption = editor.Username(userId);
+  if (editor.IsSetUp(userId)) {
+    for (const auto& tab : tabs) tab->Load(SettingsEditor::Occasion::Shown);
+    return;
+  }
+  for (const auto& tab : tabs) tab->Clear();
+  program_.platform.GetDialogs().Show({.text = kNotSetUp});
+}
+
+void Form13::cmdClose10_Click() {
+  Hide();
+  windows_.form1.Show();
+}
+
+}  // namespace quillbox

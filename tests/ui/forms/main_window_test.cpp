@@ -1,0 +1,193 @@
+#include "ui/forms/main_window.h"
+
+#include "support/sample_windows.h"
+
+namespace quillbox {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class Form1Test : public SampleWindows {
+ protected:
+  void SetUp() override { MakeDisk(); }
+};
+
+TEST_F(Form1Test, AFirstStartShowsTheIdentitiesAndAsksForABackupFolder) {
+  Form1& form = windows->form1;
+  form.Open();
+  ASSERT_EQ(dialogs.messages.size(), 1u);
+  EXPECT_EQ(dialogs.LastMessage(), "Please Select A Backup Folder Before Proceeding Further");
+  EXPECT_EQ(form.lblbkuppth.caption, "None Selected");
+  EXPECT_EQ(form.lblbkuppth.colour, Colour::Red);
+  EXPECT_EQ(Read(kIdentitiesKey, "Quillbox"), RegValue("None Selected"));
+  EXPECT_FALSE(form.chkOverwrite.checked);
+  EXPECT_EQ(Read(kIdentitiesKey, "BackupOverWrite"), RegValue(0));
+
+  EXPECT_TRUE(form.visible);
+  EXPECT_EQ(form.Label2.caption, std::to_string(windows->program.catalogue.identities.size()));
+  EXPECT_EQ(form.cmbUserNames.text, form.cmbUserNames.items.Get().front());
+  EXPECT_EQ(form.Label6.caption, form.cmbUserIDs.text);
+  EXPECT_EQ(form.Label10.caption, "Main Identity");
+  EXPECT_TRUE(form.Text1.allSelected);
+  EXPECT_EQ(form.lblOERunning.caption, "Outlook Express is not currently running.");
+}
+
+TEST_F(Form1Test, AnyPickerSelectsTheIdentityInAllThree) {
+  Form1& form = Start();
+  form.sb1.panels[0] = "old";
+  for (std::size_t i = 0; i < form.cmbUserIDs.items->size(); ++i) {
+    const IdentityInfo identity = windows->program.catalogue.identities[i];
+    const auto expectSelected = [&](const char* picker) {
+      SCOPED_TRACE(picker);
+      EXPECT_EQ(form.Label7.caption, identity.username);
+      EXPECT_EQ(form.Label6.caption, identity.userId);
+      EXPECT_EQ(form.Text1.text, identity.storeFolder);
+      EXPECT_EQ(form.cmbUserNames.text, identity.username);
+      EXPECT_EQ(form.cmbUserIDs.text, identity.userId);
+      EXPECT_EQ(form.inpth1.text, identity.storeFolder);
+    };
+    form.cmbUserIDs.pick(i);
+    expectSelected("user id");
+    form.cmbUserNames.pick(0);
+    form.cmbUserNames.pick(identity.username);
+    expectSelected("username");
+    form.inpth1.pick(0);
+    form.inpth1.pick(identity.storeFolder);
+    expectSelected("folder");
+  }
+  EXPECT_EQ(form.sb1.panels[0], "");
+}
+
+TEST_F(Form1Test, OfTwoIdentitiesWithOneNameTheLaterIsSelected) {
+  Form1& form = Start();
+  const std::vector<IdentityInfo> identities = windows->program.catalogue.identities;
+  for (const IdentityInfo& identity : identities) {
+    Store().SetKeyValue(IdentityKey(identity.userId), "Username", "Twin", ValueType::Sz);
+  }
+  form.GetInputPaths();
+  form.cmbUserNames.pick(0);
+  EXPECT_EQ(form.Label6.caption, identities.back().userId);
+}
+
+TEST_F(Form1Test, ARunningOutlookExpressIsTold) {
+  Form1& form = Start();
+  const std::string second = windows->program.catalogue.identities[1].userId;
+  Store().CreateKey(CurrentUser(IdentitySettingsKey(second)));
+  Store().SetKeyValue(IdentitySettingsKey(second), "Running", RegValue(1), ValueType::Dword);
+  form.cmdRefresh.click();
+  EXPECT_EQ(form.lblOERunning.caption,
+            "Outlook Express is currently running. Please close it if you intend to make changes.");
+}
+
+TEST_F(Form1Test, AdditionalInformationTogglesTheWindowsHeight) {
+  Form1& form = Start();
+  EXPECT_EQ(form.heightTwips, 4215);
+  form.cmdShowAdditionalInfo.click();
+  EXPECT_EQ(form.heightTwips, 8790);
+  EXPECT_TRUE(form.Frame1.visible);
+  EXPECT_EQ(form.cmdShowAdditionalInfo.caption, "Hide Additional Identity Info");
+  form.cmdShowAdditionalInfo.click();
+  EXPECT_EQ(form.heightTwips, 4215);
+  EXPECT_EQ(form.cmdShowAdditionalInfo.caption, "Show Additional Identity Info");
+}
+
+TEST_F(Form1Test, FoldersAndTheWebPageOpenThroughTheShell) {
+  Form1& form = Start();
+  form.cmbUserNames.pick("Main Identity");
+  form.cmdOpenFolder.click();
+  form.cmdOpenWab.click();
+  form.menuBar.click("opnbkfldr");
+  form.menuBar.click("mnuURL");
+  EXPECT_THAT(
+      platform->shell.explored,
+      ElementsAre(form.Text1.text.Get(),
+                  "C:\\Documents and Settings\\Ann Miller\\Application Data\\Microsoft\\Address Book\\", kBackup));
+  EXPECT_THAT(platform->shell.urls, ElementsAre("https://quillbox.example/"));
+}
+
+TEST_F(Form1Test, TheBackupFolderIsCheckedAtStart) {
+  // The first check resets a folder that is gone without a word; the second one, at the end of the start, shows it.
+  windows->program.backupFolder.Choose("D:\\Gone");
+  EXPECT_EQ(windows->program.backupFolder.Check(true).shown, "D:\\Gone");
+  windows->program.backupFolder.Choose("D:\\Gone");
+  windows->form1.Open();
+  EXPECT_EQ(windows->form1.lblbkuppth.caption, "None Selected");
+  EXPECT_EQ(Read(kIdentitiesKey, "Quillbox"), RegValue("None Selected"));
+  EXPECT_TRUE(dialogs.messages.empty());
+
+  OpenDisk();
+  Start();
+  EXPECT_EQ(Read(kIdentitiesKey, "Quillbox"), RegValue(kBackup));
+  EXPECT_EQ(windows->form1.lblbkuppth.colour, Colour::Default);
+}
+
+TEST_F(Form1Test, ABrowsedFolderBecomesTheBackupFolder) {
+  Form1& form = Start();
+  dialogs.folderAnswers = {std::nullopt, WinPath("D:\\Mail")};
+  form.menuBar.click("brbkfldr");
+  EXPECT_EQ(form.lblbkuppth.caption, kBackup);
+  form.menuBar.click("brbkfldr");
+  EXPECT_EQ(form.lblbkuppth.caption, "D:\\Mail");
+  EXPECT_EQ(windows->form3.txtbkPth.text, "D:\\Mail");
+  EXPECT_EQ(dialogs.folderDialogs.front(), "Select a directory");
+
+  OpenResult key = Store().OpenKey(CurrentUser(kIdentitiesKey));
+  platform->GetRegistry().DeleteValue(key.key, "Quillbox");
+  form.menuBar.click("opnbkfldr");
+  EXPECT_EQ(dialogs.LastMessage(), "Backup Folder Has Not Been Set");
+}
+
+TEST_F(Form1Test, TheOverwriteBoxIsStoredAndLoaded) {
+  Form1& form = Start();
+  form.chkOverwrite.click();
+  EXPECT_EQ(Read(kIdentitiesKey, "BackupOverWrite"), RegValue(1));
+  OpenDisk();
+  EXPECT_TRUE(Start().chkOverwrite.checked);
+  windows->form1.chkOverwrite.click();
+  EXPECT_EQ(Read(kIdentitiesKey, "BackupOverWrite"), RegValue(0));
+  Store().SetKeyValue(kIdentitiesKey, "BackupOverWrite", RegValue(7), ValueType::Dword);
+  windows->form1.chkOverwrite.checked = true;
+  windows->form1.Open();
+  EXPECT_TRUE(windows->form1.chkOverwrite.checked);
+}
+
+TEST_F(Form1Test, EveryCommandReachesTheDiskWhenItEnds) {
+  Form1& form = Start();
+  const int before = platform->commandsEnded;
+  form.chkOverwrite.click();
+  EXPECT_EQ(platform->commandsEnded, before + 1);
+  OpenDisk();
+  EXPECT_EQ(Read(kIdentitiesKey, "BackupOverWrite"), RegValue(1));
+}
+
+TEST_F(Form1Test, SwitchedOffItemsCannotBeChosen) {
+  Form1& form = Start();
+  for (const char* name : {"allIdentities", "resAllIdent", "bkAll", "repUSERID"}) {
+    EXPECT_FALSE(form.menuBar.Item(name).enabled) << name;
+    form.menuBar.click(name);
+  }
+  form.menuBar.click("Notyet");
+  EXPECT_EQ(form.sb1.panels[0], "");
+}
+
+TEST_F(Form1Test, ClosingTheWindowEndsTheProgram) {
+  Form1& form = Start();
+  int quits = 0;
+  windows->program.quit = [&] { ++quits; };
+  form.close();
+  EXPECT_EQ(quits, 1);
+  EXPECT_FALSE(form.visible);
+}
+
+TEST_F(Form1Test, ALoadThatStopsSaysWhere) {
+  Store().SetKeyValue(kIdentitiesKey, "Default User ID", "{gone}", ValueType::Sz);
+  Form1& form = Start();
+  EXPECT_EQ(dialogs.LastMessage(), "Registry read error 2 Default User ID Username");
+  EXPECT_EQ(form.cmbUserNames.items->size(), 1u);
+  EXPECT_THAT(form.inpth1.items.Get(), IsEmpty());
+  EXPECT_EQ(form.Label2.caption, "");
+}
+
+}  // namespace
+}  // namespace quillbox

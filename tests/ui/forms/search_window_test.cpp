@@ -1,0 +1,204 @@
+#include "ui/forms/search_window.h"
+
+#include "support/sample_windows.h"
+
+namespace quillbox {
+namespace {
+
+using ::testing::Contains;
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::IsEmpty;
+
+class Form2Test : public SampleWindows {
+ protected:
+  void SetUp() override {
+    MakeDisk();
+    temp.File("disk/C/Mail/a/Inbox.dbx", "first");
+    temp.File("disk/C/Mail/b/Inbox.dbx", "second");
+    temp.File("disk/C/Mail/b/Old.dbx", "old");
+    temp.File("disk/D/Elsewhere/Book.wa~", "book");
+  }
+  Form2& OpenSearch() {
+    Start().cmdSearch.click();
+    return windows->form2;
+  }
+  Form2& SearchMail() {
+    Form2& form = OpenSearch();
+    windows->program.backupFolder.Choose("C:\\Mail");
+    form.srchBackup.click();
+    windows->program.backupFolder.Choose(kBackup);
+    return form;
+  }
+  static std::vector<std::string> Rows(const Form2& form) {
+    std::vector<std::string> rows;
+    for (std::size_t row = 0; row < form.lvFiles.RowCount(); ++row) {
+      rows.push_back(form.lvFiles.Text(row, 1) + form.lvFiles.Text(row, 0));
+    }
+    return rows;
+  }
+  static std::size_t RowOf(const Form2& form, const std::string& path) {
+    const auto rows = Rows(form);
+    return static_cast<std::size_t>(std::find(rows.begin(), rows.end(), path) - rows.begin());
+  }
+};
+
+TEST_F(Form2Test, EveryWayToItShowsItInPlaceOfTheMainWindowFilled) {
+  Form1& main = Start();
+  Form2& form = windows->form2;
+  EXPECT_FALSE(form.visible);
+  for (const char* item : {"Search", "dbxFiles", "resDBX"}) {
+    for (auto& panel : main.sb1.panels) panel = "old";
+    main.menuBar.click(item);
+    EXPECT_TRUE(form.visible && !main.visible) << item;
+    EXPECT_EQ(main.sb1.panels[0].Get() + main.sb1.panels[1].Get(), "");
+    form.cmdCloseForm2.click();
+    EXPECT_TRUE(!form.visible && main.visible);
+  }
+  EXPECT_EQ(form.Label3.caption, "0 Searches");
+  EXPECT_EQ(form.txtbackupPath.caption, kBackup);
+  EXPECT_THAT(form.cboFileType.items.Get(), ElementsAre("*.dbx", "*.mbx", "*.idx", "*.wab", "*.wa~"));
+  EXPECT_THAT(form.cboDrives.items.Get(),
+              ElementsAre("C:\\{volume has no label}", "D:\\{volume has no label}", "All Hard Drives (C:\\, D:\\)"))
+      << "each drive once, and never the host's own";
+  const IdentityInfo& first = windows->program.catalogue.identities.front();
+  EXPECT_EQ(form.cmbResIdentity.text, first.userId);
+  EXPECT_EQ(form.IdentyPth.text, first.storeFolder);
+  const IdentityInfo& second = windows->program.catalogue.identities[1];
+  form.cmbResIdentity.pick(1);
+  EXPECT_EQ(form.lblusrname.caption, second.username);
+  EXPECT_EQ(form.IdentyPth.text, second.storeFolder);
+}
+
+TEST_F(Form2Test, ADriveOrAllDrivesAreSearchedForWhatTheTypeSays) {
+  Form2& form = OpenSearch();
+  dialogs.onProgress = [&](const ScriptedDialogs::ProgressShown&) {
+    EXPECT_EQ(form.cmdSearch.caption, "Please Wait");
+    EXPECT_EQ(form.pointer, Pointer::Hourglass);
+    return true;
+  };
+  form.cmdSearch.click();
+  EXPECT_THAT(Rows(form), Contains("C:\\Mail\\a\\Inbox.dbx"));
+  EXPECT_THAT(Rows(form), Each(testing::StartsWith("C:\\")));
+  EXPECT_EQ(form.Label3.caption, std::to_string(form.lvFiles.RowCount()));
+  EXPECT_EQ(form.sb2.panels[0], "Search Complete");
+  EXPECT_EQ(form.cmdSearch.caption, "Search");
+  EXPECT_EQ(dialogs.openProgressDisplays, 0);
+
+  form.cboFileType.pick("*.wa~");
+  EXPECT_EQ(form.Label13.caption, "Address Book Backup");
+  form.cboDrives.pick(2);
+  form.cmdSearch.click();
+  EXPECT_THAT(Rows(form), ElementsAre("D:\\Elsewhere\\Book.wa~"));
+
+  form.cboFileType.type("old.*");
+  EXPECT_EQ(form.Label13.caption, "Address Book Backup") << "a pattern of one's own has no description";
+  form.cmdSearch.click();
+  EXPECT_THAT(Rows(form), ElementsAre("C:\\Mail\\b\\Old.dbx"));
+  form.cboFileType.type("  ");
+  EXPECT_FALSE(form.cmdSearch.enabled);
+}
+
+TEST_F(Form2Test, CancelKeepsWhatWasFoundAndSearchesNoFurtherDrive) {
+  Form2& form = OpenSearch();
+  form.cboDrives.pick(2);
+  form.cboFileType.type("*.*");
+  dialogs.onProgress = [&](const ScriptedDialogs::ProgressShown&) { return dialogs.progress.size() < 3; };
+  form.cmdSearch.click();
+  EXPECT_EQ(dialogs.progress.size(), 3U);
+  EXPECT_EQ(form.sb2.panels[0], "Search Cancelled");
+  EXPECT_EQ(form.Label3.caption, std::to_string(form.lvFiles.RowCount()));
+}
+
+TEST_F(Form2Test, CheckedFilesAreBackedUpAskingBeforeOneReplacesAnother) {
+  Form2& form = SearchMail();
+  ASSERT_EQ(form.lvFiles.RowCount(), 3U);
+  form.cndSelectAll.click();
+  form.lvFiles.check(RowOf(form, "C:\\Mail\\b\\Old.dbx"), false);
+  dialogs.overwriteAnswers = {OverwriteAnswer::No};
+  form.cmdCopyFiles.click();
+  EXPECT_THAT(Names(BackupFolderOnHost()), ElementsAre("Inbox.dbx"));
+  ASSERT_EQ(dialogs.overwriteQuestions.size(), 1U);
+  EXPECT_EQ(dialogs.overwriteQuestions[0].target.Text(), "D:\\Backup\\Inbox.dbx");
+  EXPECT_EQ(form.sb2.panels[0], "Copy Complete");
+  EXPECT_EQ(form.sb2.panels[1], "1 of 2 files copied: 1 not replaced");
+  form.cmdDeselectAll.click();
+  form.cmdCopyFiles.click();
+  EXPECT_EQ(form.sb2.panels[1], "No files were checked");
+
+  windows->program.backupFolder.Reset();
+  form.cmdCopyFiles.click();
+  EXPECT_EQ(dialogs.LastMessage(), "Please select a backup folder or create one from the Tools menu.");
+  EXPECT_EQ(form.sb2.panels[0], "");
+  form.srchBackup.click();
+  EXPECT_EQ(form.Label3.caption, "0");
+  EXPECT_EQ(form.sb2.panels[0], "Search Complete");
+}
+
+TEST_F(Form2Test, CheckedFilesAreRestoredIntoTheChosenIdentityAfterAYes) {
+  Form2& form = SearchMail();
+  temp.Folder("disk/C/Store");
+  form.IdentyPth.type("C:\\Store");
+  form.cndSelectAll.click();
+  dialogs.messageAnswers = {MessageAnswer::No, MessageAnswer::Yes, MessageAnswer::Yes, MessageAnswer::Yes};
+  form.resDBXFiles.click();
+  EXPECT_THAT(Names(sample.driveC / "Store"), IsEmpty());
+  EXPECT_EQ(dialogs.messages.back().buttons, MessageButtons::YesNo);
+
+  form.cmdDeselectAll.click();
+  form.resDBXFiles.click();
+  EXPECT_EQ(form.sb2.panels[0], "No Items Restored");
+
+  form.lvFiles.check(RowOf(form, "C:\\Mail\\b\\Inbox.dbx"), true);
+  form.resDBXFiles.click();
+  EXPECT_EQ(Content(sample.driveC / "Store/Inbox.dbx"), "second");
+  EXPECT_EQ(form.sb2.panels[0], "Restore Complete");
+  EXPECT_EQ(form.sb2.panels[1], "");
+
+  form.IdentyPth.type(kEmptyIdentityMarker);
+  form.resDBXFiles.click();
+  EXPECT_THAT(dialogs.LastMessage(), EndsWith("Please select another Identity."));
+  EXPECT_EQ(form.sb2.panels[0], "") << "nothing is copied to a folder that the marker would name";
+}
+
+TEST_F(Form2Test, CloseKeepsAndTheCloseBoxForgets) {
+  Form2& form = SearchMail();
+  form.cboFileType.pick("*.idx");
+  form.escape();
+  EXPECT_TRUE(windows->form1.visible);
+  windows->form1.cmdSearch.click();
+  EXPECT_EQ(form.lvFiles.RowCount(), 3U);
+  EXPECT_EQ(form.cboFileType.text, "*.idx");
+
+  form.close();
+  EXPECT_TRUE(!form.visible && windows->form1.visible);
+  Store().SetKeyValue(IdentityKey(windows->program.catalogue.identities.front().userId), "Username", "Renamed",
+                      ValueType::Sz);
+  windows->form1.cmdSearch.click();
+  EXPECT_EQ(form.lvFiles.RowCount(), 0U);
+  EXPECT_EQ(form.cboFileType.text, "*.dbx");
+  EXPECT_EQ(form.cboFileType.items->size(), 5U);
+  EXPECT_EQ(form.lblusrname.caption, "Renamed") << "the identities are read again";
+  EXPECT_EQ(windows->form1.Label7.caption, "Renamed");
+}
+
+TEST_F(Form2Test, TheFolderWindowReturnsHereWithTheNewFolder) {
+  Form2& form = OpenSearch();
+  form.cmdbkfldr2.click();
+  EXPECT_TRUE(windows->form3.visible && !form.visible);
+  windows->form3.Drive1.pick("C:\\");
+  windows->form3.cmdSetPath.click();
+  EXPECT_EQ(form.txtbackupPath.caption, "C:\\");
+  windows->form3.cmdClse.click();
+  EXPECT_TRUE(form.visible && !windows->form1.visible);
+}
+
+TEST_F(Form2Test, ADoubleClickOpensTheFolderOfTheRow) {
+  Form2& form = SearchMail();
+  form.lvFiles.open(RowOf(form, "C:\\Mail\\b\\Old.dbx"));
+  EXPECT_THAT(platform->shell.explored, ElementsAre("C:\\Mail\\b\\|/n,/e,/select Old.dbx"));
+}
+
+}  // namespace
+}  // namespace quillbox
