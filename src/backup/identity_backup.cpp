@@ -169,7 +169,7 @@ void IdentityBackup::CopyAddressBook(const WinPath& target, OverwriteSetting ove
       platform_.GetShell().CopyFile(
           {.source = source.Path(), .target = target.Join(source.Path().Name()), .noConfirm = overwrite});
     } else {
-      store_.Reports().Add(source.Refusal().Sentence());
+      store_.Failures().Add(source.Refusal().Sentence());
     }
   }
   status_("Adress Book Backup Complete");
@@ -177,14 +177,14 @@ void IdentityBackup::CopyAddressBook(const WinPath& target, OverwriteSetting ove
 
 void IdentityBackup::ExportIdentity(const std::string& userId, const std::string& username, const WinPath& target) {
   if (store_.GetOsCode() == OsCode::Unknown) return;
-  store_.RegExport("HKEY_CURRENT_USER\\" + IdentityKey(userId), target.Join(username + ".reg").Text(), KeyForm::Plain);
+  store_.RegExport("HKEY_CURRENT_USER\\" + IdentityKey(userId), target.Join(username + ".reg"), KeyForm::Plain);
   status_("{USER_ID} Subkey Backup Complete");
 }
 
 void IdentityBackup::ExportSharedKeys(const WinPath& target) {
   if (store_.GetOsCode() == OsCode::Unknown) return;
   for (const SharedExport& row : kSharedExports) {
-    store_.RegExport(RowOf(row.item).key, target.Join(row.file).Text());
+    store_.RegExport(RowOf(row.item).key, target.Join(row.file));
     status_(row.status);
   }
 }
@@ -194,7 +194,7 @@ void IdentityBackup::SaveSignatures(const std::string& userId) {
   const std::string key = IdentitySettingsKey(userId) + "\\Signatures";
   const bool exists = store_.OpenKey(CurrentUser(key), Access::Read).status == Status::Success;
   RegistryItems(platform_, store_, folder_)
-      .Export(RowOf(RegistryItem::Signatures), userId, kSignaturesInBackup.On(store_.GetOsCode()),
+      .Export(RowOf(RegistryItem::Signatures), userId, WinPath(kSignaturesInBackup.On(store_.GetOsCode())),
               exists ? OnFailure::Tell : OnFailure::LogOnly);
 }
 

@@ -134,10 +134,10 @@ bool RegistryItems::IsHive(const RegistryItemRow& row) const {
   return row.isHiveOnNewer && (code == OsCode::W2K || code == OsCode::XP);
 }
 
-bool RegistryItems::Export(const RegistryItemRow& row, const std::string& userId, const std::string& file,
+bool RegistryItems::Export(const RegistryItemRow& row, const std::string& userId, const WinPath& file,
                            OnFailure onFailure) {
   if (IsHive(row)) {
-    store_.SaveKey(KeyPath(row, userId), WinPath(file), onFailure);
+    store_.SaveKey(KeyPath(row, userId), file, onFailure);
   } else {
     store_.RegExport(KeyName(row, userId), file, row.keyForm, onFailure);
   }
@@ -156,7 +156,7 @@ void RegistryItems::ExportSilently(RegistryItem item) {
   const auto folder = folder_.Guard(row.noFolder);
   if (!folder) return;
   if (row.entersFolder) folder_.Enter(*folder);
-  Export(row, {}, row.exportFile.On(store_.GetOsCode()));
+  Export(row, {}, WinPath(row.exportFile.On(store_.GetOsCode())));
 }
 
 void RegistryItems::RestoreSilently(RegistryItem item, const std::string& folder) {
@@ -166,7 +166,7 @@ void RegistryItems::RestoreSilently(RegistryItem item, const std::string& folder
 
 // A file of all identities carries the backup folder that was set when it was made, perhaps on another disk.
 void RegistryItems::Merge(const WinPath& file, OnFailure onFailure) {
-  folder_.KeepOver([&] { store_.RegMerge(file.Text(), onFailure); });
+  folder_.KeepOver([&] { store_.RegMerge(file, onFailure); });
 }
 
 std::set<std::string> RegistryItems::UserIds() {

@@ -66,7 +66,7 @@ class RegistryItems {
   std::optional<WinPath> AskRestoreFile(const RegistryItemRow& row, const WinPath& folder);
 
   /// Writes the item to `file`. True when the status text is to be shown.
-  bool Export(const RegistryItemRow& row, const std::string& userId, const std::string& file,
+  bool Export(const RegistryItemRow& row, const std::string& userId, const WinPath& file,
               OnFailure onFailure = OnFailure::Tell);
   /// Brings the item back from `file`. An item of an identity that this registry does not have is told to the person.
   void Restore(const RegistryItemRow& row, const std::string& userId, const WinPath& file);

@@ -96,7 +96,7 @@ RegText IdentityClone::Read(const char* name) {
 }
 
 void IdentityClone::Merge(const char* name, const std::string& what) {
-  if (!store_.RegMerge(File(name).Text())) {
+  if (!store_.RegMerge(File(name))) {
     throw Error("merging the clone", {File(name).Text(), {}, {}}, "the registry editor did not merge all of it");
   }
   done_.push_back(what);

@@ -85,32 +85,32 @@ TEST_F(RegistryStoreTest, WhatIsWrittenReadsBack) {
 TEST_F(RegistryStoreTest, OsCodeFollowsTheLastTestThatMatches) {
   const auto detect = [&] {
     Store().DetectOsCode();
-    return std::string(OsCodeText(Store().GetOsCode()));
+    return Store().GetOsCode();
   };
   const char* windowsKey = "Software\\Microsoft\\Windows\\CurrentVersion";
   const char* ntKey = "Software\\Microsoft\\Windows NT\\CurrentVersion";
-  EXPECT_EQ(detect(), "XP");
+  EXPECT_EQ(detect(), OsCode::XP);
   SetProductName(windowsKey, "Microsoft Windows 98");
-  EXPECT_EQ(detect(), "XP");
+  EXPECT_EQ(detect(), OsCode::XP);
   SetProductName(ntKey, "Microsoft Windows 2000");
-  EXPECT_EQ(detect(), "2K");
+  EXPECT_EQ(detect(), OsCode::W2K);
   SetProductName(ntKey, "Windows 7 Professional");
-  EXPECT_EQ(detect(), "NT");
+  EXPECT_EQ(detect(), OsCode::NT);
   Store().DeleteKey({RegistryRoot::LocalMachine, ntKey});
-  EXPECT_EQ(detect(), "SE");
+  EXPECT_EQ(detect(), OsCode::SE);
   Store().DeleteKey({RegistryRoot::LocalMachine, windowsKey});
-  EXPECT_EQ(detect(), "SE");
+  EXPECT_EQ(detect(), OsCode::SE);
 }
 
 TEST_F(RegistryStoreTest, CommandLinesOfTheRegistryEditor) {
   platform->processes.forward = false;
-  Store().RegExport("HKEY_CURRENT_USER\\A", "a.reg");
+  Store().RegExport("HKEY_CURRENT_USER\\A", WinPath("a.reg"));
   EXPECT_TRUE(platform->processes.commandLines.empty());
   Store().DetectOsCode();
-  Store().RegExport("HKEY_CURRENT_USER\\Identities\\", "AllIdentities.reg");
-  Store().RegExport("HKEY_CURRENT_USER\\Identities\\{1}", "D:\\b\\c.reg", KeyForm::Plain);
-  Store().RegExport("HKEY_CURRENT_USER\\Identities\\{1}", "c.reg", KeyForm::PlainAfterOneBlank);
-  Store().RegMerge("D:\\Back up\\c.reg");
+  Store().RegExport("HKEY_CURRENT_USER\\Identities\\", WinPath("AllIdentities.reg"));
+  Store().RegExport("HKEY_CURRENT_USER\\Identities\\{1}", WinPath("D:\\b\\c.reg"), KeyForm::Plain);
+  Store().RegExport("HKEY_CURRENT_USER\\Identities\\{1}", WinPath("c.reg"), KeyForm::PlainAfterOneBlank);
+  Store().RegMerge(WinPath("D:\\Back up\\c.reg"));
   EXPECT_THAT(platform->processes.commandLines,
               ::testing::ElementsAre("regedit /s /e:A \"AllIdentities.reg\"  \"HKEY_CURRENT_USER\\Identities\\\"",
                                      "regedit /s /e:A \"D:\\b\\c.reg\"  HKEY_CURRENT_USER\\Identities\\{1}",

@@ -160,7 +160,7 @@ void Form4::cmdClone_Click() {
 }
 
 bool Form4::CloneSettings(IdentityClone& clone) {
-  const RegistryReports::Scope reports(program_.store.Reports());
+  const CommandFailures::Scope failures(program_.store.Failures());
   try {
     clone.CloneSettings();
     return true;

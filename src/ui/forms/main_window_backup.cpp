@@ -37,7 +37,7 @@ void Form1::cmdQuickBackup_Click() {
                                          .icon = MessageIcon::Exclamation});
     return;
   }
-  const RegistryReports::Scope reports(program_.store.Reports());
+  const CommandFailures::Scope failures(program_.store.Failures());
   const HourglassScope hourglass(*this);
   sb1.panels[0] = "";
   const std::string userId = Label6.caption;
@@ -96,7 +96,7 @@ void Form1::BackUpAll(const BackupScope& scope) {
 }
 
 void Form1::TellFailure(const std::string& what, const Handler& command) {
-  const RegistryReports::Scope reports(program_.store.Reports());
+  const CommandFailures::Scope failures(program_.store.Failures());
   try {
     command();
   } catch (const Error& error) {

@@ -18,7 +18,7 @@ void Form1::ExportItem(RegistryItem item) {
   if (!items.MayExport(row, userId)) return;
   const auto file = items.AskExportFile(row, DialogFolder());
   if (!file) return;
-  if (items.Export(row, userId, file->Text())) sb1.panels[0] = row.exportDone;
+  if (items.Export(row, userId, *file)) sb1.panels[0] = row.exportDone;
 }
 
 void Form1::RestoreItem(RegistryItem item) {
@@ -61,7 +61,7 @@ void Form1::CopyAddressBook(CopyPart part) {
     return;
   }
   const DiskPath file = CheckAddressBook(program_.platform.GetFiles(), stored);
-  if (!file.IsUsable()) return program_.store.Reports().Add(file.Refusal().Sentence());
+  if (!file.IsUsable()) return program_.store.Failures().Add(file.Refusal().Sentence());
   program_.platform.GetShell().CopyFile(
       {.source = file.Path(), .target = WinPath(folder + "\\" + file.Path().Name()), .part = part});
   sb1.panels[0] = kAddressBookCopied;
@@ -88,7 +88,7 @@ void Form1::RestoreAddressBook(CopyPart part) {
     return;
   }
   const DiskPath target = CheckAddressBook(program_.platform.GetFiles(), folder);
-  if (!target.IsUsable()) return program_.store.Reports().Add(target.Refusal().Sentence());
+  if (!target.IsUsable()) return program_.store.Failures().Add(target.Refusal().Sentence());
   program_.platform.GetShell().CopyFile({.source = *file, .target = target.Path(), .part = part});
   sb1.panels[0] = kAddressBookCopied;
   ShowCopies();

@@ -91,7 +91,7 @@ void Form17::cmdReplace_Click() {
 void Form17::cmdMerge_Click() {
   Dialogs& dialogs = program_.platform.GetDialogs();
   dialogs.Show({.text = output_.Text()});
-  if (!output_.Empty()) program_.store.RegMerge(output_.Text());
+  if (!output_.Empty()) program_.store.RegMerge(output_);
   dialogs.Show({.text = "Registry file has been merged."});
 }
 

@@ -1,4 +1,4 @@
-#include "core/registry_reports.h"
+#include "core/command_failures.h"
 
 #include <algorithm>
 #include <sstream>
@@ -11,19 +11,19 @@ constexpr std::size_t kLinesShown = 12;
 
 }  // namespace
 
-void RegistryReports::Add(const std::string& lines) {
+void CommandFailures::Add(const std::string& lines) {
   std::istringstream in(lines);
   for (std::string line; std::getline(in, line);) {
     if (!line.empty() && std::find(lines_.begin(), lines_.end(), line) == lines_.end()) lines_.push_back(line);
   }
-  if (depth_ == 0) Tell();
+  if (depth_ == 0) Show();
 }
 
-RegistryReports::Scope::~Scope() {
-  if (--reports_.depth_ == 0) reports_.Tell();
+CommandFailures::Scope::~Scope() {
+  if (--failures_.depth_ == 0) failures_.Show();
 }
 
-void RegistryReports::Tell() {
+void CommandFailures::Show() {
   const std::vector<std::string> lines = std::exchange(lines_, {});
   if (lines.empty()) return;
   std::string text = "Not everything was done:\n";

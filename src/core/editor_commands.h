@@ -1,0 +1,38 @@
+// The registry editor's command lines for exports and merges. The editor is a process of its own, which is waited for.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "core/os_code.h"
+#include "platform/platform.h"
+
+namespace quillbox {
+
+/// How an export's command line writes the key.
+enum class KeyForm {
+  Quoted,             ///< two blanks, then the key in quotes
+  Plain,              ///< two blanks, then the key without quotes
+  PlainAfterOneBlank  ///< one blank, then the key without quotes
+};
+
+/// A run of the editor that did not do everything, and why: one or more lines.
+struct EditorFailure {
+  std::string reason;
+};
+
+class EditorCommands {
+ public:
+  explicit EditorCommands(Processes& processes) : processes_(processes) {}
+
+  /// Exports `key` (its full name) to `file`; nothing is started without an OS code.
+  std::optional<EditorFailure> Export(const std::string& key, const WinPath& file, KeyForm form, OsCode code);
+  std::optional<EditorFailure> Merge(const WinPath& file);
+  /// Runs the editor with a command line of the caller's own.
+  std::optional<EditorFailure> Run(const std::string& commandLine);
+
+ private:
+  Processes& processes_;
+};
+
+}  // namespace quillbox

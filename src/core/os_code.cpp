@@ -1,0 +1,35 @@
+#include "core/os_code.h"
+
+#include "core/registry_access.h"
+
+namespace quillbox {
+namespace {
+
+const RegistryPath kWindowsVersion{RegistryRoot::LocalMachine, "Software\\Microsoft\\Windows\\CurrentVersion"};
+const RegistryPath kNtVersion{RegistryRoot::LocalMachine, "Software\\Microsoft\\Windows NT\\CurrentVersion"};
+constexpr const char* kProductName = "ProductName";
+
+/// Asks with full access: who may not write to the machine's registry gets no OS code.
+bool HasProductName(Registry& registry, const RegistryPath& path) {
+  const OpenResult opened = registry.Open(path, Access::Full);
+  return opened.status == Status::Success &&
+         registry.Query(opened.key, kProductName, std::nullopt).status == Status::Success;
+}
+
+}  // namespace
+
+bool IsNtFamily(OsCode code) {
+  return code == OsCode::NT || code == OsCode::W2K || code == OsCode::XP;
+}
+
+OsCode ReadOsCode(Registry& registry, OsCode known) {
+  OsCode code = HasProductName(registry, kWindowsVersion) ? OsCode::SE : known;
+  if (!HasProductName(registry, kNtVersion)) return code;
+  code = OsCode::NT;
+  const RegValue product = RegistryAccess(registry).Read(kNtVersion, kProductName);
+  if (product == RegValue("Microsoft Windows 2000")) code = OsCode::W2K;
+  if (product == RegValue("Microsoft Windows XP")) code = OsCode::XP;
+  return code;
+}
+
+}  // namespace quillbox
