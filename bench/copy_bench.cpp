@@ -20,6 +20,7 @@
 
 #include "platform/offline/offline_files.h"
 #include "platform/offline/offline_shell.h"
+#include "platform/offline/system_services.h"
 #include "timing.h"
 
 namespace {
@@ -87,11 +88,12 @@ void Prepare(const fs::path& folder, const fs::path& target) {
 }
 
 void CopyOurs(const fs::path& folder) {
-  const Environment environment;
-  OfflineFiles files(DriveMap{folder}, environment);
+  OfflineDrives drives(DriveMap{folder});
+  OfflineFiles files(drives);
   NoDialogs dialogs;
   NoLog log;
-  OfflineShell shell(files, dialogs, log);
+  RegistryFacts facts;
+  OfflineShell shell(files, facts, dialogs, log);
   for (int number = 0; number < kFiles; ++number) {
     shell.CopyFile({.source = WinPath("C:\\in").Join(NameOf(number)), .target = WinPath("C:\\ours")});
   }

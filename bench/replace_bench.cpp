@@ -18,6 +18,7 @@
 
 #include "identities/replace_user_id.h"
 #include "platform/offline/offline_files.h"
+#include "platform/offline/system_services.h"
 #include "timing.h"
 
 namespace {
@@ -50,9 +51,10 @@ void MakeFile(const fs::path& file) {
 }
 
 void Replace(const fs::path& folder) {
-  const quillbox::Environment environment;
-  quillbox::OfflineFiles files(quillbox::DriveMap{folder}, environment);
-  quillbox::ReplaceUserId(files, quillbox::WinPath("C:\\in.reg"), quillbox::WinPath("C:\\ours.reg"), kNew);
+  quillbox::OfflineDrives drives(quillbox::DriveMap{folder});
+  quillbox::OfflineFiles files(drives);
+  quillbox::RegistryFacts facts;
+  quillbox::ReplaceUserId(files, facts, quillbox::WinPath("C:\\in.reg"), quillbox::WinPath("C:\\ours.reg"), kNew);
 }
 
 /// Runs sed in the plain locale, which is its quickest.

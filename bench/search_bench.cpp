@@ -48,8 +48,8 @@ void MakeTree(const fs::path& root) {
 }
 
 std::size_t Search(const fs::path& root) {
-  const quillbox::Environment environment;
-  quillbox::OfflineFiles files(quillbox::DriveMap{root}, environment);
+  quillbox::OfflineDrives drives(quillbox::DriveMap{root});
+  quillbox::OfflineFiles files(drives);
   quillbox::FoundFiles found;
   quillbox::SearchReport report;
   quillbox::SearchFiles(files, quillbox::WinPath("C:\\"), kPattern, found, report,

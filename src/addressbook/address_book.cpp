@@ -26,7 +26,7 @@ std::optional<DiskPath> AddressBook::UseSlot(std::size_t slot) {
 std::optional<DiskPath> AddressBook::UseStored(const char* value) {
   const std::string text = Read(value);
   if (text.empty() || text == kNoneSelected) return std::nullopt;
-  DiskPath file = CheckAddressBook(platform_.GetFiles(), text, value);
+  DiskPath file = CheckAddressBook(platform_.GetDrives(), text, value);
   if (file.IsUsable()) Use(text);
   return file;
 }
@@ -49,9 +49,9 @@ std::optional<DiskPath> AddressBook::RestoreSetting() {
 }
 
 std::optional<PathRefusal> AddressBook::MoveTo(const std::string& folder) {
-  FileSystem& files = platform_.GetFiles();
-  const DiskPath file = CheckAddressBook(files, store_.RegistryGetKeyValue(CurrentUser(kAddressBookKey), "").AsText());
-  const DiskPath chosen(files, folder);
+  Drives& drives = platform_.GetDrives();
+  const DiskPath file = CheckAddressBook(drives, store_.RegistryGetKeyValue(CurrentUser(kAddressBookKey), "").AsText());
+  const DiskPath chosen(drives, folder);
   for (const DiskPath* path : {&file, &chosen}) {
     if (!path->IsUsable()) return path->Refusal();
   }

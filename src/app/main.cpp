@@ -52,7 +52,7 @@ class Application {
     offline.drives = disk.drives;
     auto platform = std::make_unique<OfflinePlatform>(offline, dialogs_, &clipboard_);
     platform_ = std::move(platform);
-    dialogs_.UseHostPaths(platform_->GetFiles());
+    dialogs_.UseHostPaths(platform_->GetDrives());
     try {
       SaveLastDisk(StateFolder(), disk);
     } catch (const Error& error) {

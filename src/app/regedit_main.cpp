@@ -41,8 +41,8 @@ RegeditExit Run(const std::vector<std::string>& arguments) {
   ConsoleDialogs dialogs;
   OfflinePlatform platform(DiskOptions(request), dialogs);
   const std::string& given = request.command.file;
-  const WinPath file =
-      request.command.isHostFile ? platform.GetFiles().WindowsPathOf(std::filesystem::absolute(given)) : WinPath(given);
+  const WinPath file = request.command.isHostFile ? platform.GetDrives().WindowsPathOf(std::filesystem::absolute(given))
+                                                  : WinPath(given);
   return RunRegedit(platform, request.command, file, std::cout, std::cerr);
 }
 

@@ -54,10 +54,10 @@ void BackupFolder::Store(const std::string& folder) {
 
 std::optional<WinPath> BackupFolder::OnThisComputer(const std::string& folder) {
   if (folder.empty() || folder == kNoneSelected) return std::nullopt;
-  FileSystem& files = platform_.GetFiles();
-  WinPath path = Resolve(WinPath(folder), files.CurrentDirectory());
-  const bool isForeign = path.Drive() != 0 && !files.IsOwnDrive(path.Drive()) &&
-                         files.TypeOfDrive(WinPath(std::string{path.Drive(), ':', '\\'})) > DriveType::NoRoot;
+  Drives& drives = platform_.GetDrives();
+  WinPath path = Resolve(WinPath(folder), drives.CurrentDirectory());
+  const bool isForeign = path.Drive() != 0 && !drives.IsOwnDrive(path.Drive()) &&
+                         drives.TypeOfDrive(WinPath(std::string{path.Drive(), ':', '\\'})) > DriveType::NoRoot;
   return isForeign ? std::optional(std::move(path)) : std::nullopt;
 }
 
@@ -150,12 +150,12 @@ void BackupFolder::Tell(FolderMessage wording) {
 }
 
 void BackupFolder::Enter(const WinPath& folder) {
-  FileSystem& files = platform_.GetFiles();
-  const bool entered = folder.Drive() != 0 && files.SetCurrentDrive(folder.Drive()) == Status::Success &&
-                       files.SetCurrentDirectory(folder) == Status::Success;
+  Drives& drives = platform_.GetDrives();
+  const bool entered = folder.Drive() != 0 && drives.SetCurrentDrive(folder.Drive()) == Status::Success &&
+                       drives.SetCurrentDirectory(folder) == Status::Success;
   if (entered) return;
   throw Error("entering the backup folder", {folder.Text(), {}, {}},
-              files.RefusalOf(folder).value_or("the folder does not exist"));
+              platform_.GetFiles().RefusalOf(folder).value_or("the folder does not exist"));
 }
 
 std::optional<bool> BackupFolder::LoadOverwrite() {

@@ -11,21 +11,21 @@ constexpr const char* kFixed = "Fixed Drive";
 constexpr const char* kCdRom = "CD-ROM";
 constexpr const char* kNoLabel = "{volume has no label}";
 
-std::vector<std::string> RootsOfType(FileSystem& files, const std::string& type) {
+std::vector<std::string> RootsOfType(Drives& drives, const std::string& type) {
   std::vector<std::string> roots;
   for (char letter = kFirstDrive; letter <= kLastDrive; ++letter) {
     std::string root{letter, ':', '\\'};
-    if (DriveTypeText(files, root) == type) roots.push_back(std::move(root));
+    if (DriveTypeText(drives, root) == type) roots.push_back(std::move(root));
   }
   return roots;
 }
 
 }  // namespace
 
-std::string DriveTypeText(FileSystem& files, std::string root) {
+std::string DriveTypeText(Drives& drives, std::string root) {
   if (root.size() == 1) root += ":\\";
   if (root.size() == 2 && root.ends_with(':')) root += '\\';
-  switch (files.TypeOfDrive(WinPath(root))) {
+  switch (drives.TypeOfDrive(WinPath(root))) {
     case DriveType::Removable:
       return "Removable Drive";
     case DriveType::Fixed:
@@ -43,17 +43,17 @@ std::string DriveTypeText(FileSystem& files, std::string root) {
   return "Drive Doesn't Exist";
 }
 
-DriveList ListDrives(FileSystem& files) {
+DriveList ListDrives(Drives& drives) {
   DriveList list;
   std::string hardDrives;
-  for (const std::string& root : RootsOfType(files, kFixed)) {
-    std::string label = files.VolumeLabel(WinPath(root)).value_or("");
+  for (const std::string& root : RootsOfType(drives, kFixed)) {
+    std::string label = drives.VolumeLabel(WinPath(root)).value_or("");
     label.resize(std::min(label.find('\0'), label.size()));
     list.items.push_back(root + (label.empty() ? kNoLabel : label));
     list.roots.push_back(root);
     hardDrives += (hardDrives.empty() ? "" : ", ") + root;
   }
-  for (const std::string& root : RootsOfType(files, kCdRom)) {
+  for (const std::string& root : RootsOfType(drives, kCdRom)) {
     list.items.push_back(root + kCdRom);
     list.roots.push_back(root);
   }

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/file_system.h"
+#include "platform/drives.h"
 
 namespace quillbox {
 
@@ -18,9 +18,9 @@ struct DriveList {
 inline constexpr const char* kAllDrives = "All Hard Drives";
 
 /// "Fixed Drive", "CD-ROM" and so on for a drive ("C", "C:" or "C:\"); "Drive Doesn't Exist" for anything else.
-std::string DriveTypeText(FileSystem& files, std::string root);
+std::string DriveTypeText(Drives& drives, std::string root);
 
 /// The fixed drives from B to Z, then the CD-ROM drives.
-DriveList ListDrives(FileSystem& files);
+DriveList ListDrives(Drives& drives);
 
 }  // namespace quillbox

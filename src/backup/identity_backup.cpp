@@ -72,9 +72,9 @@ std::optional<WinPath> IdentityBackup::EnterIdentityFolder(const WinPath& backup
     const Status made = files.MakeDirectory(WinPath(username));
     if (made != Status::Success) return refuse(target, StatusReason(made));
   }
-  const Status entered = files.SetCurrentDirectory(WinPath(username));
+  const Status entered = platform_.GetDrives().SetCurrentDirectory(WinPath(username));
   if (entered != Status::Success) return refuse(target, StatusReason(entered));
-  return files.CurrentDirectory();
+  return platform_.GetDrives().CurrentDirectory();
 }
 
 bool IdentityBackup::CheckIdentitiesKey() {
@@ -114,7 +114,7 @@ std::optional<std::size_t> IdentityBackup::SaveAll(const WinPath& backupFolder, 
 /// its store is not.
 bool IdentityBackup::IsEmpty(const IdentityInfo& identity) {
   try {
-    return ReadStoreFolder(store_, platform_.GetFiles(), identity.userId) == kEmptyIdentityMarker;
+    return ReadStoreFolder(store_, platform_.GetSystemFacts(), identity.userId) == kEmptyIdentityMarker;
   } catch (const Error&) {
     return false;
   }
@@ -136,7 +136,8 @@ void IdentityBackup::CopyStore(const std::string& userId, const WinPath& target,
   std::optional<DiskPath> folder;
   std::string fault;
   try {
-    folder = CheckStoreFolder(files, userId, ReadStoreFolder(store_, files, userId));
+    folder =
+        CheckStoreFolder(platform_.GetDrives(), userId, ReadStoreFolder(store_, platform_.GetSystemFacts(), userId));
     if (!folder->Text().empty() && !folder->IsUsable()) {
       fault = folder->Refusal().Sentence();
     } else if (folder->Text().empty() || !DirExists(files, folder->Path().Text())) {
@@ -164,7 +165,7 @@ void IdentityBackup::CopyAddressBook(const WinPath& target, OverwriteSetting ove
   const std::string file = store_.RegistryGetKeyValue(CurrentUser(kAddressBookKey), "").AsText();
   // Without an address book setting there is no file that could be missed.
   if (!file.empty()) {
-    const DiskPath source = CheckAddressBook(platform_.GetFiles(), file);
+    const DiskPath source = CheckAddressBook(platform_.GetDrives(), file);
     if (source.IsUsable()) {
       platform_.GetShell().CopyFile(
           {.source = source.Path(), .target = target.Join(source.Path().Name()), .noConfirm = overwrite});

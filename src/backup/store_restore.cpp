@@ -60,16 +60,16 @@ std::vector<std::string> StoreRestore::TellSharedFolders(const WinPath& backupFo
 
 std::string StoreRestore::Restore(const IdentityInfo& identity, const WinPath& from, OverwriteSetting overwrite) {
   FileSystem& files = platform_.GetFiles();
-  const Status entered = files.SetCurrentDirectory(from);
+  const Status entered = platform_.GetDrives().SetCurrentDirectory(from);
   if (entered != Status::Success) return "the folder \"" + from.Text() + "\" cannot be used: " + StatusReason(entered);
   std::string stored;
   try {
-    stored = ReadStoreFolder(store_, files, identity.userId);
+    stored = ReadStoreFolder(store_, platform_.GetSystemFacts(), identity.userId);
   } catch (const Error& error) {
     return Describe(error);
   }
   if (stored == kEmptyIdentityMarker) return "it was never started in Outlook Express and has no message store yet";
-  const DiskPath folder = CheckStoreFolder(files, identity.userId, stored);
+  const DiskPath folder = CheckStoreFolder(platform_.GetDrives(), identity.userId, stored);
   if (!folder.IsUsable()) return folder.Refusal().Clause();
   if (!MakeFolder(files, folder.Path().Text()))
     return "its message store folder \"" + OneLine(stored) + "\" cannot be made";

@@ -21,11 +21,11 @@ const char* Reason(PathFault fault) {
   return "it is on another computer";
 }
 
-std::variant<WinPath, PathFault> Decide(FileSystem& files, std::string text) {
+std::variant<WinPath, PathFault> Decide(Drives& drives, std::string text) {
   std::replace(text.begin(), text.end(), '/', '\\');
   const WinPath path(text);
   if (text.starts_with("\\\\")) return PathFault::OnNetwork;
-  if (path.Drive() != 0 && !files.IsOwnDrive(path.Drive())) return PathFault::NoSuchDrive;
+  if (path.Drive() != 0 && !drives.IsOwnDrive(path.Drive())) return PathFault::NoSuchDrive;
   if (!path.IsAbsolute()) return PathFault::NotFull;
   return Resolve(path, path);
 }
@@ -47,9 +47,8 @@ std::string PathRefusal::Sentence() const {
   return words;
 }
 
-DiskPath::DiskPath(FileSystem& files, std::string text, std::optional<RegistryValueName> source)
-    : text_(std::move(text)) {
-  auto decided = Decide(files, text_);
+DiskPath::DiskPath(Drives& drives, std::string text, std::optional<RegistryValueName> source) : text_(std::move(text)) {
+  auto decided = Decide(drives, text_);
   if (auto* path = std::get_if<WinPath>(&decided)) {
     result_ = std::move(*path);
   } else {
@@ -57,12 +56,12 @@ DiskPath::DiskPath(FileSystem& files, std::string text, std::optional<RegistryVa
   }
 }
 
-DiskPath CheckStoreFolder(FileSystem& files, const std::string& userId, std::string folder) {
-  return {files, std::move(folder), RegistryValueName{CurrentUser(IdentitySettingsKey(userId)), "Store Root"}};
+DiskPath CheckStoreFolder(Drives& drives, const std::string& userId, std::string folder) {
+  return {drives, std::move(folder), RegistryValueName{CurrentUser(IdentitySettingsKey(userId)), "Store Root"}};
 }
 
-DiskPath CheckAddressBook(FileSystem& files, std::string file, const std::string& value) {
-  return {files, std::move(file), RegistryValueName{CurrentUser(kAddressBookKey), value}};
+DiskPath CheckAddressBook(Drives& drives, std::string file, const std::string& value) {
+  return {drives, std::move(file), RegistryValueName{CurrentUser(kAddressBookKey), value}};
 }
 
 }  // namespace quillbox

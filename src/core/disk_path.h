@@ -8,7 +8,7 @@
 #include <string>
 #include <variant>
 
-#include "platform/file_system.h"
+#include "platform/drives.h"
 #include "text/registry_path.h"
 
 namespace quillbox {
@@ -41,7 +41,7 @@ struct PathRefusal {
 class DiskPath {
  public:
   /// `text` is a path as it is stored (variables expanded) or was chosen.
-  DiskPath(FileSystem& files, std::string text, std::optional<RegistryValueName> source = std::nullopt);
+  DiskPath(Drives& drives, std::string text, std::optional<RegistryValueName> source = std::nullopt);
 
   bool IsUsable() const { return std::holds_alternative<WinPath>(result_); }
   /// Absolute, without "." and "..", forward slashes or a backslash at its end; so its Name() is one name. Throws
@@ -57,8 +57,8 @@ class DiskPath {
 };
 
 /// The message store folder `folder` of an identity, as ReadStoreFolder gives it.
-DiskPath CheckStoreFolder(FileSystem& files, const std::string& userId, std::string folder);
+DiskPath CheckStoreFolder(Drives& drives, const std::string& userId, std::string folder);
 /// The address book file `file` that `value` of the address book key holds: the one in use, a slot, the saved copy.
-DiskPath CheckAddressBook(FileSystem& files, std::string file, const std::string& value = {});
+DiskPath CheckAddressBook(Drives& drives, std::string file, const std::string& value = {});
 
 }  // namespace quillbox

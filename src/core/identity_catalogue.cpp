@@ -26,9 +26,9 @@ void EnsureSettings(RegistryStore& store, const std::string& userId) {
   if (key.IsOpen()) store.SetValueEx(key, "Store Root", type, kEmptyIdentityMarker);
 }
 
-void LoadIdentity(RegistryStore& store, FileSystem& files, IdentityInfo& identity) {
+void LoadIdentity(RegistryStore& store, SystemFacts& facts, IdentityInfo& identity) {
   EnsureSettings(store, identity.userId);
-  identity.storeFolder = ReadStoreFolder(store, files, identity.userId);
+  identity.storeFolder = ReadStoreFolder(store, facts, identity.userId);
   OpenOrEnd(store, IdentityKey(identity.userId), " Identities\\Username");
   identity.username = store.ReadStringValue(CurrentUser(IdentityKey(identity.userId)), "Username");
 }
@@ -41,7 +41,7 @@ void LoadDefault(RegistryStore& store, IdentityCatalogue& catalogue) {
   catalogue.defaultUsername = store.ReadStringValue(CurrentUser(defaultKey), "Username");
 }
 
-void LoadAll(RegistryStore& store, FileSystem& files, CatalogueLoad& load) {
+void LoadAll(RegistryStore& store, SystemFacts& facts, CatalogueLoad& load) {
   OpenResult identities = store.OpenKey(CurrentUser(kIdentitiesKey));
   if (identities.status != Status::Success) {
     load.end = CatalogueLoad::End::NoIdentitiesKey;
@@ -52,7 +52,7 @@ void LoadAll(RegistryStore& store, FileSystem& files, CatalogueLoad& load) {
   }
   identities.key.Close();
   for (IdentityInfo& identity : load.catalogue.identities) {
-    LoadIdentity(store, files, identity);
+    LoadIdentity(store, facts, identity);
     // The default identity is read along with the first one: a load that stops there has one username.
     if (++load.usernamesRead == 1) LoadDefault(store, load.catalogue);
   }
@@ -73,11 +73,11 @@ RegistryPath CurrentUser(const std::string& subkey) {
   return {RegistryRoot::CurrentUser, subkey};
 }
 
-CatalogueLoad LoadCatalogue(RegistryStore& store, FileSystem& files) {
+CatalogueLoad LoadCatalogue(RegistryStore& store, SystemFacts& facts) {
   CatalogueLoad load;
   try {
     store.DetectOsCode();
-    LoadAll(store, files, load);
+    LoadAll(store, facts, load);
   } catch (const ReadErrorEnd& end) {
     load.end = CatalogueLoad::End::ReadError;
     load.status = end.status;
@@ -89,16 +89,16 @@ CatalogueLoad LoadCatalogue(RegistryStore& store, FileSystem& files) {
   return load;
 }
 
-std::string ReadStoreFolder(RegistryStore& store, FileSystem& files, const std::string& userId) {
-  return ExpandStoreRoot(files, store.ReadStringValue(CurrentUser(IdentitySettingsKey(userId)), "Store Root"));
+std::string ReadStoreFolder(RegistryStore& store, SystemFacts& facts, const std::string& userId) {
+  return ExpandStoreRoot(facts, store.ReadStringValue(CurrentUser(IdentitySettingsKey(userId)), "Store Root"));
 }
 
-std::string ExpandStoreRoot(FileSystem& files, const std::string& storeRoot) {
+std::string ExpandStoreRoot(SystemFacts& facts, const std::string& storeRoot) {
   const std::size_t first = storeRoot.find('%');
   if (first == std::string::npos) return storeRoot;
   const std::size_t second = storeRoot.find('%', first + 1);
   if (second == std::string::npos) return storeRoot;
-  return files.ExpandEnvironment(storeRoot.substr(first, second - first + 1)) + storeRoot.substr(second + 1);
+  return facts.ExpandEnvironment(storeRoot.substr(first, second - first + 1)) + storeRoot.substr(second + 1);
 }
 
 bool IsAnyIdentityRunning(RegistryStore& store, const IdentityCatalogue& catalogue) {

@@ -54,14 +54,14 @@ struct CatalogueLoad {
 
 /// Reads all identities. An identity without settings gets its settings key with the marker as "Store Root" (type by
 /// the OS code): the only write. Detects the OS code first.
-CatalogueLoad LoadCatalogue(RegistryStore& store, FileSystem& files);
+CatalogueLoad LoadCatalogue(RegistryStore& store, SystemFacts& facts);
 
 /// An identity's message store folder as the registry has it now, expanded.
-std::string ReadStoreFolder(RegistryStore& store, FileSystem& files, const std::string& userId);
+std::string ReadStoreFolder(RegistryStore& store, SystemFacts& facts, const std::string& userId);
 
 /// `storeRoot` with its first %VARIABLE% expanded: the text before the first "%" is dropped, what follows the second
 /// "%" is kept as it is. A text without two "%" stays.
-std::string ExpandStoreRoot(FileSystem& files, const std::string& storeRoot);
+std::string ExpandStoreRoot(SystemFacts& facts, const std::string& storeRoot);
 
 /// True as soon as one identity's "Running" is 1.
 bool IsAnyIdentityRunning(RegistryStore& store, const IdentityCatalogue& catalogue);

@@ -42,7 +42,7 @@ IdentityClone::IdentityClone(Platform& platform, RegistryStore& store, CloneRequ
     : platform_(platform),
       store_(store),
       request_(std::move(request)),
-      codePage_(platform.GetFiles().CodePageNumber()) {}
+      codePage_(platform.GetSystemFacts().CodePageNumber()) {}
 
 std::string IdentityClone::Refusal() {
   for (const auto& [role, userId] : {std::pair("Source", request_.source), {"Destination", request_.destination}}) {
@@ -70,7 +70,7 @@ void IdentityClone::CloneSettings() {
   const bool hasAccounts = store_.OpenKey(CurrentUser(kAccountsKey), Access::Read).status == Status::Success;
   if (hasAccounts) Export(kAccountsFile, "  \"" + FullName(CurrentUser(kAccountsKey)) + "\"");
 
-  const std::string expanded = DefaultStoreFolder(store_, platform_.GetFiles(), request_.destination);
+  const std::string expanded = DefaultStoreFolder(store_, platform_, request_.destination);
   const std::vector<OwnValue> own = ReadOwnValues(Read(kDestinationFile), codePage_, request_.destination);
   platform_.GetFiles().WriteFile(
       File(kIdentityFile), RewriteIdentity(Read(kSourceFile), codePage_, request_.source, request_.destination, own));
@@ -133,7 +133,8 @@ std::string IdentityClone::CopyMessages() {
   std::optional<DiskPath> from;
   std::string fault;
   try {
-    from = CheckStoreFolder(files, request_.source, ReadStoreFolder(store_, files, request_.source));
+    from = CheckStoreFolder(platform_.GetDrives(), request_.source,
+                            ReadStoreFolder(store_, platform_.GetSystemFacts(), request_.source));
     fault = SourceFault(files, *from);
   } catch (const Error& error) {
     fault = Describe(error);
@@ -141,7 +142,7 @@ std::string IdentityClone::CopyMessages() {
   if (!fault.empty()) {
     return "The Identity was cloned, but the DBX files of " + request_.source + " were not copied: " + fault + ".";
   }
-  const std::string to = DefaultStoreFolder(store_, files, request_.destination);
+  const std::string to = DefaultStoreFolder(store_, platform_, request_.destination);
   if (!DirExists(files, to)) CreateFolder(files, to);
   for (const std::string& name : FileList(files, from->Path().Join("*.*").Text())) {
     if (name.empty()) continue;

@@ -35,10 +35,11 @@ std::string CreateFolder(FileSystem& files, const std::string& path) {
   return path;
 }
 
-std::string DefaultStoreFolder(RegistryStore& store, FileSystem& files, const std::string& userId) {
+std::string DefaultStoreFolder(RegistryStore& store, Platform& platform, const std::string& userId) {
   const RegistryPath key = CurrentUser(kShellFolders);
-  const std::string folder = ExpandStoreRoot(files, store.RegistryGetKeyValue(key, kLocalAppData).AsText());
-  const DiskPath checked(files, folder, RegistryValueName{key, kLocalAppData});
+  const std::string folder =
+      ExpandStoreRoot(platform.GetSystemFacts(), store.RegistryGetKeyValue(key, kLocalAppData).AsText());
+  const DiskPath checked(platform.GetDrives(), folder, RegistryValueName{key, kLocalAppData});
   if (!checked.IsUsable()) throw Error("finding the folder for message stores", {}, checked.Refusal().Clause());
   return FolderBelow(folder, userId);
 }
@@ -103,7 +104,7 @@ void IdentityMaker::Create(const NewIdentity& identity, std::uint32_t ordinal) {
 void IdentityMaker::MakeStoreFolder(const std::string& userId) {
   FileSystem& files = platform_.GetFiles();
   try {
-    const std::string folder = DefaultStoreFolder(store_, files, userId);
+    const std::string folder = DefaultStoreFolder(store_, platform_, userId);
     if (!DirExists(files, folder)) CreateFolder(files, folder);
     if (!DirExists(files, folder)) platform_.GetLog().Write(folder + ": the message store folder was not made");
   } catch (const Error& error) {

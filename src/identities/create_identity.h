@@ -19,7 +19,7 @@ std::string CreateFolder(FileSystem& files, const std::string& path);
 
 /// Where an identity's messages are by default, final backslash included: below the person's local application data.
 /// Throws Error when the registry does not say where those are.
-std::string DefaultStoreFolder(RegistryStore& store, FileSystem& files, const std::string& userId);
+std::string DefaultStoreFolder(RegistryStore& store, Platform& platform, const std::string& userId);
 /// The same with "%UserProfile%" in it, as a "Store Root" has it.
 std::string UnexpandedStoreFolder(const std::string& userId);
 

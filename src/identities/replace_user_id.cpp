@@ -176,7 +176,8 @@ class Rewriter {
 /// One registry file being read: its encoding is known, and what was read to know it is kept.
 class Source {
  public:
-  Source(FileSystem& files, WinPath path) : path_(std::move(path)), codePage_(files.CodePageNumber()) {
+  Source(FileSystem& files, SystemFacts& facts, WinPath path)
+      : path_(std::move(path)), codePage_(facts.CodePageNumber()) {
     file_ = files.OpenForReading(path_);
     begun_.resize(kUtf8Mark.size());
     begun_.resize(file_->Read(begun_));
@@ -250,13 +251,14 @@ WinPath ReplacedFile(const std::string& backupFolder, const WinPath& input) {
   return WinPath(backupFolder + "\\New" + GetFileName(input.Text()) + ".reg");
 }
 
-std::string FindOldUserId(FileSystem& files, const WinPath& input) {
-  return Source(files, input).FindOld();
+std::string FindOldUserId(FileSystem& files, SystemFacts& facts, const WinPath& input) {
+  return Source(files, facts, input).FindOld();
 }
 
-void ReplaceUserId(FileSystem& files, const WinPath& input, const WinPath& output, const std::string& userId) {
-  const std::string old = FindOldUserId(files, input);
-  Source source(files, input);
+void ReplaceUserId(FileSystem& files, SystemFacts& facts, const WinPath& input, const WinPath& output,
+                   const std::string& userId) {
+  const std::string old = FindOldUserId(files, facts, input);
+  Source source(files, facts, input);
   const std::string replacement = source.Encoded(userId);
   const std::unique_ptr<FileWriter> file = files.StartFile(output);
   Output out(*file);

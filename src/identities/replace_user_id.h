@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/file_system.h"
+#include "platform/system_facts.h"
 
 namespace quillbox {
 
@@ -17,12 +18,13 @@ WinPath ReplacedFile(const std::string& backupFolder, const WinPath& input);
 
 /// The {USER_ID} that a replacement would replace: the 38 characters from the first "{" in the file. Empty without any
 /// "{", or when the line ends before them. Throws Error when the file cannot be read.
-std::string FindOldUserId(FileSystem& files, const WinPath& input);
+std::string FindOldUserId(FileSystem& files, SystemFacts& facts, const WinPath& input);
 
 /// Writes `output`, whole or not at all: each line of `input` that holds the old {USER_ID} exactly has it replaced by
 /// `userId` in whatever case it occurs there; the other lines stay. Lines end with CR LF. A file without an old
 /// {USER_ID} is copied as it is. Throws Error when a file cannot be read or written, or when the input's encoding
 /// cannot hold `userId`.
-void ReplaceUserId(FileSystem& files, const WinPath& input, const WinPath& output, const std::string& userId);
+void ReplaceUserId(FileSystem& files, SystemFacts& facts, const WinPath& input, const WinPath& output,
+                   const std::string& userId);
 
 }  // namespace quillbox

@@ -1,4 +1,4 @@
-// Files, folders and drives under Windows' names. Paths may be relative to the current drive and directory.
+// Files and folders under Windows' names. Paths may be relative to the current drive and directory.
 #pragma once
 
 #include <cstdint>
@@ -13,9 +13,6 @@
 #include "text/win_path.h"
 
 namespace quillbox {
-
-/// The platform's drive type numbers.
-enum class DriveType { Unknown = 0, NoRoot = 1, Removable = 2, Fixed = 3, Remote = 4, CdRom = 5, RamDisk = 6 };
 
 struct FileEntry {
   std::string name;  ///< as stored
@@ -79,8 +76,6 @@ class FileSystem {
   /// Entries of the pattern's folder whose names match its last component ("*.dbx", "*.*"), folders, hidden and
   /// system entries included. An unreadable or missing folder gives an enumeration without entries.
   virtual std::unique_ptr<FileFinder> Find(const WinPath& pattern) = 0;
-  /// As Find, for walks over many files: the entries' names and isDirectory are right, everything else may be unset.
-  virtual std::unique_ptr<FileFinder> FindNames(const WinPath& pattern) { return Find(pattern); }
   /// Walks the folder `root` for files whose names match `pattern` (without a folder). Paths are told as `root` reads.
   virtual std::unique_ptr<FolderWalk> Walk(const WinPath& root, const std::string& pattern) = 0;
   /// The entry itself, or nothing when it does not exist.
@@ -90,28 +85,11 @@ class FileSystem {
   /// whether or not anything is there.
   virtual std::optional<std::string> RefusalOf(const WinPath& /*path*/) { return std::nullopt; }
 
-  virtual DriveType TypeOfDrive(const WinPath& root) = 0;
-  /// True for a drive of the system that is worked on, with or without a medium; false for a letter that has none and
-  /// for a drive that shows the files of the computer that the program runs on.
-  virtual bool IsOwnDrive(char letter) = 0;
-  /// The volume's label, which may be empty; nothing when the drive is not there.
-  virtual std::optional<std::string> VolumeLabel(const WinPath& root) = 0;
-
-  /// `text` with its %VARIABLES% replaced; one that is not set stays as it reads.
-  virtual std::string ExpandEnvironment(std::string_view text) = 0;
-
   /// Makes one folder. FileExists, PathNotFound, AccessDenied, DiskFull, InvalidParameter (no possible name).
   virtual Status MakeDirectory(const WinPath& path) = 0;
   /// Makes every missing folder along the path; true when the folder is there afterwards.
   virtual bool MakePath(const WinPath& path) = 0;
   virtual Status DeleteFile(const WinPath& path) = 0;
-
-  /// Each drive has a current directory of its own. Changing the drive leaves them as they are.
-  virtual Status SetCurrentDrive(char letter) = 0;
-  /// Sets the current directory of the path's drive; the current drive stays.
-  virtual Status SetCurrentDirectory(const WinPath& path) = 0;
-  /// The current directory of the current drive.
-  virtual WinPath CurrentDirectory() = 0;
 
   /// A whole file; throws Error when it cannot be read.
   virtual std::string ReadFile(const WinPath& path) = 0;
@@ -121,9 +99,6 @@ class FileSystem {
   /// The same for files of any size. Both throw Error when the file cannot be opened or made.
   virtual std::unique_ptr<FileReader> OpenForReading(const WinPath& path) = 0;
   virtual std::unique_ptr<FileWriter> StartFile(const WinPath& path) = 0;
-
-  /// The system's 8-bit code page, by its number.
-  virtual unsigned CodePageNumber() = 0;
 };
 
 }  // namespace quillbox

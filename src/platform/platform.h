@@ -9,8 +9,10 @@
 #include "platform/chosen_folders.h"
 #include "platform/copy_result.h"
 #include "platform/dialogs.h"
+#include "platform/drives.h"
 #include "platform/file_system.h"
 #include "platform/registry.h"
+#include "platform/system_facts.h"
 
 namespace quillbox {
 
@@ -78,6 +80,8 @@ struct Platform {
   virtual ~Platform() = default;
   virtual Registry& GetRegistry() = 0;
   virtual FileSystem& GetFiles() = 0;
+  virtual Drives& GetDrives() = 0;
+  virtual SystemFacts& GetSystemFacts() = 0;
   virtual Shell& GetShell() = 0;
   virtual Processes& GetProcesses() = 0;
   virtual Dialogs& GetDialogs() = 0;

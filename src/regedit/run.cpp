@@ -37,7 +37,7 @@ class FileSource : public ByteSource {
 
 RegeditExit RunExport(Platform& platform, const RegeditCommand& command, const WinPath& file, std::ostream& out,
                       std::ostream& err) {
-  const CodePage codePage(platform.GetFiles().CodePageNumber());
+  const CodePage codePage(platform.GetSystemFacts().CodePageNumber());
   const std::unique_ptr<FileWriter> writer = platform.GetFiles().StartFile(file);
   const ExportResult result = ExportKey(platform.GetRegistry(), command.key, command.form, codePage,
                                         [&](std::string_view bytes) { writer->Write(bytes); });
@@ -49,7 +49,7 @@ RegeditExit RunExport(Platform& platform, const RegeditCommand& command, const W
 
 RegeditExit RunMerge(Platform& platform, const RegeditCommand& command, const WinPath& file, std::ostream& out,
                      std::ostream& err) {
-  const CodePage codePage(platform.GetFiles().CodePageNumber());
+  const CodePage codePage(platform.GetSystemFacts().CodePageNumber());
   FileSource source(platform.GetFiles(), file);
   const MergeReport report = MergeFile(platform.GetRegistry(), source, command.file, codePage);
   source.RequireUnchanged();

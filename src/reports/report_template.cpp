@@ -29,8 +29,8 @@ void AppendLines(std::string& report, std::string_view lines, std::initializer_l
   report += lines.substr(done);
 }
 
-void WriteReport(FileSystem& files, const WinPath& file, const std::string& report) {
-  files.WriteFile(file, CodePage(files.CodePageNumber()).EncodeLossy(report));
+void WriteReport(FileSystem& files, SystemFacts& facts, const WinPath& file, const std::string& report) {
+  files.WriteFile(file, CodePage(facts.CodePageNumber()).EncodeLossy(report));
 }
 
 }  // namespace quillbox

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "platform/file_system.h"
+#include "platform/system_facts.h"
 
 namespace quillbox {
 
@@ -22,6 +23,6 @@ using Gap = std::pair<std::string_view, std::string_view>;
 void AppendLines(std::string& report, std::string_view lines, std::initializer_list<Gap> gaps = {});
 
 /// Writes a report in the disk's 8-bit code page, "?" for what that cannot hold. Throws Error when it can't be written.
-void WriteReport(FileSystem& files, const WinPath& file, const std::string& report);
+void WriteReport(FileSystem& files, SystemFacts& facts, const WinPath& file, const std::string& report);
 
 }  // namespace quillbox

@@ -21,11 +21,11 @@ std::vector<std::string> SortedNames(FileSystem& files, const WinPath& folder, b
 
 }  // namespace
 
-void DriveListBox::Fill(FileSystem& files) {
+void DriveListBox::Fill(Drives& drives) {
   std::vector<std::string> roots;
   for (char letter = 'A'; letter <= 'Z'; ++letter) {
     const std::string root = std::string(1, letter) + ":\\";
-    if (files.TypeOfDrive(WinPath(root)) > DriveType::NoRoot) roots.push_back(root);
+    if (drives.TypeOfDrive(WinPath(root)) > DriveType::NoRoot) roots.push_back(root);
   }
   items = std::move(roots);
 }
@@ -34,8 +34,8 @@ void DriveListBox::ShowDriveOf(const WinPath& path) {
   if (path.Drive() != 0) text = std::string(1, path.Drive()) + ":\\";
 }
 
-void DirListBox::SetPath(FileSystem& files, const WinPath& folder) {
-  path_ = Resolve(folder, files.CurrentDirectory());
+void DirListBox::SetPath(FileSystem& files, Drives& drives, const WinPath& folder) {
+  path_ = Resolve(folder, drives.CurrentDirectory());
   Refresh(files);
 }
 
@@ -59,7 +59,7 @@ void DirListBox::Refresh(FileSystem& files) {
 }
 
 void FileListBox::SetPath(FileSystem& files, const WinPath& folder) {
-  path_ = Resolve(folder, files.CurrentDirectory());
+  path_ = folder;
   Refresh(files);
 }
 

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/drives.h"
 #include "platform/file_system.h"
 #include "ui/controls.h"
 
@@ -13,7 +14,7 @@ namespace quillbox {
 class DriveListBox : public ComboBox {
  public:
   using ComboBox::ComboBox;
-  void Fill(FileSystem& files);
+  void Fill(Drives& drives);
   /// Shows the drive of `path` without running a handler.
   void ShowDriveOf(const WinPath& path);
 };
@@ -22,8 +23,8 @@ class DriveListBox : public ComboBox {
 class DirListBox : public ListBox {
  public:
   using ListBox::ListBox;
-  /// Moves to `folder` without running a handler.
-  void SetPath(FileSystem& files, const WinPath& folder);
+  /// Moves to `folder`, which may be relative to the current directory, without running a handler.
+  void SetPath(FileSystem& files, Drives& drives, const WinPath& folder);
   void Refresh(FileSystem& files);
   const WinPath& Path() const { return path_; }
   /// The folder that line `index` stands for.
@@ -38,6 +39,7 @@ class DirListBox : public ListBox {
 class FileListBox : public ListBox {
  public:
   using ListBox::ListBox;
+  /// `folder` is absolute.
   void SetPath(FileSystem& files, const WinPath& folder);
   void Refresh(FileSystem& files);
   const WinPath& Path() const { return path_; }

@@ -11,6 +11,7 @@
 #include "backup/drives.h"
 #include "platform/offline/offline_files.h"
 #include "support/temp_folder.h"
+#include "support/test_drives.h"
 
 namespace quillbox {
 namespace {
@@ -32,8 +33,8 @@ struct FileSearchTest : testing::Test {
 
   TempFolder temp;
   std::filesystem::path c = temp.Folder("c");
-  Environment environment;
-  OfflineFiles files{DriveMap(c), environment};
+  OfflineDrives drives{DriveMap(c)};
+  OfflineFiles files{drives};
   FoundFiles found;
   SearchReport report;
   SearchProgress progress = [](const std::string&, std::size_t) { return true; };
@@ -135,35 +136,21 @@ TEST_F(FileSearchTest, CancelKeepsWhatWasFound) {
   EXPECT_EQ(told.front(), "C:\\");
 }
 
-/// Drives of every type; C has no label, D one with rubbish behind its end.
-struct MachineDrives : OfflineFiles {
-  using OfflineFiles::OfflineFiles;
-  DriveType TypeOfDrive(const WinPath& root) override {
-    const auto known = types.find(root.Drive());
-    return root.IsAbsolute() && known != types.end() ? known->second : DriveType::NoRoot;
-  }
-  std::optional<std::string> VolumeLabel(const WinPath& root) override {
-    return root.Drive() == 'D' ? std::string("DATA\0rubbish", 12) : std::string();
-  }
-  std::map<char, DriveType> types;
-};
-
 TEST(DriveList, FixedDrivesThenCdRomsThenAll) {
-  const TempFolder temp;
-  const Environment environment;
-  MachineDrives files(DriveMap(temp.Path()), environment);
-  files.types = {{'C', DriveType::Fixed}};
-  EXPECT_THAT(ListDrives(files).items, ElementsAre("C:\\{volume has no label}"));
+  TestDrives drives;
+  drives.labels = {{'D', std::string("DATA\0rubbish", 12)}};
+  drives.types = {{'C', DriveType::Fixed}};
+  EXPECT_THAT(ListDrives(drives).items, ElementsAre("C:\\{volume has no label}"));
 
-  files.types = {{'A', DriveType::Fixed}, {'B', DriveType::CdRom},   {'C', DriveType::Fixed}, {'D', DriveType::Fixed},
-                 {'E', DriveType::CdRom}, {'R', DriveType::RamDisk}, {'Z', DriveType::Remote}};
-  const DriveList list = ListDrives(files);
+  drives.types = {{'A', DriveType::Fixed}, {'B', DriveType::CdRom},   {'C', DriveType::Fixed}, {'D', DriveType::Fixed},
+                  {'E', DriveType::CdRom}, {'R', DriveType::RamDisk}, {'Z', DriveType::Remote}};
+  const DriveList list = ListDrives(drives);
   EXPECT_THAT(list.items, ElementsAre("C:\\{volume has no label}", "D:\\DATA", "B:\\CD-ROM", "E:\\CD-ROM",
                                       "All Hard Drives (C:\\, D:\\)"));
   EXPECT_THAT(list.roots, ElementsAre("C:\\", "D:\\", "B:\\", "E:\\"));
-  EXPECT_EQ(DriveTypeText(files, "r"), "RAM Disk");
-  EXPECT_EQ(DriveTypeText(files, "Z:"), "Remote Drive");
-  EXPECT_EQ(DriveTypeText(files, "Q:\\"), "Drive Doesn't Exist");
+  EXPECT_EQ(DriveTypeText(drives, "r"), "RAM Disk");
+  EXPECT_EQ(DriveTypeText(drives, "Z:"), "Remote Drive");
+  EXPECT_EQ(DriveTypeText(drives, "Q:\\"), "Drive Doesn't Exist");
 }
 
 }  // namespace

@@ -9,7 +9,7 @@ namespace {
 class IdentityCatalogueTest : public SamplePlatform {
  protected:
   void SetUp() override { MakeDisk(); }
-  CatalogueLoad Load() { return LoadCatalogue(Store(), platform->GetFiles()); }
+  CatalogueLoad Load() { return LoadCatalogue(Store(), platform->GetSystemFacts()); }
   IdentityInfo Find(const std::string& username) {
     for (const IdentityInfo& identity : Load().catalogue.identities) {
       if (identity.username == username) return identity;
@@ -39,12 +39,12 @@ TEST_F(IdentityCatalogueTest, AnIdentityNeverStartedGetsTheMarker) {
 }
 
 TEST_F(IdentityCatalogueTest, ExpandsOnlyTheFirstVariable) {
-  FileSystem& files = platform->GetFiles();
+  SystemFacts& facts = platform->GetSystemFacts();
   const std::string profile = "C:\\Documents and Settings\\Ann Miller";
-  EXPECT_EQ(ExpandStoreRoot(files, "%UserProfile%\\a\\%Temp%"), profile + "\\a\\%Temp%");
-  EXPECT_EQ(ExpandStoreRoot(files, "C:\\Mail\\%userprofile%\\Store"), profile + "\\Store");
-  EXPECT_EQ(ExpandStoreRoot(files, "C:\\100% mail"), "C:\\100% mail");
-  EXPECT_EQ(ExpandStoreRoot(files, "C:\\Mail\\%NotSet%\\Store"), "%NotSet%\\Store");
+  EXPECT_EQ(ExpandStoreRoot(facts, "%UserProfile%\\a\\%Temp%"), profile + "\\a\\%Temp%");
+  EXPECT_EQ(ExpandStoreRoot(facts, "C:\\Mail\\%userprofile%\\Store"), profile + "\\Store");
+  EXPECT_EQ(ExpandStoreRoot(facts, "C:\\100% mail"), "C:\\100% mail");
+  EXPECT_EQ(ExpandStoreRoot(facts, "C:\\Mail\\%NotSet%\\Store"), "%NotSet%\\Store");
 }
 
 TEST_F(IdentityCatalogueTest, StopsWhereAKeyCannotBeOpened) {

@@ -20,7 +20,7 @@ class CloneIdentityTest : public SamplePlatform {
   void SetUp() override {
     MakeDisk();
     Store().DetectOsCode();
-    LoadCatalogue(Store(), platform->GetFiles());
+    LoadCatalogue(Store(), platform->GetSystemFacts());
     std::filesystem::create_directories(sample.driveD / "Backup");
   }
   void Put(const std::string& key, const std::string& name, ValueType type, const std::u16string& text) {
@@ -122,9 +122,9 @@ TEST_F(CloneIdentityTest, MessagesGoToTheDestinationsOwnFolder) {
   IdentityClone clone = Clone(request);
   EXPECT_EQ(clone.CopyMessages(), "");
   EXPECT_EQ(CopyTally(platform->GetShell().FinishCopies()).Text(), "");
-  const auto host = [&](const std::string& folder) { return platform->offline.GetFiles().HostPath(WinPath(folder)); };
-  const auto to = host(DefaultStoreFolder(Store(), platform->GetFiles(), kGuest));
-  EXPECT_EQ(Names(to), Names(host(ReadStoreFolder(Store(), platform->GetFiles(), kMain))));
+  const auto host = [&](const std::string& folder) { return platform->offline.GetDrives().HostPath(WinPath(folder)); };
+  const auto to = host(DefaultStoreFolder(Store(), *platform, kGuest));
+  EXPECT_EQ(Names(to), Names(host(ReadStoreFolder(Store(), platform->GetSystemFacts(), kMain))));
   EXPECT_THAT(Clone({kGuest, kMain, {}}).CopyMessages(), HasSubstr("never started"));
   Store().SetKeyValue(IdentitySettingsKey(kMain), "Store Root", "D:\\Gone", ValueType::Sz);
   EXPECT_THAT(Clone(request).CopyMessages(), HasSubstr("\"D:\\Gone\" does not exist"));

@@ -38,9 +38,9 @@ TEST_F(ManageIdentitiesTest, ANewIdentityHasItsValuesAndFolder) {
     EXPECT_EQ(Read(IdentityKey(userId), "Directory Name"), RegValue(static_cast<std::int32_t>(0x89ABCDEF)));
     EXPECT_EQ(maker.NextOrdinal(), ordinal + 1);
   }
-  EXPECT_EQ(ReadStoreFolder(Store(), platform->GetFiles(), userId), kEmptyIdentityMarker);
-  const WinPath folder(DefaultStoreFolder(Store(), platform->GetFiles(), userId));
-  EXPECT_TRUE(std::filesystem::is_empty(platform->offline.GetFiles().HostPath(folder)));
+  EXPECT_EQ(ReadStoreFolder(Store(), platform->GetSystemFacts(), userId), kEmptyIdentityMarker);
+  const WinPath folder(DefaultStoreFolder(Store(), *platform, userId));
+  EXPECT_TRUE(std::filesystem::is_empty(platform->offline.GetDrives().HostPath(folder)));
 
   Key identities = Store().CreateKey(CurrentUser(kIdentitiesKey));
   platform->GetRegistry().DeleteValue(identities, "Identity Ordinal");

@@ -2,6 +2,7 @@
 
 #include "identities/replace_string.h"
 #include "platform/offline/offline_files.h"
+#include "platform/offline/system_services.h"
 #include "support/temp_folder.h"
 #include "text/error.h"
 
@@ -22,13 +23,14 @@ class ReplaceUserIdTest : public ::testing::Test {
  protected:
   std::string Replaced(const std::string& content, const std::string& userId = kNew) {
     temp.File("in.reg", content);
-    ReplaceUserId(files, WinPath("C:\\in.reg"), WinPath("C:\\out.reg"), userId);
+    ReplaceUserId(files, facts, WinPath("C:\\in.reg"), WinPath("C:\\out.reg"), userId);
     return temp.Read("out.reg");
   }
 
   TempFolder temp;
-  Environment environment;
-  OfflineFiles files{DriveMap{temp.Path()}, environment};
+  OfflineDrives drives{DriveMap{temp.Path()}};
+  OfflineFiles files{drives};
+  RegistryFacts facts;
 };
 
 TEST(ReplaceString, GoesOnAfterWhatWasPutIn) {
@@ -47,7 +49,7 @@ TEST_F(ReplaceUserIdTest, ReplacesTheFirstUserIdInBothForms) {
   const std::string after = text(kNew, kNew + "ü" + kNew);
   EXPECT_EQ(Replaced(before), after);
   EXPECT_EQ(Replaced(Utf16(before)), Utf16(after));
-  EXPECT_EQ(FindOldUserId(files, WinPath("C:\\in.reg")), kOld);
+  EXPECT_EQ(FindOldUserId(files, facts, WinPath("C:\\in.reg")), kOld);
   // Where a {USER_ID}'s bytes stand between two characters it is another text.
   const std::string shifted = Utf16("{" + kOld.substr(1) + "\r\n") + "x" + Utf16(kOld).substr(2) + "y";
   EXPECT_EQ(Replaced(shifted), Utf16(kNew + "\r\n") + shifted.substr(2 + 40 * 2) + std::string("\r\0\n\0", 4));
@@ -65,7 +67,7 @@ TEST_F(ReplaceUserIdTest, AFileWithoutAUserIdIsCopiedAsItIs) {
     EXPECT_EQ(Replaced(content), content);
   }
   // In code page 932 "{" is the second byte of some characters.
-  files.SetCodePageNumber(932);
+  facts = RegistryFacts({}, 932);
   EXPECT_EQ(Replaced("\x83\x7B\r\n" + kOld + "\r\n"), "\x83\x7B\r\n" + kNew + "\r\n");
 }
 
@@ -90,7 +92,7 @@ TEST_F(ReplaceUserIdTest, NothingIsWrittenThatTheFileCannotHold) {
   EXPECT_EQ(temp.Read("out.reg"), "earlier");
   EXPECT_EQ(Replaced(Utf16(kOld + "\r\n"), "{Ж}"), Utf16("{Ж}\r\n"));
   EXPECT_EQ(Replaced(kOld, "{ä}"), "{\xE4}\r\n");
-  EXPECT_THROW(ReplaceUserId(files, WinPath("C:\\none.reg"), WinPath("C:\\out.reg"), kNew), Error);
+  EXPECT_THROW(ReplaceUserId(files, facts, WinPath("C:\\none.reg"), WinPath("C:\\out.reg"), kNew), Error);
   EXPECT_EQ(ReplacedFile("C:\\Bk", WinPath("D:\\x\\a.b.reg")).Text(), "C:\\Bk\\Newa.reg");
 }
 

@@ -12,7 +12,7 @@ class IdentityReportTest : public SamplePlatform {
  protected:
   void SetUp() override {
     MakeDisk();
-    const IdentityCatalogue catalogue = LoadCatalogue(*store, platform->GetFiles()).catalogue;
+    const IdentityCatalogue catalogue = LoadCatalogue(*store, platform->GetSystemFacts()).catalogue;
     facts = {.created = "3/7/2004 12:05:09 AM",
              .identities = catalogue.identities,
              .defaultUsername = catalogue.defaultUsername,
@@ -28,7 +28,8 @@ class IdentityReportTest : public SamplePlatform {
 TEST_F(IdentityReportTest, TheSampleDisksReportsReadAsTheyShould) {
   for (const auto& [name, format] :
        {std::pair("identities.txt", ReportFormat::Text), std::pair("identities.htm", ReportFormat::Html)}) {
-    WriteReport(platform->GetFiles(), WinPath("D:\\report"), MakeIdentityReport(facts, format));
+    WriteReport(platform->GetFiles(), platform->GetSystemFacts(), WinPath("D:\\report"),
+                MakeIdentityReport(facts, format));
     ExpectGolden(name, Content(sample.driveD / "report"));
   }
 }

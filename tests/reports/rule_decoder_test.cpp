@@ -122,7 +122,9 @@ class RuleDecoderTest : public SamplePlatform {
       store->SetValueEx(key, name, value.Number() ? ValueType::Dword : ValueType::Sz, value);
     }
   }
-  RuleReader Reader(RuleSet set) { return RuleReader(*store, set, CodePage(platform->GetFiles().CodePageNumber())); }
+  RuleReader Reader(RuleSet set) {
+    return RuleReader(*store, set, CodePage(platform->GetSystemFacts().CodePageNumber()));
+  }
   RegistryPath rule;
 };
 

@@ -17,12 +17,12 @@ class RulesReportTest : public SamplePlatform {
  protected:
   void SetUp() override { MakeDisk(); }
   RulesReport Make(RuleSet set, ReportFormat format) {
-    RuleReader reader(*store, set, CodePage(platform->GetFiles().CodePageNumber()));
+    RuleReader reader(*store, set, CodePage(platform->GetSystemFacts().CodePageNumber()));
     return MakeRulesReport(reader, kHome, kCreated, format);
   }
   std::string Written(const RulesReport& report) {
     EXPECT_EQ(report.brokenOff, "");
-    WriteReport(platform->GetFiles(), WinPath("D:\\report"), report.text);
+    WriteReport(platform->GetFiles(), platform->GetSystemFacts(), WinPath("D:\\report"), report.text);
     return Content(sample.driveD / "report");
   }
 };

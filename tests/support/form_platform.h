@@ -21,6 +21,8 @@ struct FormPlatform : Platform, Log {
 
   Registry& GetRegistry() override { return Missing<Registry>(); }
   FileSystem& GetFiles() override { return Missing<FileSystem>(); }
+  Drives& GetDrives() override { return Missing<Drives>(); }
+  SystemFacts& GetSystemFacts() override { return Missing<SystemFacts>(); }
   Shell& GetShell() override { return Missing<Shell>(); }
   Processes& GetProcesses() override { return Missing<Processes>(); }
   Dialogs& GetDialogs() override { return dialogs; }

@@ -55,12 +55,15 @@ struct RecordingPlatform : Platform {
       : offline(options, dialogs), processes(offline.GetProcesses()), shell(offline.GetShell()) {}
   /// From now on copies are made with `io`, which may fail.
   void CopyWith(std::unique_ptr<CopyIo> io) {
-    faultyShell = std::make_unique<OfflineShell>(offline.GetFiles(), offline.GetDialogs(), log, "", std::move(io));
+    faultyShell = std::make_unique<OfflineShell>(offline.GetFiles(), offline.GetSystemFacts(), offline.GetDialogs(),
+                                                 log, "", std::move(io));
     shell.inner = faultyShell.get();
   }
 
   Registry& GetRegistry() override { return offline.GetRegistry(); }
   FileSystem& GetFiles() override { return offline.GetFiles(); }
+  Drives& GetDrives() override { return offline.GetDrives(); }
+  SystemFacts& GetSystemFacts() override { return offline.GetSystemFacts(); }
   Shell& GetShell() override { return shell; }
   Processes& GetProcesses() override { return processes; }
   Dialogs& GetDialogs() override { return offline.GetDialogs(); }

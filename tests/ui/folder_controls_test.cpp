@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "support/form_platform.h"
+#include "support/test_drives.h"
 #include "ui/form.h"
 
 namespace quillbox {
@@ -25,36 +26,23 @@ struct ListFinder : FileFinder {
   std::size_t at = 0;
 };
 
-/// Drives A: (a diskette), C: and Z: with folders by their paths; nothing can be changed.
+/// Folders by their paths; nothing can be changed.
 struct FixedFiles : FileSystem {
   std::unique_ptr<FileFinder> Find(const WinPath& pattern) override {
     return std::make_unique<ListFinder>(folders[pattern.Parent().Text()]);
   }
-  DriveType TypeOfDrive(const WinPath& root) override {
-    const auto known = drives.find(root.Drive());
-    return known == drives.end() ? DriveType::NoRoot : known->second;
-  }
-  bool IsOwnDrive(char letter) override { return letter != 'Z' && drives.count(letter) > 0; }
-  WinPath CurrentDirectory() override { return WinPath("C:\\Data"); }
-
   std::unique_ptr<FolderWalk> Walk(const WinPath&, const std::string&) override {
     throw std::logic_error("not asked for");
   }
   std::optional<FileEntry> Stat(const WinPath&) override { throw std::logic_error("not asked for"); }
-  std::optional<std::string> VolumeLabel(const WinPath&) override { return std::nullopt; }
-  std::string ExpandEnvironment(std::string_view text) override { return std::string(text); }
   Status MakeDirectory(const WinPath&) override { return Status::AccessDenied; }
   bool MakePath(const WinPath&) override { return false; }
   Status DeleteFile(const WinPath&) override { return Status::AccessDenied; }
-  Status SetCurrentDrive(char) override { return Status::Success; }
-  Status SetCurrentDirectory(const WinPath&) override { return Status::Success; }
   std::string ReadFile(const WinPath&) override { return {}; }
   void WriteFile(const WinPath&, std::string_view) override {}
   std::unique_ptr<FileReader> OpenForReading(const WinPath&) override { return nullptr; }
   std::unique_ptr<FileWriter> StartFile(const WinPath&) override { return nullptr; }
-  unsigned CodePageNumber() override { return 1252; }
 
-  std::map<char, DriveType> drives{{'A', DriveType::Removable}, {'C', DriveType::Fixed}, {'Z', DriveType::Remote}};
   std::map<std::string, std::vector<FileEntry>> folders{
       {"C:\\", {{.name = "Data", .isDirectory = true}, {.name = "boot.ini", .isHidden = true}}},
       {"C:\\Data",
@@ -81,12 +69,14 @@ struct FolderControlsTest : testing::Test {
   FormPlatform platform;
   HandlerGuard guard{platform};
   ListsForm form{guard, "Lists", ""};
+  TestDrives drives;
   FixedFiles files;
 };
 
 TEST_F(FolderControlsTest, DrivesThatAreThereAreListedOnceHoweverOftenFilled) {
-  form.drives.Fill(files);
-  form.drives.Fill(files);
+  drives.types = {{'A', DriveType::Removable}, {'C', DriveType::Fixed}, {'Z', DriveType::Remote}};
+  form.drives.Fill(drives);
+  form.drives.Fill(drives);
   EXPECT_THAT(form.drives.items.Get(), ElementsAre("A:\\", "C:\\", "Z:\\"));
   form.drives.ShowDriveOf(WinPath("c:\\Data\\Mail"));
   EXPECT_EQ(form.drives.text.Get(), "C:\\");
@@ -96,7 +86,7 @@ TEST_F(FolderControlsTest, DrivesThatAreThereAreListedOnceHoweverOftenFilled) {
 TEST_F(FolderControlsTest, FolderListShowsTheWayDownAndTheFoldersInside) {
   int ran = 0;
   form.folders.onSelect = form.folders.onOpen = [&] { ++ran; };
-  form.folders.SetPath(files, WinPath("C:\\Data\\"));
+  form.folders.SetPath(files, drives, WinPath("C:\\Data\\"));
   EXPECT_THAT(form.folders.items.Get(), ElementsAre("C:\\", "  Data", "    Mail", "    zoo"));
   EXPECT_EQ(form.folders.selected, 1) << "the folder itself";
   EXPECT_EQ(form.folders.FolderAt(0), WinPath("C:\\"));
@@ -107,7 +97,7 @@ TEST_F(FolderControlsTest, FolderListShowsTheWayDownAndTheFoldersInside) {
   form.folders.Refresh(files);
   EXPECT_EQ(form.folders.FolderAt(3), WinPath("C:\\Data\\New"));
 
-  form.folders.SetPath(files, WinPath("Mail"));
+  form.folders.SetPath(files, drives, WinPath("Mail"));
   EXPECT_EQ(form.folders.Path(), WinPath("C:\\Data\\Mail")) << "relative to the current directory";
   EXPECT_THAT(form.folders.items.Get(), ElementsAre("C:\\", "  Data", "    Mail"));
   EXPECT_EQ(ran, 0);

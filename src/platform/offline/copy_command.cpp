@@ -97,7 +97,7 @@ class CopyCommand::Watcher : public CopyWatcher {
 };
 
 void CopyCommand::Copy(const CopyRequest& request) {
-  results_.push_back({files_.Absolute(request.source), CopyEnd::Failed, {}, "it was not finished"});
+  results_.push_back({files_.OnDrives().Absolute(request.source), CopyEnd::Failed, {}, "it was not finished"});
   while (!flights_.empty() && (flights_.size() >= kMostInFlight || flights_.front().flush->EndsWithin(0ms))) {
     SettleFirst();
   }
@@ -123,16 +123,16 @@ CopyCommand::Job CopyCommand::Plan(const CopyRequest& request, std::size_t resul
   Job job;
   job.request = request;
   job.result = result;
-  job.source = files_.Absolute(request.source);
-  job.target = files_.Absolute(request.target);
-  job.from = files_.PlaceOf(job.source);
+  job.source = files_.OnDrives().Absolute(request.source);
+  job.target = files_.OnDrives().Absolute(request.target);
+  job.from = files_.OnDrives().PlaceOf(job.source);
   job.sourceEntry = files_.Stat(job.source);
   job.existing = files_.Stat(job.target);
   if (job.existing && job.existing->isDirectory) {
     job.target = job.target.Join(job.source.Name());
     job.existing = files_.Stat(job.target);
   }
-  job.to = files_.PlaceOf(job.target, LastStep::NoLink);
+  job.to = files_.OnDrives().PlaceOf(job.target, LastStep::NoLink);
   return job;
 }
 
@@ -277,7 +277,7 @@ void CopyCommand::KeepDamaged(Job job, FilledFile filled) {
   const std::string name = job.target.Name();
   for (unsigned number = 1;; ++number) {
     job.target = folder.Join(DamagedName(name, number));
-    job.to = files_.PlaceOf(job.target, LastStep::NoLink);
+    job.to = files_.OnDrives().PlaceOf(job.target, LastStep::NoLink);
     if (!job.to) throw CopyFault(CopyFault::At::Target, job.to.Fault());
     const bool taken = files_.Stat(job.target).has_value();
     const bool listed = files_.Stat(folder.Join(MissingListName(job.target.Name()))).has_value();
@@ -309,8 +309,8 @@ void CopyCommand::WriteMissingList(const Job& job, const FilledFile& filled) {
   const std::string text = MissingList(job.target.Name(), job.source.Text(), filled.size, filled.unreadable);
   try {
     const WinPath path = job.target.Parent().Join(MissingListName(job.target.Name()));
-    const auto list = io_.Create(files_.PlaceOf(path, LastStep::NoLink).OrThrow());
-    io_.Write(*list, CodePage(files_.CodePageNumber()).EncodeLossy(text));
+    const auto list = io_.Create(files_.OnDrives().PlaceOf(path, LastStep::NoLink).OrThrow());
+    io_.Write(*list, CodePage(facts_.CodePageNumber()).EncodeLossy(text));
     io_.Flush(*list);
     list->Commit();
   } catch (const std::system_error& failure) {

@@ -23,8 +23,8 @@ namespace quillbox {
 class CopyCommand {
  public:
   /// All must outlive the command.
-  CopyCommand(OfflineFiles& files, Dialogs& dialogs, Log& log, CopyIo& io)
-      : files_(files), dialogs_(dialogs), log_(log), io_(io) {}
+  CopyCommand(OfflineFiles& files, SystemFacts& facts, Dialogs& dialogs, Log& log, CopyIo& io)
+      : files_(files), facts_(facts), dialogs_(dialogs), log_(log), io_(io) {}
   CopyCommand(const CopyCommand&) = delete;
   CopyCommand& operator=(const CopyCommand&) = delete;
 
@@ -77,6 +77,7 @@ class CopyCommand {
   void End(const Job& job, CopyEnd end, std::string reason = {});
 
   OfflineFiles& files_;
+  SystemFacts& facts_;
   Dialogs& dialogs_;
   Log& log_;
   CopyIo& io_;

@@ -52,18 +52,18 @@ std::string Canonical(const fs::path& path) {
 
 }  // namespace
 
-FolderMemory::FolderMemory(const fs::path& stateFolder, const fs::path& disk, std::string profile, OfflineFiles& files,
-                           Registry& registry)
+FolderMemory::FolderMemory(const fs::path& stateFolder, const fs::path& disk, std::string profile,
+                           OfflineDrives& drives, Registry& registry)
     : folder_(stateFolder / "backup-folders"),
       disk_(Canonical(disk)),
       profile_(std::move(profile)),
-      files_(files),
+      drives_(drives),
       registry_(registry) {
   file_ = folder_ / HashName(disk_ + '\0' + profile_);
 }
 
 std::optional<fs::path> FolderMemory::PlaceOf(const WinPath& folder) const {
-  const PlaceResult host = files_.PlaceOf(folder);
+  const PlaceResult host = drives_.PlaceOf(folder);
   if (!host) return std::nullopt;
   std::error_code code;
   fs::path place = fs::weakly_canonical(host->Path(), code);
@@ -84,7 +84,7 @@ bool FolderMemory::IsOfTheSystem(const fs::path& place) const {
   for (fs::path above = place;; above = above.parent_path()) {
     for (char letter = 'A'; letter <= 'Z'; ++letter) {
       std::error_code code;
-      if (files_.IsOwnDrive(letter) && fs::equivalent(above, *files_.Drives().FolderOf(letter), code)) return true;
+      if (drives_.IsOwnDrive(letter) && fs::equivalent(above, *drives_.Map().FolderOf(letter), code)) return true;
     }
     if (above == above.parent_path()) return false;
   }

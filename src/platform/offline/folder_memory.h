@@ -8,7 +8,7 @@
 #include <string>
 
 #include "platform/chosen_folders.h"
-#include "platform/offline/offline_files.h"
+#include "platform/offline/offline_drives.h"
 #include "platform/registry.h"
 
 namespace quillbox {
@@ -17,7 +17,7 @@ class FolderMemory : public ChosenFolders {
  public:
   /// `disk` is the folder that is C:\ . The other two must outlive this object.
   FolderMemory(const std::filesystem::path& stateFolder, const std::filesystem::path& disk, std::string profile,
-               OfflineFiles& files, Registry& registry);
+               OfflineDrives& drives, Registry& registry);
 
   std::optional<FolderFault> FaultOf(const WinPath& folder) const override;
   bool IsChosen(const WinPath& folder) override;
@@ -36,7 +36,7 @@ class FolderMemory : public ChosenFolders {
   std::filesystem::path file_;
   std::string disk_;
   std::string profile_;
-  OfflineFiles& files_;
+  OfflineDrives& drives_;
   Registry& registry_;
   std::optional<std::filesystem::path> chosen_;  ///< as far as this run knows
 };

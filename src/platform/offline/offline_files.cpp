@@ -13,7 +13,6 @@
 #include "platform/offline/host_file.h"
 #include "platform/offline/host_streams.h"
 #include "platform/offline/host_walk.h"
-#include "platform/offline/volume_label.h"
 #include "platform/offline/windows_names.h"
 #include "text/error.h"
 #include "text/unicode.h"
@@ -44,11 +43,6 @@ bool IsRoot(const WinPath& absolute) {
   return absolute.IsAbsolute() && absolute.Text().size() == 3;
 }
 
-bool IsHostFolder(const fs::path& path) {
-  std::error_code code;
-  return fs::is_directory(path, code);
-}
-
 /// Runs `work`; what the host or the disk's bounds refuse becomes an Error about `path`.
 template <class Work>
 auto About(const char* doing, const WinPath& path, const Work& work) {
@@ -76,56 +70,24 @@ class RefusedWalk : public FolderWalk {
 
 }  // namespace
 
-OfflineFiles::OfflineFiles(DriveMap drives, const Environment& environment)
-    : drives_(std::move(drives)), environment_(environment) {}
-
-WinPath OfflineFiles::CurrentDirectoryOf(char letter) const {
-  const auto directory = currentDirectories_.find(letter);
-  return directory != currentDirectories_.end() ? directory->second : WinPath(std::string{letter, ':', '\\'});
-}
-
-WinPath OfflineFiles::Absolute(const WinPath& path) const {
-  const char letter = path.Drive() != 0 ? path.Drive() : currentDrive_;
-  return Resolve(path, CurrentDirectoryOf(letter));
-}
-
-PlaceResult OfflineFiles::PlaceOf(const WinPath& path, LastStep last) const {
-  return drives_.PlaceOf(Absolute(path), last);
-}
-
-fs::path OfflineFiles::HostPath(const WinPath& path) const {
-  const PlaceResult place = PlaceOf(path);
-  return place ? place->Path() : fs::path();
-}
-
-WinPath OfflineFiles::WindowsPathOf(const fs::path& path) const {
-  return drives_.WindowsPathOf(path).value_or(WinPath());
-}
+OfflineFiles::OfflineFiles(OfflineDrives& drives) : drives_(drives) {}
 
 std::unique_ptr<FileFinder> OfflineFiles::Find(const WinPath& pattern) {
-  return Find(pattern, false);
-}
-
-std::unique_ptr<FileFinder> OfflineFiles::FindNames(const WinPath& pattern) {
-  return Find(pattern, true);
-}
-
-std::unique_ptr<FileFinder> OfflineFiles::Find(const WinPath& pattern, bool namesOnly) {
   const std::string& text = pattern.Text();
   const std::size_t nameStart = text.find_last_of(pattern.Drive() != 0 ? "\\/:" : "\\/") + 1;
   std::string name = text.substr(nameStart);
   if (name.empty()) return std::make_unique<NoEntries>();
   if (name.find_first_of("*?") == std::string::npos) return std::make_unique<OneEntry>(Stat(pattern));
 
-  const WinPath folder = Absolute(WinPath(text.substr(0, nameStart)));
+  const WinPath folder = drives_.Absolute(WinPath(text.substr(0, nameStart)));
   const PlaceResult place = drives_.PlaceOf(folder);
   if (!place) return std::make_unique<NoEntries>();
-  return std::make_unique<FolderFinder>(*place, std::move(name), FolderFinder::Options{IsRoot(folder), namesOnly});
+  return std::make_unique<FolderFinder>(*place, std::move(name), FolderFinder::Options{.isRoot = IsRoot(folder)});
 }
 
 std::unique_ptr<FolderWalk> OfflineFiles::Walk(const WinPath& root, const std::string& pattern) {
   if (root.Empty()) return std::make_unique<RefusedWalk>("");
-  const PlaceResult place = PlaceOf(root);
+  const PlaceResult place = drives_.PlaceOf(root);
   const std::string shown = WithBackslash(root.Text());
   if (place) return std::make_unique<HostWalk>(*place, shown, pattern);
   const std::optional<std::string> refusal = RefusalOf(root);
@@ -133,7 +95,7 @@ std::unique_ptr<FolderWalk> OfflineFiles::Walk(const WinPath& root, const std::s
 }
 
 std::optional<FileEntry> OfflineFiles::Stat(const WinPath& path) {
-  const WinPath absolute = Absolute(path);
+  const WinPath absolute = drives_.Absolute(path);
   const PlaceResult place = drives_.PlaceOf(absolute, LastStep::Keep);
   if (!place) return std::nullopt;
   if (place->IsRoot()) {
@@ -152,38 +114,21 @@ std::optional<FileEntry> OfflineFiles::Stat(const WinPath& path) {
 }
 
 std::optional<std::string> OfflineFiles::RefusalOf(const WinPath& path) {
-  const PlaceResult place = PlaceOf(path);
+  const PlaceResult place = drives_.PlaceOf(path);
   if (place || place.Fault() == HostFault::NoSuchDrive || place.Fault() == HostFault::ImpossibleName) {
     return std::nullopt;
   }
   return ReasonOf(place.Fault());
 }
 
-DriveType OfflineFiles::TypeOfDrive(const WinPath& root) {
-  const fs::path* folder = drives_.FolderOf(root.Drive());
-  if (folder == nullptr || !IsHostFolder(*folder)) return DriveType::NoRoot;
-  return drives_.IsHostDrive(root.Drive()) ? DriveType::Remote : DriveType::Fixed;
-}
-
-bool OfflineFiles::IsOwnDrive(char letter) {
-  const char upper = WinPath(std::string{letter, ':'}).Drive();
-  return drives_.FolderOf(upper) != nullptr && !drives_.IsHostDrive(upper);
-}
-
-std::optional<std::string> OfflineFiles::VolumeLabel(const WinPath& root) {
-  const fs::path* folder = drives_.FolderOf(root.Drive());
-  if (folder == nullptr || !IsHostFolder(*folder)) return std::nullopt;
-  return LabelOfMount(*folder);
-}
-
 Status OfflineFiles::MakeDirectory(const WinPath& path) {
-  const WinPath absolute = Absolute(path);
+  const WinPath absolute = drives_.Absolute(path);
   const PlaceResult place = drives_.PlaceOf(absolute, LastStep::Keep);
   if (!place) return StatusOf(place.Fault());
   if (place->IsRoot() || StatPlace(*place)) return Status::FileExists;
   if (!IsFolder(place->Folder())) return Status::PathNotFound;
   if (!FileNameFault(absolute.Name()).empty()) return Status::InvalidParameter;
-  if (drives_.IsLeftAlone(absolute.Drive())) return Status::AccessDenied;
+  if (drives_.Map().IsLeftAlone(absolute.Drive())) return Status::AccessDenied;
   try {
     const OpenPlace made = OpenFolderOf(*place);
     return StatusOfErrno(mkdirat(made.folder.Get(), made.name.c_str(), kNewFolderMode) == 0 ? 0 : errno);
@@ -193,7 +138,7 @@ Status OfflineFiles::MakeDirectory(const WinPath& path) {
 }
 
 bool OfflineFiles::MakePath(const WinPath& path) {
-  const WinPath absolute = Absolute(path);
+  const WinPath absolute = drives_.Absolute(path);
   const PlaceResult place = drives_.PlaceOf(absolute);
   if (!place || place->Path().native().size() > PATH_MAX) return false;
   if (IsFolder(*place)) return true;
@@ -202,11 +147,11 @@ bool OfflineFiles::MakePath(const WinPath& path) {
 }
 
 Status OfflineFiles::DeleteFile(const WinPath& path) {
-  const PlaceResult place = PlaceOf(path, LastStep::Keep);
+  const PlaceResult place = drives_.PlaceOf(path, LastStep::Keep);
   if (!place) return place.Fault() == HostFault::LeadsOut ? Status::AccessDenied : Status::PathNotFound;
   if (place->IsRoot()) return Status::AccessDenied;
   if (!IsFolder(place->Folder())) return Status::PathNotFound;
-  if (IsFolder(*place) || drives_.IsLeftAlone(Absolute(path).Drive())) return Status::AccessDenied;
+  if (IsFolder(*place) || drives_.Map().IsLeftAlone(drives_.Absolute(path).Drive())) return Status::AccessDenied;
   try {
     const OpenPlace gone = OpenFolderOf(*place);
     return StatusOfErrno(unlinkat(gone.folder.Get(), gone.name.c_str(), 0) == 0 ? 0 : errno);
@@ -215,23 +160,8 @@ Status OfflineFiles::DeleteFile(const WinPath& path) {
   }
 }
 
-Status OfflineFiles::SetCurrentDrive(char letter) {
-  const char upper = WinPath(std::string{letter, ':'}).Drive();
-  if (drives_.FolderOf(upper) == nullptr) return Status::PathNotFound;
-  currentDrive_ = upper;
-  return Status::Success;
-}
-
-Status OfflineFiles::SetCurrentDirectory(const WinPath& path) {
-  const WinPath absolute = Absolute(path);
-  const PlaceResult place = drives_.PlaceOf(absolute);
-  if (path.Empty() || !place || !IsFolder(*place)) return Status::PathNotFound;
-  currentDirectories_[absolute.Drive()] = absolute;
-  return Status::Success;
-}
-
 std::string OfflineFiles::ReadFile(const WinPath& path) {
-  return About(kReading, path, [&] { return ReadWholeFile(PlaceOf(path).OrThrow()); });
+  return About(kReading, path, [&] { return ReadWholeFile(drives_.PlaceOf(path).OrThrow()); });
 }
 
 void OfflineFiles::WriteFile(const WinPath& path, std::string_view bytes) {
@@ -241,11 +171,11 @@ void OfflineFiles::WriteFile(const WinPath& path, std::string_view bytes) {
 }
 
 std::unique_ptr<FileReader> OfflineFiles::OpenForReading(const WinPath& path) {
-  return OpenHostFile(About(kReading, path, [&] { return PlaceOf(path).OrThrow(); }), path.Text());
+  return OpenHostFile(About(kReading, path, [&] { return drives_.PlaceOf(path).OrThrow(); }), path.Text());
 }
 
 std::unique_ptr<FileWriter> OfflineFiles::StartFile(const WinPath& path) {
-  const WinPath absolute = Absolute(path);
+  const WinPath absolute = drives_.Absolute(path);
   const HostPlace place =
       About(kWriting, absolute, [&] { return drives_.PlaceOf(absolute, LastStep::NoLink).OrThrow(); });
   if (const std::string fault = FileNameFault(absolute.Name()); !fault.empty() && !StatPlace(place)) {

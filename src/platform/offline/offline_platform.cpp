@@ -71,19 +71,20 @@ OfflinePlatform::OfflinePlatform(const OfflineOptions& options, Dialogs& dialogs
       disk_(FindWindowsDisk(options.folder, Checked(options.drives))),
       profile_(ChooseProfile(disk_, options.profile)),
       lock_(LockDisk(disk_, profile_, options, log_)),
-      files_(DriveMap(disk_.folder, options.drives), environment_),
+      drives_(DriveMap(disk_.folder, options.drives)),
+      files_(drives_),
       registry_(clock_, files_, log_),
-      chosenFolders_(stateFolder_, disk_.folder, profile_.name, files_, registry_),
-      shell_(files_, dialogs_, log_),
-      processes_(registry_, files_, log_, EditorFor(disk_, profile_, options, lock_)) {
+      chosenFolders_(stateFolder_, disk_.folder, profile_.name, drives_, registry_),
+      shell_(files_, facts_, dialogs_, log_),
+      processes_(registry_, drives_, log_, EditorFor(disk_, profile_, options, lock_)) {
   MountHives(options.readOnly ? HiveMode::Read : HiveMode::Write);
-  environment_ = ReadEnvironment(registry_, {disk_.windowsPath, profile_.winFolder, profile_.name});
-  files_.SetCodePageNumber(FindCodePage());
+  facts_ =
+      RegistryFacts(ReadEnvironment(registry_, {disk_.windowsPath, profile_.winFolder, profile_.name}), FindCodePage());
 
   const WinPath directory(options.currentDirectory);
   if (directory.Empty()) return;
-  if (directory.Drive() != 0) files_.SetCurrentDrive(directory.Drive());
-  if (files_.SetCurrentDirectory(directory) != Status::Success) {
+  if (directory.Drive() != 0) drives_.SetCurrentDrive(directory.Drive());
+  if (drives_.SetCurrentDirectory(directory) != Status::Success) {
     throw Error("changing the current directory", {directory.Text(), {}, {}}, "there is no such folder");
   }
 }
@@ -147,7 +148,7 @@ std::size_t OfflinePlatform::DamagedPlaces() const {
 void OfflinePlatform::LeaveDamagedDiskAlone() {
   if (DamagedPlaces() == 0) return;
   for (const auto& hive : hives_) hive->LeaveDiskAlone();
-  files_.LeaveDiskAlone();
+  drives_.LeaveDiskAlone();
 }
 
 void OfflinePlatform::MountMachineHive(const std::optional<FoundHive>& file, const char* name, HiveMode mode) {

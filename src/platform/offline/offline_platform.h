@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "platform/offline/disk_lock.h"
-#include "platform/offline/environment.h"
 #include "platform/offline/folder_memory.h"
 #include "platform/offline/hive_file.h"
 #include "platform/offline/log.h"
+#include "platform/offline/offline_drives.h"
 #include "platform/offline/offline_files.h"
 #include "platform/offline/offline_processes.h"
 #include "platform/offline/offline_registry.h"
@@ -56,6 +56,8 @@ class OfflinePlatform : public Platform {
 
   Registry& GetRegistry() override { return registry_; }
   OfflineFiles& GetFiles() override { return files_; }
+  OfflineDrives& GetDrives() override { return drives_; }
+  SystemFacts& GetSystemFacts() override { return facts_; }
   Shell& GetShell() override { return shell_; }
   Processes& GetProcesses() override { return processes_; }
   Dialogs& GetDialogs() override { return dialogs_; }
@@ -95,7 +97,8 @@ class OfflinePlatform : public Platform {
   ProfileFolder profile_;
   std::optional<DiskLock> lock_;
   std::vector<std::unique_ptr<HiveFile>> hives_;
-  Environment environment_;
+  RegistryFacts facts_;
+  OfflineDrives drives_;
   OfflineFiles files_;
   OfflineRegistry registry_;
   FolderMemory chosenFolders_;

@@ -91,8 +91,8 @@ ProgramRun RunProgram(const fs::path& program, std::vector<std::string> argument
 
 }  // namespace
 
-OfflineProcesses::OfflineProcesses(OfflineRegistry& registry, OfflineFiles& files, Log& log, RegistryEditor editor)
-    : registry_(registry), files_(files), log_(log), editor_(std::move(editor)) {}
+OfflineProcesses::OfflineProcesses(OfflineRegistry& registry, OfflineDrives& drives, Log& log, RegistryEditor editor)
+    : registry_(registry), drives_(drives), log_(log), editor_(std::move(editor)) {}
 
 ProcessEnd OfflineProcesses::RunAndWait(const std::string& commandLine, ShowStyle /*style*/) {
   if (!IsEditorCommand(commandLine)) {
@@ -108,7 +108,7 @@ ProcessEnd OfflineProcesses::RunAndWait(const std::string& commandLine, ShowStyl
 ProcessEnd OfflineProcesses::RunEditor(const std::string& commandLine) {
   std::vector<std::string> arguments = editor_.diskArguments;
   for (const int fd : editor_.lockFds) arguments.insert(arguments.end(), {"--lock-fd", std::to_string(fd)});
-  arguments.insert(arguments.end(), {"--directory", files_.CurrentDirectory().Text(), "--command-line", commandLine});
+  arguments.insert(arguments.end(), {"--directory", drives_.CurrentDirectory().Text(), "--command-line", commandLine});
 
   ProgramRun run = RunProgram(editor_.program, std::move(arguments), editor_.lockFds);
   if (run.startError != 0) {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/offline/offline_files.h"
+#include "platform/offline/offline_drives.h"
 #include "platform/offline/offline_registry.h"
 #include "platform/platform.h"
 
@@ -22,7 +22,7 @@ struct RegistryEditor {
 class OfflineProcesses : public Processes {
  public:
   /// All must outlive this object.
-  OfflineProcesses(OfflineRegistry& registry, OfflineFiles& files, Log& log, RegistryEditor editor);
+  OfflineProcesses(OfflineRegistry& registry, OfflineDrives& drives, Log& log, RegistryEditor editor);
 
   /// Only "regedit" is known; any other command is logged and not started. Throws Error when the registry changes so
   /// far could not be written (nothing is started then), and when what was changed could not be read back.
@@ -35,7 +35,7 @@ class OfflineProcesses : public Processes {
   ProcessEnd RunEditor(const std::string& commandLine);
 
   OfflineRegistry& registry_;
-  OfflineFiles& files_;
+  OfflineDrives& drives_;
   Log& log_;
   RegistryEditor editor_;
 };

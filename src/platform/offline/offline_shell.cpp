@@ -22,16 +22,16 @@ constexpr std::array kPageSchemes = {"http://", "https://"};
 
 }  // namespace
 
-OfflineShell::OfflineShell(OfflineFiles& files, Dialogs& dialogs, Log& log, std::string opener,
+OfflineShell::OfflineShell(OfflineFiles& files, SystemFacts& facts, Dialogs& dialogs, Log& log, std::string opener,
                            std::unique_ptr<CopyIo> io)
-    : files_(files), dialogs_(dialogs), log_(log), opener_(std::move(opener)), io_(std::move(io)) {}
+    : files_(files), facts_(facts), dialogs_(dialogs), log_(log), opener_(std::move(opener)), io_(std::move(io)) {}
 
 OfflineShell::~OfflineShell() {
   ReapEnded();
 }
 
 void OfflineShell::CopyFile(const CopyRequest& request) {
-  if (!copies_) copies_.emplace(files_, dialogs_, log_, *io_);
+  if (!copies_) copies_.emplace(files_, facts_, dialogs_, log_, *io_);
   copies_->Copy(request);
 }
 
@@ -45,7 +45,8 @@ void OfflineShell::EndCommand() {
 }
 
 void OfflineShell::Explore(const std::string& folder, const std::string& /*parameters*/) {
-  const PlaceResult place = folder.empty() ? PlaceResult(HostFault::NoSuchDrive) : files_.PlaceOf(WinPath(folder));
+  const PlaceResult place =
+      folder.empty() ? PlaceResult(HostFault::NoSuchDrive) : files_.OnDrives().PlaceOf(WinPath(folder));
   if (!place || !IsFolder(*place)) {
     dialogs_.Show({"The path '" + OneLine(folder) + "' does not exist or is not a directory.", kProgramName,
                    MessageButtons::Ok, MessageIcon::Error});

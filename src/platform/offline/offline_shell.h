@@ -20,7 +20,7 @@ class OfflineShell : public Shell {
  public:
   /// All must outlive the shell. `opener` is the host's program that opens a folder or a page given as its argument,
   /// `io` the calls that copies make.
-  OfflineShell(OfflineFiles& files, Dialogs& dialogs, Log& log, std::string opener = "xdg-open",
+  OfflineShell(OfflineFiles& files, SystemFacts& facts, Dialogs& dialogs, Log& log, std::string opener = "xdg-open",
                std::unique_ptr<CopyIo> io = std::make_unique<CopyIo>());
   ~OfflineShell() override;
   OfflineShell(const OfflineShell&) = delete;
@@ -39,6 +39,7 @@ class OfflineShell : public Shell {
   void ReapEnded();
 
   OfflineFiles& files_;
+  SystemFacts& facts_;
   Dialogs& dialogs_;
   Log& log_;
   std::string opener_;

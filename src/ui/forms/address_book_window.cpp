@@ -133,12 +133,12 @@ void Form6::Option_Click(std::size_t slot) {
 }
 
 void Form6::cmdBrowse1_Click() {
-  FileSystem& files = program_.platform.GetFiles();
-  const DiskPath current = CheckAddressBook(files, DirectoryFromFile(book_.InUse()));
+  Drives& drives = program_.platform.GetDrives();
+  const DiskPath current = CheckAddressBook(drives, DirectoryFromFile(book_.InUse()));
   const auto chosen = program_.platform.GetDialogs().OpenFile(
       {.title = {}, .folder = current.IsUsable() ? WinPath(current.Text()) : WinPath(), .name = {}, .filter = kFilter});
   if (!chosen) return;
-  const DiskPath file(files, chosen->Text());
+  const DiskPath file(drives, chosen->Text());
   if (!file.IsUsable()) return TellRefusal(program_, file.Refusal());
   pending_ = file.Text();
   ShowCurrent(pending_);

@@ -39,7 +39,7 @@ Form3::Form3(Program& program, ProgramWindows& windows)
   cmdClse.isCancel = true;
   Drive1.onClick = [this] { Drive1_Change(); };
   Dir1.onOpen = [this] {
-    Dir1.SetPath(program_.platform.GetFiles(), Dir1.FolderAt(static_cast<std::size_t>(Dir1.selected.Get())));
+    SetDir(Dir1.FolderAt(static_cast<std::size_t>(Dir1.selected.Get())));
     Dir1_Change();
   };
   cmdMkFolder.onClick = [this] { cmdMkFolder_Click(); };
@@ -77,30 +77,32 @@ void Form3::OpenFrom(Form& opener) {
 }
 
 void Form3::Form_Load() {
-  FileSystem& files = program_.platform.GetFiles();
-  Drive1.Fill(files);
+  Drive1.Fill(program_.platform.GetDrives());
   Drive1.ShowDriveOf(kFirstFolder);
   txtbkPth.text = program_.backupFolder.Get();
   if (txtbkPth.text == kNoneSelected) {
     MoveDir(kFirstFolder);
     txtbkPth.text = Dir1.Path().Text();
   }
-  if (DirExists(files, txtbkPth.text)) {
+  if (DirExists(program_.platform.GetFiles(), txtbkPth.text)) {
     MoveDir(WinPath(txtbkPth.text));
   } else {
     program_.backupFolder.Reset();
   }
 }
 
+void Form3::SetDir(const WinPath& folder) {
+  Dir1.SetPath(program_.platform.GetFiles(), program_.platform.GetDrives(), folder);
+}
+
 void Form3::MoveDir(const WinPath& folder) {
-  FileSystem& files = program_.platform.GetFiles();
-  Dir1.SetPath(files, folder);
-  File1.SetPath(files, Dir1.Path());
+  SetDir(folder);
+  File1.SetPath(program_.platform.GetFiles(), Dir1.Path());
   Drive1.ShowDriveOf(Dir1.Path());
 }
 
 void Form3::Drive1_Change() {
-  Dir1.SetPath(program_.platform.GetFiles(), WinPath(Drive1.text));
+  SetDir(WinPath(Drive1.text));
   Dir1_Change();
 }
 

@@ -42,6 +42,7 @@ class Form3 : public Form {
 
  private:
   void Form_Load();
+  void SetDir(const WinPath& folder);
   void MoveDir(const WinPath& folder);
   void Drive1_Change();
   void Dir1_Change();

@@ -136,7 +136,7 @@ void Form1::GetInputPaths() {
   lblSystem.caption = program_.platform.SystemDescription();
   cmbUserNames.Clear();
   inpth1.Clear();
-  const CatalogueLoad load = LoadCatalogue(program_.store, program_.platform.GetFiles());
+  const CatalogueLoad load = LoadCatalogue(program_.store, program_.platform.GetSystemFacts());
   program_.catalogue = load.catalogue;
   switch (load.end) {
     case CatalogueLoad::End::NoIdentitiesKey:
@@ -272,14 +272,14 @@ void Form1::cmdOpenFolder_Click() {
   const std::string folder = Text1.text;
   // Without a store there is nothing to refuse; the shell says that there is no such folder.
   if (folder.empty() || folder == kEmptyIdentityMarker) return OpenExplorer(folder);
-  OpenExplorer(CheckStoreFolder(program_.platform.GetFiles(), Label6.caption, folder));
+  OpenExplorer(CheckStoreFolder(program_.platform.GetDrives(), Label6.caption, folder));
 }
 
 void Form1::cmdOpenWab_Click() {
   ClearStatus();
   const std::string folder = DirectoryFromFile(txtwabloc.text.Get());
   if (folder.empty()) return OpenExplorer(folder);
-  OpenExplorer(CheckAddressBook(program_.platform.GetFiles(), folder));
+  OpenExplorer(CheckAddressBook(program_.platform.GetDrives(), folder));
 }
 
 void Form1::cmdRefresh_Click() {

@@ -69,13 +69,14 @@ void Form1::repUSERID_Click() {
   const auto input = AskRegistryFile(program_);
   if (!input) return;
   FileSystem& files = program_.platform.GetFiles();
-  const std::string old = FindOldUserId(files, *input);
+  SystemFacts& facts = program_.platform.GetSystemFacts();
+  const std::string old = FindOldUserId(files, facts, *input);
   const std::string userId =
       dialogs.Input("Enter new {USER_ID}", "Current {USER_ID}: " + old, "").value_or(std::string());
   if (userId.empty()) return;
   const HourglassScope hourglass(*this);
   const WinPath output = ReplacedFile(lblbkuppth.caption, *input);
-  ReplaceUserId(files, *input, output, userId);
+  ReplaceUserId(files, facts, *input, output, userId);
   sb1.panels[0] = "File Saved as: " + output.Text();
 }
 

@@ -60,7 +60,7 @@ void Form1::CopyAddressBook(CopyPart part) {
         {.text = "The registry names no address book file, so none was copied.", .icon = MessageIcon::Exclamation});
     return;
   }
-  const DiskPath file = CheckAddressBook(program_.platform.GetFiles(), stored);
+  const DiskPath file = CheckAddressBook(program_.platform.GetDrives(), stored);
   if (!file.IsUsable()) return program_.store.Failures().Add(file.Refusal().Sentence());
   program_.platform.GetShell().CopyFile(
       {.source = file.Path(), .target = WinPath(folder + "\\" + file.Path().Name()), .part = part});
@@ -87,7 +87,7 @@ void Form1::RestoreAddressBook(CopyPart part) {
          .icon = MessageIcon::Exclamation});
     return;
   }
-  const DiskPath target = CheckAddressBook(program_.platform.GetFiles(), folder);
+  const DiskPath target = CheckAddressBook(program_.platform.GetDrives(), folder);
   if (!target.IsUsable()) return program_.store.Failures().Add(target.Refusal().Sentence());
   program_.platform.GetShell().CopyFile({.source = *file, .target = target.Path(), .part = part});
   sb1.panels[0] = kAddressBookCopied;

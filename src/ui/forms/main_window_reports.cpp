@@ -64,7 +64,8 @@ void Form1::SaveReport(const char* name, const char* filter, ReportFormat format
   };
   const ListView& found = windows_.form2.lvFiles;
   for (std::size_t row = 0; row < found.RowCount(); ++row) facts.foundFiles.push_back(found.Text(row, 0));
-  WriteReport(program_.platform.GetFiles(), *file, MakeIdentityReport(facts, format));
+  WriteReport(program_.platform.GetFiles(), program_.platform.GetSystemFacts(), *file,
+              MakeIdentityReport(facts, format));
   sb1.panels[0] = file->Text() + outcome;
 }
 

@@ -83,7 +83,7 @@ void Form17::cmdReplace_Click() {
   if (input_.Empty()) return;
   const HourglassScope hourglass(*this);
   const WinPath output = ReplacedFile(windows_.form1.lblbkuppth.caption, input_);
-  ReplaceUserId(program_.platform.GetFiles(), input_, output, cmboUserIDs97.text);
+  ReplaceUserId(program_.platform.GetFiles(), program_.platform.GetSystemFacts(), input_, output, cmboUserIDs97.text);
   output_ = output;
   lblFinished.caption = "File Saved as: " + output_.Text();
 }

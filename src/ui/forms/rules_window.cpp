@@ -97,7 +97,7 @@ void RulesForm::EnumRules() {
 }
 
 RuleReader RulesForm::Reader() {
-  return RuleReader(program_.store, words_.set, CodePage(program_.platform.GetFiles().CodePageNumber()));
+  return RuleReader(program_.store, words_.set, CodePage(program_.platform.GetSystemFacts().CodePageNumber()));
 }
 
 void RulesForm::cmboUserIDs97_Click() {
@@ -118,7 +118,7 @@ void RulesForm::Save(const char* name, const char* filter, ReportFormat format) 
   const HourglassScope hourglass(*this);
   RuleReader reader = Reader();
   const RulesReport report = MakeRulesReport(reader, cmboUserIDs97.text, created, format);
-  WriteReport(program_.platform.GetFiles(), *file, report.text);
+  WriteReport(program_.platform.GetFiles(), program_.platform.GetSystemFacts(), *file, report.text);
   // Nothing is shown for it, but the log has it.
   if (!report.brokenOff.empty()) throw std::runtime_error(file->Text() + " ends early. " + report.brokenOff);
 }

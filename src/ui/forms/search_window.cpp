@@ -114,7 +114,7 @@ void Form2::FillFileTypes() {
 }
 
 void Form2::gdrive() {
-  drives_ = ListDrives(program_.platform.GetFiles());
+  drives_ = ListDrives(program_.platform.GetDrives());
   cboDrives.items = drives_.items;
   cboDrives.text = drives_.items.empty() ? std::string() : drives_.items.front();
   EnableSearch();
@@ -265,13 +265,13 @@ void Form2::resDBXFiles_Click() {
 
 /// The folder shown: what the registry names for the chosen identity, or what the person typed over it.
 DiskPath Form2::RestoreTarget() {
-  FileSystem& files = program_.platform.GetFiles();
+  Drives& drives = program_.platform.GetDrives();
   for (const IdentityInfo& identity : program_.catalogue.identities) {
     if (identity.userId == cmbResIdentity.text.Get() && identity.storeFolder == IdentyPth.text.Get()) {
-      return CheckStoreFolder(files, identity.userId, identity.storeFolder);
+      return CheckStoreFolder(drives, identity.userId, identity.storeFolder);
     }
   }
-  return {files, IdentyPth.text};
+  return {drives, IdentyPth.text};
 }
 
 void Form2::cndSelectAll_Click() {

@@ -47,7 +47,7 @@ void Form9::Open() {
 void Form9::Form_Activate() {
   txtOutPath3.text = DirectoryFromFile(book_.InUse());
   lstFiles9.items = std::vector<std::string>{};
-  if (!txtOutPath3.text->empty()) getem(CheckAddressBook(program_.platform.GetFiles(), txtOutPath3.text));
+  if (!txtOutPath3.text->empty()) getem(CheckAddressBook(program_.platform.GetDrives(), txtOutPath3.text));
 }
 
 void Form9::getem(const DiskPath& folder) {
@@ -60,7 +60,7 @@ void Form9::getem(const DiskPath& folder) {
 void Form9::cmdBrowse1_Click() {
   const std::string folder = BrowseForFolder(program_.platform.GetDialogs());
   if (folder.empty()) return;
-  const DiskPath chosen(program_.platform.GetFiles(), folder);
+  const DiskPath chosen(program_.platform.GetDrives(), folder);
   if (chosen.IsUsable()) txtOutPath3.text = folder;
   getem(chosen);
 }

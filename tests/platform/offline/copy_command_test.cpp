@@ -68,12 +68,13 @@ struct CopyCommandTest : testing::Test {
   }
 
   TempFolder disk;
-  Environment environment;
-  OfflineFiles files{DriveMap(disk.Path()), environment};
+  OfflineDrives drives{DriveMap(disk.Path())};
+  OfflineFiles files{drives};
+  RegistryFacts facts;
   ScriptedDialogs dialogs;
   KeptLog log;
   FaultyCopyIo& io = *new FaultyCopyIo;
-  OfflineShell shell{files, dialogs, log, "", std::unique_ptr<CopyIo>(&io)};
+  OfflineShell shell{files, facts, dialogs, log, "", std::unique_ptr<CopyIo>(&io)};
 };
 
 TEST_F(CopyCommandTest, WhatCanBeReadIsKeptBesideTheGoodCopyAfterOneQuestion) {

@@ -59,8 +59,8 @@ struct HostileDiskTest : testing::TestWithParam<bool> {
   TempFolder temp;
   fs::path c = temp.Folder("c");
   fs::path d = temp.Folder("d");
-  Environment environment;
-  OfflineFiles files{DriveMap(c, {{'D', d}}), environment};
+  OfflineDrives drives{DriveMap(c, {{'D', d}})};
+  OfflineFiles files{drives};
 };
 
 INSTANTIATE_TEST_SUITE_P(Openat2, HostileDiskTest, testing::Bool());
@@ -97,7 +97,7 @@ TEST_P(HostileDiskTest, FoldersOutsideAreNotListedEnteredOrFilled) {
   EXPECT_FALSE(files.Stat(WinPath("C:\\out"))->isDirectory);
   EXPECT_FALSE(files.Stat(WinPath("C:\\out\\bashrc")).has_value());
   EXPECT_EQ(files.Find(WinPath("C:\\out\\*"))->Next(), std::nullopt);
-  EXPECT_EQ(files.SetCurrentDirectory(WinPath("C:\\out")), Status::PathNotFound);
+  EXPECT_EQ(drives.SetCurrentDirectory(WinPath("C:\\out")), Status::PathNotFound);
   EXPECT_EQ(files.MakeDirectory(WinPath("C:\\out\\new")), Status::AccessDenied);
   EXPECT_EQ(files.MakeDirectory(WinPath("C:\\out")), Status::FileExists);
   EXPECT_FALSE(files.MakePath(WinPath("C:\\out\\new\\deeper")));
@@ -110,7 +110,7 @@ TEST_P(HostileDiskTest, FoldersOutsideAreNotListedEnteredOrFilled) {
 
 TEST_P(HostileDiskTest, LinksWithinTheDiskAreFollowed) {
   fs::create_directory_symlink(c, temp / "mount");
-  const OfflineFiles mounted{DriveMap(temp / "mount", {{'D', d}}), environment};
+  const OfflineDrives mounted{DriveMap(temp / "mount", {{'D', d}})};
   temp.File("c/Users/Ann/Mail.dbx", "mail");
   temp.File("d/Mail/Office.dbx", "office");
   Link("Users", "Documents and Settings");
@@ -180,12 +180,12 @@ TEST_P(HostileDiskTest, WhatIsNotAFileIsNeitherReadNorWaitedFor) {
 }
 
 TEST_P(HostileDiskTest, ALinkPutInAfterTheLookupIsNotFollowed) {
-  const HostPlace file = *files.PlaceOf(WinPath("C:\\Store\\Folders.dbx"));
-  const HostPlace folder = *files.PlaceOf(WinPath("C:\\Store"));
+  const HostPlace file = *drives.PlaceOf(WinPath("C:\\Store\\Folders.dbx"));
+  const HostPlace folder = *drives.PlaceOf(WinPath("C:\\Store"));
   temp.File("c/Store/deep/Old.dbx", "within");
   temp.File("elsewhere/deep/Old.dbx", "secret");
-  const HostPlace deep = *files.PlaceOf(WinPath("C:\\Store\\deep\\Old.dbx"));
-  const HostPlace fresh = *files.PlaceOf(WinPath("C:\\Store\\bashrc"), LastStep::NoLink);
+  const HostPlace deep = *drives.PlaceOf(WinPath("C:\\Store\\deep\\Old.dbx"));
+  const HostPlace fresh = *drives.PlaceOf(WinPath("C:\\Store\\bashrc"), LastStep::NoLink);
   const auto expectAllRefused = [&](const HostPlace& place, const std::string& why) {
     EXPECT_EQ(Fault([&] { OpenForReading(place); }), why);
     EXPECT_EQ(Fault([&] { NewFile(place).Commit(); }), why);
@@ -213,7 +213,7 @@ TEST_P(HostileDiskTest, ALinkPutInAfterTheLookupIsNotFollowed) {
 
 TEST_P(HostileDiskTest, AFileGoesToTheFolderThatWasThereAtItsBeginning) {
   const auto place = [this](const char* name) {
-    return *files.PlaceOf(WinPath("C:\\bk").Join(name), LastStep::NoLink);
+    return *drives.PlaceOf(WinPath("C:\\bk").Join(name), LastStep::NoLink);
   };
   NewFile written(place("written.dbx"));
   written.Write("whole");
@@ -231,7 +231,8 @@ TEST_P(HostileDiskTest, AFileGoesToTheFolderThatWasThereAtItsBeginning) {
 TEST_P(HostileDiskTest, ACopyNeitherTakesFromOutsideNorReplacesThere) {
   ScriptedDialogs dialogs;
   KeptLog log;
-  OfflineShell shell{files, dialogs, log, "none"};
+  RegistryFacts facts;
+  OfflineShell shell{files, facts, dialogs, log, "none"};
   Link("../../outside/bashrc", "Store/Inbox.dbx");
   Link("../outside", "out");
   temp.File("c/bk/Inbox.dbx", "a hostile backup");

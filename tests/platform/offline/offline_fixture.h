@@ -6,9 +6,9 @@
 #include <string>
 
 #include "platform/offline/drive_map.h"
-#include "platform/offline/environment.h"
 #include "platform/offline/offline_files.h"
 #include "platform/offline/offline_registry.h"
+#include "platform/offline/system_services.h"
 #include "platform/platform.h"
 #include "registry/hive.h"
 #include "support/temp_folder.h"
@@ -45,8 +45,8 @@ struct OfflineFixture {
   TempFolder disk;
   KeptLog log;
   FixedClock clock;
-  Environment environment;
-  OfflineFiles files{DriveMap(disk.Path()), environment};
+  OfflineDrives drives{DriveMap(disk.Path())};
+  OfflineFiles files{drives};
   OfflineRegistry registry{clock, files, log};
 
   HiveFile Open(std::string_view hive, HiveMode mode = HiveMode::Write) {

@@ -52,9 +52,9 @@ TEST_F(OfflinePlatformTest, HasTheEnvironmentOfTheDisksWindows) {
               {"mail", "C:\\Mail"},
               {"LOCALAPPDATA", "%LOCALAPPDATA%"}};
   for (const auto& row : rows) {
-    EXPECT_EQ(platform.GetFiles().ExpandEnvironment("%" + std::string(row.name) + "%"), row.value);
+    EXPECT_EQ(platform.GetSystemFacts().ExpandEnvironment("%" + std::string(row.name) + "%"), row.value);
   }
-  EXPECT_EQ(platform.GetFiles().CodePageNumber(), 1250u);
+  EXPECT_EQ(platform.GetSystemFacts().CodePageNumber(), 1250u);
   EXPECT_TRUE(platform.Warnings().empty());
   EXPECT_FALSE(platform.UsesPrivateCopy());
 }
@@ -80,7 +80,7 @@ TEST_F(OfflinePlatformTest, OpensWithoutAMachineHiveAndSaysSo) {
   EXPECT_THAT(platform.Warnings()[0], HasSubstr("config/software"));
   EXPECT_EQ(platform.GetRegistry().Open({RegistryRoot::CurrentUser, "Identities"}, Access::Full).status,
             Status::Success);
-  EXPECT_EQ(platform.GetFiles().CodePageNumber(), 1252u);
+  EXPECT_EQ(platform.GetSystemFacts().CodePageNumber(), 1252u);
 }
 
 TEST_F(OfflinePlatformTest, RefusesWhatItCannotOpen) {
@@ -166,12 +166,13 @@ TEST_F(SalvageTest, ADamagedMachineHiveKeepsTheWholeDiskFromBeingWritten) {
     EXPECT_EQ(files.MakeDirectory(WinPath("C:\\New")), Status::AccessDenied);
     EXPECT_EQ(files.DeleteFile(WinPath("C:\\WINDOWS\\system32\\config\\software")), Status::AccessDenied);
     const std::filesystem::path mine = disk.temp.File("mine/Inbox.dbx", "messages");
-    platform.GetShell().CopyFile(
-        {.source = files.WindowsPathOf(mine), .target = WinPath("C:\\Inbox.dbx"), .part = CopyPart::OnlyFile});
+    platform.GetShell().CopyFile({.source = platform.GetDrives().WindowsPathOf(mine),
+                                  .target = WinPath("C:\\Inbox.dbx"),
+                                  .part = CopyPart::OnlyFile});
     EXPECT_EQ(platform.GetShell().FinishCopies().back().end, CopyEnd::Failed);
     EXPECT_THAT(dialogs.LastMessage(),
                 HasSubstr("C:\\Inbox.dbx: the disk is not written, since its registry is damaged."));
-    files.WriteFile(files.WindowsPathOf(disk.temp / "mine/report.txt"), "text");
+    files.WriteFile(platform.GetDrives().WindowsPathOf(disk.temp / "mine/report.txt"), "text");
     EXPECT_EQ(disk.temp.Read("mine/report.txt"), "text");
   }
   EXPECT_EQ(Everything(), before);

@@ -34,7 +34,7 @@ done
 cp ')" + (disk.anna / "ntuser.dat").string() +
             "' \"$OUT.hive\"\n");
   OfflinePlatform platform(options, dialogs);
-  platform.GetFiles().SetCurrentDrive('D');
+  platform.GetDrives().SetCurrentDrive('D');
   platform.GetRegistry().Create({RegistryRoot::CurrentUser, "Identities\\{3}"});
   const std::string command = R"(regedit /e:A Main.reg "HKEY_CURRENT_USER\Identities\{1}\)";
   EXPECT_TRUE(platform.GetProcesses().RunAndWait(command, ShowStyle::Normal).started);

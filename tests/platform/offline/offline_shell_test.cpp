@@ -38,11 +38,12 @@ struct OfflineShellTest : testing::Test {
   }
 
   TempFolder disk;
-  Environment environment;
-  OfflineFiles files{DriveMap(disk.Path()), environment};
+  OfflineDrives drives{DriveMap(disk.Path())};
+  OfflineFiles files{drives};
+  RegistryFacts facts;
   ScriptedDialogs dialogs;
   KeptLog log;
-  OfflineShell shell{files, dialogs, log, disk / "opener"};
+  OfflineShell shell{files, facts, dialogs, log, disk / "opener"};
 };
 
 TEST_F(OfflineShellTest, CopiesContentAndTime) {

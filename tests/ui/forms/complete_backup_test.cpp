@@ -29,7 +29,9 @@ class CompleteBackupTest : public SampleWindows {
     return *std::find_if(Identities().begin(), Identities().end(),
                          [&](const IdentityInfo& identity) { return identity.username == username; });
   }
-  std::filesystem::path OnHost(const std::string& path) { return platform->offline.GetFiles().HostPath(WinPath(path)); }
+  std::filesystem::path OnHost(const std::string& path) {
+    return platform->offline.GetDrives().HostPath(WinPath(path));
+  }
   std::filesystem::path StoreOf(const std::string& username) { return OnHost(Identity(username).storeFolder); }
   /// Names and bytes of a store's files, those which no backup takes left out.
   static Files FilesIn(const std::filesystem::path& folder) {
@@ -65,7 +67,7 @@ TEST_F(CompleteBackupTest, AllIdentitiesGetAFolderEachAndEmptyOnesNone) {
     EXPECT_THAT(Content(BackupFolderOnHost() / username / "SignaturesWinXP.reg"), StartsWith("regf"));
   }
   EXPECT_EQ(platform->processes.commandLines.size(), 8u);
-  EXPECT_EQ(platform->GetFiles().CurrentDirectory().Text(), kBackup);
+  EXPECT_EQ(platform->GetDrives().CurrentDirectory().Text(), kBackup);
   EXPECT_TRUE(dialogs.messages.empty());
 }
 

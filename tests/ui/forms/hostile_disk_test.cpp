@@ -25,7 +25,7 @@ class HostileDiskTest : public SampleWindows {
     temp.File("host/store/Inbox.dbx", "the person's");
     temp.File("host/book.wab", "the person's");
     temp.File("disk/C/evil.desktop", "[Desktop Entry]");
-    main = LoadCatalogue(Store(), platform->GetFiles()).catalogue.defaultUserId;
+    main = LoadCatalogue(Store(), platform->GetSystemFacts()).catalogue.defaultUserId;
   }
   /// Every file and folder of the person, with what the files hold.
   std::map<std::string, std::string> Host() {

@@ -124,7 +124,7 @@ TEST_F(IdentityWindowsTest, AnIdentityIsClonedOntoANewOneWithItsMessages) {
   EXPECT_FALSE(form.Check2.checked || form.chkCopyDBX.checked);
   EXPECT_EQ(dialogs.messages.size(), 2u);
   const auto folderOf = [&](const std::string& id) {
-    return platform->offline.GetFiles().HostPath(WinPath(ReadStoreFolder(Store(), platform->GetFiles(), id)));
+    return platform->offline.GetDrives().HostPath(WinPath(ReadStoreFolder(Store(), platform->GetSystemFacts(), id)));
   };
   EXPECT_EQ(Names(folderOf(userId)), Names(folderOf(kMain)));
   EXPECT_EQ(Read(IdentitySettingsKey(userId), "WindowTitle"), RegValue("Outlook Express at home"));

@@ -18,7 +18,7 @@ class QuickBackupTest : public SampleWindows {
     return form;
   }
   std::filesystem::path StoreOnHost() {
-    return *std::optional(platform->offline.GetFiles().HostPath(WinPath(windows->form1.Text1.text)));
+    return *std::optional(platform->offline.GetDrives().HostPath(WinPath(windows->form1.Text1.text)));
   }
   void Rename(const std::string& username) {
     Store().SetKeyValue(IdentityKey(windows->form1.Label6.caption), "Username", username, ValueType::Sz);
@@ -70,7 +70,7 @@ TEST_F(QuickBackupTest, TheFolderHoldsExactlyWhatBelongsToTheIdentity) {
   EXPECT_THAT(Content(folder / "Main Identity.reg"),
               HasSubstr("REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Identities\\" + form.Label6.caption.Get() + "]\r\n"));
   EXPECT_THAT(Content(folder / "IAM.reg"), HasSubstr("\"Account Name\"="));
-  EXPECT_EQ(platform->GetFiles().CurrentDirectory().Text(), kBackup);
+  EXPECT_EQ(platform->GetDrives().CurrentDirectory().Text(), kBackup);
 }
 
 TEST_F(QuickBackupTest, ExportsRunInOrderWithTheirCommandLines) {

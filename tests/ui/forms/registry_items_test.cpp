@@ -225,7 +225,7 @@ TEST_F(RegistryItemsTest, AnExportThatCannotBeWrittenIsToldAndLeavesTheOlderFile
 }
 
 TEST_F(RegistryItemsTest, TheAddressBookFileGoesThereAndBack) {
-  const auto book = *std::optional(platform->offline.GetFiles().HostPath(WinPath(form->txtwabloc.text)));
+  const auto book = *std::optional(platform->offline.GetDrives().HostPath(WinPath(form->txtwabloc.text)));
   const std::string content = Content(book);
   Click("addBookFile");
   EXPECT_EQ(form->sb1.panels[0], " Address Book Copy Complete");

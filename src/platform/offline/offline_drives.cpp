@@ -1,0 +1,79 @@
+#include "platform/offline/offline_drives.h"
+
+#include <system_error>
+#include <utility>
+
+#include "platform/offline/host_file.h"
+#include "platform/offline/volume_label.h"
+
+namespace quillbox {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool IsHostFolder(const fs::path& path) {
+  std::error_code code;
+  return fs::is_directory(path, code);
+}
+
+}  // namespace
+
+OfflineDrives::OfflineDrives(DriveMap map) : map_(std::move(map)) {}
+
+WinPath OfflineDrives::CurrentDirectoryOf(char letter) const {
+  const auto directory = currentDirectories_.find(letter);
+  return directory != currentDirectories_.end() ? directory->second : WinPath(std::string{letter, ':', '\\'});
+}
+
+WinPath OfflineDrives::Absolute(const WinPath& path) const {
+  const char letter = path.Drive() != 0 ? path.Drive() : currentDrive_;
+  return Resolve(path, CurrentDirectoryOf(letter));
+}
+
+PlaceResult OfflineDrives::PlaceOf(const WinPath& path, LastStep last) const {
+  return map_.PlaceOf(Absolute(path), last);
+}
+
+fs::path OfflineDrives::HostPath(const WinPath& path) const {
+  const PlaceResult place = PlaceOf(path);
+  return place ? place->Path() : fs::path();
+}
+
+WinPath OfflineDrives::WindowsPathOf(const fs::path& path) const {
+  return map_.WindowsPathOf(path).value_or(WinPath());
+}
+
+DriveType OfflineDrives::TypeOfDrive(const WinPath& root) {
+  const fs::path* folder = map_.FolderOf(root.Drive());
+  if (folder == nullptr || !IsHostFolder(*folder)) return DriveType::NoRoot;
+  return map_.IsHostDrive(root.Drive()) ? DriveType::Remote : DriveType::Fixed;
+}
+
+bool OfflineDrives::IsOwnDrive(char letter) {
+  const char upper = WinPath(std::string{letter, ':'}).Drive();
+  return map_.FolderOf(upper) != nullptr && !map_.IsHostDrive(upper);
+}
+
+std::optional<std::string> OfflineDrives::VolumeLabel(const WinPath& root) {
+  const fs::path* folder = map_.FolderOf(root.Drive());
+  if (folder == nullptr || !IsHostFolder(*folder)) return std::nullopt;
+  return LabelOfMount(*folder);
+}
+
+Status OfflineDrives::SetCurrentDrive(char letter) {
+  const char upper = WinPath(std::string{letter, ':'}).Drive();
+  if (map_.FolderOf(upper) == nullptr) return Status::PathNotFound;
+  currentDrive_ = upper;
+  return Status::Success;
+}
+
+Status OfflineDrives::SetCurrentDirectory(const WinPath& path) {
+  const WinPath absolute = Absolute(path);
+  const PlaceResult place = map_.PlaceOf(absolute);
+  if (path.Empty() || !place || !IsFolder(*place)) return Status::PathNotFound;
+  currentDirectories_[absolute.Drive()] = absolute;
+  return Status::Success;
+}
+
+}  // namespace quillbox
