@@ -10,9 +10,9 @@ constexpr const char* kSavedSetting = "WABBackup";
 
 }  // namespace
 
-std::string AddressBook::Read(const char* value) {
+WinPath AddressBook::Read(const char* value) {
   const RegValue read = store_.RegistryGetKeyValue(CurrentUser(kAddressBookKey), value, ExpandableText::Ignore);
-  return read.Text() ? *read.Text() : std::string();
+  return WinPath(read.Text() ? *read.Text() : std::string());
 }
 
 void AddressBook::Write(const char* value, const std::string& text) {
@@ -24,23 +24,23 @@ std::optional<DiskPath> AddressBook::UseSlot(std::size_t slot) {
 }
 
 std::optional<DiskPath> AddressBook::UseStored(const char* value) {
-  const std::string text = Read(value);
-  if (text.empty() || text == kNoneSelected) return std::nullopt;
-  DiskPath file = CheckAddressBook(platform_.GetDrives(), text, value);
-  if (file.IsUsable()) Use(text);
+  const auto stored = PathOrNone(Read(value).Text());
+  if (!stored || stored->Empty()) return std::nullopt;
+  DiskPath file = CheckAddressBook(platform_.GetDrives(), *stored, value);
+  if (file.IsUsable()) Use(*stored);
   return file;
 }
 
 void AddressBook::FillSlots(const SlotFiles& files) {
   for (std::size_t slot = 0; slot < files.size(); ++slot) {
-    Write(kSlotValues[slot], files[slot].empty() ? kNoneSelected : files[slot]);
+    Write(kSlotValues[slot], TextOrNone(files[slot]));
   }
 }
 
 bool AddressBook::SaveSetting() {
-  const std::string file = InUse();
-  if (file.empty()) return false;
-  Write(kSavedSetting, file);
+  const WinPath file = InUse();
+  if (file.Empty()) return false;
+  Write(kSavedSetting, file.Text());
   return true;
 }
 
@@ -48,15 +48,15 @@ std::optional<DiskPath> AddressBook::RestoreSetting() {
   return UseStored(kSavedSetting);
 }
 
-std::optional<PathRefusal> AddressBook::MoveTo(const std::string& folder) {
+std::optional<PathRefusal> AddressBook::MoveTo(const WinPath& folder) {
   Drives& drives = platform_.GetDrives();
-  const DiskPath file = CheckAddressBook(drives, store_.RegistryGetKeyValue(CurrentUser(kAddressBookKey), "").AsText());
+  const DiskPath file = CheckAddressBook(drives, ReadAddressBookFile(store_));
   const DiskPath chosen(drives, folder);
   for (const DiskPath* path : {&file, &chosen}) {
     if (!path->IsUsable()) return path->Refusal();
   }
   const WinPath target = chosen.Path().Join(file.Path().Name());
-  Use(target.Text());
+  Use(target);
   platform_.GetShell().CopyFile({.source = file.Path(), .target = target, .part = CopyPart::OnlyFile});
   return std::nullopt;
 }

@@ -14,16 +14,16 @@
 
 namespace quillbox {
 
-/// Full paths of the remembered files; an empty one is a slot without a file.
-using SlotFiles = std::array<std::string, kSlotCount>;
+/// Full paths of the remembered files, of the slots that have one.
+using SlotFiles = std::array<std::optional<WinPath>, kSlotCount>;
 
 class AddressBook {
  public:
   AddressBook(Platform& platform, RegistryStore& store) : platform_(platform), store_(store) {}
 
   /// The file in use, a full path; empty when the setting is missing or anything but plain text.
-  std::string InUse() { return Read(""); }
-  void Use(const std::string& file) { Write("", file); }
+  WinPath InUse() { return Read(""); }
+  void Use(const WinPath& file) { Write("", file.Text()); }
 
   /// Has the file of a slot (0 to 3) be the one in use, whether or not it exists. Nothing is changed when the result is
   /// a refusal or, for a slot without a file, nothing.
@@ -39,10 +39,10 @@ class AddressBook {
   /// Sets the file in use to the file of its name in `folder`, then begins to copy it there; the old file stays. The
   /// shell asks before it replaces a file and tells what it cannot copy; the setting is changed all the same. Nothing
   /// is done when the file or the folder is refused, which is the result.
-  std::optional<PathRefusal> MoveTo(const std::string& folder);
+  std::optional<PathRefusal> MoveTo(const WinPath& folder);
 
  private:
-  std::string Read(const char* value);
+  WinPath Read(const char* value);
   std::optional<DiskPath> UseStored(const char* value);
   void Write(const char* value, const std::string& text);
 

@@ -59,7 +59,7 @@ class Application {
       log_.Write(Describe(error));
     }
     windows_ = std::make_unique<ProgramWindows>(*platform_);
-    windows_->program.quit = [this] { system_.Quit(); };
+    windows_->quit = [this] { system_.Quit(); };
     for (Form* form : windows_->All()) system_.Attach(*form);
     windows_->form1.Open();
     for (const std::string& warning : platform_->Warnings()) {

@@ -41,48 +41,55 @@ const char* FolderRefusal::Reason() const {
 }
 
 std::string FolderRefusal::Sentence() const {
-  return "\"" + OneLine(folder) + "\" cannot be the backup folder: " + Reason() + ".";
+  return "\"" + OneLine(folder.Text()) + "\" cannot be the backup folder: " + Reason() + ".";
 }
 
 std::string BackupFolder::Stored() {
   return store_.RegistryGetKeyValue(CurrentUser(kIdentitiesKey), kFolderValue).AsText();
 }
 
-void BackupFolder::Store(const std::string& folder) {
-  store_.SetKeyValue(kIdentitiesKey, kFolderValue, folder, ValueType::Sz);
+void BackupFolder::Store(const std::string& text) {
+  store_.SetKeyValue(kIdentitiesKey, kFolderValue, text, ValueType::Sz);
 }
 
-std::optional<WinPath> BackupFolder::OnThisComputer(const std::string& folder) {
-  if (folder.empty() || folder == kNoneSelected) return std::nullopt;
+std::optional<WinPath> BackupFolder::OnThisComputer(const std::optional<WinPath>& folder) {
+  if (!folder || folder->Empty()) return std::nullopt;
   Drives& drives = platform_.GetDrives();
-  WinPath path = Resolve(WinPath(folder), drives.CurrentDirectory());
+  WinPath path = Resolve(*folder, drives.CurrentDirectory());
   const bool isForeign = path.Drive() != 0 && !drives.IsOwnDrive(path.Drive()) &&
                          drives.TypeOfDrive(WinPath(std::string{path.Drive(), ':', '\\'})) > DriveType::NoRoot;
   return isForeign ? std::optional(std::move(path)) : std::nullopt;
 }
 
-bool BackupFolder::Counts(const std::string& folder) {
+bool BackupFolder::Counts(const std::optional<WinPath>& folder) {
   const auto path = OnThisComputer(folder);
   ChosenFolders& chosen = platform_.GetChosenFolders();
   return !path || (!chosen.FaultOf(*path) && chosen.IsChosen(*path));
 }
 
-std::string BackupFolder::Get() {
+std::string BackupFolder::Text() {
   std::string stored = Stored();
-  return Counts(stored) ? stored : kNoneSelected;
+  return Counts(PathOrNone(stored)) ? stored : kNoneSelected;
 }
 
-std::optional<FolderRefusal> BackupFolder::RefusalOf(const std::string& folder) {
+std::optional<WinPath> BackupFolder::Get() {
+  auto folder = PathOrNone(Text());
+  return folder && !folder->Empty() ? folder : std::nullopt;
+}
+
+std::optional<FolderRefusal> BackupFolder::RefusalOf(const WinPath& folder) {
   const auto path = OnThisComputer(folder);
   const auto fault = path ? platform_.GetChosenFolders().FaultOf(*path) : std::nullopt;
   return fault ? std::optional(FolderRefusal{folder, *fault}) : std::nullopt;
 }
 
-std::optional<FolderRefusal> BackupFolder::Choose(const std::string& folder) {
-  if (auto refusal = RefusalOf(folder)) return refusal;
+std::optional<FolderRefusal> BackupFolder::Choose(const std::optional<WinPath>& folder) {
+  if (folder) {
+    if (auto refusal = RefusalOf(*folder)) return refusal;
+  }
   const auto path = OnThisComputer(folder);
   if (path && !platform_.GetChosenFolders().IsChosen(*path)) Remember(*path);
-  if (Stored() != folder) Store(folder);
+  if (Stored() != TextOrNone(folder)) Store(TextOrNone(folder));
   return std::nullopt;
 }
 
@@ -94,7 +101,7 @@ void BackupFolder::Remember(const WinPath& folder) try {
 }
 
 void BackupFolder::Reset() {
-  if (Counts(Stored())) Store(kNoneSelected);
+  if (Counts(PathOrNone(Stored()))) Store(kNoneSelected);
 }
 
 void BackupFolder::KeepOver(const std::function<void()>& change) {
@@ -103,17 +110,17 @@ void BackupFolder::KeepOver(const std::function<void()>& change) {
   if (!stored.empty() && Stored() != stored) Store(stored);
 }
 
-void BackupFolder::AskForConsent(const std::string& stored) {
+void BackupFolder::AskForConsent(const std::optional<WinPath>& stored) {
   const auto path = OnThisComputer(stored);
   if (!path || Counts(stored) || asked_) return;
   asked_ = true;
-  if (const auto refusal = RefusalOf(stored)) {
+  if (const auto refusal = RefusalOf(*stored)) {
     platform_.GetLog().Write("The registry's backup folder is not used. " + refusal->Sentence());
     return;
   }
-  if (!DirExists(platform_.GetFiles(), stored)) return;
+  if (!DirExists(platform_.GetFiles(), *stored)) return;
   const Message question{
-      .text = "The registry of this disk names " + OneLine(stored) + " as the backup folder. Use it?",
+      .text = "The registry of this disk names " + OneLine(stored->Text()) + " as the backup folder. Use it?",
       .buttons = MessageButtons::YesNo,
       .icon = MessageIcon::Question,
       .noIsDefault = true};
@@ -130,19 +137,17 @@ BackupFolderCheck BackupFolder::Check(bool withMessage) {
   if (!check.keyOpened) return check;
   const bool hasData = Probe() == probe::kHasData;
   if (!hasData) Reset();
-  if (withMessage) AskForConsent(Stored());
-  check.shown = hasData ? Get() : kNoneSelected;
-  check.isSet = check.shown != kNoneSelected;
-  if (!check.isSet && withMessage) platform_.GetDialogs().Show({.text = kSelectAtStart});
-  if (!DirExists(platform_.GetFiles(), check.shown)) Reset();
+  if (withMessage) AskForConsent(PathOrNone(Stored()));
+  if (hasData) check.folder = Get();
+  if (!check.folder && withMessage) platform_.GetDialogs().Show({.text = kSelectAtStart});
+  if (!check.folder || !DirExists(platform_.GetFiles(), *check.folder)) Reset();
   return check;
 }
 
 std::optional<WinPath> BackupFolder::Guard(FolderMessage wording) {
-  const std::string folder = Get();
-  if (folder != kNoneSelected) return WinPath(folder);
-  Tell(wording);
-  return std::nullopt;
+  auto folder = Get();
+  if (!folder) Tell(wording);
+  return folder;
 }
 
 void BackupFolder::Tell(FolderMessage wording) {
@@ -174,16 +179,16 @@ void BackupFolder::StoreOverwrite(bool overwrite) {
   store_.SetKeyValue(kIdentitiesKey, kOverwriteValue, RegValue(overwrite ? 1 : 0), ValueType::Dword);
 }
 
-std::string BrowseForFolder(Dialogs& dialogs) {
-  const auto folder = dialogs.BrowseForFolder("Select a directory");
-  return folder ? folder->Text() : std::string();
+std::optional<WinPath> BrowseForFolder(Dialogs& dialogs) {
+  auto folder = dialogs.BrowseForFolder("Select a directory");
+  return folder && !folder->Empty() ? folder : std::nullopt;
 }
 
-bool CreatePath(FileSystem& files, const std::string& path) {
-  return files.MakePath(WinPath(WithBackslash(path)));
+bool CreatePath(FileSystem& files, const WinPath& path) {
+  return files.MakePath(WinPath(WithBackslash(path.Text())));
 }
 
-bool MakeFolder(FileSystem& files, const std::string& path) {
+bool MakeFolder(FileSystem& files, const WinPath& path) {
   return CreatePath(files, path);
 }
 

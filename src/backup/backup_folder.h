@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "core/address_book_slots.h"
+#include "core/none_selected.h"
 #include "core/registry_store.h"
 #include "platform/platform.h"
 
@@ -21,14 +21,13 @@ enum class FolderMessage {
 
 /// What the check at the program's start found.
 struct BackupFolderCheck {
-  bool keyOpened = false;  ///< false: nothing was checked, nothing is shown
-  bool isSet = false;      ///< a folder is chosen
-  std::string shown;       ///< what the main window shows: the folder, or kNoneSelected
+  bool keyOpened = false;         ///< false: nothing was checked
+  std::optional<WinPath> folder;  ///< the chosen folder, which may be gone: then the setting is reset
 };
 
 /// A folder that cannot be the backup folder, and why.
 struct FolderRefusal {
-  std::string folder;
+  WinPath folder;
   FolderFault fault;
 
   const char* Reason() const;
@@ -37,19 +36,21 @@ struct FolderRefusal {
 };
 
 /// The setting is in the disk's registry, whose words are not the person's: a folder of this computer that is stored
-/// there counts only when the person chose it here, or says so when asked at the start. Until then the setting reads
-/// kNoneSelected everywhere, and what is stored stays.
+/// there counts only when the person chose it here, or says so when asked at the start. Until then there is no backup
+/// folder, and what is stored stays.
 class BackupFolder {
  public:
   BackupFolder(Platform& platform, RegistryStore& store) : platform_(platform), store_(store) {}
 
-  /// The setting that counts: a folder, kNoneSelected, or empty when it is missing.
-  std::string Get();
-  /// The person chooses `folder` (which may be kNoneSelected). Nothing is changed when the result is a refusal.
-  std::optional<FolderRefusal> Choose(const std::string& folder);
+  /// The folder that counts; nothing when none is chosen or the setting is missing.
+  std::optional<WinPath> Get();
+  /// The setting that counts, as it is stored; "None Selected" in place of a folder that does not count.
+  std::string Text();
+  /// The person chooses `folder`, or none. Nothing is changed when the result is a refusal.
+  std::optional<FolderRefusal> Choose(const std::optional<WinPath>& folder);
   /// Why nothing can be backed up to `folder`; nothing when it can. Only a folder of this computer can be refused.
-  std::optional<FolderRefusal> RefusalOf(const std::string& folder);
-  /// Stores kNoneSelected in place of a folder that counted.
+  std::optional<FolderRefusal> RefusalOf(const WinPath& folder);
+  /// Stores that there is none in place of a folder that counted.
   void Reset();
   /// Runs `change` of the registry, and puts the stored setting back if that has replaced it.
   void KeepOver(const std::function<void()>& change);
@@ -60,7 +61,7 @@ class BackupFolder {
   /// the person is asked about a folder of this computer that is stored but was never chosen, once in a run, and a
   /// missing choice is told.
   BackupFolderCheck Check(bool withMessage);
-  /// The guard of a backup command: the folder as stored, or nothing after the message has been shown.
+  /// The guard of a backup command: the folder, or nothing after the message has been shown.
   std::optional<WinPath> Guard(FolderMessage wording);
   /// Shows the guard's message.
   void Tell(FolderMessage wording);
@@ -74,11 +75,11 @@ class BackupFolder {
 
  private:
   std::string Stored();
-  void Store(const std::string& folder);
-  /// The full path of a stored folder that is on a drive of this computer; nothing for any other.
-  std::optional<WinPath> OnThisComputer(const std::string& folder);
-  bool Counts(const std::string& folder);
-  void AskForConsent(const std::string& stored);
+  void Store(const std::string& text);
+  /// The full path of a folder that is on a drive of this computer; nothing for any other.
+  std::optional<WinPath> OnThisComputer(const std::optional<WinPath>& folder);
+  bool Counts(const std::optional<WinPath>& folder);
+  void AskForConsent(const std::optional<WinPath>& stored);
   void Remember(const WinPath& folder);
 
   Platform& platform_;
@@ -86,11 +87,11 @@ class BackupFolder {
   bool asked_ = false;
 };
 
-/// Asks for a folder with the shell's picker, "Select a directory"; empty when the person cancels.
-std::string BrowseForFolder(Dialogs& dialogs);
+/// Asks for a folder with the shell's picker, "Select a directory"; nothing when the person cancels.
+std::optional<WinPath> BrowseForFolder(Dialogs& dialogs);
 
 /// Makes every missing folder along `path`; true when it is there afterwards.
-bool CreatePath(FileSystem& files, const std::string& path);
-bool MakeFolder(FileSystem& files, const std::string& path);
+bool CreatePath(FileSystem& files, const WinPath& path);
+bool MakeFolder(FileSystem& files, const WinPath& path);
 
 }  // namespace quillbox

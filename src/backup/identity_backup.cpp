@@ -14,8 +14,6 @@
 namespace quillbox {
 namespace {
 
-constexpr const char* kPop3Uidl = "Pop3uidl.dbx";
-
 struct SharedExport {
   RegistryItem item;
   const char* file;
@@ -29,17 +27,10 @@ constexpr SharedExport kSharedExports[] = {
 
 }  // namespace
 
-bool IsStoreFileToCopy(const std::string& name, Pop3Uidl pop3Uidl) {
-  constexpr std::size_t kEnding = 4;
-  if (name.size() < kEnding) return false;
-  if (name.substr(0, name.size() - kEnding).find('.') != std::string::npos) return false;
-  return pop3Uidl == Pop3Uidl::Copy || name != kPop3Uidl;
-}
-
 std::vector<std::string> SharedUsernames(const std::vector<IdentityInfo>& identities) {
   std::map<std::u16string, std::pair<std::string, std::size_t>> counts;
   for (const IdentityInfo& identity : identities) {
-    if (identity.storeFolder == kEmptyIdentityMarker) continue;
+    if (!identity.storeFolder) continue;
     auto& [username, count] = counts[UpperCase(ToUtf16(identity.username))];
     if (count++ == 0) username = identity.username;
   }
@@ -61,14 +52,14 @@ std::optional<WinPath> IdentityBackup::EnterIdentityFolder(const WinPath& backup
   const std::string fault = FileNameFault(username);
   if (!fault.empty()) return refuse(target, fault);
   // A folder above the disk's may be the backup folder; that of an identity is then perhaps the disk's.
-  if (const auto refusal = folder_.RefusalOf(target.Text())) return refuse(target, refusal->Reason());
+  if (const auto refusal = folder_.RefusalOf(target)) return refuse(target, refusal->Reason());
   try {
     folder_.Enter(backupFolder);
   } catch (const Error& error) {
     return refuse(backupFolder, error.Why());
   }
   FileSystem& files = platform_.GetFiles();
-  if (!DirExists(files, username)) {
+  if (!DirExists(files, WinPath(username))) {
     const Status made = files.MakeDirectory(WinPath(username));
     if (made != Status::Success) return refuse(target, StatusReason(made));
   }
@@ -85,13 +76,13 @@ bool IdentityBackup::CheckIdentitiesKey() {
   return false;
 }
 
-void IdentityBackup::Save(const std::string& userId, const std::string& username, const WinPath& target,
-                          const BackupScope& scope, OverwriteSetting overwrite) {
-  CopyStore(userId, target, scope.pop3Uidl, overwrite);
+void IdentityBackup::Save(const IdentityInfo& identity, const WinPath& target, const BackupScope& scope,
+                          OverwriteSetting overwrite) {
+  CopyStore(identity.userId, target, scope.pop3Uidl, overwrite);
   CopyAddressBook(target, overwrite);
-  ExportIdentity(userId, username, target);
+  ExportIdentity(identity, target);
   if (scope.sharedKeys) ExportSharedKeys(target);
-  if (scope.signatures) SaveSignatures(userId);
+  if (scope.signatures) SaveSignatures(identity.userId);
 }
 
 std::optional<std::size_t> IdentityBackup::SaveAll(const WinPath& backupFolder, const IdentityCatalogue& catalogue,
@@ -104,7 +95,7 @@ std::optional<std::size_t> IdentityBackup::SaveAll(const WinPath& backupFolder, 
     const auto target = EnterIdentityFolder(backupFolder, identity.username);
     if (!target) continue;
     if (!CheckIdentitiesKey()) return std::nullopt;
-    Save(identity.userId, identity.username, *target, scope, overwrite);
+    Save(identity, *target, scope, overwrite);
     ++saved;
   }
   return saved;
@@ -114,7 +105,7 @@ std::optional<std::size_t> IdentityBackup::SaveAll(const WinPath& backupFolder, 
 /// its store is not.
 bool IdentityBackup::IsEmpty(const IdentityInfo& identity) {
   try {
-    return ReadStoreFolder(store_, platform_.GetSystemFacts(), identity.userId) == kEmptyIdentityMarker;
+    return !ReadStoreFolder(store_, platform_.GetSystemFacts(), identity.userId);
   } catch (const Error&) {
     return false;
   }
@@ -132,39 +123,34 @@ void IdentityBackup::TellSharedFolders(const IdentityCatalogue& catalogue) {
 
 void IdentityBackup::CopyStore(const std::string& userId, const WinPath& target, Pop3Uidl pop3Uidl,
                                OverwriteSetting overwrite) {
-  FileSystem& files = platform_.GetFiles();
-  std::optional<DiskPath> folder;
-  std::string fault;
-  try {
-    folder =
-        CheckStoreFolder(platform_.GetDrives(), userId, ReadStoreFolder(store_, platform_.GetSystemFacts(), userId));
-    if (!folder->Text().empty() && !folder->IsUsable()) {
-      fault = folder->Refusal().Sentence();
-    } else if (folder->Text().empty() || !DirExists(files, folder->Path().Text())) {
-      fault =
-          "The message store folder \"" + OneLine(folder->Text()) + "\" " + WhyNoFolder(files, folder->Text()) + ".";
-    }
-  } catch (const Error& error) {
-    fault = "The message store folder is not known: " + Describe(error) + ".";
-  }
-  if (!fault.empty()) {
+  const auto folder = FindStore(userId);
+  if (!folder) return copier_.AddMissing(1);
+  copier_.Copy(
+      {.from = *folder, .to = target, .pop3Uidl = pop3Uidl, .overwrite = overwrite, .done = " Backup Complete"});
+}
+
+std::optional<WinPath> IdentityBackup::FindStore(const std::string& userId) {
+  const auto miss = [&](const std::string& fault) -> std::optional<WinPath> {
     platform_.GetDialogs().Show({.text = fault + " None of its files can be copied; the rest of the backup goes on.",
                                  .icon = MessageIcon::Exclamation});
-    ++missingStores_;
-    return;
-  }
-  for (const std::string& name : FileList(files, folder->Path().Join("*.dbx").Text())) {
-    if (!IsStoreFileToCopy(name, pop3Uidl)) continue;
-    platform_.GetShell().CopyFile(
-        {.source = folder->Path().Join(name), .target = target.Join(name), .noConfirm = overwrite});
-    status_(name + " Backup Complete");
+    return std::nullopt;
+  };
+  try {
+    const WinPath stored(StoreFolderText(ReadStoreFolder(store_, platform_.GetSystemFacts(), userId)));
+    const DiskPath folder = CheckStoreFolder(platform_.GetDrives(), userId, stored);
+    if (!stored.Empty() && !folder.IsUsable()) return miss(folder.Refusal().Sentence());
+    if (!stored.Empty() && DirExists(platform_.GetFiles(), folder.Path())) return folder.Path();
+    return miss("The message store folder \"" + OneLine(stored.Text()) + "\" " +
+                WhyNoFolder(platform_.GetFiles(), stored) + ".");
+  } catch (const Error& error) {
+    return miss("The message store folder is not known: " + Describe(error) + ".");
   }
 }
 
 void IdentityBackup::CopyAddressBook(const WinPath& target, OverwriteSetting overwrite) {
-  const std::string file = store_.RegistryGetKeyValue(CurrentUser(kAddressBookKey), "").AsText();
+  const WinPath file = ReadAddressBookFile(store_);
   // Without an address book setting there is no file that could be missed.
-  if (!file.empty()) {
+  if (!file.Empty()) {
     const DiskPath source = CheckAddressBook(platform_.GetDrives(), file);
     if (source.IsUsable()) {
       platform_.GetShell().CopyFile(
@@ -173,20 +159,21 @@ void IdentityBackup::CopyAddressBook(const WinPath& target, OverwriteSetting ove
       store_.Failures().Add(source.Refusal().Sentence());
     }
   }
-  status_("Adress Book Backup Complete");
+  copier_.Show("Adress Book Backup Complete");
 }
 
-void IdentityBackup::ExportIdentity(const std::string& userId, const std::string& username, const WinPath& target) {
+void IdentityBackup::ExportIdentity(const IdentityInfo& identity, const WinPath& target) {
   if (store_.GetOsCode() == OsCode::Unknown) return;
-  store_.RegExport("HKEY_CURRENT_USER\\" + IdentityKey(userId), target.Join(username + ".reg"), KeyForm::Plain);
-  status_("{USER_ID} Subkey Backup Complete");
+  store_.RegExport("HKEY_CURRENT_USER\\" + IdentityKey(identity.userId), target.Join(identity.username + ".reg"),
+                   KeyForm::Plain);
+  copier_.Show("{USER_ID} Subkey Backup Complete");
 }
 
 void IdentityBackup::ExportSharedKeys(const WinPath& target) {
   if (store_.GetOsCode() == OsCode::Unknown) return;
   for (const SharedExport& row : kSharedExports) {
     store_.RegExport(RowOf(row.item).key, target.Join(row.file));
-    status_(row.status);
+    copier_.Show(row.status);
   }
 }
 

@@ -2,27 +2,17 @@
 // exports of registry keys. The quick backup, the backup of all identities and the complete backup differ in a row.
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "backup/backup_folder.h"
+#include "backup/store_copier.h"
 #include "core/identity_catalogue.h"
 #include "core/registry_store.h"
 #include "platform/platform.h"
 
 namespace quillbox {
-
-/// The program-wide overwrite setting: whether copies replace existing files without asking. Each command that copies
-/// reads it from the main window's check box when it starts.
-using OverwriteSetting = bool;
-
-enum class Pop3Uidl { Skip, Copy };
-
-/// True when a message store file belongs into a backup: its name, less the last four characters, holds no full stop,
-/// and it is not "Pop3uidl.dbx" unless that is wanted.
-bool IsStoreFileToCopy(const std::string& name, Pop3Uidl pop3Uidl);
 
 /// What a kind of backup saves of an identity beside its store, the address book file and its own key.
 struct BackupScope {
@@ -38,13 +28,10 @@ inline constexpr BackupScope kCompleteBackup{Pop3Uidl::Copy, false, true};
 /// regard to case.
 std::vector<std::string> SharedUsernames(const std::vector<IdentityInfo>& identities);
 
-/// Receives the texts that a running backup shows in the status bar's first panel.
-using StatusSink = std::function<void(const std::string&)>;
-
 class IdentityBackup {
  public:
   IdentityBackup(Platform& platform, RegistryStore& store, BackupFolder& folder, StatusSink status)
-      : platform_(platform), store_(store), folder_(folder), status_(std::move(status)) {}
+      : platform_(platform), store_(store), folder_(folder), copier_(platform, std::move(status)) {}
 
   /// Makes the folder `username` in the backup folder when it is missing, makes it the current directory and returns
   /// its full path. When that fails the person reads which folder and why, and the result is nothing.
@@ -52,9 +39,8 @@ class IdentityBackup {
   /// False after telling the person that the identities' key cannot be opened.
   bool CheckIdentitiesKey();
 
-  /// Saves one identity into `target`, which is the current directory, and tells each step to the status.
-  void Save(const std::string& userId, const std::string& username, const WinPath& target, const BackupScope& scope,
-            OverwriteSetting overwrite);
+  /// Saves one identity into `target`, which is the current directory, and shows each step in the status.
+  void Save(const IdentityInfo& identity, const WinPath& target, const BackupScope& scope, OverwriteSetting overwrite);
   /// Saves every identity that is not empty into a folder of its own. One whose folder cannot be used is told to the
   /// person and passed over. The number of identities saved, or nothing when the identities' key could not be opened.
   /// Throws Error when the backup folder cannot be entered.
@@ -62,14 +48,15 @@ class IdentityBackup {
                                      const BackupScope& scope, OverwriteSetting overwrite);
 
   /// Message stores that could not be found and were told to the person, since this object was made.
-  std::size_t MissingStores() const { return missingStores_; }
+  std::size_t MissingStores() const { return copier_.Missing(); }
 
  private:
-  /// A store folder that is gone is told to the person.
+  /// The identity's store folder; nothing after a message that says why it cannot be copied.
+  std::optional<WinPath> FindStore(const std::string& userId);
   void CopyStore(const std::string& userId, const WinPath& target, Pop3Uidl pop3Uidl, OverwriteSetting overwrite);
   void CopyAddressBook(const WinPath& target, OverwriteSetting overwrite);
   /// Exports the identity's own key to U.reg in `target`.
-  void ExportIdentity(const std::string& userId, const std::string& username, const WinPath& target);
+  void ExportIdentity(const IdentityInfo& identity, const WinPath& target);
   void ExportSharedKeys(const WinPath& target);
   void SaveSignatures(const std::string& userId);
   bool IsEmpty(const IdentityInfo& identity);
@@ -78,8 +65,7 @@ class IdentityBackup {
   Platform& platform_;
   RegistryStore& store_;
   BackupFolder& folder_;
-  StatusSink status_;
-  std::size_t missingStores_ = 0;
+  StoreCopier copier_;
 };
 
 }  // namespace quillbox

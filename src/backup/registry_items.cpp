@@ -159,9 +159,9 @@ void RegistryItems::ExportSilently(RegistryItem item) {
   Export(row, {}, WinPath(row.exportFile.On(store_.GetOsCode())));
 }
 
-void RegistryItems::RestoreSilently(RegistryItem item, const std::string& folder) {
-  const WinPath file = WinPath(folder).Join(RowOf(item).exportFile.On(store_.GetOsCode()));
-  Merge(file, folder == kNoneSelected ? OnFailure::LogOnly : OnFailure::Tell);
+void RegistryItems::RestoreSilently(RegistryItem item, const std::optional<WinPath>& folder) {
+  const WinPath file = WinPath(TextOrNone(folder)).Join(RowOf(item).exportFile.On(store_.GetOsCode()));
+  Merge(file, folder ? OnFailure::Tell : OnFailure::LogOnly);
 }
 
 // A file of all identities carries the backup folder that was set when it was made, perhaps on another disk.

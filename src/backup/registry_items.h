@@ -76,7 +76,7 @@ class RegistryItems {
   void ExportSilently(RegistryItem item);
   /// Merges the file of that name in `folder`, for a complete restore. Without a backup folder there is no such file,
   /// which only the log then tells.
-  void RestoreSilently(RegistryItem item, const std::string& folder);
+  void RestoreSilently(RegistryItem item, const std::optional<WinPath>& folder);
 
  private:
   void Merge(const WinPath& file, OnFailure onFailure);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "backup/identity_backup.h"
 #include "core/disk_path.h"
 #include "core/file_helpers.h"
 #include "core/status_text.h"
@@ -30,15 +31,15 @@ void StoreRestore::RestoreAll(const WinPath& backupFolder, const IdentityCatalog
   const std::vector<std::string> shared = TellSharedFolders(backupFolder, catalogue);
   std::vector<std::string> skipped;
   for (const IdentityInfo& identity : catalogue.identities) {
-    std::string reason;
+    std::optional<Skipped> reason;
     if (const std::string fault = FileNameFault(identity.username); !fault.empty()) {
-      reason = "no folder can have its name: " + fault;
-    } else if (DirExists(platform_.GetFiles(), identity.username)) {
+      reason = Skipped{"no folder can have its name: " + fault};
+    } else if (DirExists(platform_.GetFiles(), WinPath(identity.username))) {
       const bool mayReplace = overwrite && !Holds(shared, identity.username);
       reason = Restore(identity, backupFolder.Join(identity.username), mayReplace);
       folder_.Enter(backupFolder);
     }
-    if (!reason.empty()) skipped.push_back(NameOf(identity).append(": ").append(reason));
+    if (reason) skipped.push_back(NameOf(identity) + ": " + reason->reason);
   }
   TellSkipped(skipped);
 }
@@ -47,7 +48,7 @@ std::vector<std::string> StoreRestore::TellSharedFolders(const WinPath& backupFo
                                                          const IdentityCatalogue& catalogue) {
   std::vector<std::string> shared = SharedUsernames(catalogue.identities);
   for (const std::string& username : shared) {
-    if (!FileNameFault(username).empty() || !DirExists(platform_.GetFiles(), username)) continue;
+    if (!FileNameFault(username).empty() || !DirExists(platform_.GetFiles(), WinPath(username))) continue;
     platform_.GetDialogs().Show({.text = "Several identities are named \"" + OneLine(username) +
                                          "\", and nothing tells whose files the folder \"" +
                                          OneLine(backupFolder.Join(username).Text()) +
@@ -58,35 +59,33 @@ std::vector<std::string> StoreRestore::TellSharedFolders(const WinPath& backupFo
   return shared;
 }
 
-std::string StoreRestore::Restore(const IdentityInfo& identity, const WinPath& from, OverwriteSetting overwrite) {
-  FileSystem& files = platform_.GetFiles();
+std::optional<StoreRestore::Skipped> StoreRestore::Restore(const IdentityInfo& identity, const WinPath& from,
+                                                           OverwriteSetting overwrite) {
   const Status entered = platform_.GetDrives().SetCurrentDirectory(from);
-  if (entered != Status::Success) return "the folder \"" + from.Text() + "\" cannot be used: " + StatusReason(entered);
-  std::string stored;
+  if (entered != Status::Success) {
+    return Skipped{"the folder \"" + from.Text() + "\" cannot be used: " + StatusReason(entered)};
+  }
+  std::optional<WinPath> stored;
   try {
     stored = ReadStoreFolder(store_, platform_.GetSystemFacts(), identity.userId);
   } catch (const Error& error) {
-    return Describe(error);
+    return Skipped{Describe(error)};
   }
-  if (stored == kEmptyIdentityMarker) return "it was never started in Outlook Express and has no message store yet";
-  const DiskPath folder = CheckStoreFolder(platform_.GetDrives(), identity.userId, stored);
-  if (!folder.IsUsable()) return folder.Refusal().Clause();
-  if (!MakeFolder(files, folder.Path().Text()))
-    return "its message store folder \"" + OneLine(stored) + "\" cannot be made";
-  for (const std::string& name : FileList(files, "*.dbx")) {
-    if (!IsStoreFileToCopy(name, Pop3Uidl::Skip)) continue;
-    platform_.GetShell().CopyFile(
-        {.source = from.Join(name), .target = folder.Path().Join(name), .noConfirm = overwrite});
-    status_(name + " Restore Complete");
+  if (!stored) return Skipped{"it was never started in Outlook Express and has no message store yet"};
+  const DiskPath folder = CheckStoreFolder(platform_.GetDrives(), identity.userId, *stored);
+  if (!folder.IsUsable()) return Skipped{folder.Refusal().Clause()};
+  if (!MakeFolder(platform_.GetFiles(), folder.Path())) {
+    return Skipped{"its message store folder \"" + OneLine(stored->Text()) + "\" cannot be made"};
   }
-  return {};
+  copier_.Copy({.from = from, .to = folder.Path(), .overwrite = overwrite, .done = " Restore Complete"});
+  return std::nullopt;
 }
 
-void StoreRestore::TellSkipped(const std::vector<std::string>& reasons) {
-  missingStores_ += reasons.size();
-  if (reasons.empty()) return;
+void StoreRestore::TellSkipped(const std::vector<std::string>& lines) {
+  copier_.AddMissing(lines.size());
+  if (lines.empty()) return;
   std::string text = "The messages of these identities were not restored:\n";
-  for (const std::string& reason : reasons) text += "\n" + reason;
+  for (const std::string& line : lines) text += "\n" + line;
   platform_.GetDialogs().Show({.text = text, .icon = MessageIcon::Exclamation});
 }
 

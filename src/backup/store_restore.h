@@ -1,11 +1,12 @@
 // The way back of a complete backup's message stores: the .dbx files of each identity's folder into its store folder.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "backup/backup_folder.h"
-#include "backup/identity_backup.h"
+#include "backup/store_copier.h"
 #include "core/identity_catalogue.h"
 #include "core/registry_store.h"
 #include "platform/platform.h"
@@ -15,7 +16,7 @@ namespace quillbox {
 class StoreRestore {
  public:
   StoreRestore(Platform& platform, RegistryStore& store, BackupFolder& folder, StatusSink status)
-      : platform_(platform), store_(store), folder_(folder), status_(std::move(status)) {}
+      : platform_(platform), store_(store), folder_(folder), copier_(platform, std::move(status)) {}
 
   /// Copies back the stores of all identities that have a folder in `backupFolder`, telling each file to the status; a
   /// store folder that is gone is made. Those that cannot be restored are named in one message at the end. Where
@@ -24,19 +25,21 @@ class StoreRestore {
   void RestoreAll(const WinPath& backupFolder, const IdentityCatalogue& catalogue, OverwriteSetting overwrite);
 
   /// Message stores that could not be restored and were told to the person, since this object was made.
-  std::size_t MissingStores() const { return missingStores_; }
+  std::size_t MissingStores() const { return copier_.Missing(); }
 
  private:
   std::vector<std::string> TellSharedFolders(const WinPath& backupFolder, const IdentityCatalogue& catalogue);
-  /// Why the identity's store cannot be restored, or an empty text when it was.
-  std::string Restore(const IdentityInfo& identity, const WinPath& from, OverwriteSetting overwrite);
-  void TellSkipped(const std::vector<std::string>& reasons);
+  /// Why an identity's store was not restored, as a clause.
+  struct Skipped {
+    std::string reason;
+  };
+  std::optional<Skipped> Restore(const IdentityInfo& identity, const WinPath& from, OverwriteSetting overwrite);
+  void TellSkipped(const std::vector<std::string>& lines);
 
   Platform& platform_;
   RegistryStore& store_;
   BackupFolder& folder_;
-  StatusSink status_;
-  std::size_t missingStores_ = 0;
+  StoreCopier copier_;
 };
 
 }  // namespace quillbox

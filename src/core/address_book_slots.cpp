@@ -14,14 +14,14 @@ constexpr std::array<const char*, kSlotCount> kErrorSuffixes = {
     " WAB File Name subkey 4",
 };
 
-std::string LoadSlot(RegistryStore& store, const char* value) {
+std::optional<std::string> LoadSlot(RegistryStore& store, const char* value) {
   const RegistryPath key = CurrentUser(kAddressBookKey);
   if (store.ProbeValue(key, value) != probe::kHasData) {
     store.SetKeyValue(kAddressBookKey, value, kNoneSelected, ValueType::Sz);
-    return kNoneSelected;
+    return std::nullopt;
   }
-  const std::string stored = store.RegistryGetKeyValue(key, value).AsText();
-  return stored == kNoneSelected ? stored : NameFromFullPath(stored);
+  const auto file = PathOrNone(store.RegistryGetKeyValue(key, value).AsText());
+  return file ? std::optional(NameFromFullPath(file->Text())) : std::nullopt;
 }
 
 }  // namespace
@@ -29,17 +29,17 @@ std::string LoadSlot(RegistryStore& store, const char* value) {
 SlotsLoad LoadAddressBookSlots(RegistryStore& store) {
   SlotsLoad load;
   const RegistryPath key = CurrentUser(kAddressBookKey);
-  load.slots.folder = DirectoryFromFile(store.RegistryGetKeyValue(key, "").AsText());
+  load.folder = WinPath(DirectoryFromFile(ReadAddressBookFile(store).Text()));
   store.DetectOsCode();
   load.keyOpened = store.OpenKey(key).status == Status::Success;
   if (!load.keyOpened) return load;
   for (std::size_t i = 0; i < kSlotCount; ++i) {
     const Status opened = store.OpenKey(key).status;
     if (opened != Status::Success) {
-      load.readError = {opened, kErrorSuffixes[i]};
+      load.readError = SlotsLoad::ReadError{opened, kErrorSuffixes[i]};
       return load;
     }
-    load.slots.captions[i] = LoadSlot(store, kSlotValues[i]);
+    load.names[i] = LoadSlot(store, kSlotValues[i]);
   }
   return load;
 }

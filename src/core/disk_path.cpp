@@ -33,7 +33,7 @@ std::variant<WinPath, PathFault> Decide(Drives& drives, std::string text) {
 }  // namespace
 
 std::string PathRefusal::Clause() const {
-  std::string words = "the path \"" + OneLine(path) + "\"";
+  std::string words = "the path \"" + OneLine(path.Text()) + "\"";
   if (source) {
     const std::string value = source->value.empty() ? "the default value" : "the value \"" + source->value + "\"";
     words += ", which the disk's registry names in " + value + " of " + OneLine(FullName(source->key)) + ",";
@@ -47,20 +47,20 @@ std::string PathRefusal::Sentence() const {
   return words;
 }
 
-DiskPath::DiskPath(Drives& drives, std::string text, std::optional<RegistryValueName> source) : text_(std::move(text)) {
-  auto decided = Decide(drives, text_);
-  if (auto* path = std::get_if<WinPath>(&decided)) {
-    result_ = std::move(*path);
+DiskPath::DiskPath(Drives& drives, WinPath path, std::optional<RegistryValueName> source) : stored_(std::move(path)) {
+  auto decided = Decide(drives, stored_.Text());
+  if (auto* usable = std::get_if<WinPath>(&decided)) {
+    result_ = std::move(*usable);
   } else {
-    result_ = PathRefusal{text_, std::get<PathFault>(decided), std::move(source)};
+    result_ = PathRefusal{stored_, std::get<PathFault>(decided), std::move(source)};
   }
 }
 
-DiskPath CheckStoreFolder(Drives& drives, const std::string& userId, std::string folder) {
+DiskPath CheckStoreFolder(Drives& drives, const std::string& userId, WinPath folder) {
   return {drives, std::move(folder), RegistryValueName{CurrentUser(IdentitySettingsKey(userId)), "Store Root"}};
 }
 
-DiskPath CheckAddressBook(Drives& drives, std::string file, const std::string& value) {
+DiskPath CheckAddressBook(Drives& drives, WinPath file, const std::string& value) {
   return {drives, std::move(file), RegistryValueName{CurrentUser(kAddressBookKey), value}};
 }
 

@@ -27,7 +27,7 @@ struct RegistryValueName {
 
 /// A path that is not used, and why.
 struct PathRefusal {
-  std::string path;
+  WinPath path;
   PathFault fault;
   std::optional<RegistryValueName> source;  ///< nothing for a path that the person gave
 
@@ -40,8 +40,8 @@ struct PathRefusal {
 /// A path that has been checked: there is no WinPath to be had of one that was refused.
 class DiskPath {
  public:
-  /// `text` is a path as it is stored (variables expanded) or was chosen.
-  DiskPath(Drives& drives, std::string text, std::optional<RegistryValueName> source = std::nullopt);
+  /// `path` is as it is stored (variables expanded) or was chosen.
+  DiskPath(Drives& drives, WinPath path, std::optional<RegistryValueName> source = std::nullopt);
 
   bool IsUsable() const { return std::holds_alternative<WinPath>(result_); }
   /// Absolute, without "." and "..", forward slashes or a backslash at its end; so its Name() is one name. Throws
@@ -49,16 +49,17 @@ class DiskPath {
   const WinPath& Path() const { return std::get<WinPath>(result_); }
   /// Throws std::bad_variant_access for a usable path.
   const PathRefusal& Refusal() const { return std::get<PathRefusal>(result_); }
-  const std::string& Text() const { return text_; }
+  /// The path as it was given.
+  const WinPath& Stored() const { return stored_; }
 
  private:
-  std::string text_;
+  WinPath stored_;
   std::variant<WinPath, PathRefusal> result_;
 };
 
 /// The message store folder `folder` of an identity, as ReadStoreFolder gives it.
-DiskPath CheckStoreFolder(Drives& drives, const std::string& userId, std::string folder);
+DiskPath CheckStoreFolder(Drives& drives, const std::string& userId, WinPath folder);
 /// The address book file `file` that `value` of the address book key holds: the one in use, a slot, the saved copy.
-DiskPath CheckAddressBook(Drives& drives, std::string file, const std::string& value = {});
+DiskPath CheckAddressBook(Drives& drives, WinPath file, const std::string& value = {});
 
 }  // namespace quillbox

@@ -2,22 +2,22 @@
 
 namespace quillbox {
 
-bool DirExists(FileSystem& files, const std::string& path) {
-  const auto finder = files.Find(WinPath(WithBackslash(path) + "*.*"));
+bool DirExists(FileSystem& files, const WinPath& path) {
+  const auto finder = files.Find(path.Join("*.*"));
   while (const auto entry = finder->Next()) {
     if (!entry->isHidden && !entry->isSystem) return true;
   }
   return false;
 }
 
-std::string WhyNoFolder(FileSystem& files, const std::string& path) {
-  const std::optional<std::string> refusal = files.RefusalOf(WinPath(path));
+std::string WhyNoFolder(FileSystem& files, const WinPath& path) {
+  const std::optional<std::string> refusal = files.RefusalOf(path);
   return refusal ? "cannot be used: " + *refusal : "does not exist";
 }
 
-std::vector<std::string> FileList(FileSystem& files, const std::string& pattern) {
+std::vector<std::string> FileList(FileSystem& files, const WinPath& pattern) {
   std::vector<std::string> names;
-  const auto finder = files.Find(WinPath(pattern));
+  const auto finder = files.Find(pattern);
   while (const auto entry = finder->Next()) {
     if (!entry->isDirectory && !entry->isHidden && !entry->isSystem) names.push_back(entry->name);
   }

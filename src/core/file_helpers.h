@@ -9,13 +9,13 @@
 namespace quillbox {
 
 /// True when the folder exists: when listing it, folders included, yields a first name.
-bool DirExists(FileSystem& files, const std::string& path);
+bool DirExists(FileSystem& files, const WinPath& path);
 
 /// What is wrong with a folder that DirExists does not find, after its name: "does not exist", or why it is refused.
-std::string WhyNoFolder(FileSystem& files, const std::string& path);
+std::string WhyNoFolder(FileSystem& files, const WinPath& path);
 
 /// The names of the files that match a pattern (folder plus wildcard), in the file system's order; folders, hidden and
 /// system files are left out. One empty text when nothing matches.
-std::vector<std::string> FileList(FileSystem& files, const std::string& pattern);
+std::vector<std::string> FileList(FileSystem& files, const WinPath& pattern);
 
 }  // namespace quillbox

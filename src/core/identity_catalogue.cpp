@@ -41,22 +41,23 @@ void LoadDefault(RegistryStore& store, IdentityCatalogue& catalogue) {
   catalogue.defaultUsername = store.ReadStringValue(CurrentUser(defaultKey), "Username");
 }
 
-void LoadAll(RegistryStore& store, SystemFacts& facts, CatalogueLoad& load) {
+void LoadAll(RegistryStore& store, SystemFacts& facts, IdentityCatalogue& catalogue) {
   OpenResult identities = store.OpenKey(CurrentUser(kIdentitiesKey));
   if (identities.status != Status::Success) {
-    load.end = CatalogueLoad::End::NoIdentitiesKey;
+    catalogue.end.kind = LoadEnd::Kind::NoIdentitiesKey;
     return;
   }
   for (const std::string& userId : store.EnumSubKeys(identities.key)) {
-    load.catalogue.identities.push_back({userId, {}, {}});
+    catalogue.identities.push_back({userId, {}, WinPath()});
   }
   identities.key.Close();
-  for (IdentityInfo& identity : load.catalogue.identities) {
+  for (IdentityInfo& identity : catalogue.identities) {
     LoadIdentity(store, facts, identity);
     // The default identity is read along with the first one: a load that stops there has one username.
-    if (++load.usernamesRead == 1) LoadDefault(store, load.catalogue);
+    if (++catalogue.end.usernamesRead == 1) LoadDefault(store, catalogue);
   }
-  load.catalogue.addressBookFile = store.RegistryGetKeyValue(CurrentUser(kAddressBookKey), "").AsText();
+  catalogue.addressBookFile = ReadAddressBookFile(store);
+  catalogue.end.kind = LoadEnd::Kind::Complete;
 }
 
 }  // namespace
@@ -73,24 +74,36 @@ RegistryPath CurrentUser(const std::string& subkey) {
   return {RegistryRoot::CurrentUser, subkey};
 }
 
-CatalogueLoad LoadCatalogue(RegistryStore& store, SystemFacts& facts) {
-  CatalogueLoad load;
+IdentityCatalogue LoadCatalogue(RegistryStore& store, SystemFacts& facts) {
+  IdentityCatalogue catalogue;
   try {
     store.DetectOsCode();
-    LoadAll(store, facts, load);
+    LoadAll(store, facts, catalogue);
   } catch (const ReadErrorEnd& end) {
-    load.end = CatalogueLoad::End::ReadError;
-    load.status = end.status;
-    load.suffix = end.suffix;
+    catalogue.end.kind = LoadEnd::Kind::ReadError;
+    catalogue.end.status = end.status;
+    catalogue.end.suffix = end.suffix;
   } catch (const std::exception& error) {
-    load.end = CatalogueLoad::End::Failed;
-    load.failure = error.what();
+    catalogue.end.kind = LoadEnd::Kind::Failed;
+    catalogue.end.failure = error.what();
   }
-  return load;
+  return catalogue;
 }
 
-std::string ReadStoreFolder(RegistryStore& store, SystemFacts& facts, const std::string& userId) {
-  return ExpandStoreRoot(facts, store.ReadStringValue(CurrentUser(IdentitySettingsKey(userId)), "Store Root"));
+const IdentityInfo* IdentityCatalogue::Find(const std::string& userId) const {
+  const auto found = std::find_if(identities.begin(), identities.end(),
+                                  [&](const IdentityInfo& identity) { return identity.userId == userId; });
+  return found == identities.end() ? nullptr : &*found;
+}
+
+std::optional<WinPath> ReadStoreFolder(RegistryStore& store, SystemFacts& facts, const std::string& userId) {
+  const std::string stored = store.ReadStringValue(CurrentUser(IdentitySettingsKey(userId)), "Store Root");
+  if (stored == kEmptyIdentityMarker) return std::nullopt;
+  return WinPath(ExpandStoreRoot(facts, stored));
+}
+
+WinPath ReadAddressBookFile(RegistryStore& store) {
+  return WinPath(store.RegistryGetKeyValue(CurrentUser(kAddressBookKey), "").AsText());
 }
 
 std::string ExpandStoreRoot(SystemFacts& facts, const std::string& storeRoot) {

@@ -7,11 +7,13 @@
 #include <vector>
 
 #include "core/registry_store.h"
-#include "platform/file_system.h"
+#include "platform/system_facts.h"
+#include "text/win_path.h"
 
 namespace quillbox {
 
-/// The "Store Root" of an identity that has no message store yet; compared exactly.
+/// The "Store Root" of an identity that has no message store yet, and what windows show for it; compared exactly.
+/// Inside the program such an identity has no store folder.
 inline constexpr const char* kEmptyIdentityMarker = "This Identity is empty, there are no values to save.";
 
 /// Key paths that every subsystem uses.
@@ -23,41 +25,58 @@ std::string IdentityKey(const std::string& userId);
 std::string IdentitySettingsKey(const std::string& userId);
 RegistryPath CurrentUser(const std::string& subkey);
 
+/// A store folder as windows show it and the registry keeps it.
+inline std::string StoreFolderText(const std::optional<WinPath>& folder) {
+  return folder ? folder->Text() : kEmptyIdentityMarker;
+}
+
 struct IdentityInfo {
-  std::string userId;       ///< the subkey's name as enumerated, braces included
-  std::string username;     ///< the value "Username"
-  std::string storeFolder;  ///< the expanded "Store Root", or kEmptyIdentityMarker
+  std::string userId;    ///< the subkey's name as enumerated, braces included
+  std::string username;  ///< the value "Username"
+  /// The expanded "Store Root", empty where the registry has none; nothing for an identity without a message store.
+  std::optional<WinPath> storeFolder;
+
+  std::string FolderText() const { return StoreFolderText(storeFolder); }
 };
 
-struct IdentityCatalogue {
-  std::vector<IdentityInfo> identities;  ///< in the registry's order
-  std::string defaultUserId;
-  std::string defaultUsername;
-  std::string addressBookFile;
-};
-
-/// How far a load came.
-struct CatalogueLoad {
-  enum class End {
+/// How far a load of the catalogue came.
+struct LoadEnd {
+  enum class Kind {
+    NotLoaded,
     Complete,
     NoIdentitiesKey,  ///< nothing was loaded
     ReadError,        ///< a key could not be opened: `status` and `suffix` make the message
     Failed,           ///< something unexpected: `failure` says what
   };
-  End end = End::Complete;
-  IdentityCatalogue catalogue;    ///< every {USER_ID}; the rest as far as the load came
+  Kind kind = Kind::NotLoaded;
   std::size_t usernamesRead = 0;  ///< identities whose username was read
   Status status = Status::Success;
   std::string suffix;
   std::string failure;
 };
 
+/// The identities as the last load found them; every {USER_ID}, and the rest as far as the load came.
+struct IdentityCatalogue {
+  std::vector<IdentityInfo> identities;  ///< in the registry's order
+  std::string defaultUserId;
+  std::string defaultUsername;
+  WinPath addressBookFile;  ///< empty when the registry names none
+  LoadEnd end;
+
+  /// The identity of that {USER_ID}; null when there is none.
+  const IdentityInfo* Find(const std::string& userId) const;
+};
+
 /// Reads all identities. An identity without settings gets its settings key with the marker as "Store Root" (type by
 /// the OS code): the only write. Detects the OS code first.
-CatalogueLoad LoadCatalogue(RegistryStore& store, SystemFacts& facts);
+IdentityCatalogue LoadCatalogue(RegistryStore& store, SystemFacts& facts);
 
-/// An identity's message store folder as the registry has it now, expanded.
-std::string ReadStoreFolder(RegistryStore& store, SystemFacts& facts, const std::string& userId);
+/// An identity's message store folder as the registry has it now, expanded; nothing when it has no message store yet.
+/// Throws Error when the value is not text.
+std::optional<WinPath> ReadStoreFolder(RegistryStore& store, SystemFacts& facts, const std::string& userId);
+
+/// The address book file in use, as the registry has it now; empty when it names none.
+WinPath ReadAddressBookFile(RegistryStore& store);
 
 /// `storeRoot` with its first %VARIABLE% expanded: the text before the first "%" is dropped, what follows the second
 /// "%" is kept as it is. A text without two "%" stays.

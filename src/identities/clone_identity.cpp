@@ -1,6 +1,7 @@
 #include "identities/clone_identity.h"
 
-#include "backup/identity_backup.h"
+#include <variant>
+
 #include "core/disk_path.h"
 #include "core/file_helpers.h"
 #include "core/identity_catalogue.h"
@@ -25,15 +26,22 @@ constexpr const char* kRemoved[] = {kSourceFile, kDestinationFile, kIdentityFile
 constexpr const char* kAccountsKey = "SOFTWARE\\Microsoft\\Internet Account Manager\\Accounts";
 constexpr const char* kIdentityAccounts = "\\Software\\Microsoft\\Internet Account Manager";
 
-/// Why a store folder holds nothing to copy, as a clause; empty when it can be read.
-std::string SourceFault(FileSystem& files, const DiskPath& from) {
-  if (from.Text().empty()) return "the registry does not say where its messages are (it has no \"Store Root\")";
-  if (from.Text() == kEmptyIdentityMarker) {
-    return "it was never started in Outlook Express and has no message store yet";
+struct NothingToCopy {
+  std::string reason;  ///< a clause
+};
+
+/// The folder that a store is copied from, or why nothing can be, as a clause.
+std::variant<WinPath, NothingToCopy> FindSource(Platform& platform, RegistryStore& store, const std::string& userId) {
+  const auto stored = ReadStoreFolder(store, platform.GetSystemFacts(), userId);
+  if (!stored) return NothingToCopy{"it was never started in Outlook Express and has no message store yet"};
+  if (stored->Empty()) {
+    return NothingToCopy{"the registry does not say where its messages are (it has no \"Store Root\")"};
   }
-  if (!from.IsUsable()) return from.Refusal().Clause();
-  if (DirExists(files, from.Path().Text())) return {};
-  return "its message store folder \"" + OneLine(from.Text()) + "\" " + WhyNoFolder(files, from.Text());
+  const DiskPath from = CheckStoreFolder(platform.GetDrives(), userId, *stored);
+  if (!from.IsUsable()) return NothingToCopy{from.Refusal().Clause()};
+  if (DirExists(platform.GetFiles(), from.Path())) return from.Path();
+  return NothingToCopy{"its message store folder \"" + OneLine(stored->Text()) + "\" " +
+                       WhyNoFolder(platform.GetFiles(), *stored)};
 }
 
 }  // namespace
@@ -44,17 +52,17 @@ IdentityClone::IdentityClone(Platform& platform, RegistryStore& store, CloneRequ
       request_(std::move(request)),
       codePage_(platform.GetSystemFacts().CodePageNumber()) {}
 
-std::string IdentityClone::Refusal() {
+std::optional<CloneRefusal> IdentityClone::Refusal() {
   for (const auto& [role, userId] : {std::pair("Source", request_.source), {"Destination", request_.destination}}) {
     if (!IsUserId(userId)) {
-      return std::string("The ") + role + " Identity is not a {USER_ID}: \"" + userId +
-             "\". Please choose or create another one.";
+      return CloneRefusal{std::string("The ") + role + " Identity is not a {USER_ID}: \"" + userId +
+                          "\". Please choose or create another one."};
     }
     if (store_.OpenKey(CurrentUser(IdentityKey(userId)), Access::Read).status != Status::Success) {
-      return std::string("The ") + role + " Identity " + userId + " is not in the registry (any more).";
+      return CloneRefusal{std::string("The ") + role + " Identity " + userId + " is not in the registry (any more)."};
     }
   }
-  return {};
+  return std::nullopt;
 }
 
 void IdentityClone::CloneSettings() {
@@ -70,7 +78,7 @@ void IdentityClone::CloneSettings() {
   const bool hasAccounts = store_.OpenKey(CurrentUser(kAccountsKey), Access::Read).status == Status::Success;
   if (hasAccounts) Export(kAccountsFile, "  \"" + FullName(CurrentUser(kAccountsKey)) + "\"");
 
-  const std::string expanded = DefaultStoreFolder(store_, platform_, request_.destination);
+  const WinPath expanded = DefaultStoreFolder(store_, platform_, request_.destination);
   const std::vector<OwnValue> own = ReadOwnValues(Read(kDestinationFile), codePage_, request_.destination);
   platform_.GetFiles().WriteFile(
       File(kIdentityFile), RewriteIdentity(Read(kSourceFile), codePage_, request_.source, request_.destination, own));
@@ -102,13 +110,14 @@ void IdentityClone::Merge(const char* name, const std::string& what) {
   done_.push_back(what);
 }
 
-void IdentityClone::WriteStoreRoot(const std::string& expanded) {
+void IdentityClone::WriteStoreRoot(const WinPath& expanded) {
   const OpenResult settings = store_.OpenKey(CurrentUser(IdentitySettingsKey(request_.destination)));
   const OsCode os = store_.GetOsCode();
   if (settings.status != Status::Success || os == OsCode::Unknown) return;
-  const Status written = os == OsCode::SE ? store_.SetValueEx(settings.key, "Store Root", ValueType::Sz, expanded)
-                                          : store_.SetValueEx(settings.key, "Store Root", ValueType::ExpandSz,
-                                                              UnexpandedStoreFolder(request_.destination));
+  const Status written = os == OsCode::SE
+                             ? store_.SetValueEx(settings.key, "Store Root", ValueType::Sz, expanded.Text())
+                             : store_.SetValueEx(settings.key, "Store Root", ValueType::ExpandSz,
+                                                 UnexpandedStoreFolder(request_.destination));
   if (written == Status::Success) done_.push_back("The \"Store Root\" of " + request_.destination + " was set.");
 }
 
@@ -128,27 +137,26 @@ void IdentityClone::RemoveFiles() {
   if (os == OsCode::W2K || os == OsCode::NT) platform_.GetFiles().DeleteFile(File(kStoreRootFile));
 }
 
-std::string IdentityClone::CopyMessages() {
-  FileSystem& files = platform_.GetFiles();
-  std::optional<DiskPath> from;
-  std::string fault;
+std::optional<CloneRefusal> IdentityClone::CopyMessages() {
+  const auto refuse = [&](const std::string& reason) {
+    return CloneRefusal{"The Identity was cloned, but the DBX files of " + request_.source +
+                        " were not copied: " + reason + "."};
+  };
+  std::variant<WinPath, NothingToCopy> source;
   try {
-    from = CheckStoreFolder(platform_.GetDrives(), request_.source,
-                            ReadStoreFolder(store_, platform_.GetSystemFacts(), request_.source));
-    fault = SourceFault(files, *from);
+    source = FindSource(platform_, store_, request_.source);
   } catch (const Error& error) {
-    fault = Describe(error);
+    return refuse(Describe(error));
   }
-  if (!fault.empty()) {
-    return "The Identity was cloned, but the DBX files of " + request_.source + " were not copied: " + fault + ".";
-  }
-  const std::string to = DefaultStoreFolder(store_, platform_, request_.destination);
+  if (const auto* nothing = std::get_if<NothingToCopy>(&source)) return refuse(nothing->reason);
+  FileSystem& files = platform_.GetFiles();
+  const WinPath& from = std::get<WinPath>(source);
+  const WinPath to = DefaultStoreFolder(store_, platform_, request_.destination);
   if (!DirExists(files, to)) CreateFolder(files, to);
-  for (const std::string& name : FileList(files, from->Path().Join("*.*").Text())) {
-    if (name.empty()) continue;
-    platform_.GetShell().CopyFile({.source = from->Path().Join(name), .target = WinPath(to + name)});
+  for (const std::string& name : FileList(files, from.Join("*.*"))) {
+    if (!name.empty()) platform_.GetShell().CopyFile({.source = from.Join(name), .target = to.Join(name)});
   }
-  return {};
+  return std::nullopt;
 }
 
 }  // namespace quillbox

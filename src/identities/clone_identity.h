@@ -2,6 +2,7 @@
 // that are rewritten and merged, and its message store files are copied.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,28 +19,33 @@ struct CloneRequest {
   bool keepFiles = false;   ///< whether the temporary files stay
 };
 
+/// Why something of a clone was not done, as a message to the person.
+struct CloneRefusal {
+  std::string message;
+};
+
 class IdentityClone {
  public:
   IdentityClone(Platform& platform, RegistryStore& store, CloneRequest request);
 
-  /// Why this cannot be cloned, as a message to the person; empty when it can be tried.
-  std::string Refusal();
+  /// Why this cannot be cloned; nothing when it can be tried.
+  std::optional<CloneRefusal> Refusal();
 
   /// Clones the registry's part. Throws Error when a step fails; Done() then says what was already changed.
   void CloneSettings();
   /// The changes of the registry so far, each as a sentence.
   const std::vector<std::string>& Done() const { return done_; }
 
-  /// Copies the source's message store files to the destination's own folder, which is made when it is missing. A
-  /// message to the person when nothing can be copied, empty otherwise.
-  std::string CopyMessages();
+  /// Copies the source's message store files to the destination's own folder, which is made when it is missing.
+  /// A refusal when nothing can be copied.
+  std::optional<CloneRefusal> CopyMessages();
 
  private:
   WinPath File(const char* name) const { return WinPath(request_.backupFolder.Text() + name); }
   void Export(const char* name, const std::string& key);
   RegText Read(const char* name);
   void Merge(const char* name, const std::string& what);
-  void WriteStoreRoot(const std::string& expanded);
+  void WriteStoreRoot(const WinPath& expanded);
   void CloneAccounts();
   void RemoveFiles();
 

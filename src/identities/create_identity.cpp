@@ -25,23 +25,23 @@ RegValue DwordValue(std::uint32_t number) {
 
 }  // namespace
 
-std::string GetPathOnly(const std::string& path) {
-  const std::size_t last = path.rfind('\\');
-  return last == std::string::npos ? std::string() : path.substr(0, last);
+WinPath GetPathOnly(const WinPath& path) {
+  const std::size_t last = path.Text().rfind('\\');
+  return WinPath(last == std::string::npos ? std::string() : path.Text().substr(0, last));
 }
 
-std::string CreateFolder(FileSystem& files, const std::string& path) {
-  files.MakePath(WinPath(GetPathOnly(path)));
+WinPath CreateFolder(FileSystem& files, const WinPath& path) {
+  files.MakePath(GetPathOnly(path));
   return path;
 }
 
-std::string DefaultStoreFolder(RegistryStore& store, Platform& platform, const std::string& userId) {
+WinPath DefaultStoreFolder(RegistryStore& store, Platform& platform, const std::string& userId) {
   const RegistryPath key = CurrentUser(kShellFolders);
   const std::string folder =
       ExpandStoreRoot(platform.GetSystemFacts(), store.RegistryGetKeyValue(key, kLocalAppData).AsText());
-  const DiskPath checked(platform.GetDrives(), folder, RegistryValueName{key, kLocalAppData});
+  const DiskPath checked(platform.GetDrives(), WinPath(folder), RegistryValueName{key, kLocalAppData});
   if (!checked.IsUsable()) throw Error("finding the folder for message stores", {}, checked.Refusal().Clause());
-  return FolderBelow(folder, userId);
+  return WinPath(FolderBelow(folder, userId));
 }
 
 std::string UnexpandedStoreFolder(const std::string& userId) {
@@ -104,9 +104,9 @@ void IdentityMaker::Create(const NewIdentity& identity, std::uint32_t ordinal) {
 void IdentityMaker::MakeStoreFolder(const std::string& userId) {
   FileSystem& files = platform_.GetFiles();
   try {
-    const std::string folder = DefaultStoreFolder(store_, platform_, userId);
+    const WinPath folder = DefaultStoreFolder(store_, platform_, userId);
     if (!DirExists(files, folder)) CreateFolder(files, folder);
-    if (!DirExists(files, folder)) platform_.GetLog().Write(folder + ": the message store folder was not made");
+    if (!DirExists(files, folder)) platform_.GetLog().Write(folder.Text() + ": the message store folder was not made");
   } catch (const Error& error) {
     platform_.GetLog().Write(Describe(error));
     platform_.GetDialogs().Show(

@@ -11,15 +11,15 @@
 
 namespace quillbox {
 
-/// The text before the last backslash; empty without one.
-std::string GetPathOnly(const std::string& path);
+/// The folder before the last backslash, without it; empty without one.
+WinPath GetPathOnly(const WinPath& path);
 /// Makes sure that the folder holding the last element of `path` exists, its missing parents included: for a path that
 /// ends in a backslash the whole chain. Returns `path`. A failure is silent.
-std::string CreateFolder(FileSystem& files, const std::string& path);
+WinPath CreateFolder(FileSystem& files, const WinPath& path);
 
 /// Where an identity's messages are by default, final backslash included: below the person's local application data.
 /// Throws Error when the registry does not say where those are.
-std::string DefaultStoreFolder(RegistryStore& store, Platform& platform, const std::string& userId);
+WinPath DefaultStoreFolder(RegistryStore& store, Platform& platform, const std::string& userId);
 /// The same with "%UserProfile%" in it, as a "Store Root" has it.
 std::string UnexpandedStoreFolder(const std::string& userId);
 

@@ -32,17 +32,17 @@ void SetStartAs(RegistryStore& store, const std::string& userId) {
   store.SetKeyValue(kIdentitiesKey, "Last User ID", kNobody, ValueType::Sz);
 }
 
-bool RenameIdentity(RegistryStore& store, IdentityCatalogue& catalogue, const std::string& userId,
-                    const std::string& current, const std::string& username) {
+bool RenameIdentity(RegistryStore& store, IdentityCatalogue& catalogue, const IdentityInfo& identity,
+                    const std::string& username) {
   std::vector<IdentityInfo>& identities = catalogue.identities;
   const auto has = [](const std::string& name) {
-    return [&name](const IdentityInfo& identity) { return identity.username == name; };
+    return [&name](const IdentityInfo& each) { return each.username == name; };
   };
   if (std::any_of(identities.begin(), identities.end(), has(username))) return false;
-  for (IdentityInfo& identity : identities) {
-    if (has(current)(identity)) identity.username = username;
+  for (IdentityInfo& each : identities) {
+    if (has(identity.username)(each)) each.username = username;
   }
-  store.SetKeyValue(IdentityKey(userId), "Username", username, ValueType::Sz);
+  store.SetKeyValue(IdentityKey(identity.userId), "Username", username, ValueType::Sz);
   return true;
 }
 

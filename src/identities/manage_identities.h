@@ -19,9 +19,9 @@ std::string ReadStartAs(RegistryStore& store);
 /// With kNobody the identity used last is forgotten, too.
 void SetStartAs(RegistryStore& store, const std::string& userId);
 
-/// Gives the identity `userId` the name `username` in the registry, and in `catalogue` every identity that had the name
-/// `current`. False, with nothing changed, when an identity has that very name.
-bool RenameIdentity(RegistryStore& store, IdentityCatalogue& catalogue, const std::string& userId,
-                    const std::string& current, const std::string& username);
+/// Gives `identity` the name `username` in the registry, and in `catalogue` every identity that had its name. False,
+/// with nothing changed, when an identity has that very name.
+bool RenameIdentity(RegistryStore& store, IdentityCatalogue& catalogue, const IdentityInfo& identity,
+                    const std::string& username);
 
 }  // namespace quillbox

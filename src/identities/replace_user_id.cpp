@@ -247,8 +247,8 @@ void CopyAsItIs(FileReader& from, Output& to) {
 
 }  // namespace
 
-WinPath ReplacedFile(const std::string& backupFolder, const WinPath& input) {
-  return WinPath(backupFolder + "\\New" + GetFileName(input.Text()) + ".reg");
+WinPath ReplacedFile(const WinPath& backupFolder, const WinPath& input) {
+  return WinPath(backupFolder.Text() + "\\New" + GetFileName(input.Text()) + ".reg");
 }
 
 std::string FindOldUserId(FileSystem& files, SystemFacts& facts, const WinPath& input) {

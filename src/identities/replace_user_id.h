@@ -14,7 +14,7 @@ inline constexpr std::size_t kMaxLineBytes = std::size_t{1} << 20;
 
 /// The file that a replacement makes of `input`: "New", the name up to its first full stop and ".reg", in
 /// `backupFolder`.
-WinPath ReplacedFile(const std::string& backupFolder, const WinPath& input);
+WinPath ReplacedFile(const WinPath& backupFolder, const WinPath& input);
 
 /// The {USER_ID} that a replacement would replace: the 38 characters from the first "{" in the file. Empty without any
 /// "{", or when the line ends before them. Throws Error when the file cannot be read.

@@ -116,9 +116,9 @@ void Append(std::string& report, const Lines& lines, const IdentityReportFacts& 
     case For::EachIdentity:
     case For::EachSelectedIdentity:
       for (const IdentityInfo& identity : facts.identities) {
-        if (lines.repeated == For::EachSelectedIdentity && identity.storeFolder != facts.selectedFolder) continue;
+        if (lines.repeated == For::EachSelectedIdentity && identity.FolderText() != facts.selectedFolder) continue;
         AppendLines(report, lines.text,
-                    {{"username", identity.username}, {"folder", identity.storeFolder}, {"userId", identity.userId}});
+                    {{"username", identity.username}, {"folder", identity.FolderText()}, {"userId", identity.userId}});
       }
   }
 }

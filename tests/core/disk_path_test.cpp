@@ -11,8 +11,8 @@ class DiskPathTest : public SamplePlatform {
   void SetUp() override { MakeDisk(); }
   /// The path that is used, or why none is.
   std::string Decide(const std::string& text) {
-    const DiskPath path(platform->GetDrives(), text);
-    EXPECT_EQ(path.Text(), text);
+    const DiskPath path(platform->GetDrives(), WinPath(text));
+    EXPECT_EQ(path.Stored().Text(), text);
     return path.IsUsable() ? path.Path().Text() : path.Refusal().Sentence();
   }
 };
@@ -34,11 +34,11 @@ TEST_F(DiskPathTest, OnlyFullPathsOnTheDisksOwnDrivesAreUsed) {
 
 TEST_F(DiskPathTest, ARefusalNamesTheValueAndThePathInOneLine) {
   Drives& drives = platform->GetDrives();
-  EXPECT_EQ(CheckStoreFolder(drives, "{1\n}", "Z:\\a\nb").Refusal().Sentence(),
+  EXPECT_EQ(CheckStoreFolder(drives, "{1\n}", WinPath("Z:\\a\nb")).Refusal().Sentence(),
             "The path \"Z:\\a\u240Ab\", which the disk's registry names in the value \"Store Root\" of "
             "HKEY_CURRENT_USER\\Identities\\{1\u240A}\\Software\\Microsoft\\Outlook Express\\5.0, is not used: that "
             "Windows has no such drive.");
-  EXPECT_EQ(CheckAddressBook(drives, "a.wab").Refusal().Clause(),
+  EXPECT_EQ(CheckAddressBook(drives, WinPath("a.wab")).Refusal().Clause(),
             "the path \"a.wab\", which the disk's registry names in the default value of "
             "HKEY_CURRENT_USER\\Software\\Microsoft\\WAB\\WAB4\\Wab File Name, is not used: it is not a full path");
 }
@@ -49,9 +49,10 @@ TEST_F(DiskPathTest, AVariableOfTheDiskLeadsNowhereElse) {
   platform->EndCommand();
   OpenDisk();
   Drives& drives = platform->GetDrives();
-  const DiskPath folder = CheckStoreFolder(drives, "{1}", ExpandStoreRoot(platform->GetSystemFacts(), "C:\\%HOST%\\x"));
+  const DiskPath folder =
+      CheckStoreFolder(drives, "{1}", WinPath(ExpandStoreRoot(platform->GetSystemFacts(), "C:\\%HOST%\\x")));
   ASSERT_FALSE(folder.IsUsable());
-  EXPECT_EQ(folder.Refusal().path, "Z:\\home\\x");
+  EXPECT_EQ(folder.Refusal().path.Text(), "Z:\\home\\x");
 }
 
 }  // namespace

@@ -135,11 +135,12 @@ TEST_F(RegistryStoreTest, AKeySavedAsAHiveComesBack) {
 
 TEST_F(RegistryStoreTest, FoldersAndFilesAreSeenAsWindowsSeesThem) {
   FileSystem& files = platform->GetFiles();
-  for (const char* folder : {"C:\\Windows", "c:\\windows\\", "D:\\"}) EXPECT_TRUE(DirExists(files, folder)) << folder;
+  for (const char* folder : {"C:\\Windows", "c:\\windows\\", "D:\\"})
+    EXPECT_TRUE(DirExists(files, WinPath(folder))) << folder;
   for (const char* folder : {"C:\\Windows\\nothing", "Q:\\", "C:\\WINDOWS\\system32\\config\\system"}) {
-    EXPECT_FALSE(DirExists(files, folder)) << folder;
+    EXPECT_FALSE(DirExists(files, WinPath(folder))) << folder;
   }
-  EXPECT_EQ(FileList(files, "C:\\WINDOWS\\*.dbx"), std::vector<std::string>{""});
+  EXPECT_EQ(FileList(files, WinPath("C:\\WINDOWS\\*.dbx")), std::vector<std::string>{""});
 }
 
 }  // namespace

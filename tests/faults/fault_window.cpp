@@ -53,7 +53,7 @@ int Run(const std::filesystem::path& folder, const std::filesystem::path& state,
   OfflinePlatform platform(options, dialogs);
   for (const std::string& warning : platform.Warnings()) Print("message", warning);
   ProgramWindows windows(platform);
-  if (command == "prepare") windows.program.backupFolder.Choose("D:\\Backup");
+  if (command == "prepare") windows.session.backupFolder.Choose(WinPath("D:\\Backup"));
   windows.form1.Open();
   if (!Give(windows, command)) return 2;
   for (const Message& message : dialogs.messages) Print("message", message.text);

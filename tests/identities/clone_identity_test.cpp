@@ -100,10 +100,13 @@ TEST_F(CloneIdentityTest, OwnAccountsAreKept) {
 
 TEST_F(CloneIdentityTest, WhatCannotBeClonedChangesNothing) {
   const RegistrySnapshot before = Snapshot(kIdentitiesKey);
-  EXPECT_EQ(Clone(request).Refusal(), "");
-  EXPECT_THAT(Clone({kMain, "Please create a new Identity", {}}).Refusal(), HasSubstr("not a {USER_ID}"));
-  EXPECT_THAT(Clone({kMain, "{00000000-0000-0000-0000-00000000000G}", {}}).Refusal(), HasSubstr("not a {USER_ID}"));
-  EXPECT_THAT(Clone({kMain, "{11111111-1111-1111-1111-111111111111}", {}}).Refusal(), HasSubstr("not in the registry"));
+  EXPECT_FALSE(Clone(request).Refusal());
+  EXPECT_THAT(Clone({kMain, "Please create a new Identity", {}}).Refusal().value().message,
+              HasSubstr("not a {USER_ID}"));
+  EXPECT_THAT(Clone({kMain, "{00000000-0000-0000-0000-00000000000G}", {}}).Refusal().value().message,
+              HasSubstr("not a {USER_ID}"));
+  EXPECT_THAT(Clone({kMain, "{11111111-1111-1111-1111-111111111111}", {}}).Refusal().value().message,
+              HasSubstr("not in the registry"));
   CloneRequest gone = request;
   gone.backupFolder = WinPath("D:\\Gone");
   IdentityClone clone = Clone(gone);
@@ -120,16 +123,16 @@ TEST_F(CloneIdentityTest, WhatCannotBeClonedChangesNothing) {
 
 TEST_F(CloneIdentityTest, MessagesGoToTheDestinationsOwnFolder) {
   IdentityClone clone = Clone(request);
-  EXPECT_EQ(clone.CopyMessages(), "");
+  EXPECT_FALSE(clone.CopyMessages());
   EXPECT_EQ(CopyTally(platform->GetShell().FinishCopies()).Text(), "");
-  const auto host = [&](const std::string& folder) { return platform->offline.GetDrives().HostPath(WinPath(folder)); };
+  const auto host = [&](const WinPath& folder) { return platform->offline.GetDrives().HostPath(folder); };
   const auto to = host(DefaultStoreFolder(Store(), *platform, kGuest));
-  EXPECT_EQ(Names(to), Names(host(ReadStoreFolder(Store(), platform->GetSystemFacts(), kMain))));
-  EXPECT_THAT(Clone({kGuest, kMain, {}}).CopyMessages(), HasSubstr("never started"));
+  EXPECT_EQ(Names(to), Names(host(ReadStoreFolder(Store(), platform->GetSystemFacts(), kMain).value())));
+  EXPECT_THAT(Clone({kGuest, kMain, {}}).CopyMessages().value().message, HasSubstr("never started"));
   Store().SetKeyValue(IdentitySettingsKey(kMain), "Store Root", "D:\\Gone", ValueType::Sz);
-  EXPECT_THAT(Clone(request).CopyMessages(), HasSubstr("\"D:\\Gone\" does not exist"));
+  EXPECT_THAT(Clone(request).CopyMessages().value().message, HasSubstr("\"D:\\Gone\" does not exist"));
   Store().SetKeyValue(IdentitySettingsKey(kMain), "Store Root", "", ValueType::Sz);
-  EXPECT_THAT(Clone(request).CopyMessages(), HasSubstr("no \"Store Root\""));
+  EXPECT_THAT(Clone(request).CopyMessages().value().message, HasSubstr("no \"Store Root\""));
 }
 
 }  // namespace

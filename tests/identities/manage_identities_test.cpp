@@ -38,7 +38,7 @@ TEST_F(ManageIdentitiesTest, ANewIdentityHasItsValuesAndFolder) {
     EXPECT_EQ(Read(IdentityKey(userId), "Directory Name"), RegValue(static_cast<std::int32_t>(0x89ABCDEF)));
     EXPECT_EQ(maker.NextOrdinal(), ordinal + 1);
   }
-  EXPECT_EQ(ReadStoreFolder(Store(), platform->GetSystemFacts(), userId), kEmptyIdentityMarker);
+  EXPECT_FALSE(ReadStoreFolder(Store(), platform->GetSystemFacts(), userId));
   const WinPath folder(DefaultStoreFolder(Store(), *platform, userId));
   EXPECT_TRUE(std::filesystem::is_empty(platform->offline.GetDrives().HostPath(folder)));
 

@@ -93,7 +93,7 @@ TEST_F(ReplaceUserIdTest, NothingIsWrittenThatTheFileCannotHold) {
   EXPECT_EQ(Replaced(Utf16(kOld + "\r\n"), "{Ж}"), Utf16("{Ж}\r\n"));
   EXPECT_EQ(Replaced(kOld, "{ä}"), "{\xE4}\r\n");
   EXPECT_THROW(ReplaceUserId(files, facts, WinPath("C:\\none.reg"), WinPath("C:\\out.reg"), kNew), Error);
-  EXPECT_EQ(ReplacedFile("C:\\Bk", WinPath("D:\\x\\a.b.reg")).Text(), "C:\\Bk\\Newa.reg");
+  EXPECT_EQ(ReplacedFile(WinPath("C:\\Bk"), WinPath("D:\\x\\a.b.reg")).Text(), "C:\\Bk\\Newa.reg");
 }
 
 }  // namespace

@@ -12,12 +12,12 @@ class IdentityReportTest : public SamplePlatform {
  protected:
   void SetUp() override {
     MakeDisk();
-    const IdentityCatalogue catalogue = LoadCatalogue(*store, platform->GetSystemFacts()).catalogue;
+    const IdentityCatalogue catalogue = LoadCatalogue(*store, platform->GetSystemFacts());
     facts = {.created = "3/7/2004 12:05:09 AM",
              .identities = catalogue.identities,
              .defaultUsername = catalogue.defaultUsername,
              .defaultUserId = catalogue.defaultUserId,
-             .addressBookFile = catalogue.addressBookFile,
+             .addressBookFile = catalogue.addressBookFile.Text(),
              .selectedFolder = "D:\\Mail\\Office",
              .fileType = "*.dbx",
              .foundFiles = {"Folders.dbx", "Inbox.dbx", "Inbox.dbx"}};
@@ -35,7 +35,7 @@ TEST_F(IdentityReportTest, TheSampleDisksReportsReadAsTheyShould) {
 }
 
 TEST_F(IdentityReportTest, AllIdentitiesOfTheSelectedFolderAreListedAndOtherFileTypesHaveNoLabel) {
-  facts.identities[0].storeFolder = facts.selectedFolder;
+  facts.identities[0].storeFolder = WinPath(facts.selectedFolder);
   facts.identities[0].username = "<Main>";
   facts.fileType = "*.idx";
   const std::string report = MakeIdentityReport(facts, ReportFormat::Html);
@@ -45,8 +45,8 @@ TEST_F(IdentityReportTest, AllIdentitiesOfTheSelectedFolderAreListedAndOtherFile
 }
 
 TEST_F(IdentityReportTest, ANameTakesOneLineWhateverItHolds) {
-  facts.identities = {{"{1}", "Ann\r\nEnd Of File", "C:\\Mail\x1B[2J"}};
-  facts.selectedFolder = facts.identities[0].storeFolder;
+  facts.identities = {{"{1}", "Ann\r\nEnd Of File", WinPath("C:\\Mail\x1B[2J")}};
+  facts.selectedFolder = facts.identities[0].FolderText();
   facts.defaultUsername = "b\u202Ea";
   facts.addressBookFile = "C:\\book\n.wab";
   facts.foundFiles = {"In\u2028box.dbx"};

@@ -22,7 +22,7 @@ class SampleWindows : public SamplePlatform {
   /// Makes D:\Backup and has it be the backup folder, then starts the program.
   Form1& Start() {
     std::filesystem::create_directories(BackupFolderOnHost());
-    windows->program.backupFolder.Choose(kBackup);
+    windows->session.backupFolder.Choose(WinPath(kBackup));
     windows->form1.Open();
     return windows->form1;
   }

@@ -1,5 +1,6 @@
 #include "ui/forms/address_book_window.h"
 
+#include "core/refusal_message.h"
 #include "ui/forms/program_windows.h"
 
 namespace quillbox {
@@ -15,8 +16,8 @@ constexpr const char* kNothingSaved = "No Address Book subkey has been backed up
 
 }  // namespace
 
-Form6::Form6(Program& program, ProgramWindows& windows)
-    : Form(program.guard, "Form6", "Change Address Book"),
+Form6::Form6(ProgramWindows& windows)
+    : Form(windows.guard, "Form6", "Change Address Book"),
       Frame1(*this, "Frame1", "Single Address Book Change", "Make the change to the Address Book selected."),
       lblcurwablbl(*this, "lblcurwablbl", "Current Address Book:"),
       lblcurwabfile(*this, "lblcurwabfile", "", "This is the current default Address Book (WAB) file.."),
@@ -44,9 +45,9 @@ Form6::Form6(Program& program, ProgramWindows& windows)
       txtRestore(*this, "txtRestore"),
       cmdClose(*this, "cmdClose", "Close", "Close this window."),
       sb1(*this, "sb1", 1),
-      program_(program),
+      session_(windows.session),
       windows_(windows),
-      book_(program.platform, program.store) {
+      book_(session_.platform, session_.store) {
   txtwabloc.readOnly = true;
   txtRestore.readOnly = true;
   cmdChangeWab.isDefault = true;
@@ -61,6 +62,7 @@ Form6::Form6(Program& program, ProgramWindows& windows)
   cmdmkbackup6.onClick = [this] { cmdmkbackup6_Click(); };
   cmdRestore.onClick = [this] { cmdRestore_Click(); };
   cmdClose.onClick = [this] { cmdClose_Click(); };
+  session_.slotsChanged.Connect([this] { ShowSlots(); });
 }
 
 LayoutNode Form6::Layout() {
@@ -86,77 +88,80 @@ void Form6::Open() {
   Form_Activate();
 }
 
-void Form6::ShowSlots(const std::array<std::string, kSlotCount>& captions) {
+void Form6::ShowSlots() {
   slots.Choose(nullptr);
   const auto options = Options();
-  for (std::size_t slot = 0; slot < options.size(); ++slot) options[slot]->caption = captions[slot];
+  for (std::size_t slot = 0; slot < options.size(); ++slot) {
+    options[slot]->caption = session_.Slots()[slot].value_or(kNoneSelected);
+  }
 }
 
-void Form6::ShowCurrent(const std::string& file) {
-  lblcurwabfile.caption = NameFromFullPath(file);
-  lblPathWabLoc.caption = DirectoryFromFile(file);
-  txtNewAddBk.text = NameFromFullPath(file);
+void Form6::ShowCurrent(const WinPath& file) {
+  lblcurwabfile.caption = NameFromFullPath(file.Text());
+  lblPathWabLoc.caption = DirectoryFromFile(file.Text());
+  txtNewAddBk.text = NameFromFullPath(file.Text());
 }
 
-void Form6::ShowNew(const std::string& file) {
-  lblNewAddressBook.caption = NameFromFullPath(file);
-  lblPathNewWabLoc.caption = DirectoryFromFile(file);
+void Form6::ShowNew(const WinPath& file) {
+  lblNewAddressBook.caption = NameFromFullPath(file.Text());
+  lblPathNewWabLoc.caption = DirectoryFromFile(file.Text());
 }
 
-/// Shows the address book that has become the one in use, here and in the main window.
+/// Shows the address book that has become the one in use.
 void Form6::ShowChanged(const std::string& outcome) {
-  const std::string file = book_.InUse();
-  txtwabloc.text = file;
+  const WinPath file = book_.InUse();
+  txtwabloc.text = file.Text();
   ShowCurrent(file);
   ShowNew(file);
   sb1.panels[0] = outcome;
-  windows_.form1.txtwabloc.text = file;
+  session_.SetAddressBookFile(file);
 }
 
 void Form6::Tell(const char* text) {
-  program_.platform.GetDialogs().Show({.text = text});
+  session_.platform.GetDialogs().Show({.text = text});
 }
 
 void Form6::Form_Activate() {
-  const std::string file = book_.InUse();
-  txtwabloc.text = file;
+  const WinPath file = book_.InUse();
+  txtwabloc.text = file.Text();
   ShowCurrent(file);
 }
 
 void Form6::Option_Click(std::size_t slot) {
   sb1.panels[0] = "";
-  if (Options()[slot]->caption == kNoneSelected) return Tell(kNoBookHere);
+  if (!session_.Slots()[slot]) return Tell(kNoBookHere);
   const auto file = book_.UseSlot(slot);
   if (!file) return Tell(kNoBookHere);
-  if (!file->IsUsable()) return TellRefusal(program_, file->Refusal());
+  if (!file->IsUsable()) return ShowRefusal(session_.platform.GetDialogs(), file->Refusal());
   ShowChanged("Change Complete");
 }
 
 void Form6::cmdBrowse1_Click() {
-  Drives& drives = program_.platform.GetDrives();
-  const DiskPath current = CheckAddressBook(drives, DirectoryFromFile(book_.InUse()));
-  const auto chosen = program_.platform.GetDialogs().OpenFile(
-      {.title = {}, .folder = current.IsUsable() ? WinPath(current.Text()) : WinPath(), .name = {}, .filter = kFilter});
+  Drives& drives = session_.platform.GetDrives();
+  Dialogs& dialogs = session_.platform.GetDialogs();
+  const DiskPath current = CheckAddressBook(drives, WinPath(DirectoryFromFile(book_.InUse().Text())));
+  const auto chosen = dialogs.OpenFile(
+      {.title = {}, .folder = current.IsUsable() ? current.Stored() : WinPath(), .name = {}, .filter = kFilter});
   if (!chosen) return;
-  const DiskPath file(drives, chosen->Text());
-  if (!file.IsUsable()) return TellRefusal(program_, file.Refusal());
-  pending_ = file.Text();
-  ShowCurrent(pending_);
-  ShowNew(pending_);
+  const DiskPath file(drives, *chosen);
+  if (!file.IsUsable()) return ShowRefusal(dialogs, file.Refusal());
+  pending_ = file.Stored();
+  ShowCurrent(*pending_);
+  ShowNew(*pending_);
   sb1.panels[0] = "Selection Made";
 }
 
 void Form6::cmdChangeWab_Click() {
   sb1.panels[0] = "";
-  if (pending_.empty()) return;
+  if (!pending_) return;
   if (txtNewAddBk.text->empty()) {
-    txtNewAddBk.text = NameFromFullPath(book_.InUse());
+    txtNewAddBk.text = NameFromFullPath(book_.InUse().Text());
     return Tell(kEmptyLocation);
   }
-  book_.Use(pending_);
-  txtwabloc.text = pending_;
+  book_.Use(*pending_);
+  txtwabloc.text = pending_->Text();
   sb1.panels[0] = "Change Complete";
-  windows_.form1.txtwabloc.text = pending_;
+  session_.SetAddressBookFile(*pending_);
 }
 
 void Form6::Command1_Click() {
@@ -173,16 +178,15 @@ void Form6::cmdmkbackup6_Click() {
 void Form6::cmdRestore_Click() {
   sb1.panels[0] = "";
   const auto file = book_.RestoreSetting();
-  txtRestore.text = file ? file->Text() : std::string();
+  txtRestore.text = file ? file->Stored().Text() : std::string();
   if (!file) return Tell(kNothingSaved);
-  if (!file->IsUsable()) return TellRefusal(program_, file->Refusal());
+  if (!file->IsUsable()) return ShowRefusal(session_.platform.GetDialogs(), file->Refusal());
   ShowChanged("Restore Complete");
 }
 
 void Form6::cmdClose_Click() {
-  Hide();
-  windows_.form1.IsOERuuning();
-  windows_.form1.Show();
+  session_.IsOERuuning();
+  windows_.ReturnToMainWindow(*this);
 }
 
 }  // namespace quillbox

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "addressbook/address_book.h"
+#include "session/session.h"
 #include "ui/form.h"
-#include "ui/forms/program.h"
 
 namespace quillbox {
 
@@ -15,7 +15,7 @@ class ProgramWindows;
 
 class Form6 : public Form {
  public:
-  Form6(Program& program, ProgramWindows& windows);
+  explicit Form6(ProgramWindows& windows);
 
   OptionGroup slots;
   // In tab order.
@@ -45,15 +45,15 @@ class Form6 : public Form {
 
   /// Shows the window with the address book that is in use now.
   void Open();
-  /// Shows what each slot holds; none is chosen then.
-  void ShowSlots(const std::array<std::string, kSlotCount>& captions);
 
   LayoutNode Layout() override;
 
  private:
   std::array<OptionButton*, kSlotCount> Options() { return {&Option1, &Option2, &Option3, &Option4}; }
-  void ShowCurrent(const std::string& file);
-  void ShowNew(const std::string& file);
+  /// Shows what each slot holds; none is chosen then.
+  void ShowSlots();
+  void ShowCurrent(const WinPath& file);
+  void ShowNew(const WinPath& file);
   void ShowChanged(const std::string& outcome);
   void Tell(const char* text);
   void Form_Activate();
@@ -65,10 +65,10 @@ class Form6 : public Form {
   void cmdRestore_Click();
   void cmdClose_Click();
 
-  Program& program_;
+  Session& session_;
   ProgramWindows& windows_;
   AddressBook book_;
-  std::string pending_;  ///< the file chosen by browsing; empty for none
+  std::optional<WinPath> pending_;  ///< the file chosen by browsing
 };
 
 }  // namespace quillbox

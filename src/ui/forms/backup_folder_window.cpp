@@ -1,6 +1,9 @@
 #include "ui/forms/backup_folder_window.h"
 
+#include <utility>
+
 #include "core/file_helpers.h"
+#include "core/refusal_message.h"
 #include "core/status_text.h"
 #include "ui/forms/program_windows.h"
 
@@ -11,8 +14,8 @@ const WinPath kFirstFolder("C:\\");
 
 }  // namespace
 
-Form3::Form3(Program& program, ProgramWindows& windows)
-    : Form(program.guard, "Form3", "Select or Create a Backup Folder"),
+Form3::Form3(ProgramWindows& windows)
+    : Form(windows.guard, "Form3", "Select or Create a Backup Folder"),
       Label1(*this, "Label1", "1) Select Drive "),
       Label2(*this, "Label2", "2a) Double Click Folder In Folder List To Select It."),
       Label3(*this, "Label3", "2b) Press Create Folder and type in path and name of folder to create"),
@@ -33,7 +36,7 @@ Form3::Form3(Program& program, ProgramWindows& windows)
       cmdSetPath(*this, "cmdSetPath", "Set Selected  Folder As Backup",
                  "Click here to make the current folder selected as backup folder."),
       cmdClse(*this, "cmdClse", "Close", "Close this window."),
-      program_(program),
+      session_(windows.session),
       windows_(windows) {
   cmdSetPath.isDefault = true;
   cmdClse.isCancel = true;
@@ -42,6 +45,8 @@ Form3::Form3(Program& program, ProgramWindows& windows)
     SetDir(Dir1.FolderAt(static_cast<std::size_t>(Dir1.selected.Get())));
     Dir1_Change();
   };
+  txtbkPth.onChange = [this] { session_.LookAt(PathOrNone(txtbkPth.text)); };
+  session_.folderInViewChanged.Connect([this] { txtbkPth.text = TextOrNone(session_.FolderInView()); });
   cmdMkFolder.onClick = [this] { cmdMkFolder_Click(); };
   cmdSetPath.onClick = [this] { cmdSetPath_Click(); };
   cmdClse.onClick = [this] { cmdClse_Click(); };
@@ -63,42 +68,25 @@ LayoutNode Form3::Layout() {
   });
 }
 
-void Form3::EnsureLoaded() {
-  if (loaded_) return;
-  loaded_ = true;
-  Form_Load();
-}
-
 void Form3::OpenFrom(Form& opener) {
   opener_ = &opener;
-  EnsureLoaded();
+  if (!std::exchange(loaded_, true)) Form_Load();
   opener.Hide();
   Show();
 }
 
 void Form3::Form_Load() {
-  Drive1.Fill(program_.platform.GetDrives());
+  Drive1.Fill(session_.platform.GetDrives());
   Drive1.ShowDriveOf(kFirstFolder);
-  txtbkPth.text = program_.backupFolder.Get();
-  if (txtbkPth.text == kNoneSelected) {
-    MoveDir(kFirstFolder);
-    txtbkPth.text = Dir1.Path().Text();
-  }
-  if (DirExists(program_.platform.GetFiles(), txtbkPth.text)) {
-    MoveDir(WinPath(txtbkPth.text));
-  } else {
-    program_.backupFolder.Reset();
-  }
+  const std::optional<WinPath> folder = session_.FolderInView();
+  if (!folder || !DirExists(session_.platform.GetFiles(), *folder)) return;
+  SetDir(*folder);
+  File1.SetPath(session_.platform.GetFiles(), Dir1.Path());
+  Drive1.ShowDriveOf(Dir1.Path());
 }
 
 void Form3::SetDir(const WinPath& folder) {
-  Dir1.SetPath(program_.platform.GetFiles(), program_.platform.GetDrives(), folder);
-}
-
-void Form3::MoveDir(const WinPath& folder) {
-  SetDir(folder);
-  File1.SetPath(program_.platform.GetFiles(), Dir1.Path());
-  Drive1.ShowDriveOf(Dir1.Path());
+  Dir1.SetPath(session_.platform.GetFiles(), session_.platform.GetDrives(), folder);
 }
 
 void Form3::Drive1_Change() {
@@ -107,33 +95,30 @@ void Form3::Drive1_Change() {
 }
 
 void Form3::Dir1_Change() {
-  File1.SetPath(program_.platform.GetFiles(), Dir1.Path());
-  txtbkPth.text = Dir1.Path().Text();
+  File1.SetPath(session_.platform.GetFiles(), Dir1.Path());
+  session_.LookAt(Dir1.Path());
 }
 
 void Form3::cmdMkFolder_Click() {
-  const auto answer = program_.platform.GetDialogs().Input("Enter folder name", kProgramName, "");
+  const auto answer = session_.platform.GetDialogs().Input("Enter folder name", kProgramName, "");
   if (!answer || answer->empty()) return;
   // No separator is put between: at C:\Backups the answer "\Mail" makes C:\Backups\Mail.
   const WinPath folder(File1.Path().Text() + *answer);
-  txtbkPth.text = folder.Text();
-  const Status made = program_.platform.GetFiles().MakeDirectory(folder);
+  session_.LookAt(folder);
+  const Status made = session_.platform.GetFiles().MakeDirectory(folder);
   if (made != Status::Success) {
-    program_.platform.GetLog().Write(folder.Text() + ": the folder was not made because " + StatusReason(made));
+    session_.platform.GetLog().Write(folder.Text() + ": the folder was not made because " + StatusReason(made));
   }
-  Dir1.Refresh(program_.platform.GetFiles());
+  Dir1.Refresh(session_.platform.GetFiles());
 }
 
 void Form3::cmdSetPath_Click() {
-  const std::string folder = txtbkPth.text;
-  const bool isNew = folder != program_.backupFolder.Get();
-  if (const auto refusal = program_.backupFolder.Choose(folder)) return TellRefusal(program_, *refusal);
-  windows_.form2.txtbackupPath.caption = folder;
-  if (isNew) windows_.form1.lblbkuppth.caption = folder;
+  const auto refusal = session_.ChooseBackupFolder(PathOrNone(txtbkPth.text));
+  if (refusal) ShowRefusal(session_.platform.GetDialogs(), *refusal);
 }
 
 void Form3::cmdClse_Click() {
-  windows_.form1.IsOERuuning();
+  session_.IsOERuuning();
   Form& opener = opener_ ? *opener_ : static_cast<Form&>(windows_.form1);
   opener.Show();
   Hide();

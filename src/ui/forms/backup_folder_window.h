@@ -3,9 +3,9 @@
 
 #include <string>
 
+#include "session/session.h"
 #include "ui/folder_controls.h"
 #include "ui/form.h"
-#include "ui/forms/program.h"
 
 namespace quillbox {
 
@@ -13,7 +13,7 @@ class ProgramWindows;
 
 class Form3 : public Form {
  public:
-  Form3(Program& program, ProgramWindows& windows);
+  explicit Form3(ProgramWindows& windows);
 
   // In tab order.
   Label Label1;
@@ -33,8 +33,6 @@ class Form3 : public Form {
   Button cmdSetPath;
   Button cmdClse;
 
-  /// Runs the load check the first time that the window is needed, shown or not.
-  void EnsureLoaded();
   /// Shows this window in place of `opener`, which is shown again when this one closes.
   void OpenFrom(Form& opener);
 
@@ -43,14 +41,13 @@ class Form3 : public Form {
  private:
   void Form_Load();
   void SetDir(const WinPath& folder);
-  void MoveDir(const WinPath& folder);
   void Drive1_Change();
   void Dir1_Change();
   void cmdMkFolder_Click();
   void cmdSetPath_Click();
   void cmdClse_Click();
 
-  Program& program_;
+  Session& session_;
   ProgramWindows& windows_;
   Form* opener_ = nullptr;
   bool loaded_ = false;

@@ -14,8 +14,8 @@ constexpr const char* kSelectFolder = "Please select a backup folder or create o
 
 }  // namespace
 
-Form4::Form4(Program& program, ProgramWindows& windows)
-    : Form(program.guard, "Form4", "Clone An Identity"),
+Form4::Form4(ProgramWindows& windows)
+    : Form(windows.guard, "Form4", "Clone An Identity"),
       Frame3(*this, "Frame3", "Select Source Identity"),
       cmbSource(*this, "cmbSource", "", "Select the Identity to be cloned."),
       lblSourceUsername(*this, "lblSourceUsername", "Username"),
@@ -47,7 +47,7 @@ Form4::Form4(Program& program, ProgramWindows& windows)
       cmdClone(*this, "cmdClone", "Clone Identity", "When ready to clone the Identity, click here."),
       cmdClose(*this, "cmdClose", "Close", "Close this window."),
       StatusBar1(*this, "StatusBar1", 2),
-      program_(program),
+      session_(windows.session),
       windows_(windows) {
   Label1.wraps = true;
   txtuserid.readOnly = true;
@@ -80,87 +80,86 @@ LayoutNode Form4::Layout() {
 }
 
 void Form4::Open() {
-  windows_.form1.Hide();
-  Show();
-  windows_.form1.GetInputPaths();
+  windows_.ReplaceMainWindow(*this);
+  session_.GetInputPaths();
   Form_Load();
 }
 
 void Form4::Form_Load() {
   for (auto& panel : StatusBar1.panels) panel = "";
   for (CheckBox* box : {&Check1, &Check2, &chkCopyDBX, &chkKeepReg}) box->checked = false;
-  ListAndShowUserIds(cmbSource, program_.catalogue);
-  ListAndShowUserIds(cmbDestination, program_.catalogue);
+  ListAndShowUserIds(cmbSource, session_.Catalogue());
+  ListAndShowUserIds(cmbDestination, session_.Catalogue());
   txtuserid.text = kNoNewIdentity;
   lblDestinationUser.caption = "";
   lblSourceUser.caption = "";
   lblDestUName.caption = "";
-  const Status status = program_.store.OpenKey(CurrentUser(kIdentitiesKey)).status;
+  const Status status = session_.store.OpenKey(CurrentUser(kIdentitiesKey)).status;
   if (status == Status::Success) {
     ShowUsername(lblDestUName, cmbDestination.text);
     ShowUsername(lblSourceUser, cmbSource.text);
   } else {
-    program_.store.ShowRegistryReadError(status, "Identities");
+    session_.store.ShowRegistryReadError(status, "Identities");
   }
-  if (program_.backupFolder.Get() == kNoneSelected) Tell(kSelectFolder, MessageIcon::None);
+  if (!session_.backupFolder.Get()) Tell(kSelectFolder, MessageIcon::None);
 }
 
 void Form4::ShowUsername(Label& label, const std::string& userId) {
-  label.caption = ReadUsername(program_.store, userId);
+  label.caption = ReadUsername(session_.store, userId);
 }
 
 void Form4::Tell(const std::string& text, MessageIcon icon) {
-  program_.platform.GetDialogs().Show({.text = text, .icon = icon});
+  session_.platform.GetDialogs().Show({.text = text, .icon = icon});
 }
 
 void Form4::cmdCreateIdentity_Click() {
-  const auto made = program_.identityMaker.Run(
+  const auto made = session_.identityMaker.Run(
       {.onUserId = [this](const std::string& userId) { txtuserid.text = userId; },
        .onUsername = [this](const std::string& name) { lblDestinationUser.caption = name; }});
   if (!made) return;
-  windows_.form1.GetInputPaths();
+  session_.GetInputPaths();
   StatusBar1.panels[0] = made->userId + " Created";
 }
 
-std::string Form4::ChooseDestination() {
+std::optional<std::string> Form4::ChooseDestination() {
   if (Check1.checked && Check2.checked) {
     Tell("Check only one Destination Identity USER_IDs to be cloned.", MessageIcon::None);
     Check1.checked = false;
     Check2.checked = false;
-    return {};
+    return std::nullopt;
   }
   if (!Check1.checked && !Check2.checked) {
     Tell("No Destination Identity USER_IDs were checked to be cloned.");
-    return {};
+    return std::nullopt;
   }
-  std::string destination = Check1.checked ? cmbDestination.text.Get() : txtuserid.text.Get();
+  const std::string destination = Check1.checked ? cmbDestination.text.Get() : txtuserid.text.Get();
   if (Check1.checked && destination == cmbSource.text) {
     Tell("Source and Destination Identities can not be the same Identity, please choose another Destination Identity.");
-    return {};
+    return std::nullopt;
   }
   ShowUsername(lblDestUName, destination);
-  return destination;
+  return destination.empty() ? std::nullopt : std::optional(destination);
 }
 
 void Form4::cmdClone_Click() {
   for (auto& panel : StatusBar1.panels) panel = "";
-  const auto folder = program_.backupFolder.Guard(FolderMessage::WithoutEnding);
+  const auto folder = session_.backupFolder.Guard(FolderMessage::WithoutEnding);
   if (!folder) return;
-  const std::string destination = ChooseDestination();
-  if (destination.empty()) return;
+  const auto destination = ChooseDestination();
+  if (!destination) return;
   const bool copyMessages = chkCopyDBX.checked;
-  IdentityClone clone(program_.platform, program_.store, {cmbSource.text, destination, *folder, chkKeepReg.checked});
-  if (const std::string refusal = clone.Refusal(); !refusal.empty()) return Tell(refusal);
+  IdentityClone clone(session_.platform, session_.store, {cmbSource.text, *destination, *folder, chkKeepReg.checked});
+  if (const auto refusal = clone.Refusal()) return Tell(refusal->message);
   const HourglassScope hourglass(*this);
   if (!CloneSettings(clone)) return;
   StatusBar1.panels[0] = "Cloning Complete";
-  windows_.form1.GetInputPaths();
+  session_.GetInputPaths();
   if (copyMessages) CopyMessages(clone);
   for (CheckBox* box : {&Check1, &Check2, &chkCopyDBX}) box->checked = false;
 }
 
 bool Form4::CloneSettings(IdentityClone& clone) {
-  const CommandFailures::Scope failures(program_.store.Failures());
+  const CommandFailures::Scope failures(session_.store.Failures());
   try {
     clone.CloneSettings();
     return true;
@@ -170,24 +169,24 @@ bool Form4::CloneSettings(IdentityClone& clone) {
     for (const std::string& change : clone.Done()) text += "\nDone before that: " + change;
     Tell(text);
   }
-  windows_.form1.GetInputPaths();
+  session_.GetInputPaths();
   return false;
 }
 
 void Form4::CopyMessages(IdentityClone& clone) {
-  std::string fault;
+  std::optional<CloneRefusal> refusal;
   try {
-    fault = clone.CopyMessages();
+    refusal = clone.CopyMessages();
   } catch (const std::exception& error) {
-    fault = std::string("The Identity was cloned, but not all of its DBX files were copied: ") + error.what();
+    refusal =
+        CloneRefusal{std::string("The Identity was cloned, but not all of its DBX files were copied: ") + error.what()};
   }
-  StatusBar1.panels[1] = CopyTally(program_.platform.GetShell().FinishCopies()).Text();
-  if (!fault.empty()) Tell(fault);
+  StatusBar1.panels[1] = CopyTally(session_.platform.GetShell().FinishCopies()).Text();
+  if (refusal) Tell(refusal->message);
 }
 
 void Form4::cmdClose_Click() {
-  Hide();
-  windows_.form1.Show();
+  windows_.ReturnToMainWindow(*this);
 }
 
 }  // namespace quillbox

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "identities/clone_identity.h"
+#include "session/session.h"
 #include "ui/form.h"
-#include "ui/forms/program.h"
 
 namespace quillbox {
 
@@ -14,7 +14,7 @@ class ProgramWindows;
 
 class Form4 : public Form {
  public:
-  Form4(Program& program, ProgramWindows& windows);
+  explicit Form4(ProgramWindows& windows);
 
   // In tab order.
   Frame Frame3;
@@ -47,8 +47,8 @@ class Form4 : public Form {
  private:
   void Form_Load();
   void ShowUsername(Label& label, const std::string& userId);
-  /// The destination's {USER_ID}; empty after telling the person what is wrong with the choice.
-  std::string ChooseDestination();
+  /// The destination's {USER_ID}; nothing after a message that says what is wrong with the choice.
+  std::optional<std::string> ChooseDestination();
   /// False after telling the person what failed and what was done before.
   bool CloneSettings(IdentityClone& clone);
   void CopyMessages(IdentityClone& clone);
@@ -57,7 +57,7 @@ class Form4 : public Form {
   void cmdClone_Click();
   void cmdClose_Click();
 
-  Program& program_;
+  Session& session_;
   ProgramWindows& windows_;
 };
 

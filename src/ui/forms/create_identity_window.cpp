@@ -9,8 +9,8 @@ constexpr const char* kBegin = "Press Create New Identity button above to begin.
 
 }  // namespace
 
-Form7::Form7(Program& program, ProgramWindows& windows)
-    : Form(program.guard, "Form7", "Create New identity"),
+Form7::Form7(ProgramWindows& windows)
+    : Form(windows.guard, "Form7", "Create New identity"),
       cmdCreateNewIdentity(*this, "cmdCreateNewIdentity", "Create New Identity"),
       cmdclose(*this, "cmdclose", "Close"),
       lblNewUsername(*this, "lblNewUsername", "New Username For This Identiity is: "),
@@ -18,7 +18,7 @@ Form7::Form7(Program& program, ProgramWindows& windows)
       lblNewGUID(*this, "lblNewGUID", "New {USER_ID}  is:"),
       txtNewGUID(*this, "txtNewGUID", "", kBegin),
       sb1(*this, "sb1", 1),
-      program_(program),
+      session_(windows.session),
       windows_(windows) {
   txtNewUsername.readOnly = true;
   txtNewGUID.readOnly = true;
@@ -41,26 +41,24 @@ void Form7::Open() {
   txtNewUsername.text = "";
   txtNewGUID.text = "";
   sb1.panels[0] = "";
-  windows_.form1.Hide();
-  Show();
+  windows_.ReplaceMainWindow(*this);
 }
 
 void Form7::cmdCreateNewIdentity_Click() {
   sb1.panels[0] = "";
-  const auto made = program_.identityMaker.Run({});
+  const auto made = session_.identityMaker.Run({});
   if (!made) {
     sb1.panels[0] = "No New Identity Was Created.";
     return;
   }
-  windows_.form1.GetInputPaths();
+  session_.GetInputPaths();
   txtNewUsername.text = made->username;
   txtNewGUID.text = made->userId;
   sb1.panels[0] = "New {USER_ID} Created";
 }
 
 void Form7::cmdClose_Click() {
-  Hide();
-  windows_.form1.Show();
+  windows_.ReturnToMainWindow(*this);
 }
 
 }  // namespace quillbox

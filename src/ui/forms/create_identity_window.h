@@ -1,8 +1,8 @@
 // "Create New identity": makes a new, empty identity and shows its username and {USER_ID}.
 #pragma once
 
+#include "session/session.h"
 #include "ui/form.h"
-#include "ui/forms/program.h"
 
 namespace quillbox {
 
@@ -10,7 +10,7 @@ class ProgramWindows;
 
 class Form7 : public Form {
  public:
-  Form7(Program& program, ProgramWindows& windows);
+  explicit Form7(ProgramWindows& windows);
 
   // In tab order.
   Button cmdCreateNewIdentity;
@@ -30,7 +30,7 @@ class Form7 : public Form {
   void cmdCreateNewIdentity_Click();
   void cmdClose_Click();
 
-  Program& program_;
+  Session& session_;
   ProgramWindows& windows_;
 };
 

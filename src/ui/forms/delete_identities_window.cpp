@@ -14,8 +14,8 @@ constexpr const char* kConfirm =
 
 }  // namespace
 
-Form5::Form5(Program& program, ProgramWindows& windows)
-    : Form(program.guard, "Form5", "Delete Identities"),
+Form5::Form5(ProgramWindows& windows)
+    : Form(windows.guard, "Form5", "Delete Identities"),
       Frame1(*this, "Frame1", "NOTICE NOTICE NOTICE"),
       Label1(*this, "Label1", "NOTE:"),
       Label2(*this, "Label2",
@@ -29,7 +29,7 @@ Form5::Form5(Program& program, ProgramWindows& windows)
       lblusrnameIdent(*this, "lblusrnameIdent"),
       cmdRemoveIdent(*this, "cmdRemoveIdent", "Remove Selected Identity"),
       cmdClose(*this, "cmdClose", "Close"),
-      program_(program),
+      session_(windows.session),
       windows_(windows) {
   for (Label* label : {&Label2, &Label3, &Label4}) label->wraps = true;
   // Enter must not remove anything.
@@ -51,29 +51,26 @@ LayoutNode Form5::Layout() {
 
 void Form5::Open() {
   FillList();
-  windows_.form1.Hide();
-  Show();
+  windows_.ReplaceMainWindow(*this);
 }
 
 void Form5::FillList() {
-  windows_.form1.GetInputPaths();
-  ListAndShowUserIds(cmbDelIdent, program_.catalogue);
+  session_.GetInputPaths();
+  ListAndShowUserIds(cmbDelIdent, session_.Catalogue());
   cmbDelIdent_Click();
 }
 
 void Form5::cmbDelIdent_Click() {
-  lblusrnameIdent.caption = "";
-  for (const IdentityInfo& identity : program_.catalogue.identities) {
-    if (identity.userId == cmbDelIdent.text) lblusrnameIdent.caption = identity.username;
-  }
+  const IdentityInfo* identity = session_.Catalogue().Find(cmbDelIdent.text);
+  lblusrnameIdent.caption = identity ? identity->username : std::string();
 }
 
 void Form5::cmdRemoveIdent_Click() {
   const std::string userId = cmbDelIdent.text;
   if (userId.empty()) return;
-  Dialogs& dialogs = program_.platform.GetDialogs();
+  Dialogs& dialogs = session_.platform.GetDialogs();
   if (dialogs.Show({.text = kConfirm, .buttons = MessageButtons::YesNo}) == MessageAnswer::Yes) {
-    RemoveIdentity(program_.store, userId);
+    RemoveIdentity(session_.store, userId);
     dialogs.Show({.text = "Identity has been removed."});
     FillList();
   } else {
@@ -83,8 +80,7 @@ void Form5::cmdRemoveIdent_Click() {
 }
 
 void Form5::cmdClose_Click() {
-  Hide();
-  windows_.form1.Show();
+  windows_.ReturnToMainWindow(*this);
 }
 
 }  // namespace quillbox

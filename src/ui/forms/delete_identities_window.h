@@ -1,8 +1,8 @@
 // "Delete Identities": removes an identity's key from the registry. Its message store stays.
 #pragma once
 
+#include "session/session.h"
 #include "ui/form.h"
-#include "ui/forms/program.h"
 
 namespace quillbox {
 
@@ -10,7 +10,7 @@ class ProgramWindows;
 
 class Form5 : public Form {
  public:
-  Form5(Program& program, ProgramWindows& windows);
+  explicit Form5(ProgramWindows& windows);
 
   // In tab order.
   Frame Frame1;
@@ -36,7 +36,7 @@ class Form5 : public Form {
   void cmdRemoveIdent_Click();
   void cmdClose_Click();
 
-  Program& program_;
+  Session& session_;
   ProgramWindows& windows_;
 };
 

@@ -1,22 +1,25 @@
 // The pickers from which windows take one of the identities.
 #pragma once
 
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "core/identity_catalogue.h"
 #include "ui/controls.h"
 
 namespace quillbox {
 
-/// Lists every {USER_ID} in the catalogue's order, after those in `before`.
-inline void ListUserIds(ComboBox& picker, const IdentityCatalogue& catalogue, std::vector<std::string> before = {}) {
-  for (const IdentityInfo& identity : catalogue.identities) before.push_back(identity.userId);
-  picker.Clear();
-  picker.items = std::move(before);
-}
+std::vector<std::string> UserIds(const IdentityCatalogue& catalogue);
+/// Of the identities whose username was read.
+std::vector<std::string> Usernames(const IdentityCatalogue& catalogue);
+/// As windows show them.
+std::vector<std::string> StoreFolders(const IdentityCatalogue& catalogue);
 
+/// Lists every {USER_ID} in the catalogue's order.
+void ListUserIds(ComboBox& picker, const IdentityCatalogue& catalogue);
 /// The same, and shows the first; nothing when there is none.
-inline void ListAndShowUserIds(ComboBox& picker, const IdentityCatalogue& catalogue) {
-  ListUserIds(picker, catalogue);
-  picker.text = picker.items->empty() ? std::string() : picker.items->front();
-}
+void ListAndShowUserIds(ComboBox& picker, const IdentityCatalogue& catalogue);
 
 }  // namespace quillbox

@@ -1,5 +1,7 @@
 #include "ui/forms/main_window.h"
 
+#include "core/refusal_message.h"
+#include "ui/forms/identity_picker.h"
 #include "ui/forms/program_windows.h"
 
 namespace quillbox {
@@ -9,14 +11,13 @@ constexpr int kHeightWithoutInfo = 4215;  // twips
 constexpr int kHeightWithInfo = 8790;
 constexpr const char* kShowInfo = "Show Additional Identity Info";
 constexpr const char* kHideInfo = "Hide Additional Identity Info";
-constexpr const char* kNoSearches = "0 Searches";
 constexpr const char* kRunning = "Outlook Express is currently running. Please close it if you intend to make changes.";
 constexpr const char* kNotRunning = "Outlook Express is not currently running.";
 
 }  // namespace
 
-Form1::Form1(Program& program, ProgramWindows& windows)
-    : Form(program.guard, "Form1", kProgramName),
+Form1::Form1(ProgramWindows& windows)
+    : Form(windows.guard, "Form1", kProgramName),
       Label12(*this, "Label12", "Select Username :"),
       cmbUserNames(*this, "cmbUserNames", "Combo1", "Click to select Username"),
       lblSelUserID(*this, "lblSelUserID", "or    Select {USER_ID}: "),
@@ -39,7 +40,7 @@ Form1::Form1(Program& program, ProgramWindows& windows)
       cmdShowAdditionalInfo(*this, "cmdShowAdditionalInfo", kShowInfo,
                             "Click to show additional information about Identities and Address Book location."),
       cmdExit(*this, "cmdExit", "&Exit", "Exit the program."),
-      lblSystem(*this, "lblSystem", program.platform.SystemDescription(), "The disk that is open."),
+      lblSystem(*this, "lblSystem", windows.session.platform.SystemDescription(), "The disk that is open."),
       Frame1(*this, "Frame1", "Additional Identity Information"),
       Label3(*this, "Label3", "Curent Identity Username: "),
       Label7(*this, "Label7", "Username", "Current selected Identity Username"),
@@ -61,7 +62,7 @@ Form1::Form1(Program& program, ProgramWindows& windows)
       cmdSearch(*this, "cmdSearch", "Search", "Click to search for OE files."),
       Label13(*this, "Label13", "Label13"),
       sb1(*this, "sb1", 2),
-      program_(program),
+      session_(windows.session),
       windows_(windows) {
   heightTwips = kHeightWithoutInfo;
   Frame1.visible = false;
@@ -70,6 +71,7 @@ Form1::Form1(Program& program, ProgramWindows& windows)
   cmdQuickBackup.isDefault = true;
   cmdExit.isCancel = true;
   BuildMenu();
+  WatchSession();
   cmbUserNames.onClick = [this] { cmbUserNames_Click(); };
   cmbUserIDs.onClick = [this] { cmbUserIDs_Click(); };
   inpth1.onClick = [this] { inpth1_Click(); };
@@ -122,102 +124,98 @@ void Form1::Form_Load() {
   sb1.panels[0] = "";
   cmbUserIDs.Clear();
   CheckBackupFolder(true);
-  windows_.form2.Label3.caption = kNoSearches;
-  GetInputPaths();
+  windows_.form2.ShowNoSearches();
+  session_.GetInputPaths();
   Show();
   windows_.form2.Load();
-  IsOERuuning();
+  session_.IsOERuuning();
   loadup();
   chkbox();
 }
 
-void Form1::GetInputPaths() {
+void Form1::WatchSession() {
+  session_.catalogueLoaded.Connect([this] { ShowCatalogue(); });
+  session_.selectionChanged.Connect([this] { ShowSelection(); });
+  session_.usernamesChanged.Connect([this] { ShowUsernames(); });
+  session_.defaultChanged.Connect([this] { ShowDefault(); });
+  session_.runningTested.Connect([this] { ShowRunning(); });
+  session_.overwriteChanged.Connect([this] { chkOverwrite.checked = session_.Overwrite(); });
+  session_.backupFolderChanged.Connect([this] { lblbkuppth.caption = TextOrNone(session_.ShownBackupFolder()); });
+  session_.addressBookChanged.Connect([this] { txtwabloc.text = session_.Catalogue().addressBookFile.Text(); });
+}
+
+void Form1::ShowCatalogue() {
   // A disk may turn out to be write-protected while it is worked on.
-  lblSystem.caption = program_.platform.SystemDescription();
+  lblSystem.caption = session_.platform.SystemDescription();
   cmbUserNames.Clear();
   inpth1.Clear();
-  const CatalogueLoad load = LoadCatalogue(program_.store, program_.platform.GetSystemFacts());
-  program_.catalogue = load.catalogue;
-  switch (load.end) {
-    case CatalogueLoad::End::NoIdentitiesKey:
-      return;
-    case CatalogueLoad::End::ReadError:
-      ShowLoadedIdentities(load);
-      program_.store.ShowRegistryReadError(load.status, load.suffix);
-      return;
-    case CatalogueLoad::End::Failed:
-      ShowLoadedIdentities(load);
-      inpth1.text = "";
-      program_.platform.GetLog().Write("The identities could not be loaded: " + load.failure);
-      return;
-    case CatalogueLoad::End::Complete:
-      break;
-  }
-  ShowLoadedIdentities(load);
-  std::vector<std::string> folders;
-  for (const IdentityInfo& identity : load.catalogue.identities) folders.push_back(identity.storeFolder);
-  inpth1.items = std::move(folders);
-  const IdentityInfo first = load.catalogue.identities.empty() ? IdentityInfo() : load.catalogue.identities.front();
-  cmbUserIDs.text = first.userId;
-  cmbUserNames.text = first.username;
-  inpth1.text = first.storeFolder;
-  Label7.caption = first.username;
-  Label6.caption = first.userId;
-  Label2.caption = std::to_string(load.catalogue.identities.size());
-  Text1.text = first.storeFolder;
+  const IdentityCatalogue& catalogue = session_.Catalogue();
+  if (catalogue.end.kind == LoadEnd::Kind::NoIdentitiesKey) return;
+  ListUserIds(cmbUserIDs, catalogue);
+  cmbUserNames.items = Usernames(catalogue);
+  ShowDefault();
+  if (catalogue.end.kind == LoadEnd::Kind::Failed) inpth1.text = "";
+  if (catalogue.end.kind != LoadEnd::Kind::Complete) return;
+  inpth1.items = StoreFolders(catalogue);
+  Label2.caption = std::to_string(catalogue.identities.size());
+  ShowSelection();
   Text1.SelectAll();
-  program_.platform.GetClipboard().Clear();
-  txtwabloc.text = load.catalogue.addressBookFile;
+  txtwabloc.text = catalogue.addressBookFile.Text();
   txtwabloc.SelectAll();
 }
 
-void Form1::ShowLoadedIdentities(const CatalogueLoad& load) {
-  cmbUserIDs.Clear();
-  std::vector<std::string> userIds;
-  std::vector<std::string> usernames;
-  for (const IdentityInfo& identity : load.catalogue.identities) {
-    userIds.push_back(identity.userId);
-    if (usernames.size() < load.usernamesRead) usernames.push_back(identity.username);
-  }
-  cmbUserIDs.items = std::move(userIds);
-  cmbUserNames.items = std::move(usernames);
-  Label9.caption = load.catalogue.defaultUserId;
-  Label10.caption = load.catalogue.defaultUsername;
+void Form1::ShowSelection() {
+  const IdentityInfo identity = Selected();
+  const std::string folder = session_.Selected() ? identity.FolderText() : std::string();
+  Label7.caption = identity.username;
+  Label6.caption = identity.userId;
+  Text1.text = folder;
+  cmbUserNames.text = identity.username;
+  cmbUserIDs.text = identity.userId;
+  inpth1.text = folder;
+}
+
+void Form1::ShowUsernames() {
+  cmbUserNames.items = Usernames(session_.Catalogue());
+  ShowSelection();
+  ShowDefault();
+}
+
+void Form1::ShowDefault() {
+  Label9.caption = session_.Catalogue().defaultUserId;
+  Label10.caption = session_.Catalogue().defaultUsername;
+}
+
+void Form1::ShowRunning() {
+  sb1.panels[1] = "";
+  if (const auto isRunning = session_.IsRunning()) lblOERunning.caption = *isRunning ? kRunning : kNotRunning;
 }
 
 void Form1::loadup() {
   sb1.panels[0] = "";
-  const SlotsLoad load = LoadAddressBookSlots(program_.store);
-  program_.addressBookSlots = load.slots;
-  windows_.form9.txtOutPath3.text = load.slots.folder;
-  if (!load.keyOpened) return;
-  windows_.form6.ShowSlots(load.slots.captions);
-  if (load.readError) return program_.store.ShowRegistryReadError(load.readError->first, load.readError->second);
-  CheckBackupFolder(false);
+  if (session_.LoadSlots()) CheckBackupFolder(false);
 }
 
-void Form1::IsOERuuning() {
+void Form1::OpenExplorer(const WinPath& folder) {
   sb1.panels[1] = "";
-  if (program_.catalogue.identities.empty()) return;
-  lblOERunning.caption = IsAnyIdentityRunning(program_.store, program_.catalogue) ? kRunning : kNotRunning;
-}
-
-void Form1::OpenExplorer(const std::string& folder) {
-  sb1.panels[1] = "";
-  program_.platform.GetShell().Explore(folder, "");
+  session_.platform.GetShell().Explore(folder.Text(), "");
 }
 
 void Form1::OpenExplorer(const DiskPath& folder) {
   sb1.panels[1] = "";
-  if (folder.IsUsable()) return OpenExplorer(folder.Text());
-  TellRefusal(program_, folder.Refusal());
+  if (folder.IsUsable()) return OpenExplorer(folder.Stored());
+  ShowRefusal(session_.platform.GetDialogs(), folder.Refusal());
 }
 
-void Form1::OpenExplorer2(const std::string& folder) {
+void Form1::OpenExplorer2(const WinPath& folder, const std::string& selected) {
   sb1.panels[1] = "";
-  const ListView& list = windows_.form2.lvFiles;
-  const std::string name = list.selected < 0 ? "" : list.Text(static_cast<std::size_t>(list.selected.Get()), 0);
-  program_.platform.GetShell().Explore(folder, "/n,/e,/select " + name);
+  session_.platform.GetShell().Explore(folder.Text(), "/n,/e,/select " + selected);
+}
+
+void Form1::OpenSearch() {
+  ClearStatus();
+  windows_.form2.Open();
+  Hide();
 }
 
 void Form1::close() {
@@ -225,37 +223,28 @@ void Form1::close() {
 }
 
 void Form1::ClearStatus() {
-  sb1.panels[0] = "";
-  sb1.panels[1] = "";
+  for (auto& panel : sb1.panels) panel = "";
 }
 
-void Form1::SelectWhere(const std::string& text, std::string IdentityInfo::*field, ComboBox& picker) {
-  ClearStatus();
-  // All positions are walked: of two identities with one username the later one is selected.
-  for (const IdentityInfo& identity : program_.catalogue.identities) {
-    if (identity.*field != text) continue;
-    Label7.caption = identity.username;
-    Label6.caption = identity.userId;
-    Text1.text = identity.storeFolder;
-    if (&picker != &cmbUserNames) cmbUserNames.text = identity.username;
-    if (&picker != &cmbUserIDs) cmbUserIDs.text = identity.userId;
-    if (&picker != &inpth1) inpth1.text = identity.storeFolder;
-  }
+bool Form1::RefusesEmptyIdentity(const std::string& message) {
+  if (!session_.Selected() || session_.Selected()->storeFolder) return false;
+  session_.platform.GetDialogs().Show({.text = message, .icon = MessageIcon::Exclamation});
+  return true;
 }
 
 void Form1::cmbUserNames_Click() {
-  SelectWhere(cmbUserNames.text, &IdentityInfo::username, cmbUserNames);
+  ClearStatus();
+  session_.SelectByUsername(cmbUserNames.text);
 }
 
 void Form1::cmbUserIDs_Click() {
-  SelectWhere(cmbUserIDs.text, &IdentityInfo::userId, cmbUserIDs);
+  ClearStatus();
+  session_.SelectByUserId(cmbUserIDs.text);
 }
 
 void Form1::inpth1_Click() {
-  for (IdentityInfo& identity : program_.catalogue.identities) {
-    if (identity.storeFolder.ends_with('\0')) identity.storeFolder.pop_back();
-  }
-  SelectWhere(inpth1.text, &IdentityInfo::storeFolder, inpth1);
+  ClearStatus();
+  session_.SelectByFolder(inpth1.text);
   Text1.SelectAll();
 }
 
@@ -269,22 +258,22 @@ void Form1::cmdShowAdditionalInfo_Click() {
 
 void Form1::cmdOpenFolder_Click() {
   ClearStatus();
-  const std::string folder = Text1.text;
+  const IdentityInfo identity = Selected();
   // Without a store there is nothing to refuse; the shell says that there is no such folder.
-  if (folder.empty() || folder == kEmptyIdentityMarker) return OpenExplorer(folder);
-  OpenExplorer(CheckStoreFolder(program_.platform.GetDrives(), Label6.caption, folder));
+  if (!identity.storeFolder || identity.storeFolder->Empty()) return OpenExplorer(WinPath(Text1.text));
+  OpenExplorer(CheckStoreFolder(session_.platform.GetDrives(), identity.userId, *identity.storeFolder));
 }
 
 void Form1::cmdOpenWab_Click() {
   ClearStatus();
-  const std::string folder = DirectoryFromFile(txtwabloc.text.Get());
-  if (folder.empty()) return OpenExplorer(folder);
-  OpenExplorer(CheckAddressBook(program_.platform.GetDrives(), folder));
+  const WinPath folder(DirectoryFromFile(session_.Catalogue().addressBookFile.Text()));
+  if (folder.Empty()) return OpenExplorer(folder);
+  OpenExplorer(CheckAddressBook(session_.platform.GetDrives(), folder));
 }
 
 void Form1::cmdRefresh_Click() {
   ClearStatus();
-  IsOERuuning();
+  session_.IsOERuuning();
 }
 
 void Form1::cmdExit_Click() {

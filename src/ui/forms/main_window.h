@@ -8,8 +8,8 @@
 #include "backup/registry_items.h"
 #include "core/disk_path.h"
 #include "reports/report_template.h"
+#include "session/session.h"
 #include "ui/form.h"
-#include "ui/forms/program.h"
 
 namespace quillbox {
 
@@ -17,7 +17,7 @@ class ProgramWindows;
 
 class Form1 : public Form {
  public:
-  Form1(Program& program, ProgramWindows& windows);
+  explicit Form1(ProgramWindows& windows);
 
   // In tab order.
   Label Label12;
@@ -63,18 +63,14 @@ class Form1 : public Form {
   void Open();
   /// The start-up sequence; shows the window.
   void Form_Load();
-  /// (Re)loads the catalogue and refills the pickers and labels.
-  void GetInputPaths();
   /// The start-time load of the address book settings.
   void loadup();
-  /// Tests whether Outlook Express is running under any identity.
-  void IsOERuuning();
   /// Opens a folder in the file manager.
-  void OpenExplorer(const std::string& folder);
-  /// The same for a folder that the disk's registry names; a refused one is told to the person.
+  void OpenExplorer(const WinPath& folder);
+  /// The same for a folder that the disk's registry names; a refused one is reported.
   void OpenExplorer(const DiskPath& folder);
-  /// Opens a folder with the file selected whose row is selected in the search window.
-  void OpenExplorer2(const std::string& folder);
+  /// Opens a folder with the file `selected` selected.
+  void OpenExplorer2(const WinPath& folder, const std::string& selected);
 
   LayoutNode Layout() override;
   void close() override;
@@ -84,27 +80,35 @@ class Form1 : public Form {
   static const MenuRow kMenu[];
 
   void BuildMenu();
+  void WatchSession();
   void ClearStatus();
   void ExportItem(RegistryItem item);
   void RestoreItem(RegistryItem item);
   void ExportSilently(RegistryItem item);
   void RestoreSilently(RegistryItem item);
-  /// Where the dialogs for registry files open.
-  WinPath DialogFolder();
   void BackUpAll(const BackupScope& scope);
-  /// Runs a command of several steps and tells the person in one message what went wrong with registry files, and what
-  /// ended it early. `what` begins a sentence.
-  void TellFailure(const std::string& what, const Handler& command);
+  /// Runs a command of several steps and says in one message what went wrong with registry files, and what ended it
+  /// early. `what` begins a sentence.
+  void ReportFailure(const std::string& what, const Handler& command);
   StatusSink ToStatus();
   /// Waits for the running command's copies and says in the second panel, after `first`, which did not go as asked.
   void ShowCopies(const std::string& first = {}, std::size_t missingStores = 0);
   void CopyAddressBook(CopyPart part);
   void RestoreAddressBook(CopyPart part);
+  void ShowAddressBookCopied();
   void CheckBackupFolder(bool withMessage);
+  void OpenSearch();
   void SaveReport(const char* name, const char* filter, ReportFormat format, const char* outcome);
   void chkbox();
-  void ShowLoadedIdentities(const CatalogueLoad& load);
-  void SelectWhere(const std::string& text, std::string IdentityInfo::*field, ComboBox& picker);
+  void ShowCatalogue();
+  void ShowSelection();
+  void ShowDefault();
+  void ShowUsernames();
+  void ShowRunning();
+  /// The selected identity; an empty one when nothing is selected.
+  IdentityInfo Selected() const { return session_.Selected().value_or(IdentityInfo()); }
+  /// True for an identity without a message store, which is reported with `advice`.
+  bool RefusesEmptyIdentity(const std::string& message);
 
   void cmbUserNames_Click();
   void cmbUserIDs_Click();
@@ -174,7 +178,7 @@ class Form1 : public Form {
   void usrIDString_Click();
   void Notyet_Click() {}
 
-  Program& program_;
+  Session& session_;
   ProgramWindows& windows_;
 };
 

@@ -9,54 +9,41 @@
 namespace quillbox {
 
 void Form1::CheckBackupFolder(bool withMessage) {
-  const BackupFolderCheck check = program_.backupFolder.Check(withMessage);
-  if (!check.keyOpened) return;
-  lblbkuppth.caption = check.shown;
-  if (!check.isSet) {
-    lblbkuppth.colour = Colour::Red;
-    return;
-  }
-  windows_.form3.EnsureLoaded();
-  windows_.form3.txtbkPth.text = check.shown;
+  const BackupFolderCheck check = session_.CheckBackupFolder(withMessage);
+  if (check.keyOpened && !check.folder) lblbkuppth.colour = Colour::Red;
 }
 
 void Form1::chkbox() {
-  if (const auto overwrite = program_.backupFolder.LoadOverwrite()) chkOverwrite.checked = *overwrite;
+  session_.LoadOverwrite();
 }
 
 void Form1::chkOverwrite_Click() {
-  program_.backupFolder.StoreOverwrite(chkOverwrite.checked);
+  session_.SetOverwrite(chkOverwrite.checked);
 }
 
 void Form1::cmdQuickBackup_Click() {
   sb1.panels[1] = "";
-  const auto folder = program_.backupFolder.Guard(FolderMessage::WithoutEnding);
+  const auto folder = session_.backupFolder.Guard(FolderMessage::WithoutEnding);
   if (!folder) return;
-  if (inpth1.text == kEmptyIdentityMarker) {
-    program_.platform.GetDialogs().Show({.text = std::string(kEmptyIdentityMarker) + " Please select another Identity.",
-                                         .icon = MessageIcon::Exclamation});
-    return;
-  }
-  const CommandFailures::Scope failures(program_.store.Failures());
+  if (RefusesEmptyIdentity(std::string(kEmptyIdentityMarker) + " Please select another Identity.")) return;
+  const CommandFailures::Scope failures(session_.store.Failures());
   const HourglassScope hourglass(*this);
   sb1.panels[0] = "";
-  const std::string userId = Label6.caption;
-  const std::string username = Label7.caption;
-  IdentityBackup backup(program_.platform, program_.store, program_.backupFolder, ToStatus());
-  const auto target = backup.EnterIdentityFolder(*folder, username);
+  const IdentityInfo identity = Selected();
+  IdentityBackup backup(session_.platform, session_.store, session_.backupFolder, ToStatus());
+  const auto target = backup.EnterIdentityFolder(*folder, identity.username);
   if (!target || !backup.CheckIdentitiesKey()) return;
   {
     const PleaseWaitScope pleaseWait(cmdQuickBackup);
-    program_.overwrite = chkOverwrite.checked;
-    backup.Save(userId, username, *target, kQuickBackup, program_.overwrite);
+    backup.Save(identity, *target, kQuickBackup, session_.Overwrite());
     ShowCopies({}, backup.MissingStores());
   }
-  program_.backupFolder.Enter(*folder);
+  session_.backupFolder.Enter(*folder);
   sb1.panels[0] = "Backup Complete";
 }
 
 void Form1::cmdbkupall_Click() {
-  TellFailure("The backup", [this] { BackUpAll(kBackupOfAll); });
+  ReportFailure("The backup", [this] { BackUpAll(kBackupOfAll); });
 }
 
 void Form1::bkAll_Click() {
@@ -64,7 +51,7 @@ void Form1::bkAll_Click() {
 }
 
 void Form1::cmdComplete_Click() {
-  TellFailure("The complete backup", [this] {
+  ReportFailure("The complete backup", [this] {
     bkupallIdentities();
     bkupIAM();
     bkupAddBook();
@@ -79,30 +66,29 @@ void Form1::bkupcomplete() {
 
 void Form1::BackUpAll(const BackupScope& scope) {
   sb1.panels[1] = "";
-  const auto folder = program_.backupFolder.Guard(FolderMessage::WithFullStop);
+  const auto folder = session_.backupFolder.Guard(FolderMessage::WithFullStop);
   if (!folder) return;
-  program_.overwrite = chkOverwrite.checked;
   {
     const HourglassScope hourglass(*this);
     const PleaseWaitScope pleaseWait(cmdbkupall);
     sb1.panels[0] = "";
-    IdentityBackup backup(program_.platform, program_.store, program_.backupFolder, ToStatus());
-    const auto saved = backup.SaveAll(*folder, program_.catalogue, scope, program_.overwrite);
+    IdentityBackup backup(session_.platform, session_.store, session_.backupFolder, ToStatus());
+    const auto saved = backup.SaveAll(*folder, session_.Catalogue(), scope, session_.Overwrite());
     if (!saved) return ShowCopies();
     ShowCopies(std::to_string(*saved) + " Identities Backed Up", backup.MissingStores());
   }
-  program_.backupFolder.Enter(*folder);
+  session_.backupFolder.Enter(*folder);
   sb1.panels[0] = "Backup Complete";
 }
 
-void Form1::TellFailure(const std::string& what, const Handler& command) {
-  const CommandFailures::Scope failures(program_.store.Failures());
+void Form1::ReportFailure(const std::string& what, const Handler& command) {
+  const CommandFailures::Scope failures(session_.store.Failures());
   try {
     command();
   } catch (const Error& error) {
     ShowCopies();
-    program_.platform.GetLog().Write(what + " ended early: " + Describe(error));
-    program_.platform.GetDialogs().Show(
+    session_.platform.GetLog().Write(what + " ended early: " + Describe(error));
+    session_.platform.GetDialogs().Show(
         {.text = what + " ended early. What was done until then stays done.\n\n" + Describe(error),
          .icon = MessageIcon::Exclamation});
   }
@@ -113,7 +99,7 @@ StatusSink Form1::ToStatus() {
 }
 
 void Form1::ShowCopies(const std::string& first, std::size_t missingStores) {
-  CopyTally tally(program_.platform.GetShell().FinishCopies());
+  CopyTally tally(session_.platform.GetShell().FinishCopies());
   tally.AddMissingStores(missingStores);
   sb1.panels[1] = tally.After(first);
 }

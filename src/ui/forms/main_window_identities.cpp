@@ -1,6 +1,5 @@
 // The main window's way to the identities: the windows that manage them, the rename, and the replacement of a {USER_ID}
 // by prompts.
-#include "identities/manage_identities.h"
 #include "identities/replace_user_id.h"
 #include "ui/forms/main_window.h"
 #include "ui/forms/program_windows.h"
@@ -41,41 +40,32 @@ void Form1::usrIDString_Click() {
 
 void Form1::chgIdentName_Click() {
   ClearStatus();
-  const std::string current = Label7.caption;
-  const std::string userId = Label6.caption;
-  Dialogs& dialogs = program_.platform.GetDialogs();
+  const IdentityInfo identity = Selected();
+  Dialogs& dialogs = session_.platform.GetDialogs();
   const std::string username =
-      dialogs.Input("Enter new Username", "Current Username: " + current, current).value_or(std::string());
-  if (username.empty() || userId.empty()) {
+      dialogs.Input("Enter new Username", "Current Username: " + identity.username, identity.username)
+          .value_or(std::string());
+  if (username.empty() || identity.userId.empty()) {
     sb1.panels[0] = "No changes made.";
-    return;
-  }
-  if (!RenameIdentity(program_.store, program_.catalogue, userId, current, username)) {
+  } else if (!session_.Rename(username)) {
     dialogs.Show({.text = "Name already exists", .icon = MessageIcon::Exclamation});
-    return;
   }
-  if (Label9.caption == userId) Label10.caption = username;
-  std::vector<std::string> usernames;
-  for (const IdentityInfo& identity : program_.catalogue.identities) usernames.push_back(identity.username);
-  cmbUserNames.items = std::move(usernames);
-  cmbUserNames.text = username;
-  Label7.caption = username;
 }
 
 void Form1::repUSERID_Click() {
   ClearStatus();
-  Dialogs& dialogs = program_.platform.GetDialogs();
+  Dialogs& dialogs = session_.platform.GetDialogs();
   if (dialogs.Show({.text = kAboutReplacing, .buttons = MessageButtons::YesNo}) != MessageAnswer::Yes) return;
-  const auto input = AskRegistryFile(program_);
+  const auto input = AskRegistryFile(session_);
   if (!input) return;
-  FileSystem& files = program_.platform.GetFiles();
-  SystemFacts& facts = program_.platform.GetSystemFacts();
+  FileSystem& files = session_.platform.GetFiles();
+  SystemFacts& facts = session_.platform.GetSystemFacts();
   const std::string old = FindOldUserId(files, facts, *input);
   const std::string userId =
       dialogs.Input("Enter new {USER_ID}", "Current {USER_ID}: " + old, "").value_or(std::string());
   if (userId.empty()) return;
   const HourglassScope hourglass(*this);
-  const WinPath output = ReplacedFile(lblbkuppth.caption, *input);
+  const WinPath output = ReplacedFile(WinPath(TextOrNone(session_.ShownBackupFolder())), *input);
   ReplaceUserId(files, facts, *input, output, userId);
   sb1.panels[0] = "File Saved as: " + output.Text();
 }

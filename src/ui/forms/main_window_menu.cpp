@@ -1,8 +1,15 @@
 // The main window's menu bar and the commands that only route to another window or to the system.
+#include "core/refusal_message.h"
 #include "ui/forms/main_window.h"
 #include "ui/forms/program_windows.h"
 
 namespace quillbox {
+namespace {
+
+/// The program's page, which the Help menu names and opens.
+constexpr const char* kWebAddress = "https://quillbox.example/";
+
+}  // namespace
 
 enum class MenuState { On, Off };
 
@@ -88,7 +95,7 @@ void Form1::BuildMenu() {
 }
 
 void Form1::cmdSearch_Click() {
-  windows_.OpenSearch();
+  OpenSearch();
 }
 
 void Form1::Search_Click() {
@@ -96,7 +103,7 @@ void Form1::Search_Click() {
 }
 
 void Form1::dbxFiles_Click() {
-  windows_.OpenSearch();
+  OpenSearch();
 }
 
 void Form1::crtbkfldr2_Click() {
@@ -106,22 +113,21 @@ void Form1::crtbkfldr2_Click() {
 
 void Form1::brbkfldr_Click() {
   sb1.panels[1] = "";
-  const std::string folder = BrowseForFolder(program_.platform.GetDialogs());
-  if (folder.empty()) return;
-  if (const auto refusal = program_.backupFolder.Choose(folder)) return TellRefusal(program_, *refusal);
-  const std::string stored = program_.backupFolder.Get();
-  lblbkuppth.caption = stored;
-  windows_.form3.EnsureLoaded();
-  windows_.form3.txtbkPth.text = stored;
+  const auto folder = BrowseForFolder(session_.platform.GetDialogs());
+  if (!folder) return;
+  if (const auto refusal = session_.ChooseBackupFolder(folder)) {
+    return ShowRefusal(session_.platform.GetDialogs(), *refusal);
+  }
+  session_.LookAt(session_.backupFolder.Get());
 }
 
 void Form1::opnbkfldr_Click() {
   sb1.panels[1] = "";
-  if (program_.backupFolder.Probe() == probe::kMissing) {
-    program_.platform.GetDialogs().Show({.text = "Backup Folder Has Not Been Set"});
+  if (session_.backupFolder.Probe() == probe::kMissing) {
+    session_.platform.GetDialogs().Show({.text = "Backup Folder Has Not Been Set"});
     return;
   }
-  program_.platform.GetShell().Explore(program_.backupFolder.Get(), "");
+  session_.platform.GetShell().Explore(session_.backupFolder.Text(), "");
 }
 
 void Form1::qbk_Click() {
@@ -138,7 +144,7 @@ void Form1::msc_Click() {
 
 void Form1::mnuURL_Click() {
   sb1.panels[1] = "";
-  program_.platform.GetShell().OpenUrl(kWebAddress);
+  session_.platform.GetShell().OpenUrl(kWebAddress);
 }
 
 }  // namespace quillbox

@@ -1,5 +1,6 @@
 // The main window's way to the address book and the reports.
 #include "addressbook/address_book.h"
+#include "core/refusal_message.h"
 #include "reports/general_date.h"
 #include "reports/identity_report.h"
 #include "ui/forms/main_window.h"
@@ -18,20 +19,20 @@ void Form1::chAddBk_Click() {
   sb1.panels[1] = "";
   Hide();
   windows_.form6.Open();
-  GetInputPaths();
+  session_.GetInputPaths();
 }
 
 void Form1::MoveWAB_Click() {
   sb1.panels[1] = "";
-  const std::string file = program_.store.RegistryGetKeyValue(CurrentUser(kAddressBookKey), "").AsText();
-  if (NameFromFullPath(file).empty()) {
-    program_.platform.GetDialogs().Show({.text = kNoFileToMove, .icon = MessageIcon::Exclamation});
+  Dialogs& dialogs = session_.platform.GetDialogs();
+  if (NameFromFullPath(ReadAddressBookFile(session_.store).Text()).empty()) {
+    dialogs.Show({.text = kNoFileToMove, .icon = MessageIcon::Exclamation});
     return;
   }
-  const std::string folder = BrowseForFolder(program_.platform.GetDialogs());
-  if (folder.empty()) return;
-  const auto refusal = AddressBook(program_.platform, program_.store).MoveTo(folder);
-  if (refusal) return TellRefusal(program_, *refusal);
+  const auto folder = BrowseForFolder(dialogs);
+  if (!folder) return;
+  const auto refusal = AddressBook(session_.platform, session_.store).MoveTo(*folder);
+  if (refusal) return ShowRefusal(dialogs, *refusal);
   ShowCopies();
   sb1.panels[0] = "Move Complete";
 }
@@ -46,25 +47,26 @@ void Form1::SaveAsHTML_Click() {
 
 void Form1::SaveReport(const char* name, const char* filter, ReportFormat format, const char* outcome) {
   sb1.panels[1] = "";
-  Dialogs& dialogs = program_.platform.GetDialogs();
-  if (!program_.searchPerformed) dialogs.Show({.text = kSearchFirst});
-  const WinPath folder(program_.backupFolder.Get());
+  Dialogs& dialogs = session_.platform.GetDialogs();
+  if (!session_.search.performed) dialogs.Show({.text = kSearchFirst});
+  const WinPath folder = session_.backupFolder.Get().value_or(WinPath());
   const auto file =
       dialogs.SaveFile({.title = {}, .folder = folder, .name = name, .filter = filter, .askOverwrite = true});
   if (!file) return;
+  const IdentityCatalogue& catalogue = session_.Catalogue();
   IdentityReportFacts facts = {
-      .created = GeneralDate(program_.store, program_.platform.GetClock().Now()),
-      .identities = program_.catalogue.identities,
-      .defaultUsername = Label10.caption,
-      .defaultUserId = Label9.caption,
-      .addressBookFile = txtwabloc.text,
-      .selectedFolder = inpth1.text,
-      .fileType = windows_.form2.cboFileType.text,
+      .created = GeneralDate(session_.store, session_.platform.GetClock().Now()),
+      .identities = catalogue.identities,
+      .defaultUsername = catalogue.defaultUsername,
+      .defaultUserId = catalogue.defaultUserId,
+      .addressBookFile = catalogue.addressBookFile.Text(),
+      .selectedFolder = session_.Selected() ? session_.Selected()->FolderText() : std::string(),
+      .fileType = session_.search.pattern,
       .foundFiles = {},
   };
-  const ListView& found = windows_.form2.lvFiles;
-  for (std::size_t row = 0; row < found.RowCount(); ++row) facts.foundFiles.push_back(found.Text(row, 0));
-  WriteReport(program_.platform.GetFiles(), program_.platform.GetSystemFacts(), *file,
+  const FoundFiles& found = session_.search.found;
+  for (std::size_t row = 0; row < found.Count(); ++row) facts.foundFiles.push_back(found.Name(row));
+  WriteReport(session_.platform.GetFiles(), session_.platform.GetSystemFacts(), *file,
               MakeIdentityReport(facts, format));
   sb1.panels[0] = file->Text() + outcome;
 }

@@ -7,47 +7,43 @@
 namespace quillbox {
 
 void Form1::cmdRestore_Click() {
-  TellFailure("The complete restore", [this] {
+  ReportFailure("The complete restore", [this] {
     resbkupAllIdent();
     resbkupIAM();
     resbkupAddBook();
     RestoreAddressBook(CopyPart::OneOfSeveral);
-    GetInputPaths();
+    session_.GetInputPaths();
     resComplete();
   });
 }
 
 void Form1::resbkupAllIdent() {
   RestoreSilently(RegistryItem::AllIdentities);
-  GetInputPaths();
+  session_.GetInputPaths();
 }
 
 void Form1::RestoreSilently(RegistryItem item) {
   sb1.panels[1] = "";
-  RegistryItems(program_.platform, program_.store, program_.backupFolder)
-      .RestoreSilently(item, program_.backupFolder.Get());
+  RegistryItems(session_.platform, session_.store, session_.backupFolder)
+      .RestoreSilently(item, session_.backupFolder.Get());
   sb1.panels[0] = RowOf(item).restoreDone;
 }
 
 void Form1::resComplete() {
-  const auto folder = program_.backupFolder.Guard(FolderMessage::WithFullStop);
+  const auto folder = session_.backupFolder.Guard(FolderMessage::WithFullStop);
   if (!folder) return;
-  program_.overwrite = chkOverwrite.checked;
-  StoreRestore restore(program_.platform, program_.store, program_.backupFolder, ToStatus());
-  restore.RestoreAll(*folder, program_.catalogue, program_.overwrite);
+  StoreRestore restore(session_.platform, session_.store, session_.backupFolder, ToStatus());
+  restore.RestoreAll(*folder, session_.Catalogue(), session_.Overwrite());
   ShowCopies({}, restore.MissingStores());
   sb1.panels[0] = "Restore Complete";
 }
 
 void Form1::resDBX_Click() {
   sb1.panels[1] = "";
-  if (inpth1.text == kEmptyIdentityMarker) {
-    program_.platform.GetDialogs().Show(
-        {.text = "This Identity is empty, there are no files to restore. Please select another Identity.",
-         .icon = MessageIcon::Exclamation});
+  if (RefusesEmptyIdentity("This Identity is empty, there are no files to restore. Please select another Identity.")) {
     return;
   }
-  windows_.OpenSearch();
+  OpenSearch();
 }
 
 }  // namespace quillbox

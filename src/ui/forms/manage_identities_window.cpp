@@ -13,8 +13,8 @@ constexpr const char* kMakeChange = "Click to Make Change";
 
 }  // namespace
 
-Form8::Form8(Program& program, ProgramWindows& windows)
-    : Form(program.guard, "Form8", "Manage Identities"),
+Form8::Form8(ProgramWindows& windows)
+    : Form(windows.guard, "Form8", "Manage Identities"),
       Frame2(*this, "Frame2", "Default Identity"),
       Label2(*this, "Label2", "Use this Identity when a program cannot ask you to choose an Identity"),
       lbllbl3(*this, "lbllbl3",
@@ -38,7 +38,7 @@ Form8::Form8(Program& program, ProgramWindows& windows)
       lblForceStart(*this, "lblForceStart"),
       cmdStartAs(*this, "cmdStartAs", kMakeChange),
       cmdClose(*this, "cmdClose", "Close"),
-      program_(program),
+      session_(windows.session),
       windows_(windows) {
   for (Label* label : {&Label2, &lbllbl3, &Label1, &lbllbl1, &lbllbl2}) label->wraps = true;
   // Two buttons make changes, so Enter presses neither.
@@ -74,45 +74,42 @@ LayoutNode Form8::Layout() {
 
 void Form8::Open() {
   Form_Load();
-  windows_.form1.Hide();
-  Show();
+  windows_.ReplaceMainWindow(*this);
 }
 
 void Form8::Form_Load() {
-  windows_.form1.GetInputPaths();
-  ListUserIds(cmbStartAs, program_.catalogue, {kNobody});
-  cmbStartAs.text = ReadStartAs(program_.store);
+  session_.GetInputPaths();
+  std::vector<std::string> startAs = UserIds(session_.Catalogue());
+  startAs.insert(startAs.begin(), kNobody);
+  cmbStartAs.Clear();
+  cmbStartAs.items = std::move(startAs);
+  cmbStartAs.text = ReadStartAs(session_.store);
   cmbStartAs_Click();
-  ListUserIds(cmbDefUserID, program_.catalogue);
-  cmbDefUserID.text = program_.catalogue.defaultUserId;
+  ListUserIds(cmbDefUserID, session_.Catalogue());
+  cmbDefUserID.text = session_.Catalogue().defaultUserId;
   cmbDefUserID_Click();
 }
 
 void Form8::cmbStartAs_Click() {
-  const std::string username = ReadUsername(program_.store, cmbStartAs.text);
+  const std::string username = ReadUsername(session_.store, cmbStartAs.text);
   lblUsernameStartAs.caption = username.empty() ? "Prompt For Identity" : username;
   lblForceStart.caption = username.empty() ? "To retain this setting, you must use Exit and Logoff" : "";
 }
 
 void Form8::cmbDefUserID_Click() {
-  lblDefUsername.caption = ReadUsername(program_.store, cmbDefUserID.text);
+  lblDefUsername.caption = ReadUsername(session_.store, cmbDefUserID.text);
 }
 
 void Form8::cmdChgDefault_Click() {
-  SetDefaultIdentity(program_.store, cmbDefUserID.text);
-  program_.catalogue.defaultUserId = cmbDefUserID.text;
-  program_.catalogue.defaultUsername = ReadUsername(program_.store, cmbDefUserID.text);
-  windows_.form1.Label9.caption = program_.catalogue.defaultUserId;
-  windows_.form1.Label10.caption = program_.catalogue.defaultUsername;
+  session_.SetDefault(cmbDefUserID.text);
 }
 
 void Form8::cmdStartAs_Click() {
-  SetStartAs(program_.store, cmbStartAs.text);
+  SetStartAs(session_.store, cmbStartAs.text);
 }
 
 void Form8::cmdClose_Click() {
-  Hide();
-  windows_.form1.Show();
+  windows_.ReturnToMainWindow(*this);
 }
 
 }  // namespace quillbox

@@ -1,8 +1,8 @@
 // "Manage Identities": which identity is the default one, and which one Outlook Express starts as.
 #pragma once
 
+#include "session/session.h"
 #include "ui/form.h"
-#include "ui/forms/program.h"
 
 namespace quillbox {
 
@@ -10,7 +10,7 @@ class ProgramWindows;
 
 class Form8 : public Form {
  public:
-  Form8(Program& program, ProgramWindows& windows);
+  explicit Form8(ProgramWindows& windows);
 
   // In tab order.
   Frame Frame2;
@@ -44,7 +44,7 @@ class Form8 : public Form {
   void cmdStartAs_Click();
   void cmdClose_Click();
 
-  Program& program_;
+  Session& session_;
   ProgramWindows& windows_;
 };
 

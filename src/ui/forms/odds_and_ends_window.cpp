@@ -1,19 +1,21 @@
 #include "ui/forms/odds_and_ends_window.h"
 
 #include "settings/settings_tabs.h"
+#include "ui/forms/identity_picker.h"
 #include "ui/forms/program_windows.h"
 
 namespace quillbox {
 
-Form12::Form12(Program& program, ProgramWindows& windows)
-    : Form(program.guard, "Form12", "Odds and Ends"),
+Form12::Form12(ProgramWindows& windows)
+    : Form(windows.guard, "Form12", "Odds and Ends"),
       cmbUsr(*this, "cmbUsr"),
       lblcurUsrName(*this, "lblcurUsrName"),
-      editor(program.platform, program.store),
-      settings(*this, kOddsAndEnds, editor, program.platform.GetDialogs(), [this] { return cmbUsr.text.Get(); }),
+      editor(windows.session.platform, windows.session.store),
+      settings(*this, kOddsAndEnds, editor, windows.session.platform.GetDialogs(),
+               [this] { return cmbUsr.text.Get(); }),
       cmdResIELogo(*this, "cmdResIELogo", "Restore IE Logo"),
       cmdClose(*this, "cmdClose", "Close"),
-      program_(program),
+      session_(windows.session),
       windows_(windows) {
   cmdClose.isCancel = true;
   cmbUsr.onClick = [this] { cmbUsr_Click(); };
@@ -31,16 +33,12 @@ LayoutNode Form12::Layout() {
 
 void Form12::Open() {
   Form_Load();
-  windows_.form1.Hide();
-  Show();
+  windows_.ReplaceMainWindow(*this);
 }
 
 void Form12::Form_Load() {
-  windows_.form1.GetInputPaths();
-  const auto& identities = program_.catalogue.identities;
-  cmbUsr.Clear();
-  for (const IdentityInfo& identity : identities) cmbUsr.Add(identity.userId);
-  if (!identities.empty()) cmbUsr.text = identities.front().userId;
+  session_.GetInputPaths();
+  ListAndShowUserIds(cmbUsr, session_.Catalogue());
   lblcurUsrName.caption = editor.Username(cmbUsr.text);
   settings.Load(SettingsEditor::Occasion::Opening);
 }
@@ -51,8 +49,7 @@ void Form12::cmbUsr_Click() {
 }
 
 void Form12::cmdClose_Click() {
-  windows_.form1.Show();
-  Hide();
+  windows_.ReturnToMainWindow(*this);
 }
 
 }  // namespace quillbox

@@ -1,8 +1,8 @@
 // "Odds and Ends": switches and title bars of Outlook Express and Internet Explorer that no dialog of theirs offers.
 #pragma once
 
+#include "session/session.h"
 #include "ui/form.h"
-#include "ui/forms/program.h"
 #include "ui/forms/setting_controls.h"
 
 namespace quillbox {
@@ -11,7 +11,7 @@ class ProgramWindows;
 
 class Form12 : public Form {
  public:
-  Form12(Program& program, ProgramWindows& windows);
+  explicit Form12(ProgramWindows& windows);
 
   // In tab order; those of the settings are reached by their names.
   ComboBox cmbUsr;
@@ -31,7 +31,7 @@ class Form12 : public Form {
   void cmbUsr_Click();
   void cmdClose_Click();
 
-  Program& program_;
+  Session& session_;
   ProgramWindows& windows_;
 };
 

@@ -2,8 +2,9 @@
 #pragma once
 
 #include <functional>
-#include <memory>
+#include <vector>
 
+#include "session/session.h"
 #include "ui/forms/address_book_window.h"
 #include "ui/forms/backup_folder_window.h"
 #include "ui/forms/clone_identity_window.h"
@@ -12,7 +13,6 @@
 #include "ui/forms/main_window.h"
 #include "ui/forms/manage_identities_window.h"
 #include "ui/forms/odds_and_ends_window.h"
-#include "ui/forms/program.h"
 #include "ui/forms/replace_user_id_window.h"
 #include "ui/forms/rules_window.h"
 #include "ui/forms/search_window.h"
@@ -24,23 +24,25 @@ namespace quillbox {
 class ProgramWindows {
  public:
   explicit ProgramWindows(Platform& platform)
-      : program(platform),
-        form1(program, *this),
-        form2(program, *this),
-        form3(program, *this),
-        form4(program, *this),
-        form5(program, *this),
-        form6(program, *this),
-        form7(program, *this),
-        form8(program, *this),
-        form9(program, *this),
-        form10(program, *this, RulesForm::kMail),
-        form11(program, *this, RulesForm::kNews),
-        form12(program, *this),
-        form13(program, *this),
-        form17(program, *this) {}
+      : session(platform),
+        guard(platform),
+        form1(*this),
+        form2(*this),
+        form3(*this),
+        form4(*this),
+        form5(*this),
+        form6(*this),
+        form7(*this),
+        form8(*this),
+        form9(*this),
+        form10(*this, RulesForm::kMail),
+        form11(*this, RulesForm::kNews),
+        form12(*this),
+        form13(*this),
+        form17(*this) {}
 
-  Program program;
+  Session session;
+  HandlerGuard guard;
   Form1 form1;
   Form2 form2;
   Form3 form3;
@@ -61,10 +63,15 @@ class ProgramWindows {
     return {&form1, &form2, &form3,  &form4,  &form5,  &form6,  &form7,
             &form8, &form9, &form10, &form11, &form12, &form13, &form17};
   }
-  /// Shows the search window in place of the main window.
-  void OpenSearch();
+
+  /// Shows `window` in place of the main window, and the main window again.
+  void ReplaceMainWindow(Form& window);
+  void ReturnToMainWindow(Form& window);
+
   /// Hides every window and ends the program.
   void UnloadAll();
+  /// Ends the program; set by whoever runs the windows.
+  std::function<void()> quit = [] {};
 };
 
 }  // namespace quillbox

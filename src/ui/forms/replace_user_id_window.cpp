@@ -7,8 +7,8 @@
 
 namespace quillbox {
 
-Form17::Form17(Program& program, ProgramWindows& windows)
-    : Form(program.guard, "Form17", "Replace {USER_ID} String in .reg File"),
+Form17::Form17(ProgramWindows& windows)
+    : Form(windows.guard, "Form17", "Replace {USER_ID} String in .reg File"),
       lblfirst(*this, "lblfirst", "1:  Select Registry file (.reg) to be changed."),
       cmpOpen(*this, "cmpOpen", "Open", "Click here to open the .reg file to change."),
       lblselectedfile(*this, "lblselectedfile"),
@@ -23,7 +23,7 @@ Form17::Form17(Program& program, ProgramWindows& windows)
       lblMerge(*this, "lblMerge", "5:  Press Button to the right to merge the file into the registry."),
       cmdMerge(*this, "cmdMerge", "Merge File?", "Click here to merge the .reg file created into the registry."),
       cmdClose(*this, "cmdClose", "Close", "Close this window."),
-      program_(program),
+      session_(windows.session),
       windows_(windows) {
   cmpOpen.isDefault = true;
   cmdClose.isCancel = true;
@@ -53,56 +53,55 @@ LayoutNode Form17::Layout() {
 
 void Form17::Open() {
   Form_Load();
-  windows_.form1.Hide();
-  Show();
+  windows_.ReplaceMainWindow(*this);
 }
 
 void Form17::Form_Load() {
-  windows_.form1.GetInputPaths();
-  input_ = output_ = WinPath();
+  session_.GetInputPaths();
+  input_.reset();
+  output_.reset();
   lblselectedfile.caption = "";
   lblFinished.caption = "";
-  ListAndShowUserIds(cmboUserIDs97, program_.catalogue);
+  ListAndShowUserIds(cmboUserIDs97, session_.Catalogue());
   cmboUserIDs97_Click();
 }
 
 void Form17::cmboUserIDs97_Click() {
-  lblcurUsrName17.caption = ReadUsername(program_.store, cmboUserIDs97.text);
+  lblcurUsrName17.caption = ReadUsername(session_.store, cmboUserIDs97.text);
 }
 
 void Form17::cmpOpen_Click() {
-  const auto chosen = AskRegistryFile(program_);
+  const auto chosen = AskRegistryFile(session_);
   if (!chosen) return;
   input_ = *chosen;
-  lblselectedfile.caption = GetFileName(input_.Text());
+  lblselectedfile.caption = GetFileName(chosen->Text());
 }
 
 void Form17::cmdReplace_Click() {
-  output_ = WinPath();
+  output_.reset();
   lblFinished.caption = "";
-  if (input_.Empty()) return;
+  if (!input_) return;
   const HourglassScope hourglass(*this);
-  const WinPath output = ReplacedFile(windows_.form1.lblbkuppth.caption, input_);
-  ReplaceUserId(program_.platform.GetFiles(), program_.platform.GetSystemFacts(), input_, output, cmboUserIDs97.text);
+  const WinPath output = ReplacedFile(WinPath(TextOrNone(session_.ShownBackupFolder())), *input_);
+  ReplaceUserId(session_.platform.GetFiles(), session_.platform.GetSystemFacts(), *input_, output, cmboUserIDs97.text);
   output_ = output;
-  lblFinished.caption = "File Saved as: " + output_.Text();
+  lblFinished.caption = "File Saved as: " + output.Text();
 }
 
 void Form17::cmdMerge_Click() {
-  Dialogs& dialogs = program_.platform.GetDialogs();
-  dialogs.Show({.text = output_.Text()});
-  if (!output_.Empty()) program_.store.RegMerge(output_);
+  Dialogs& dialogs = session_.platform.GetDialogs();
+  dialogs.Show({.text = output_ ? output_->Text() : std::string()});
+  if (output_) session_.store.RegMerge(*output_);
   dialogs.Show({.text = "Registry file has been merged."});
 }
 
 void Form17::cmdClose_Click() {
-  Hide();
-  windows_.form1.Show();
+  windows_.ReturnToMainWindow(*this);
 }
 
-std::optional<WinPath> AskRegistryFile(Program& program) {
-  return program.platform.GetDialogs().OpenFile({.title = {},
-                                                 .folder = WinPath(program.backupFolder.Get()),
+std::optional<WinPath> AskRegistryFile(Session& session) {
+  return session.platform.GetDialogs().OpenFile({.title = {},
+                                                 .folder = session.backupFolder.Get().value_or(WinPath()),
                                                  .name = "*.reg",
                                                  .filter = "Registration Files (*.reg) | *.reg",
                                                  .askOverwrite = false});

@@ -3,8 +3,8 @@
 
 #include <optional>
 
+#include "session/session.h"
 #include "ui/form.h"
-#include "ui/forms/program.h"
 
 namespace quillbox {
 
@@ -12,7 +12,7 @@ class ProgramWindows;
 
 class Form17 : public Form {
  public:
-  Form17(Program& program, ProgramWindows& windows);
+  explicit Form17(ProgramWindows& windows);
 
   // In tab order.
   Label lblfirst;
@@ -43,13 +43,13 @@ class Form17 : public Form {
   void cmdMerge_Click();
   void cmdClose_Click();
 
-  Program& program_;
+  Session& session_;
   ProgramWindows& windows_;
-  WinPath input_;   ///< empty until a file was chosen
-  WinPath output_;  ///< empty until a file was made
+  std::optional<WinPath> input_;   ///< the file that was chosen
+  std::optional<WinPath> output_;  ///< the file that was made of it
 };
 
 /// Asks for the registry file to replace a {USER_ID} in, beginning in the backup folder; nothing when cancelled.
-std::optional<WinPath> AskRegistryFile(Program& program);
+std::optional<WinPath> AskRegistryFile(Session& session);
 
 }  // namespace quillbox

@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "reports/general_date.h"
+#include "ui/forms/identity_picker.h"
 #include "ui/forms/program_windows.h"
 
 namespace quillbox {
@@ -36,8 +37,8 @@ const RulesForm::Words RulesForm::kNews = {
     .pageFilter = "Text Files (*.htm) | *.htm",
 };
 
-RulesForm::RulesForm(Program& program, ProgramWindows& windows, const Words& words)
-    : Form(program.guard, words.form, words.title),
+RulesForm::RulesForm(ProgramWindows& windows, const Words& words)
+    : Form(windows.guard, words.form, words.title),
       lblUserIDtxt(*this, "lblUserIDtxt", "User ID"),
       cmboUserIDs97(*this, "cmboUserIDs97"),
       lblusrNym(*this, "lblusrNym", "Username:"),
@@ -47,7 +48,7 @@ RulesForm::RulesForm(Program& program, ProgramWindows& windows, const Words& wor
       cmdSave(*this, "cmdSave", "Save To Text File"),
       cmdHTML(*this, "cmdHTML", "Save To HTML File"),
       cmdClose4(*this, "cmdClose4", "Close"),
-      program_(program),
+      session_(windows.session),
       windows_(windows),
       words_(words) {
   cmdSave.isDefault = true;
@@ -70,24 +71,18 @@ LayoutNode RulesForm::Layout() {
 
 void RulesForm::Open() {
   Form_Load();
-  Show();
-  windows_.form1.Hide();
+  windows_.ReplaceMainWindow(*this);
 }
 
 void RulesForm::Form_Load() {
-  windows_.form1.GetInputPaths();
-  cmboUserIDs97.Clear();
-  std::vector<std::string> userIds;
-  for (const IdentityInfo& identity : program_.catalogue.identities) userIds.push_back(identity.userId);
-  const std::string first = userIds.empty() ? std::string() : userIds.front();
-  cmboUserIDs97.items = std::move(userIds);
-  cmboUserIDs97.text = first;
+  session_.GetInputPaths();
+  ListAndShowUserIds(cmboUserIDs97, session_.Catalogue());
   ShowIdentity();
 }
 
 void RulesForm::ShowIdentity() {
   const RegistryPath identity = CurrentUser(IdentityKey(cmboUserIDs97.text));
-  lblcurUsrName17.caption = TextOf(program_.store.RegistryGetKeyValue(identity, "Username", ExpandableText::Ignore));
+  lblcurUsrName17.caption = TextOf(session_.store.RegistryGetKeyValue(identity, "Username", ExpandableText::Ignore));
   EnumRules();
 }
 
@@ -97,7 +92,7 @@ void RulesForm::EnumRules() {
 }
 
 RuleReader RulesForm::Reader() {
-  return RuleReader(program_.store, words_.set, CodePage(program_.platform.GetSystemFacts().CodePageNumber()));
+  return RuleReader(session_.store, words_.set, CodePage(session_.platform.GetSystemFacts().CodePageNumber()));
 }
 
 void RulesForm::cmboUserIDs97_Click() {
@@ -105,27 +100,26 @@ void RulesForm::cmboUserIDs97_Click() {
 }
 
 void RulesForm::Save(const char* name, const char* filter, ReportFormat format) {
-  Dialogs& dialogs = program_.platform.GetDialogs();
+  Dialogs& dialogs = session_.platform.GetDialogs();
   if (lblNumRules.caption == "0") {
     dialogs.Show({.text = "No rules to print", .icon = MessageIcon::Exclamation});
     return;
   }
-  const std::string created = GeneralDate(program_.store, program_.platform.GetClock().Now());
-  const WinPath folder(program_.backupFolder.Get());
+  const std::string created = GeneralDate(session_.store, session_.platform.GetClock().Now());
+  const WinPath folder = session_.backupFolder.Get().value_or(WinPath());
   const auto file =
       dialogs.SaveFile({.title = {}, .folder = folder, .name = name, .filter = filter, .askOverwrite = true});
   if (!file) return;
   const HourglassScope hourglass(*this);
   RuleReader reader = Reader();
   const RulesReport report = MakeRulesReport(reader, cmboUserIDs97.text, created, format);
-  WriteReport(program_.platform.GetFiles(), program_.platform.GetSystemFacts(), *file, report.text);
+  WriteReport(session_.platform.GetFiles(), session_.platform.GetSystemFacts(), *file, report.text);
   // Nothing is shown for it, but the log has it.
   if (!report.brokenOff.empty()) throw std::runtime_error(file->Text() + " ends early. " + report.brokenOff);
 }
 
 void RulesForm::cmdClose4_Click() {
-  windows_.form1.Show();
-  Hide();
+  windows_.ReturnToMainWindow(*this);
 }
 
 }  // namespace quillbox

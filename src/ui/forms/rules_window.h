@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "reports/rules_report.h"
+#include "session/session.h"
 #include "ui/form.h"
-#include "ui/forms/program.h"
 
 namespace quillbox {
 
@@ -19,7 +19,7 @@ class RulesForm : public Form {
   static const Words kMail;
   static const Words kNews;
 
-  RulesForm(Program& program, ProgramWindows& windows, const Words& words);
+  RulesForm(ProgramWindows& windows, const Words& words);
 
   // In tab order.
   Label lblUserIDtxt;
@@ -46,7 +46,7 @@ class RulesForm : public Form {
   void cmboUserIDs97_Click();
   void cmdClose4_Click();
 
-  Program& program_;
+  Session& session_;
   ProgramWindows& windows_;
   const Words& words_;
 };

@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "core/copy_tally.h"
+#include "core/refusal_message.h"
+#include "ui/forms/identity_picker.h"
 #include "ui/forms/program_windows.h"
 
 namespace quillbox {
@@ -30,8 +32,8 @@ constexpr std::size_t kRootLength = 3;  // "C:\"
 
 }  // namespace
 
-Form2::Form2(Program& program, ProgramWindows& windows)
-    : Form(program.guard, "Form2", "Search"),
+Form2::Form2(ProgramWindows& windows)
+    : Form(windows.guard, "Form2", "Search"),
       Label1(*this, "Label1", "Search for Outlook Express Files"),
       lblcrtbkfirst(*this, "lblcrtbkfirst", "1)  Create a backup folder if you have not already done so."),
       cmdbkfldr2(*this, "cmdbkfldr2", "Create Back  Up Folder", "Click here to create a backup folder to store files."),
@@ -44,9 +46,10 @@ Form2::Form2(Program& program, ProgramWindows& windows)
       cboDrives(*this, "cboDrives", "", "Select a hard drive to search"),
       cmdSearch(*this, "cmdSearch", "Search", "Click to search for OE file type selected."),
       srchBackup(*this, "srchBackup", "Search Backup Folder", "Click here to search the backup folder."),
-      lvFiles(
-          *this, "lvFiles", {"File Name", "Path"},
-          [this](std::size_t row, std::size_t column) { return column == 0 ? found_.Name(row) : found_.Folder(row); }),
+      lvFiles(*this, "lvFiles", {"File Name", "Path"},
+              [this](std::size_t row, std::size_t column) {
+                return column == 0 ? session_.search.found.Name(row) : session_.search.found.Folder(row);
+              }),
       Label2(*this, "Label2", "Found:"),
       Label3(*this, "Label3", kNothingFound, "Number of Identities"),
       cndSelectAll(*this, "cndSelectAll", "Select All", "Click to select all files listed in search window."),
@@ -65,7 +68,7 @@ Form2::Form2(Program& program, ProgramWindows& windows)
       IdentyPth(*this, "IdentyPth"),
       cmdCloseForm2(*this, "cmdCloseForm2", "Close", "Close this window."),
       sb2(*this, "sb2", 2),
-      program_(program),
+      session_(windows.session),
       windows_(windows) {
   cboFileType.editable = true;
   cmdSearch.isDefault = true;
@@ -82,6 +85,7 @@ Form2::Form2(Program& program, ProgramWindows& windows)
   cmdbkfldr2.onClick = [this] { cmdbkfldr2_Click(); };
   cmdCloseForm2.onClick = [this] { cmdCloseForm2_Click(); };
   lvFiles.onDblClick = [this] { lvFiles_DblClick(); };
+  session_.backupFolderChanged.Connect([this] { txtbackupPath.caption = TextOrNone(session_.ShownBackupFolder()); });
 }
 
 LayoutNode Form2::Layout() {
@@ -114,7 +118,7 @@ void Form2::FillFileTypes() {
 }
 
 void Form2::gdrive() {
-  drives_ = ListDrives(program_.platform.GetDrives());
+  drives_ = ListDrives(session_.platform.GetDrives());
   cboDrives.items = drives_.items;
   cboDrives.text = drives_.items.empty() ? std::string() : drives_.items.front();
   EnableSearch();
@@ -124,14 +128,18 @@ void Form2::EnableSearch() {
   cmdSearch.enabled = !Trim(cboFileType.text.Get()).empty();
 }
 
+void Form2::ShowNoSearches() {
+  Label3.caption = "0 Searches";
+}
+
 void Form2::Form_Load() {
-  windows_.form1.GetInputPaths();
+  session_.GetInputPaths();
   Load();
 }
 
 void Form2::Load() {
   loaded_ = true;
-  txtbackupPath.caption = program_.backupFolder.Get();
+  txtbackupPath.caption = session_.backupFolder.Text();
   cmbResIdentity.Clear();
   ShowIdentities();
   gdrive();
@@ -139,27 +147,23 @@ void Form2::Load() {
 
 /// Offers the identities that there are now. The one that was chosen stays so while it is there.
 void Form2::ShowIdentities() {
-  std::vector<std::string> userIds;
-  for (const IdentityInfo& identity : program_.catalogue.identities) userIds.push_back(identity.userId);
-  if (cmbResIdentity.items == userIds) return;
+  if (cmbResIdentity.items == UserIds(session_.Catalogue())) return;
   const std::string chosen = cmbResIdentity.text;
-  const bool isThere = std::find(userIds.begin(), userIds.end(), chosen) != userIds.end();
-  const std::string first = userIds.empty() ? std::string() : userIds.front();
-  cmbResIdentity.items = std::move(userIds);
-  cmbResIdentity.text = isThere ? chosen : first;
+  ListAndShowUserIds(cmbResIdentity, session_.Catalogue());
+  if (session_.Catalogue().Find(chosen)) cmbResIdentity.text = chosen;
   cmbResIdentity_Click();
 }
 
 void Form2::Open() {
   if (!loaded_) Form_Load();
-  txtbackupPath.caption = program_.backupFolder.Get();
+  txtbackupPath.caption = session_.backupFolder.Text();
   ShowIdentities();
   Show();
 }
 
 void Form2::close() {
   RunHandler("Form_Unload", [this] {
-    ShowMainWindow();
+    windows_.ReturnToMainWindow(*this);
     Unload();
   });
 }
@@ -168,16 +172,12 @@ void Form2::close() {
 void Form2::Unload() {
   loaded_ = false;
   lvFiles.SetRowCount(0);
-  found_.Clear();
+  session_.search.found.Clear();
   Label3.caption = kNothingFound;
   cboFileType.text = kFileTypes[0].pattern;
+  session_.search.pattern = cboFileType.text;
   Label13.caption = kFileTypes[0].description;
   ClearStatus();
-}
-
-void Form2::ShowMainWindow() {
-  windows_.form1.Show();
-  Hide();
 }
 
 void Form2::ClearStatus() {
@@ -185,18 +185,18 @@ void Form2::ClearStatus() {
 }
 
 void Form2::SearchIn(const std::vector<std::string>& roots) {
-  program_.searchPerformed = true;
+  session_.search.performed = true;
   ClearStatus();
   lvFiles.SetRowCount(0);
-  found_.Clear();
+  session_.search.found.Clear();
   SearchReport report;
   {
-    const auto progress = program_.platform.GetDialogs().ShowProgress("Searching...");
+    const auto progress = session_.platform.GetDialogs().ShowProgress("Searching...");
     for (const std::string& root : roots) {
       if (!report.cancelled) GetFiles(root, cboFileType.text, report, *progress);
     }
   }
-  for (const std::string& folder : report.unread) program_.platform.GetLog().Write("not searched: " + folder);
+  for (const std::string& folder : report.unread) session_.platform.GetLog().Write("not searched: " + folder);
   if (!report.unread.empty()) sb2.panels[1] = "Folders not read: " + std::to_string(report.unread.size());
   sb2.panels[0] = report.cancelled ? "Search Cancelled" : "Search Complete";
 }
@@ -204,12 +204,12 @@ void Form2::SearchIn(const std::vector<std::string>& roots) {
 void Form2::GetFiles(const std::string& path, const std::string& pattern, SearchReport& report, Progress& progress) {
   windows_.form1.Hide();
   const HourglassScope hourglass(*this);
-  SearchFiles(program_.platform.GetFiles(), WinPath(path), pattern, found_, report,
+  SearchFiles(session_.platform.GetFiles(), WinPath(path), pattern, session_.search.found, report,
               [&](const std::string& folder, std::size_t found) {
                 return progress.Update(std::to_string(found) + " found, now in " + folder, 0, 0);
               });
-  lvFiles.SetRowCount(found_.Count());
-  Label3.caption = std::to_string(found_.Count());
+  lvFiles.SetRowCount(session_.search.found.Count());
+  Label3.caption = std::to_string(session_.search.found.Count());
 }
 
 void Form2::cmdSearch_Click() {
@@ -220,16 +220,16 @@ void Form2::cmdSearch_Click() {
 }
 
 void Form2::srchBackup_Click() {
-  SearchIn({program_.backupFolder.Get()});
+  SearchIn({session_.backupFolder.Text()});
 }
 
 /// Copies the checked files into `folder`, whose files of the same names the shell asks about.
 void Form2::CopyChecked(const WinPath& folder) {
   const auto rows = lvFiles.CheckedRows();
-  Shell& shell = program_.platform.GetShell();
+  Shell& shell = session_.platform.GetShell();
   for (const std::size_t row : rows) {
-    const std::string& name = found_.Name(row);
-    shell.CopyFile({.source = WinPath(found_.Folder(row)).Join(name),
+    const std::string& name = session_.search.found.Name(row);
+    shell.CopyFile({.source = WinPath(session_.search.found.Folder(row)).Join(name),
                     .target = folder.Join(name),
                     .part = rows.size() == 1 ? CopyPart::OnlyFile : CopyPart::OneOfSeveral});
   }
@@ -238,7 +238,7 @@ void Form2::CopyChecked(const WinPath& folder) {
 
 void Form2::cmdCopyFiles_Click() {
   ClearStatus();
-  const auto folder = program_.backupFolder.Guard(FolderMessage::WithFullStop);
+  const auto folder = session_.backupFolder.Guard(FolderMessage::WithFullStop);
   if (!folder) return;
   CopyChecked(*folder);
   sb2.panels[0] = "Copy Complete";
@@ -246,32 +246,31 @@ void Form2::cmdCopyFiles_Click() {
 
 void Form2::resDBXFiles_Click() {
   const Message question{.text = kOverwriteQuestion, .buttons = MessageButtons::YesNo};
-  if (program_.platform.GetDialogs().Show(question) != MessageAnswer::Yes) return;
+  if (session_.platform.GetDialogs().Show(question) != MessageAnswer::Yes) return;
   ClearStatus();
-  if (!program_.backupFolder.Guard(FolderMessage::WithFullStop)) return;
+  if (!session_.backupFolder.Guard(FolderMessage::WithFullStop)) return;
   if (lvFiles.CheckedRows().empty()) {
     sb2.panels[0] = "No Items Restored";
     return;
   }
   if (Trim(IdentyPth.text.Get()).empty() || IdentyPth.text == kEmptyIdentityMarker) {
-    program_.platform.GetDialogs().Show({.text = kNoStoreFolder, .icon = MessageIcon::Exclamation});
+    session_.platform.GetDialogs().Show({.text = kNoStoreFolder, .icon = MessageIcon::Exclamation});
     return;
   }
   const DiskPath target = RestoreTarget();
-  if (!target.IsUsable()) return TellRefusal(program_, target.Refusal());
+  if (!target.IsUsable()) return ShowRefusal(session_.platform.GetDialogs(), target.Refusal());
   CopyChecked(target.Path());
   sb2.panels[0] = "Restore Complete";
 }
 
 /// The folder shown: what the registry names for the chosen identity, or what the person typed over it.
 DiskPath Form2::RestoreTarget() {
-  Drives& drives = program_.platform.GetDrives();
-  for (const IdentityInfo& identity : program_.catalogue.identities) {
-    if (identity.userId == cmbResIdentity.text.Get() && identity.storeFolder == IdentyPth.text.Get()) {
-      return CheckStoreFolder(drives, identity.userId, identity.storeFolder);
-    }
+  Drives& drives = session_.platform.GetDrives();
+  const IdentityInfo* identity = session_.Catalogue().Find(cmbResIdentity.text);
+  if (identity && identity->FolderText() == IdentyPth.text.Get()) {
+    return CheckStoreFolder(drives, identity->userId, WinPath(IdentyPth.text));
   }
-  return {drives, IdentyPth.text};
+  return {drives, WinPath(IdentyPth.text)};
 }
 
 void Form2::cndSelectAll_Click() {
@@ -284,6 +283,7 @@ void Form2::cmdDeselectAll_Click() {
 }
 
 void Form2::cboFileType_Click() {
+  session_.search.pattern = cboFileType.text;
   for (const FileType& type : kFileTypes) {
     if (cboFileType.text == type.pattern) Label13.caption = type.description;
   }
@@ -291,12 +291,9 @@ void Form2::cboFileType_Click() {
 }
 
 void Form2::cmbResIdentity_Click() {
-  IdentityInfo chosen;
-  for (const IdentityInfo& identity : program_.catalogue.identities) {
-    if (identity.userId == cmbResIdentity.text.Get()) chosen = identity;
-  }
-  lblusrname.caption = chosen.username;
-  IdentyPth.text = chosen.storeFolder;
+  const IdentityInfo* chosen = session_.Catalogue().Find(cmbResIdentity.text);
+  lblusrname.caption = chosen ? chosen->username : std::string();
+  IdentyPth.text = chosen ? chosen->FolderText() : std::string();
 }
 
 void Form2::cmdbkfldr2_Click() {
@@ -305,11 +302,12 @@ void Form2::cmdbkfldr2_Click() {
 }
 
 void Form2::cmdCloseForm2_Click() {
-  ShowMainWindow();
+  windows_.ReturnToMainWindow(*this);
 }
 
 void Form2::lvFiles_DblClick() {
-  windows_.form1.OpenExplorer2(found_.Folder(static_cast<std::size_t>(lvFiles.selected.Get())));
+  const auto row = static_cast<std::size_t>(lvFiles.selected.Get());
+  windows_.form1.OpenExplorer2(WinPath(session_.search.found.Folder(row)), session_.search.found.Name(row));
 }
 
 }  // namespace quillbox

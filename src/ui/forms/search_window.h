@@ -8,8 +8,8 @@
 #include "backup/drives.h"
 #include "backup/file_search.h"
 #include "core/disk_path.h"
+#include "session/session.h"
 #include "ui/form.h"
-#include "ui/forms/program.h"
 #include "ui/list_view.h"
 
 namespace quillbox {
@@ -18,7 +18,7 @@ class ProgramWindows;
 
 class Form2 : public Form {
  public:
-  Form2(Program& program, ProgramWindows& windows);
+  explicit Form2(ProgramWindows& windows);
 
   // In tab order.
   Label Label1;
@@ -52,6 +52,8 @@ class Form2 : public Form {
 
   /// Fills the list of file types.
   void FillFileTypes();
+  /// What the window says before the first search.
+  void ShowNoSearches();
   /// Fills the list of drives and chooses the first.
   void gdrive();
   /// Fills the window. The main window's paths have just been loaded.
@@ -68,7 +70,6 @@ class Form2 : public Form {
   void EnableSearch();
   void ShowIdentities();
   void ClearStatus();
-  void ShowMainWindow();
   void SearchIn(const std::vector<std::string>& roots);
   void GetFiles(const std::string& path, const std::string& pattern, SearchReport& report, Progress& progress);
   void CopyChecked(const WinPath& folder);
@@ -86,10 +87,9 @@ class Form2 : public Form {
   void cmdCloseForm2_Click();
   void lvFiles_DblClick();
 
-  Program& program_;
+  Session& session_;
   ProgramWindows& windows_;
   DriveList drives_;
-  FoundFiles found_;
   bool loaded_ = false;
 };
 

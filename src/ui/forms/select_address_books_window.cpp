@@ -1,6 +1,7 @@
 #include "ui/forms/select_address_books_window.h"
 
 #include "core/file_helpers.h"
+#include "core/refusal_message.h"
 #include "ui/forms/program_windows.h"
 
 namespace quillbox {
@@ -11,23 +12,24 @@ constexpr const char* kTooMany =
 
 }  // namespace
 
-Form9::Form9(Program& program, ProgramWindows& windows)
-    : Form(program.guard, "Form9", "Select Address Books (.WAB)"),
+Form9::Form9(ProgramWindows& windows)
+    : Form(windows.guard, "Form9", "Select Address Books (.WAB)"),
       lblSelect9(*this, "lblSelect9", "Select Up To Four WAB Files To Switch Between."),
       txtOutPath3(*this, "txtOutPath3", "", "WAB folder."),
       cmdBrowse1(*this, "cmdBrowse1", "Browse", "Browse to folder containing WAB files. "),
       lstFiles9(*this, "lstFiles9", "Click to select then press the Select WABs button to make changes."),
       cmdSelWABs(*this, "cmdSelWABs", "Select WABs", "Click here to select the WAB files."),
       cndClose9(*this, "cndClose9", "Close", "Close this window."),
-      program_(program),
+      session_(windows.session),
       windows_(windows),
-      book_(program.platform, program.store) {
+      book_(session_.platform, session_.store) {
   txtOutPath3.readOnly = true;  // the list shows this folder
   cmdSelWABs.isDefault = true;
   cndClose9.isCancel = true;
   cmdBrowse1.onClick = [this] { cmdBrowse1_Click(); };
   cmdSelWABs.onClick = [this] { cmdSelWABs_Click(); };
   cndClose9.onClick = [this] { cndClose9_Click(); };
+  session_.slotsLoaded.Connect([this] { txtOutPath3.text = session_.AddressBookFolder().Text(); });
 }
 
 LayoutNode Form9::Layout() {
@@ -45,45 +47,46 @@ void Form9::Open() {
 }
 
 void Form9::Form_Activate() {
-  txtOutPath3.text = DirectoryFromFile(book_.InUse());
+  const WinPath folder(DirectoryFromFile(book_.InUse().Text()));
+  txtOutPath3.text = folder.Text();
   lstFiles9.items = std::vector<std::string>{};
-  if (!txtOutPath3.text->empty()) getem(CheckAddressBook(program_.platform.GetDrives(), txtOutPath3.text));
+  if (!folder.Empty()) getem(CheckAddressBook(session_.platform.GetDrives(), folder));
 }
 
 void Form9::getem(const DiskPath& folder) {
-  if (!folder.IsUsable()) return TellRefusal(program_, folder.Refusal());
-  std::vector<std::string> names = FileList(program_.platform.GetFiles(), folder.Path().Join("*.wab").Text());
+  if (!folder.IsUsable()) return ShowRefusal(session_.platform.GetDialogs(), folder.Refusal());
+  std::vector<std::string> names = FileList(session_.platform.GetFiles(), folder.Path().Join("*.wab"));
   std::erase(names, "");
   lstFiles9.items = std::move(names);
 }
 
 void Form9::cmdBrowse1_Click() {
-  const std::string folder = BrowseForFolder(program_.platform.GetDialogs());
-  if (folder.empty()) return;
-  const DiskPath chosen(program_.platform.GetDrives(), folder);
-  if (chosen.IsUsable()) txtOutPath3.text = folder;
+  const auto folder = BrowseForFolder(session_.platform.GetDialogs());
+  if (!folder) return;
+  const DiskPath chosen(session_.platform.GetDrives(), *folder);
+  if (chosen.IsUsable()) txtOutPath3.text = folder->Text();
   getem(chosen);
 }
 
 void Form9::cmdSelWABs_Click() {
   const std::vector<std::size_t>& selected = lstFiles9.selected;
   if (selected.size() > kSlotCount) {
-    program_.platform.GetDialogs().Show({.text = kTooMany});
+    session_.platform.GetDialogs().Show({.text = kTooMany});
     return deselect();
   }
   SlotFiles files;
-  std::array<std::string, kSlotCount> captions = AddressBookSlots().captions;
+  SlotNames names;
   for (std::size_t slot = 0; slot < selected.size(); ++slot) {
-    captions[slot] = lstFiles9.items->at(selected[slot]);
-    files[slot] = WithBackslash(txtOutPath3.text) + captions[slot];
+    names[slot] = lstFiles9.items->at(selected[slot]);
+    files[slot] = WinPath(txtOutPath3.text).Join(*names[slot]);
   }
   book_.FillSlots(files);
-  windows_.form6.ShowSlots(captions);
+  session_.SetSlots(names);
 }
 
 void Form9::cndClose9_Click() {
   Hide();
-  windows_.form1.IsOERuuning();
+  session_.IsOERuuning();
   windows_.form6.Open();
 }
 

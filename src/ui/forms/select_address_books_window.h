@@ -4,8 +4,8 @@
 #include <string>
 
 #include "addressbook/address_book.h"
+#include "session/session.h"
 #include "ui/form.h"
-#include "ui/forms/program.h"
 
 namespace quillbox {
 
@@ -13,7 +13,7 @@ class ProgramWindows;
 
 class Form9 : public Form {
  public:
-  Form9(Program& program, ProgramWindows& windows);
+  explicit Form9(ProgramWindows& windows);
 
   // In tab order.
   Label lblSelect9;
@@ -37,7 +37,7 @@ class Form9 : public Form {
   void cmdSelWABs_Click();
   void cndClose9_Click();
 
-  Program& program_;
+  Session& session_;
   ProgramWindows& windows_;
   AddressBook book_;
 };

@@ -1,6 +1,7 @@
 #include "ui/forms/settings_window.h"
 
 #include "settings/settings_tabs.h"
+#include "ui/forms/identity_picker.h"
 #include "ui/forms/program_windows.h"
 
 namespace quillbox {
@@ -17,8 +18,8 @@ std::vector<std::string> TabCaptions() {
 
 }  // namespace
 
-Form13::Form13(Program& program, ProgramWindows& windows)
-    : Form(program.guard, "Form13", "5.0 Settings"),
+Form13::Form13(ProgramWindows& windows)
+    : Form(windows.guard, "Form13", "5.0 Settings"),
       lblOERegSet(*this, "lblOERegSet",
                   "Outlook Express Registry Entries. These are the names of the values used in the registry. The "
                   "friendly name that appears in OE's Tools | Options can be seen by moving the mouse over the item to "
@@ -29,14 +30,14 @@ Form13::Form13(Program& program, ProgramWindows& windows)
       lblusername(*this, "lblusername"),
       lbluserid(*this, "lbluserid"),
       SSTab1(*this, "SSTab1", TabCaptions()),
-      editor(program.platform, program.store),
-      tabs(MakeTabs(program.platform.GetDialogs())),
+      editor(windows.session.platform, windows.session.store),
+      tabs(MakeTabs(windows.session.platform.GetDialogs())),
       lblNote(*this, "lblNote",
               "NOTE: Some registry entries will not appear until that item has been selected in Outlook Express's "
               "Options."),
       lblNote2(*this, "lblNote2", "If an items is disabled, it has not been set in Tools | Options"),
       cmdClose10(*this, "cmdClose10", "Close", "Close this window."),
-      program_(program),
+      session_(windows.session),
       windows_(windows) {
   lblOERegSet.wraps = true;
   cmdClose10.isCancel = true;
@@ -66,16 +67,12 @@ LayoutNode Form13::Layout() {
 }
 
 void Form13::Open() {
-  Show();
-  windows_.form1.Hide();
+  windows_.ReplaceMainWindow(*this);
   Form_Load();
 }
 
 void Form13::Form_Load() {
-  const auto& identities = program_.catalogue.identities;
-  cmboUserIDs10.Clear();
-  for (const IdentityInfo& identity : identities) cmboUserIDs10.Add(identity.userId);
-  if (!identities.empty()) cmboUserIDs10.text = identities.front().userId;
+  ListAndShowUserIds(cmboUserIDs10, session_.Catalogue());
   SSTab1.selected = 0;
   ShowIdentity();
 }
@@ -88,12 +85,11 @@ void Form13::ShowIdentity() {
     return;
   }
   for (const auto& tab : tabs) tab->Clear();
-  program_.platform.GetDialogs().Show({.text = kNotSetUp});
+  session_.platform.GetDialogs().Show({.text = kNotSetUp});
 }
 
 void Form13::cmdClose10_Click() {
-  Hide();
-  windows_.form1.Show();
+  windows_.ReturnToMainWindow(*this);
 }
 
 }  // namespace quillbox

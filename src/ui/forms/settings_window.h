@@ -5,8 +5,8 @@
 #include <memory>
 #include <vector>
 
+#include "session/session.h"
 #include "ui/form.h"
-#include "ui/forms/program.h"
 #include "ui/forms/setting_controls.h"
 #include "ui/tab_control.h"
 
@@ -16,7 +16,7 @@ class ProgramWindows;
 
 class Form13 : public Form {
  public:
-  Form13(Program& program, ProgramWindows& windows);
+  explicit Form13(ProgramWindows& windows);
 
   // In tab order; those of the settings, on SSTab1, are reached by their names.
   Label lblOERegSet;
@@ -44,7 +44,7 @@ class Form13 : public Form {
   void ShowIdentity();
   void cmdClose10_Click();
 
-  Program& program_;
+  Session& session_;
   ProgramWindows& windows_;
 };
 

@@ -24,7 +24,7 @@ class CompleteBackupTest : public SampleWindows {
     MakeDisk();
     form = &Start();
   }
-  const std::vector<IdentityInfo>& Identities() { return windows->program.catalogue.identities; }
+  const std::vector<IdentityInfo>& Identities() { return windows->session.Catalogue().identities; }
   const IdentityInfo& Identity(const std::string& username) {
     return *std::find_if(Identities().begin(), Identities().end(),
                          [&](const IdentityInfo& identity) { return identity.username == username; });
@@ -32,7 +32,7 @@ class CompleteBackupTest : public SampleWindows {
   std::filesystem::path OnHost(const std::string& path) {
     return platform->offline.GetDrives().HostPath(WinPath(path));
   }
-  std::filesystem::path StoreOf(const std::string& username) { return OnHost(Identity(username).storeFolder); }
+  std::filesystem::path StoreOf(const std::string& username) { return OnHost(Identity(username).FolderText()); }
   /// Names and bytes of a store's files, those which no backup takes left out.
   static Files FilesIn(const std::filesystem::path& folder) {
     Files files;
@@ -90,7 +90,7 @@ TEST_F(CompleteBackupTest, WhatItSavedComesBackAsItWas) {
   EXPECT_EQ(platform->processes.commandLines.front(),
             "regedit /s /e:A \"AllIdentities.reg\"  \"HKEY_CURRENT_USER\\Identities\\\"");
 
-  const std::string keptFolder = windows->program.backupFolder.Get();
+  const std::string keptFolder = windows->session.backupFolder.Text();
   for (const IdentityInfo& identity : Identities()) Store().DeleteKey(CurrentUser(IdentityKey(identity.userId)));
   for (const char* key : {kIamKey, kWabKey}) Store().DeleteKey(CurrentUser(key));
   for (const auto& [folder, files] : stores) std::filesystem::remove_all(folder);
@@ -114,12 +114,12 @@ TEST_F(CompleteBackupTest, WhatItSavedComesBackAsItWas) {
     EXPECT_EQ(FilesIn(folder), files);
     EXPECT_FALSE(std::filesystem::exists(folder / "Pop3uidl.dbx"));
   }
-  EXPECT_EQ(windows->program.backupFolder.Get(), keptFolder);
+  EXPECT_EQ(windows->session.backupFolder.Text(), keptFolder);
   EXPECT_TRUE(dialogs.messages.empty());
 }
 
 TEST_F(CompleteBackupTest, WithoutABackupFolderEachStepSaysSo) {
-  windows->program.backupFolder.Reset();
+  windows->session.backupFolder.Reset();
   form->cmdComplete.click();
   const std::string folder = "Please select a backup folder or create one from the Tools menu";
   std::vector<std::string> texts;
@@ -155,7 +155,7 @@ TEST_F(CompleteBackupTest, ABackupFolderThatIsGoneIsToldOnce) {
 
 TEST_F(CompleteBackupTest, AnIdentityWhoseFolderCannotBeMadeIsNamedAndNotCounted) {
   SetUsername(Identity("Main Identity").userId, "..\\..\\x");
-  form->GetInputPaths();
+  windows->session.GetInputPaths();
   form->cmdbkupall.click();
   ASSERT_EQ(dialogs.messages.size(), 1u);
   EXPECT_THAT(dialogs.LastMessage(), HasSubstr("The backup of \"..\\..\\x\" was not made"));
@@ -186,14 +186,14 @@ TEST_F(CompleteBackupTest, OnlyStoresWithAKnownPlaceAreRestored) {
 
 TEST_F(CompleteBackupTest, IdentitiesOfOneNameShareAFolderAndLoseNothingUnasked) {
   for (const char* username : {"Main Identity", "Büro"}) SetUsername(Identity(username).userId, "Twin");
-  form->GetInputPaths();
+  windows->session.GetInputPaths();
   form->chkOverwrite.click();
   form->cmdbkupall.click();
   EXPECT_THAT(dialogs.LastMessage(), HasSubstr("Several identities are named \"Twin\""));
   EXPECT_EQ(Names(BackupFolderOnHost()), std::vector<std::string>{"Twin"});
   EXPECT_EQ(form->sb1.panels[1], "2 Identities Backed Up");
 
-  const auto messages = OnHost(Identities()[0].storeFolder);
+  const auto messages = OnHost(Identities()[0].FolderText());
   const Files before = FilesIn(messages);
   dialogs.overwriteAnswers = {OverwriteAnswer::Cancel};
   CancelAddressBookRestore();

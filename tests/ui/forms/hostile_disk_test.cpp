@@ -25,7 +25,7 @@ class HostileDiskTest : public SampleWindows {
     temp.File("host/store/Inbox.dbx", "the person's");
     temp.File("host/book.wab", "the person's");
     temp.File("disk/C/evil.desktop", "[Desktop Entry]");
-    main = LoadCatalogue(Store(), platform->GetSystemFacts()).catalogue.defaultUserId;
+    main = LoadCatalogue(Store(), platform->GetSystemFacts()).defaultUserId;
   }
   /// Every file and folder of the person, with what the files hold.
   std::map<std::string, std::string> Host() {
@@ -58,7 +58,7 @@ class HostileDiskTest : public SampleWindows {
   Form1& OpenAtMain() {
     Form1& form = Start();
     form.cmbUserIDs.pick(main);
-    form.chkOverwrite.checked = true;
+    if (!form.chkOverwrite.checked) form.chkOverwrite.click();
     dialogs.messages.clear();
     return form;
   }
@@ -129,8 +129,8 @@ TEST_F(HostileDiskTest, WhatThePersonChoosesInTheWindowsNeedsNoQuestion) {
   // What was chosen before is not remembered for a registry that names it again.
   StoreBackupFolder(config);
   dialogs.messageAnswers = {MessageAnswer::No};
-  EXPECT_EQ(windows->program.backupFolder.Check(true).shown, "None Selected");
-  EXPECT_EQ(windows->program.backupFolder.Check(true).shown, "None Selected") << "No holds for the run";
+  EXPECT_FALSE(windows->session.backupFolder.Check(true).folder);
+  EXPECT_FALSE(windows->session.backupFolder.Check(true).folder) << "No holds for the run";
 }
 
 TEST_F(HostileDiskTest, SystemFoldersAndTheDiskItselfAreNeitherOfferedNorTaken) {
@@ -142,7 +142,7 @@ TEST_F(HostileDiskTest, SystemFoldersAndTheDiskItselfAreNeitherOfferedNorTaken) 
     dialogs.folderAnswers = {WinPath(folder)};
     form.menuBar.click("brbkfldr");
     EXPECT_THAT(Texts(), ElementsAre(HasSubstr("\"" + folder + "\" cannot be the backup folder: it is ")));
-    windows->form3.txtbkPth.text = folder;
+    windows->form3.txtbkPth.type(folder);
     windows->form3.cmdSetPath.click();
     form.menuBar.click("addBookFile");
     EXPECT_EQ(dialogs.messages.size(), 3U);
@@ -162,7 +162,7 @@ TEST_F(HostileDiskTest, SystemFoldersAndTheDiskItselfAreNeitherOfferedNorTaken) 
 }
 
 TEST_F(HostileDiskTest, AUsernameLeadsNotFromAFolderAboveTheDiskIntoIt) {
-  windows->program.backupFolder.Choose(OnZ(temp / "disk"));
+  windows->session.backupFolder.Choose(WinPath(OnZ(temp / "disk")));
   SetUsername("D");
   Form1& form = Open();
   form.cmbUserIDs.pick(main);

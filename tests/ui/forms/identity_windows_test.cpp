@@ -101,7 +101,7 @@ TEST_F(IdentityWindowsTest, ACloneNeedsOneDestinationAndABackupFolder) {
   EXPECT_THAT(MessageTexts(), Contains(AllOf(HasSubstr("was not cloned"), HasSubstr("The registry is as it was."))));
   EXPECT_EQ(form.StatusBar1.panels[0], "");
   EXPECT_EQ(Identities(), before);
-  windows->program.backupFolder.Reset();
+  windows->session.backupFolder.Reset();
   EXPECT_EQ(refused(kMain), "Please select a backup folder or create one from the Tools menu");
 }
 
@@ -124,7 +124,7 @@ TEST_F(IdentityWindowsTest, AnIdentityIsClonedOntoANewOneWithItsMessages) {
   EXPECT_FALSE(form.Check2.checked || form.chkCopyDBX.checked);
   EXPECT_EQ(dialogs.messages.size(), 2u);
   const auto folderOf = [&](const std::string& id) {
-    return platform->offline.GetDrives().HostPath(WinPath(ReadStoreFolder(Store(), platform->GetSystemFacts(), id)));
+    return platform->offline.GetDrives().HostPath(ReadStoreFolder(Store(), platform->GetSystemFacts(), id).value());
   };
   EXPECT_EQ(Names(folderOf(userId)), Names(folderOf(kMain)));
   EXPECT_EQ(Read(IdentitySettingsKey(userId), "WindowTitle"), RegValue("Outlook Express at home"));

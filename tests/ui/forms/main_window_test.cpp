@@ -25,7 +25,7 @@ TEST_F(Form1Test, AFirstStartShowsTheIdentitiesAndAsksForABackupFolder) {
   EXPECT_EQ(Read(kIdentitiesKey, "BackupOverWrite"), RegValue(0));
 
   EXPECT_TRUE(form.visible);
-  EXPECT_EQ(form.Label2.caption, std::to_string(windows->program.catalogue.identities.size()));
+  EXPECT_EQ(form.Label2.caption, std::to_string(windows->session.Catalogue().identities.size()));
   EXPECT_EQ(form.cmbUserNames.text, form.cmbUserNames.items.Get().front());
   EXPECT_EQ(form.Label6.caption, form.cmbUserIDs.text);
   EXPECT_EQ(form.Label10.caption, "Main Identity");
@@ -37,15 +37,15 @@ TEST_F(Form1Test, AnyPickerSelectsTheIdentityInAllThree) {
   Form1& form = Start();
   form.sb1.panels[0] = "old";
   for (std::size_t i = 0; i < form.cmbUserIDs.items->size(); ++i) {
-    const IdentityInfo identity = windows->program.catalogue.identities[i];
+    const IdentityInfo identity = windows->session.Catalogue().identities[i];
     const auto expectSelected = [&](const char* picker) {
       SCOPED_TRACE(picker);
       EXPECT_EQ(form.Label7.caption, identity.username);
       EXPECT_EQ(form.Label6.caption, identity.userId);
-      EXPECT_EQ(form.Text1.text, identity.storeFolder);
+      EXPECT_EQ(form.Text1.text, identity.FolderText());
       EXPECT_EQ(form.cmbUserNames.text, identity.username);
       EXPECT_EQ(form.cmbUserIDs.text, identity.userId);
-      EXPECT_EQ(form.inpth1.text, identity.storeFolder);
+      EXPECT_EQ(form.inpth1.text, identity.FolderText());
     };
     form.cmbUserIDs.pick(i);
     expectSelected("user id");
@@ -53,7 +53,7 @@ TEST_F(Form1Test, AnyPickerSelectsTheIdentityInAllThree) {
     form.cmbUserNames.pick(identity.username);
     expectSelected("username");
     form.inpth1.pick(0);
-    form.inpth1.pick(identity.storeFolder);
+    form.inpth1.pick(identity.FolderText());
     expectSelected("folder");
   }
   EXPECT_EQ(form.sb1.panels[0], "");
@@ -61,18 +61,18 @@ TEST_F(Form1Test, AnyPickerSelectsTheIdentityInAllThree) {
 
 TEST_F(Form1Test, OfTwoIdentitiesWithOneNameTheLaterIsSelected) {
   Form1& form = Start();
-  const std::vector<IdentityInfo> identities = windows->program.catalogue.identities;
+  const std::vector<IdentityInfo> identities = windows->session.Catalogue().identities;
   for (const IdentityInfo& identity : identities) {
     Store().SetKeyValue(IdentityKey(identity.userId), "Username", "Twin", ValueType::Sz);
   }
-  form.GetInputPaths();
+  windows->session.GetInputPaths();
   form.cmbUserNames.pick(0);
   EXPECT_EQ(form.Label6.caption, identities.back().userId);
 }
 
 TEST_F(Form1Test, ARunningOutlookExpressIsTold) {
   Form1& form = Start();
-  const std::string second = windows->program.catalogue.identities[1].userId;
+  const std::string second = windows->session.Catalogue().identities[1].userId;
   Store().CreateKey(CurrentUser(IdentitySettingsKey(second)));
   Store().SetKeyValue(IdentitySettingsKey(second), "Running", RegValue(1), ValueType::Dword);
   form.cmdRefresh.click();
@@ -108,9 +108,9 @@ TEST_F(Form1Test, FoldersAndTheWebPageOpenThroughTheShell) {
 
 TEST_F(Form1Test, TheBackupFolderIsCheckedAtStart) {
   // The first check resets a folder that is gone without a word; the second one, at the end of the start, shows it.
-  windows->program.backupFolder.Choose("D:\\Gone");
-  EXPECT_EQ(windows->program.backupFolder.Check(true).shown, "D:\\Gone");
-  windows->program.backupFolder.Choose("D:\\Gone");
+  windows->session.backupFolder.Choose(WinPath("D:\\Gone"));
+  EXPECT_EQ(windows->session.backupFolder.Check(true).folder, WinPath("D:\\Gone"));
+  windows->session.backupFolder.Choose(WinPath("D:\\Gone"));
   windows->form1.Open();
   EXPECT_EQ(windows->form1.lblbkuppth.caption, "None Selected");
   EXPECT_EQ(Read(kIdentitiesKey, "Quillbox"), RegValue("None Selected"));
@@ -174,10 +174,31 @@ TEST_F(Form1Test, SwitchedOffItemsCannotBeChosen) {
 TEST_F(Form1Test, ClosingTheWindowEndsTheProgram) {
   Form1& form = Start();
   int quits = 0;
-  windows->program.quit = [&] { ++quits; };
+  windows->quit = [&] { ++quits; };
   form.close();
   EXPECT_EQ(quits, 1);
   EXPECT_FALSE(form.visible);
+}
+
+TEST_F(Form1Test, AReloadThatStopsKeepsTheSelectionThatIsShown) {
+  Form1& form = Start();
+  form.cmbUserIDs.pick(1);
+  const IdentityInfo selected = windows->session.Catalogue().identities[1];
+  Store().SetKeyValue(kIdentitiesKey, "Default User ID", "{gone}", ValueType::Sz);
+  windows->session.GetInputPaths();
+  EXPECT_EQ(windows->session.Catalogue().end.kind, LoadEnd::Kind::ReadError);
+  ASSERT_TRUE(windows->session.Selected());
+  EXPECT_EQ(windows->session.Selected()->userId, selected.userId);
+  EXPECT_EQ(form.Label6.caption, selected.userId);
+  EXPECT_EQ(form.Label7.caption, selected.username);
+  EXPECT_EQ(form.Text1.text, selected.FolderText());
+  EXPECT_THAT(form.txtwabloc.text.Get(), ::testing::EndsWith(".wab"));
+
+  Store().DeleteKey(CurrentUser(kIdentitiesKey));
+  windows->session.GetInputPaths();
+  EXPECT_EQ(windows->session.Catalogue().end.kind, LoadEnd::Kind::NoIdentitiesKey);
+  EXPECT_THAT(form.cmbUserNames.items.Get(), IsEmpty());
+  EXPECT_EQ(form.Label6.caption, windows->session.Selected()->userId);
 }
 
 TEST_F(Form1Test, ALoadThatStopsSaysWhere) {

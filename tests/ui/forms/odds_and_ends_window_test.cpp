@@ -23,7 +23,7 @@ class Form12Test : public SampleWindows {
     windows->form1.menuBar.click("msc");
     return windows->form12;
   }
-  std::string UserId(std::size_t index) { return windows->program.catalogue.identities.at(index).userId; }
+  std::string UserId(std::size_t index) { return windows->session.Catalogue().identities.at(index).userId; }
   std::string Key(const std::string& below, std::size_t index = 0) {
     return IdentitySettingsKey(UserId(index)) + below;
   }

@@ -22,7 +22,7 @@ class QuickBackupTest : public SampleWindows {
   }
   void Rename(const std::string& username) {
     Store().SetKeyValue(IdentityKey(windows->form1.Label6.caption), "Username", username, ValueType::Sz);
-    windows->form1.GetInputPaths();
+    windows->session.GetInputPaths();
     windows->form1.cmbUserNames.pick(username);
   }
   /// How many files a quick backup of the selected identity copies.
@@ -121,7 +121,7 @@ TEST_F(QuickBackupTest, WhatCannotBeBackedUpIsRefusedFirst) {
   EXPECT_EQ(dialogs.messages.back().icon, MessageIcon::Exclamation);
 
   form.cmbUserNames.pick("Main Identity");
-  windows->program.backupFolder.Reset();
+  windows->session.backupFolder.Reset();
   form.cmdQuickBackup.click();
   EXPECT_EQ(dialogs.LastMessage(), "Please select a backup folder or create one from the Tools menu");
   ExpectNoBackup();

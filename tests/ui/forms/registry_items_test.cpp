@@ -116,7 +116,7 @@ TEST_F(RegistryItemsTest, SignaturesAreAHiveFileOnXp) {
 TEST_F(RegistryItemsTest, TheKindOfWindowsChoosesTheFormAndTheNameOfSignatures) {
   const RegistryPath nt{RegistryRoot::LocalMachine, "Software\\Microsoft\\Windows NT\\CurrentVersion"};
   const auto signatures = [&] {
-    windows->program.store.DetectOsCode();
+    windows->session.store.DetectOsCode();
     platform->processes.commandLines.clear();
     Save("sigs", file);
     const std::string command = platform->processes.commandLines.empty() ? "" : platform->processes.commandLines[0];
@@ -148,7 +148,7 @@ TEST_F(RegistryItemsTest, TheKindOfWindowsChoosesTheFormAndTheNameOfSignatures) 
 }
 
 TEST_F(RegistryItemsTest, AMissingKeyIsToldBeforeAMissingFolder) {
-  windows->program.backupFolder.Reset();
+  windows->session.backupFolder.Reset();
   form->cmbUserNames.pick("Guest");
   for (const Item& item : kItems) {
     const RegistryItemRow& row = RowOf(item.item);
@@ -207,7 +207,7 @@ TEST_F(RegistryItemsTest, AFileOfAnotherDisksIdentityIsToldApart) {
   temp.File("disk/D/Backup/item.reg",
             "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Identities]\r\n\"Quillbox\"=\"E:\\\\Old\"\r\n");
   Restore("resAllIdent", file);
-  EXPECT_EQ(windows->program.backupFolder.Get(), kBackup);
+  EXPECT_EQ(windows->session.backupFolder.Text(), kBackup);
 }
 
 TEST_F(RegistryItemsTest, AnExportThatCannotBeWrittenIsToldAndLeavesTheOlderFile) {

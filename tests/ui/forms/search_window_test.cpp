@@ -26,9 +26,9 @@ class Form2Test : public SampleWindows {
   }
   Form2& SearchMail() {
     Form2& form = OpenSearch();
-    windows->program.backupFolder.Choose("C:\\Mail");
+    windows->session.backupFolder.Choose(WinPath("C:\\Mail"));
     form.srchBackup.click();
-    windows->program.backupFolder.Choose(kBackup);
+    windows->session.backupFolder.Choose(WinPath(kBackup));
     return form;
   }
   static std::vector<std::string> Rows(const Form2& form) {
@@ -62,13 +62,13 @@ TEST_F(Form2Test, EveryWayToItShowsItInPlaceOfTheMainWindowFilled) {
   EXPECT_THAT(form.cboDrives.items.Get(),
               ElementsAre("C:\\{volume has no label}", "D:\\{volume has no label}", "All Hard Drives (C:\\, D:\\)"))
       << "each drive once, and never the host's own";
-  const IdentityInfo& first = windows->program.catalogue.identities.front();
+  const IdentityInfo& first = windows->session.Catalogue().identities.front();
   EXPECT_EQ(form.cmbResIdentity.text, first.userId);
-  EXPECT_EQ(form.IdentyPth.text, first.storeFolder);
-  const IdentityInfo& second = windows->program.catalogue.identities[1];
+  EXPECT_EQ(form.IdentyPth.text, first.FolderText());
+  const IdentityInfo& second = windows->session.Catalogue().identities[1];
   form.cmbResIdentity.pick(1);
   EXPECT_EQ(form.lblusrname.caption, second.username);
-  EXPECT_EQ(form.IdentyPth.text, second.storeFolder);
+  EXPECT_EQ(form.IdentyPth.text, second.FolderText());
 }
 
 TEST_F(Form2Test, ADriveOrAllDrivesAreSearchedForWhatTheTypeSays) {
@@ -127,7 +127,7 @@ TEST_F(Form2Test, CheckedFilesAreBackedUpAskingBeforeOneReplacesAnother) {
   form.cmdCopyFiles.click();
   EXPECT_EQ(form.sb2.panels[1], "No files were checked");
 
-  windows->program.backupFolder.Reset();
+  windows->session.backupFolder.Reset();
   form.cmdCopyFiles.click();
   EXPECT_EQ(dialogs.LastMessage(), "Please select a backup folder or create one from the Tools menu.");
   EXPECT_EQ(form.sb2.panels[0], "");
@@ -173,7 +173,7 @@ TEST_F(Form2Test, CloseKeepsAndTheCloseBoxForgets) {
 
   form.close();
   EXPECT_TRUE(!form.visible && windows->form1.visible);
-  Store().SetKeyValue(IdentityKey(windows->program.catalogue.identities.front().userId), "Username", "Renamed",
+  Store().SetKeyValue(IdentityKey(windows->session.Catalogue().identities.front().userId), "Username", "Renamed",
                       ValueType::Sz);
   windows->form1.cmdSearch.click();
   EXPECT_EQ(form.lvFiles.RowCount(), 0U);

@@ -1,0 +1,155 @@
+#include "session/session.h"
+
+#include <utility>
+
+#include "core/file_helpers.h"
+#include "identities/manage_identities.h"
+
+namespace quillbox {
+namespace {
+
+const WinPath kFirstFolder("C:\\");
+
+}  // namespace
+
+void Session::GetInputPaths() {
+  IdentityCatalogue loaded = LoadCatalogue(store, platform.GetSystemFacts());
+  const bool isComplete = loaded.end.kind == LoadEnd::Kind::Complete;
+  // The address book file is read last: a load that stopped before does not know it.
+  if (!isComplete) loaded.addressBookFile = catalogue_.addressBookFile;
+  catalogue_ = std::move(loaded);
+  if (isComplete) {
+    const auto& identities = catalogue_.identities;
+    selected_ = identities.empty() ? std::nullopt : std::optional(identities.front());
+    platform.GetClipboard().Clear();
+  }
+  catalogueLoaded.Send();
+  ReportEarlyEnd();
+}
+
+void Session::ReportEarlyEnd() {
+  const LoadEnd& end = catalogue_.end;
+  if (end.kind == LoadEnd::Kind::ReadError) store.ShowRegistryReadError(end.status, end.suffix);
+  if (end.kind == LoadEnd::Kind::Failed) {
+    platform.GetLog().Write("The identities could not be loaded: " + end.failure);
+  }
+}
+
+void Session::SelectWhere(const std::string& text, std::string (*textOf)(const IdentityInfo&)) {
+  const IdentityInfo* last = nullptr;
+  for (const IdentityInfo& identity : catalogue_.identities) {
+    if (textOf(identity) == text) last = &identity;
+  }
+  if (!last) return;
+  selected_ = *last;
+  selectionChanged.Send();
+}
+
+void Session::SelectByUsername(const std::string& username) {
+  SelectWhere(username, [](const IdentityInfo& identity) { return identity.username; });
+}
+
+void Session::SelectByUserId(const std::string& userId) {
+  SelectWhere(userId, [](const IdentityInfo& identity) { return identity.userId; });
+}
+
+// A stored folder may end with a second NUL, which no picker shows.
+void Session::SelectByFolder(const std::string& folder) {
+  for (IdentityInfo& identity : catalogue_.identities) {
+    std::string text = identity.FolderText();
+    if (!text.ends_with('\0')) continue;
+    text.pop_back();
+    identity.storeFolder = WinPath(text);
+  }
+  SelectWhere(folder, [](const IdentityInfo& identity) { return identity.FolderText(); });
+}
+
+bool Session::Rename(const std::string& username) {
+  if (!selected_ || !RenameIdentity(store, catalogue_, *selected_, username)) return false;
+  selected_->username = username;
+  if (catalogue_.defaultUserId == selected_->userId) catalogue_.defaultUsername = username;
+  usernamesChanged.Send();
+  return true;
+}
+
+void Session::SetDefault(const std::string& userId) {
+  SetDefaultIdentity(store, userId);
+  catalogue_.defaultUserId = userId;
+  catalogue_.defaultUsername = ReadUsername(store, userId);
+  defaultChanged.Send();
+}
+
+void Session::IsOERuuning() {
+  if (!catalogue_.identities.empty()) running_ = IsAnyIdentityRunning(store, catalogue_);
+  runningTested.Send();
+}
+
+BackupFolderCheck Session::CheckBackupFolder(bool withMessage) {
+  const BackupFolderCheck check = backupFolder.Check(withMessage);
+  if (!check.keyOpened) return check;
+  ShowBackupFolder(check.folder);
+  if (check.folder) {
+    FolderInView();  // its first look resets a folder that is gone
+    LookAt(check.folder);
+  }
+  return check;
+}
+
+std::optional<FolderRefusal> Session::ChooseBackupFolder(const std::optional<WinPath>& folder) {
+  if (auto refusal = backupFolder.Choose(folder)) return refusal;
+  ShowBackupFolder(folder);
+  return std::nullopt;
+}
+
+void Session::ShowBackupFolder(const std::optional<WinPath>& folder) {
+  shownFolder_ = folder;
+  backupFolderChanged.Send();
+}
+
+const std::optional<WinPath>& Session::FolderInView() {
+  if (std::exchange(hasLooked_, true)) return folderInView_;
+  folderInView_ = backupFolder.Get().value_or(kFirstFolder);
+  if (!DirExists(platform.GetFiles(), *folderInView_)) backupFolder.Reset();
+  folderInViewChanged.Send();
+  return folderInView_;
+}
+
+void Session::LookAt(const std::optional<WinPath>& folder) {
+  hasLooked_ = true;
+  folderInView_ = folder;
+  folderInViewChanged.Send();
+}
+
+void Session::LoadOverwrite() {
+  const auto overwrite = backupFolder.LoadOverwrite();
+  if (!overwrite) return;
+  overwrite_ = *overwrite;
+  overwriteChanged.Send();
+}
+
+void Session::SetOverwrite(bool overwrite) {
+  backupFolder.StoreOverwrite(overwrite);
+  overwrite_ = overwrite;
+  overwriteChanged.Send();
+}
+
+bool Session::LoadSlots() {
+  const SlotsLoad load = LoadAddressBookSlots(store);
+  addressBookFolder_ = load.folder;
+  slotsLoaded.Send();
+  SetSlots(load.names);
+  if (load.readError) store.ShowRegistryReadError(load.readError->status, load.readError->suffix);
+  return load.keyOpened && !load.readError;
+}
+
+void Session::SetSlots(const SlotNames& slots) {
+  slots_ = slots;
+  slotsChanged.Send();
+}
+
+void Session::SetAddressBookFile(const WinPath& file) {
+  catalogue_.addressBookFile = file;
+  addressBookChanged.Send();
+}
+
+}  // namespace quillbox
