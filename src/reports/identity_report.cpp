@@ -7,75 +7,75 @@
 namespace quillbox {
 namespace {
 
-enum class For { Once, EachIdentity, EachSelectedIdentity, EachFoundFile };
+// The groups, as constants so that a misspelt name does not compile.
+constexpr const char* kIdentities = "identities";
+constexpr const char* kSelected = "selected";
+constexpr const char* kFound = "found";
 
-/// Lines of a report, and what they are repeated for. Nothing in them is escaped for HTML: what they show is written
-/// as it is.
-struct Lines {
-  const char* text;
-  For repeated = For::Once;
+constexpr TemplateRow kText[] = {
+    {"Peltrix Text File created: %created%"},
+    {" "},
+    {"Number of Identities: %identities%"},
+    {"Identity Usernames"},
+    {"        %username%", kIdentities},
+    {" "},
+    {"Paths to Identities: "},
+    {"%username%", kIdentities},
+    {"%folder%", kIdentities},
+    {" ", kIdentities},
+    {" "},
+    {"Default {USER ID} Username: %defaultUsername%"},
+    {"Default {USER ID}: %defaultUserId%"},
+    {" "},
+    {"Address Book Location: "},
+    {"%addressBook%"},
+    {" "},
+    {"Current Selected Username and {USER ID}: "},
+    {"%username%: %userId%", kSelected},
+    {" "},
+    {" "},
+    {"Number of %fileType% Files Found: %files%"},
+    {"%file%", kFound},
+    {" "},
+    {"End Of File"},
 };
 
-constexpr Lines kText[] = {
-    {"Peltrix Text File created: %created%\n"},
-    {" \n"},
-    {"Number of Identities: %identities%\n"},
-    {"Identity Usernames\n"},
-    {"        %username%\n", For::EachIdentity},
-    {" \n"},
-    {"Paths to Identities: \n"},
-    {"%username%\n%folder%\n \n", For::EachIdentity},
-    {" \n"},
-    {"Default {USER ID} Username: %defaultUsername%\n"},
-    {"Default {USER ID}: %defaultUserId%\n"},
-    {" \n"},
-    {"Address Book Location: \n"},
-    {"%addressBook%\n"},
-    {" \n"},
-    {"Current Selected Username and {USER ID}: \n"},
-    {"%username%: %userId%\n", For::EachSelectedIdentity},
-    {" \n"},
-    {" \n"},
-    {"Number of %fileType% Files Found: %files%\n"},
-    {"%file%\n", For::EachFoundFile},
-    {" \n"},
-    {"End Of File\n"},
-};
-
-constexpr Lines kPage[] = {
-    {"<HTML>\n"},
-    {"<HEAD>\n"},
-    {"<STYLE>\n"},
-    {"body {font-family: Arial;font-size: 10pt;}\n"},
-    {"</STYLE>\n"},
-    {"</HEAD>\n"},
-    {"<BODY>\n"},
-    {"<DIV><B>Quillbox Text File created: </B>%created%</DIV>\n"},
-    {"<DIV>&nbsp;</DIV>\n"},
-    {"<DIV><B>Number of Identities: </B>%identities%</DIV>\n"},
-    {"<DIV>&nbsp;</DIV>\n"},
-    {"<DIV><B>Identity Usernames</B></DIV>\n"},
-    {"<DIV>        %username%</DIV>\n", For::EachIdentity},
-    {"<DIV>&nbsp;</DIV>\n"},
-    {"<DIV><B>Paths to Identities:  </B></DIV>\n"},
-    {"<DIV><I>%username%</I></DIV>\n<DIV>%folder%</DIV>\n<DIV>&nbsp;</DIV>\n", For::EachIdentity},
-    {"<DIV>&nbsp;</DIV>\n"},
-    {"<DIV><B>Default {USER ID} Username: </B>%defaultUsername%</DIV>\n"},
-    {"<DIV><B>Default {USER ID}: </B>%defaultUserId%</DIV>\n"},
-    {"<DIV>&nbsp;</DIV>\n"},
-    {"<DIV><B>Address Book Location: </B>\n"},
-    {"%addressBook%</DIV>\n"},
-    {"<DIV>&nbsp;</DIV>\n"},
-    {"<DIV><B>Current Selected Username and {USER ID}: </B>\n"},
-    {"%username%: %userId%</DIV>\n", For::EachSelectedIdentity},
-    {"<DIV>&nbsp;</DIV>\n"},
-    {"<DIV>&nbsp;</DIV>\n"},
-    {"<DIV><B>Number of </B>%fileType%<B> Files Found: </B>%files% </DIV>\n"},
-    {"<DIV>%file%</DIV>\n", For::EachFoundFile},
-    {"<DIV>&nbsp;</DIV>\n"},
-    {"<DIV><B>End Of File<B></DIV>\n"},
-    {"</BODY>\n"},
-    {"</HTML>\n"},
+constexpr TemplateRow kPage[] = {
+    {"<HTML>"},
+    {"<HEAD>"},
+    {"<STYLE>"},
+    {"body {font-family: Arial;font-size: 10pt;}"},
+    {"</STYLE>"},
+    {"</HEAD>"},
+    {"<BODY>"},
+    {"<DIV><B>Quillbox Text File created: </B>%created%</DIV>"},
+    {"<DIV>&nbsp;</DIV>"},
+    {"<DIV><B>Number of Identities: </B>%identities%</DIV>"},
+    {"<DIV>&nbsp;</DIV>"},
+    {"<DIV><B>Identity Usernames</B></DIV>"},
+    {"<DIV>        %username%</DIV>", kIdentities},
+    {"<DIV>&nbsp;</DIV>"},
+    {"<DIV><B>Paths to Identities:  </B></DIV>"},
+    {"<DIV><I>%username%</I></DIV>", kIdentities},
+    {"<DIV>%folder%</DIV>", kIdentities},
+    {"<DIV>&nbsp;</DIV>", kIdentities},
+    {"<DIV>&nbsp;</DIV>"},
+    {"<DIV><B>Default {USER ID} Username: </B>%defaultUsername%</DIV>"},
+    {"<DIV><B>Default {USER ID}: </B>%defaultUserId%</DIV>"},
+    {"<DIV>&nbsp;</DIV>"},
+    {"<DIV><B>Address Book Location: </B>"},
+    {"%addressBook%</DIV>"},
+    {"<DIV>&nbsp;</DIV>"},
+    {"<DIV><B>Current Selected Username and {USER ID}: </B>"},
+    {"%username%: %userId%</DIV>", kSelected},
+    {"<DIV>&nbsp;</DIV>"},
+    {"<DIV>&nbsp;</DIV>"},
+    {"<DIV><B>Number of </B>%fileType%<B> Files Found: </B>%files% </DIV>"},
+    {"<DIV>%file%</DIV>", kFound},
+    {"<DIV>&nbsp;</DIV>"},
+    {"<DIV><B>End Of File<B></DIV>"},
+    {"</BODY>"},
+    {"</HTML>"},
 };
 
 struct FileType {
@@ -95,40 +95,38 @@ std::string LabelOf(const std::string& fileType) {
   return found == std::end(kFileTypes) ? std::string() : found->label;
 }
 
-void AppendOnce(std::string& report, const char* text, const IdentityReportFacts& facts) {
-  AppendLines(report, text,
-              {{"created", facts.created},
-               {"identities", std::to_string(facts.identities.size())},
-               {"defaultUsername", facts.defaultUsername},
-               {"defaultUserId", facts.defaultUserId},
-               {"addressBook", facts.addressBookFile},
-               {"fileType", LabelOf(facts.fileType)},
-               {"files", std::to_string(facts.foundFiles.size())}});
+ReportScope ScopeOf(const IdentityInfo& identity) {
+  return {{{"username", identity.username}, {"folder", identity.FolderText()}, {"userId", identity.userId}}};
 }
 
-void Append(std::string& report, const Lines& lines, const IdentityReportFacts& facts) {
-  switch (lines.repeated) {
-    case For::Once:
-      return AppendOnce(report, lines.text, facts);
-    case For::EachFoundFile:
-      for (const std::string& file : facts.foundFiles) AppendLines(report, lines.text, {{"file", file}});
-      return;
-    case For::EachIdentity:
-    case For::EachSelectedIdentity:
-      for (const IdentityInfo& identity : facts.identities) {
-        if (lines.repeated == For::EachSelectedIdentity && identity.FolderText() != facts.selectedFolder) continue;
-        AppendLines(report, lines.text,
-                    {{"username", identity.username}, {"folder", identity.FolderText()}, {"userId", identity.userId}});
-      }
-  }
+ReportScope ScopeOf(const IdentityReportFacts& facts) {
+  const auto identities = [&facts](const auto& fill) {
+    for (const IdentityInfo& identity : facts.identities) fill(ScopeOf(identity));
+  };
+  const auto selected = [&facts](const auto& fill) {
+    for (const IdentityInfo& identity : facts.identities) {
+      if (identity.FolderText() == facts.selectedFolder) fill(ScopeOf(identity));
+    }
+  };
+  const auto found = [&facts](const auto& fill) {
+    for (const std::string& file : facts.foundFiles) fill(ReportScope{{{"file", file}}});
+  };
+  return {{{"created", facts.created},
+           {"identities", std::to_string(facts.identities.size())},
+           {"defaultUsername", facts.defaultUsername},
+           {"defaultUserId", facts.defaultUserId},
+           {"addressBook", facts.addressBookFile.Text()},
+           {"fileType", LabelOf(facts.fileType)},
+           {"files", std::to_string(facts.foundFiles.size())}},
+          {{kIdentities, identities}, {kSelected, selected}, {kFound, found}}};
 }
 
 }  // namespace
 
 std::string MakeIdentityReport(const IdentityReportFacts& facts, ReportFormat format) {
   std::string report;
-  const std::span<const Lines> lines = format == ReportFormat::Text ? std::span<const Lines>(kText) : kPage;
-  for (const Lines& row : lines) Append(report, row, facts);
+  const std::span<const TemplateRow> rows = format == ReportFormat::Text ? std::span<const TemplateRow>(kText) : kPage;
+  AppendReport(report, rows, ScopeOf(facts));
   return report;
 }
 

@@ -7,6 +7,7 @@
 
 #include "core/identity_catalogue.h"
 #include "reports/report_template.h"
+#include "text/win_path.h"
 
 namespace quillbox {
 
@@ -14,7 +15,7 @@ struct IdentityReportFacts {
   std::string created;  ///< the time of the report in words
   std::vector<IdentityInfo> identities;
   std::string defaultUsername, defaultUserId;
-  std::string addressBookFile;
+  WinPath addressBookFile;
   std::string selectedFolder;  ///< the identities with this store folder are the selected ones
   std::string fileType;        ///< what was searched for ("*.dbx")
   std::vector<std::string> foundFiles;

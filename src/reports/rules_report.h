@@ -1,6 +1,7 @@
 // The report of all message rules that an identity has, as plain text or as a page.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "reports/report_template.h"
@@ -9,8 +10,8 @@
 namespace quillbox {
 
 struct RulesReport {
-  std::string text;       ///< as far as it came
-  std::string brokenOff;  ///< why it ends early; empty for a whole report
+  std::string text;                      ///< as far as it came
+  std::optional<std::string> brokenOff;  ///< why it ends early
 };
 
 /// `created` is the time of the report in words. A criterion that cannot be decoded ends the report.

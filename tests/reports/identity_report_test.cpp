@@ -17,7 +17,7 @@ class IdentityReportTest : public SamplePlatform {
              .identities = catalogue.identities,
              .defaultUsername = catalogue.defaultUsername,
              .defaultUserId = catalogue.defaultUserId,
-             .addressBookFile = catalogue.addressBookFile.Text(),
+             .addressBookFile = catalogue.addressBookFile,
              .selectedFolder = "D:\\Mail\\Office",
              .fileType = "*.dbx",
              .foundFiles = {"Folders.dbx", "Inbox.dbx", "Inbox.dbx"}};
@@ -48,7 +48,7 @@ TEST_F(IdentityReportTest, ANameTakesOneLineWhateverItHolds) {
   facts.identities = {{"{1}", "Ann\r\nEnd Of File", WinPath("C:\\Mail\x1B[2J")}};
   facts.selectedFolder = facts.identities[0].FolderText();
   facts.defaultUsername = "b\u202Ea";
-  facts.addressBookFile = "C:\\book\n.wab";
+  facts.addressBookFile = WinPath("C:\\book\n.wab");
   facts.foundFiles = {"In\u2028box.dbx"};
   const std::string text = MakeIdentityReport(facts, ReportFormat::Text);
   for (const char* line : {"        Ann\u240D\u240AEnd Of File", "Ann\u240D\u240AEnd Of File", "C:\\Mail\u241B[2J",

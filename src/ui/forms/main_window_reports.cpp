@@ -59,7 +59,7 @@ void Form1::SaveReport(const char* name, const char* filter, ReportFormat format
       .identities = catalogue.identities,
       .defaultUsername = catalogue.defaultUsername,
       .defaultUserId = catalogue.defaultUserId,
-      .addressBookFile = catalogue.addressBookFile.Text(),
+      .addressBookFile = catalogue.addressBookFile,
       .selectedFolder = session_.Selected() ? session_.Selected()->FolderText() : std::string(),
       .fileType = session_.search.pattern,
       .foundFiles = {},

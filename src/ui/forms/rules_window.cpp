@@ -115,7 +115,7 @@ void RulesForm::Save(const char* name, const char* filter, ReportFormat format) 
   const RulesReport report = MakeRulesReport(reader, cmboUserIDs97.text, created, format);
   WriteReport(session_.platform.GetFiles(), session_.platform.GetSystemFacts(), *file, report.text);
   // Nothing is shown for it, but the log has it.
-  if (!report.brokenOff.empty()) throw std::runtime_error(file->Text() + " ends early. " + report.brokenOff);
+  if (report.brokenOff) throw std::runtime_error(file->Text() + " ends early. " + *report.brokenOff);
 }
 
 void RulesForm::cmdClose4_Click() {
