@@ -94,14 +94,14 @@ SettingsEditor::Outcome SettingsEditor::Write(const Setting& setting, const std:
     case WrittenAs::Choice:
       if (const auto number = NumberWritten(setting, text)) {
         Store(setting, userId, *number);
-        return {.isWritten = true, .shown = {}};
+        return {.isWritten = true};
       }
       break;
     case WrittenAs::Number:
       return WriteNumber(setting, userId, text);
     case WrittenAs::Text:
       Store(setting, userId, text);
-      return {.isWritten = true, .shown = {}};
+      return {.isWritten = true};
   }
   return {};
 }
@@ -109,7 +109,7 @@ SettingsEditor::Outcome SettingsEditor::Write(const Setting& setting, const std:
 SettingsEditor::Outcome SettingsEditor::WriteNumber(const Setting& setting, const std::string& userId,
                                                     const std::string& text) {
   const NumberEntry& entry = setting.written.entry;
-  const auto refused = [&] { return Outcome{.shown = {}, .message = std::string(entry.expected)}; };
+  const auto refused = [&] { return Outcome{.message = std::string(entry.expected)}; };
   const std::optional<double> entered = NumberFromText(text);
   if (!entered) return refused();
   if (entry.minusOneIsOff && *entered == kMinusOne) {
@@ -123,7 +123,7 @@ SettingsEditor::Outcome SettingsEditor::WriteNumber(const Setting& setting, cons
   const std::optional<std::int32_t> number = WholeNumber(*entered * entry.unit);
   if (!number) return refused();
   Store(setting, userId, *number);
-  return {.isWritten = true, .shown = {}};
+  return {.isWritten = true};
 }
 
 void SettingsEditor::Store(const Setting& setting, const std::string& userId, const RegValue& value) {

@@ -22,9 +22,9 @@ class SettingsEditor {
   std::string Load(const Setting& setting, const std::string& userId, Occasion occasion);
 
   struct Outcome {
-    bool isWritten = false;            ///< a value was handed to the registry, which may have refused it (see the log)
-    std::optional<std::string> shown;  ///< the text that the control has to show now
-    std::string message = {};          ///< for the person; empty for none
+    bool isWritten = false;  ///< a value was handed to the registry, which may have refused it (see the log)
+    std::optional<std::string> shown = {};    ///< the text that the control has to show now
+    std::optional<std::string> message = {};  ///< for the user
   };
   /// Writes what `text` means for the setting. The key must exist; the value is made when it is missing.
   Outcome Write(const Setting& setting, const std::string& userId, const std::string& text);

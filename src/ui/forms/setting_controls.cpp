@@ -102,8 +102,8 @@ void SettingControls::Act(Row& row) {
   const SettingsEditor::Outcome outcome = editor_.Write(*row.setting, userId_(), row.Text());
   if (outcome.shown) row.SetText(*outcome.shown);
   if (Row* governed = Govern(row)) WriteGoverned(*governed, row.setting->exceptions.governs);
-  if (outcome.message.empty()) return;
-  dialogs_.Show({.text = outcome.message});
+  if (!outcome.message) return;
+  dialogs_.Show({.text = *outcome.message});
   if (row.box) row.box->SelectAll();
 }
 
