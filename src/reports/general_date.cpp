@@ -8,7 +8,7 @@ namespace quillbox {
 namespace {
 
 constexpr const char* kInternational = "Control Panel\\International";
-constexpr std::uint64_t kTicks = 10'000'000;          // FILETIME's, in a second
+constexpr std::uint64_t kTicks = 10'000'000;          // FILETIME units in a second
 constexpr std::uint64_t kUnixEpoch = 11'644'473'600;  // seconds from 1601 to 1970
 constexpr int kHoursOfHalf = 12;
 constexpr std::size_t kAbbreviated = 3;
@@ -31,7 +31,7 @@ std::string Digits(int number, std::size_t width) {
   return std::string(width - std::min(width, digits.size()), '0') + digits;
 }
 
-/// A day or month as its number in one or two digits, its name's beginning, or its name.
+/// A day or month as a number of one or two digits, as an abbreviated name, or as a full name.
 std::string NumberOrName(int number, std::string_view name, std::size_t width) {
   if (width <= 2) return Digits(number, width);
   return std::string(width == kAbbreviated ? name.substr(0, kAbbreviated) : name);
@@ -41,7 +41,7 @@ class Picture {
  public:
   Picture(const std::tm& when, const DateStyle& style) : when_(when), style_(style) {}
 
-  /// A picture is runs of one letter each, texts in single quotes, and anything else as it is.
+  /// A picture consists of runs of one letter, texts in single quotes, and other characters, which are copied.
   std::string Fill(std::string_view picture) const {
     std::string text;
     for (std::size_t at = 0; at < picture.size();) {

@@ -1,5 +1,5 @@
-// The report of what the main window knows: the identities and their folders, the address book, and the files that the
-// last search has found.
+// The report of what the main window shows: the identities and their folders, the address book, and the files that the
+// last search found.
 #pragma once
 
 #include <string>
@@ -12,12 +12,12 @@
 namespace quillbox {
 
 struct IdentityReportFacts {
-  std::string created;  ///< the time of the report in words
+  std::string created;  ///< when the report was made, as text
   std::vector<IdentityInfo> identities;
   std::string defaultUsername, defaultUserId;
   WinPath addressBookFile;
   std::string selectedFolder;  ///< the identities with this store folder are the selected ones
-  std::string fileType;        ///< what was searched for ("*.dbx")
+  std::string fileType;        ///< the pattern of the search ("*.dbx")
   std::vector<std::string> foundFiles;
 };
 

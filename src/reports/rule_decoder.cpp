@@ -35,14 +35,14 @@ constexpr Name kColours[] = {
     {12, "Yellow"}, {13, "Blue"}, {14, "Fuchasia"}, {15, "Aqua"},  {16, "White"},
 };
 
-/// How an entry's value reads.
+/// How an entry's value is shown.
 struct ValueForm {
   enum class Kind {
     Fixed,        ///< `text`, whatever is stored
     List,         ///< a stored list of words or people
     Followed,     ///< the stored value, then `text`
     Named,        ///< the name of the stored number
-    NamedStrict,  ///< the same; a stored value that is no number ends the report
+    NamedStrict,  ///< the same; throws Error for a stored value that is not a number
   };
   Kind kind;
   const char* text = "";
@@ -66,7 +66,7 @@ constexpr ValueForm kAsStored = Followed("");
 /// Shows flags as their digits instead of a sentence.
 constexpr std::span<const Name> kDigits = {};
 
-/// A number that nobody has seen stored yet; put it into the row when it is known.
+/// The type number is not known yet: no registry seen so far stores it. Put it into the row when one does.
 constexpr std::nullopt_t kNotKnown = std::nullopt;
 
 struct CriterionRow {
@@ -136,11 +136,11 @@ std::string NameOf(std::optional<std::int32_t> number, std::span<const Name> nam
   return found == names.end() ? std::string() : found->text;
 }
 
-/// A number that is compared after having been read as text.
+/// A number, read from the value's text. Throws Error when the text is not a number.
 std::int32_t NumberInText(const RegValue& value) {
   const std::string text = TextOf(value);
   const std::optional<std::int32_t> number = RegValue(text).AsNumber();
-  if (!number) throw Error("decoding a message rule", {"Value", {}, {}}, "\"" + text + "\" is no number");
+  if (!number) throw Error("decoding a message rule", {"Value", {}, {}}, "\"" + text + "\" is not a number");
   return *number;
 }
 

@@ -1,5 +1,5 @@
-// Message rules in words. Outlook Express stores what a rule tests and does as numbers; the tables that give them their
-// sentences, for mail and news side by side, are in rule_decoder.cpp.
+// Decodes message rules. Outlook Express stores what a rule tests and does as numbers; rule_decoder.cpp has the tables
+// of their sentences, for mail and news side by side.
 #pragma once
 
 #include <cstdint>
@@ -27,19 +27,19 @@ struct ActionTexts {
   std::string type, value;
 };
 
-/// The texts of a criterion; those of a number that has no row in its table are empty. `codePage` is that of stored
-/// word lists. Throws Error for a priority or a kind of security that is no number.
+/// The texts of a criterion; a number without a row in its table has empty texts. `codePage` is the code page of stored
+/// word lists. Throws Error for a priority or a kind of security that is not a number.
 CriterionTexts DecodeCriterion(RuleSet set, const RuleEntry& entry, const CodePage& codePage);
 ActionTexts DecodeAction(RuleSet set, const RuleEntry& entry);
 
-/// "Enabled" of a rule in words.
+/// The text of a rule's value "Enabled".
 std::string EnabledText(const RegValue& enabled);
 
 /// A value of any type as text: digits of a number, bytes as UTF-16.
 std::string TextOf(const RegValue& value);
-/// A value as a number: nothing stored is 0; no number for what is none.
+/// A value as a number; a missing value is 0. Nothing for a value that is not a number.
 std::optional<std::int32_t> NumberOf(const RegValue& value);
-/// NUL-ended texts of 8-bit bytes, one after the other, with a blank for each NUL.
+/// A run of NUL-terminated 8-bit texts as one text, with a blank for each NUL.
 std::string ByteArrayToString(const Bytes& bytes, const CodePage& codePage);
 
 }  // namespace quillbox

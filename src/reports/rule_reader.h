@@ -1,4 +1,4 @@
-// Reads the message rules that an identity has, of mail or of news, as the reports need them: decoded.
+// Reads and decodes the mail or news rules of an identity.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace quillbox {
 
-/// What a rule is called, without what it tests and does.
+/// A rule's name and state, without its criteria and actions.
 struct RuleHeader {
   std::string number;  ///< the name of its key
   std::string name, enabled, version;
@@ -17,13 +17,13 @@ struct RuleHeader {
 
 class RuleReader {
  public:
-  /// `codePage` is that of stored word lists.
+  /// `codePage` is the code page of stored word lists.
   RuleReader(RegistryStore& store, RuleSet set, CodePage codePage)
       : store_(store), set_(set), codePage_(std::move(codePage)) {}
 
   RuleSet Set() const { return set_; }
 
-  /// The keys of the identity's rules, in the registry's order; none when its rule set cannot be opened.
+  /// The keys of the identity's rules, in the registry's order; none when the rule set's key cannot be opened.
   std::vector<RegistryPath> EnumRules(const std::string& userId);
   RuleHeader Header(const RegistryPath& rule);
   /// The keys of a rule's criteria and actions, in the registry's order; none when their key cannot be opened.

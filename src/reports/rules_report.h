@@ -1,4 +1,4 @@
-// The report of all message rules that an identity has, as plain text or as a page.
+// The report of all mail or news rules of an identity, as plain text or HTML.
 #pragma once
 
 #include <optional>
@@ -10,11 +10,11 @@
 namespace quillbox {
 
 struct RulesReport {
-  std::string text;                      ///< as far as it came
+  std::string text;                      ///< up to its end, or to where it broke off
   std::optional<std::string> brokenOff;  ///< why it ends early
 };
 
-/// `created` is the time of the report in words. A criterion that cannot be decoded ends the report.
+/// `created` is the time at which the report was made, as text. A criterion that cannot be decoded ends the report.
 RulesReport MakeRulesReport(RuleReader& reader, const std::string& userId, const std::string& created,
                             ReportFormat format);
 

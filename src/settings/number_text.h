@@ -1,4 +1,4 @@
-// Numbers as the settings windows show them and take them from a person.
+// Numbers as the settings windows show and accept them.
 #pragma once
 
 #include <cstdint>
@@ -8,13 +8,13 @@
 
 namespace quillbox {
 
-/// What is shown for a number that turns something off.
+/// Shown for a number that turns something off.
 inline constexpr const char* kOff = "Off";
 
-/// The number that `text` is, with a point before decimal places and blanks around it; nothing for any other text.
+/// Parses a decimal number, with "." before its decimal places and blanks around it allowed. Nothing for other texts.
 std::optional<double> NumberFromText(std::string_view text);
 
-/// `number` as a whole one, halves away from zero; nothing where 32 bits cannot hold it.
+/// `number` rounded, halves away from zero; nothing when 32 bits cannot hold the result.
 std::optional<std::int32_t> WholeNumber(double number);
 
 /// Milliseconds as minutes with as many decimal places as they need; "-1" for a negative number.

@@ -1,5 +1,5 @@
-// The settings of the window "Odds and Ends": what no option dialog offers. Those of one identity come first,
-// those of the person and the machine below them.
+// The settings of the window "Odds and Ends", which no option dialog offers: first those of one identity, below them
+// those of the user and the machine.
 #include "settings/settings_tabs.h"
 
 namespace quillbox {

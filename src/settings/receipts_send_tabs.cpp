@@ -1,4 +1,4 @@
-// The tabs "Reciepts" (as its caption is spelt) and "Send".
+// The tabs "Reciepts" (the caption is spelt this way) and "Send".
 #include "settings/settings_tabs.h"
 
 namespace quillbox {

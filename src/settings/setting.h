@@ -1,6 +1,6 @@
-// One description of a setting that a person can edit, so that all settings are rows of tables: what its label and
-// control are called and say, where its value lies, what is shown for it and what is written. What only some settings
-// do is named in the row too; neither the loader nor the windows know any setting by its name.
+// The description of a setting that the user can edit. All settings are rows of tables, which give the label, the
+// control, the registry value, and what is shown and written. What only some settings do is in the row too: neither
+// the loader nor the windows know any setting by its name.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace quillbox {
 
-/// The key that a setting's value lies in; PathOf tells its path.
+/// The key that a setting's value is in; PathOf returns its path.
 enum class SettingKey {
   None,       ///< a control without a value
   Settings,   ///< the identity's key "5.0"
@@ -17,7 +17,7 @@ enum class SettingKey {
   News,       ///< "News" below it
   Rules,      ///< "Rules" below it
   Machine,    ///< the machine's Outlook Express key
-  WebMain,    ///< the person's Internet Explorer key "Main"
+  WebMain,    ///< the user's Internet Explorer key "Main"
   WebToolbar  ///< "Toolbar" beside it
 };
 
@@ -26,7 +26,7 @@ struct Choice {
   std::int32_t number;
 };
 
-/// In a table of what is written: every text that no row before names.
+/// In a table of what is written: any text that no earlier row names.
 inline constexpr std::string_view kAnyOther = "*";
 
 enum class ShownAs {
@@ -41,7 +41,7 @@ enum class ShownAs {
 struct Shown {
   ShownAs as;
   std::span<const Choice> choices = {};
-  std::span<const std::string_view> items = {};  ///< of the combo box, where they are not the choices' texts in order
+  std::span<const std::string_view> items = {};  ///< of the combo box, if they differ from the texts of `choices`
 };
 
 /// How a number is entered in a text box.
@@ -49,8 +49,8 @@ struct NumberEntry {
   std::string_view expected;   ///< the message for a text that is not such a number
   std::int32_t unit = 1;       ///< the stored number for an entered 1
   bool minusOneIsOff = false;  ///< -1 is stored as it is and the box then shows "Off"
-  std::int32_t lowest = 0;     ///< with `highest`: others bring the message, and `replacement` takes their place
-  std::int32_t highest = 0;    ///< 0: any number is taken
+  std::int32_t lowest = 0;     ///< with `highest`: for other numbers the message is shown and `replacement` is stored
+  std::int32_t highest = 0;    ///< 0: any number is accepted
   std::int32_t replacement = 0;
 };
 
@@ -58,15 +58,15 @@ enum class WrittenAs { Nothing, Choice, Number, Text };
 
 struct Written {
   WrittenAs as = WrittenAs::Nothing;
-  std::span<const Choice> choices = {};  ///< where they are not the choices shown
+  std::span<const Choice> choices = {};  ///< if they differ from the choices shown
   NumberEntry entry = {};
 };
 
 /// What a missing value means.
 struct Missing {
   constexpr Missing(const char* text) : shown(text) {}
-  /// The value is made when the window opens, a text as the empty one. While other identities are chosen it counts as
-  /// 0 or the empty text.
+  /// The value is made when the window opens: `number`, or an empty text. When another identity is picked later, a
+  /// missing value is shown as 0 or an empty text and is not made.
   static constexpr Missing Stores(std::int32_t number) {
     Missing missing("");
     missing.isStored = true;
@@ -93,15 +93,15 @@ struct ChangeButton {
 /// A combo box that another control of its tab depends on.
 struct Governs {
   std::string_view control;
-  std::span<const std::string_view> enabledBy;  ///< the texts that enable it; every other one disables it
-  std::string_view whenDisabled = {};           ///< shown in it when it is disabled, and written when that was picked
-  std::string_view whenEnabled = {};            ///< written to it when a pick has enabled it and it holds 0
+  std::span<const std::string_view> enabledBy;  ///< the texts that enable it; any other text disables it
+  std::string_view whenDisabled = {};  ///< shown in it while it is disabled, and written when a pick disabled it
+  std::string_view whenEnabled = {};   ///< written to it when a pick has enabled it and it holds 0
 };
 
 /// What only some settings have.
 struct Exceptions {
-  std::string_view label = {};        ///< its name, where it is not the control's with "lbl" in front
-  std::string_view writtenName = {};  ///< the value's name for writing, where its case is another one
+  std::string_view label = {};        ///< its name, if it is not "lbl" and the control's
+  std::string_view writtenName = {};  ///< the value's name when it is written, if its case differs
   std::string_view withoutKey = {};   ///< shown when the key can't be opened
   std::string_view boxTooltip = {};
   ChangeButton button = {};
@@ -125,7 +125,7 @@ struct Setting {
   constexpr bool IsText() const { return shown.as == ShownAs::Text || shown.as == ShownAs::TextOrNoneSelected; }
 };
 
-/// Settings that stand together in a tab, below each other.
+/// Settings that are together in a tab, one below the other.
 struct Section {
   LabelText heading = {};  ///< without a name: none
   std::size_t column = 0;  ///< 0 on the left, 1 on the right
@@ -133,9 +133,9 @@ struct Section {
 
 struct SettingsTab {
   std::string_view caption;
-  std::span<const Setting> rows;           ///< in the order in which they are read
+  std::span<const Setting> rows;           ///< in the order of reading
   std::span<const Section> sections = {};  ///< none: the rows fill the left column first
-  std::span<const LabelText> notes = {};   ///< at the tab's foot
+  std::span<const LabelText> notes = {};   ///< at the bottom of the tab
 };
 
 // What many settings have in common.
@@ -149,7 +149,7 @@ inline constexpr Shown kText{ShownAs::Text};
 
 inline constexpr Choice kOneForOn[] = {{"On", 1}, {kAnyOther, 0}};
 inline constexpr Written kWritesOnOff{WrittenAs::Choice, kOneForOn};
-/// The number of the choice that reads so.
+/// The number of the choice with the picked text.
 inline constexpr Written kWritesChoice{WrittenAs::Choice};
 inline constexpr Written kWritesText{WrittenAs::Text};
 inline constexpr Written kWritesNothing{};

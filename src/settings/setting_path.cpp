@@ -11,7 +11,7 @@ struct KeyRow {
   SettingKey key;
   RegistryRoot root;
   bool ofIdentity;
-  const char* path;  ///< for those of an identity what follows its settings key
+  const char* path;  ///< for a key of an identity: what follows its settings key
 };
 
 constexpr KeyRow kKeys[] = {

@@ -1,4 +1,4 @@
-// Where the values of settings lie in the registry.
+// Where the registry holds the values of settings.
 #pragma once
 
 #include <string>
@@ -8,10 +8,10 @@
 
 namespace quillbox {
 
-/// The path of `key`, for those of an identity that of `userId`.
+/// The path of `key`; for a key of an identity, below that of `userId`.
 RegistryPath PathOf(SettingKey key, const std::string& userId);
 
-/// True for the keys that each identity has its own of.
+/// True for a key that every identity has for itself.
 bool IsOfIdentity(SettingKey key);
 
 }  // namespace quillbox

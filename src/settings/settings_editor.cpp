@@ -65,12 +65,12 @@ std::string SettingsEditor::Load(const Setting& setting, const std::string& user
   const std::optional<std::string> text = Show(setting, value);
   if (!text) {
     log_.Write(FullName(path) + ": the value \"" + std::string(setting.value) +
-               "\" is shown as nothing because there is no text for what it holds");
+               "\" is shown as an empty text because none is known for its data");
   }
   return text.value_or("");
 }
 
-/// Asks with full access, as a write will.
+/// Opens the key with full access, as a write does.
 SettingsEditor::Presence SettingsEditor::Probe(const RegistryPath& path, std::string_view name) {
   if (store_.OpenKey(path).status != Status::Success) return Presence::NoKey;
   return store_.ProbeValue(path, name) == probe::kMissing ? Presence::Missing : Presence::Present;

@@ -1,5 +1,5 @@
-// Reads and writes any setting by its row: the one loader and the one writer that all settings share. No window is
-// needed; what a person has to be told comes back as text.
+// Reads and writes any setting by its row: all settings share this loader and this writer. It needs no window; messages
+// for the user are returned.
 #pragma once
 
 #include <optional>
@@ -17,7 +17,7 @@ class SettingsEditor {
 
   /// Why a setting is read: only the opening of a window makes missing values, where the row says so.
   enum class Occasion { Opening, Shown };
-  /// What the setting's control shows for the identity `userId`. A stored value that there is no text for gives the
+  /// The text that the setting's control shows for the identity `userId`. A stored value that has no text gives an
   /// empty text and a line in the log.
   std::string Load(const Setting& setting, const std::string& userId, Occasion occasion);
 
@@ -32,7 +32,7 @@ class SettingsEditor {
   /// Sets every value that makes up the browser's own toolbar logo to the empty text.
   void RestoreBrowserLogo();
 
-  /// False for an identity that was never used: it has no settings, or an empty identity's message store.
+  /// False for an identity that was never used: it has no settings, or its message store is the empty identity's.
   bool IsSetUp(const std::string& userId);
   std::string Username(const std::string& userId);
 

@@ -1,6 +1,6 @@
-// The controls that windows are made of, as plain objects without a toolkit. Code reads and sets their properties;
-// a person (or a test) acts on them through the verbs in lower case: click, pick, type, open. Only those verbs run
-// handlers: setting a property from code never does.
+// The controls of windows, as plain objects without a toolkit. Code reads and sets their properties; a person (or a
+// test) acts on them through the verbs in lower case: click, pick, type, open. Only those verbs run handlers; setting a
+// property from code never does.
 #pragma once
 
 #include <array>
@@ -21,7 +21,7 @@ class TabControl;
 /// What a control does when a person acts on it. Run by the form, which guards it.
 using Handler = std::function<void()>;
 
-/// 24-bit colours as windows know them: red in the lowest byte.
+/// 24-bit colours with red in the lowest byte.
 enum class Colour : unsigned { Default = 0xFFFFFFFF, Red = 255 };
 
 class Control {
@@ -44,7 +44,7 @@ class Control {
   std::function<void()> onChanged;
 
  protected:
-  /// Has a change of `property` reach onChanged.
+  /// Calls onChanged after each change of `property`.
   template <class T>
   void Watch(Property<T>& property) {
     property.Watch([this] { Changed(); });
@@ -66,7 +66,7 @@ class Label : public Control {
   Label(Form& form, std::string name, std::string text = {}, std::string tip = {});
   void Accept(ControlVisitor& visitor) override;
   Property<std::string> caption;
-  bool wraps = false;  ///< a long caption takes several lines
+  bool wraps = false;  ///< a long caption is shown in several lines
 };
 
 class TextBox : public Control {
@@ -83,7 +83,7 @@ class TextBox : public Control {
   void type(const std::string& newText);
 };
 
-/// A list of texts of which one is shown. A picker shows only its items; an editable one takes any text.
+/// A list of texts with one of them shown. The user can only pick an item, unless the box is editable.
 class ComboBox : public Control {
  public:
   ComboBox(Form& form, std::string name, std::string initial = {}, std::string tip = {});
@@ -96,11 +96,11 @@ class ComboBox : public Control {
 
   void Add(const std::string& item);
   void Clear();
-  /// The position of the item that the person picked last, or of the first item equal to the text; -1 for neither.
+  /// The position of the item that was picked last, or else of the first item equal to the text; -1 if there is none.
   int Index() const;
 
   void pick(std::size_t index);
-  /// Picks the first item that reads so; throws std::invalid_argument when there is none.
+  /// Picks the first item with that text; throws std::invalid_argument when there is none.
   void pick(const std::string& item);
   void type(const std::string& newText);
 
@@ -121,7 +121,7 @@ class CheckBox : public Control {
 
 class OptionButton;
 
-/// The option buttons of which one at most is chosen.
+/// Option buttons of which at most one is chosen.
 class OptionGroup {
  public:
   /// Chooses `chosen` alone; null chooses none. No handler runs.
@@ -161,7 +161,7 @@ class Button : public Control {
   void click();
 };
 
-/// A titled border; its layout group lies inside, and hiding the frame hides that.
+/// A titled border around its layout group; hiding the frame hides the group.
 class Frame : public Control {
  public:
   Frame(Form& form, std::string name, std::string text = {}, std::string tip = {});
@@ -183,17 +183,17 @@ class ListBox : public Control {
   void open(std::size_t index);
 };
 
-/// A list of texts of which any number is selected.
+/// A list of texts of which any number can be selected.
 class MultiListBox : public Control {
  public:
   MultiListBox(Form& form, std::string name, std::string tip = {});
   void Accept(ControlVisitor& visitor) override;
-  /// Setting other items selects none.
+  /// Setting other items clears the selection.
   Property<std::vector<std::string>> items;
   /// The positions of the selected items, ascending.
   Property<std::vector<std::size_t>> selected;
 
-  /// Selects the item, or takes its selection away.
+  /// Selects the item, or deselects it.
   void toggle(std::size_t index);
 };
 
@@ -204,7 +204,7 @@ class StatusBar : public Control {
   std::vector<Property<std::string>> panels;
 };
 
-/// The renderer's way to tell the kinds apart.
+/// Lets the renderer tell the kinds apart.
 class ControlVisitor {
  public:
   virtual ~ControlVisitor() = default;

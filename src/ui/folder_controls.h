@@ -1,4 +1,4 @@
-// The drive, folder and file lists with which a person walks a disk.
+// The drive, folder and file lists for browsing a disk.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@
 
 namespace quillbox {
 
-/// Lists the drives that are there ("C:\", "D:\").
+/// Lists the existing drives ("C:\", "D:\").
 class DriveListBox : public ComboBox {
  public:
   using ComboBox::ComboBox;
@@ -19,7 +19,8 @@ class DriveListBox : public ComboBox {
   void ShowDriveOf(const WinPath& path);
 };
 
-/// Shows a folder: the folders above it, itself, and the folders in it; opening one moves there.
+/// Shows the folders above a folder, the folder itself, and the folders in it. The window's handlers move to the
+/// folder that is opened.
 class DirListBox : public ListBox {
  public:
   using ListBox::ListBox;
@@ -27,7 +28,7 @@ class DirListBox : public ListBox {
   void SetPath(FileSystem& files, Drives& drives, const WinPath& folder);
   void Refresh(FileSystem& files);
   const WinPath& Path() const { return path_; }
-  /// The folder that line `index` stands for.
+  /// The folder that line `index` shows.
   WinPath FolderAt(std::size_t index) const { return folders_.at(index); }
 
  private:

@@ -1,5 +1,5 @@
 // A window as a plain object: its controls are public members, its layout and menus are data, and its handlers run
-// through one guard. A renderer watches it; without one (in tests) it works just the same.
+// through one guard. A renderer watches it; without one (in tests) it works the same.
 #pragma once
 
 #include <functional>
@@ -21,12 +21,12 @@ struct Platform;
 
 enum class Pointer { Normal, Hourglass };
 
-/// Runs every handler of a person's act. What fails in a handler ends that handler and is told to the log; when the
-/// outermost one has ended, the platform ends the command, so that its registry changes reach the disk at once.
+/// Runs every handler of a user's action. An exception ends the handler and goes to the log; when the outermost handler
+/// has ended, the platform ends the command, so that its registry changes reach the disk at once.
 class HandlerGuard {
  public:
   explicit HandlerGuard(Platform& platform);
-  /// For windows that stand before any system is opened: nothing is ended after a handler.
+  /// For windows that are shown before any system is opened: no command is ended after a handler.
   HandlerGuard(Log& log, Dialogs& dialogs);
   /// `what` names the handler in the log ("cmdQuickBackup_Click").
   void Run(const std::string& what, const Handler& handler);
@@ -59,17 +59,17 @@ class Form {
   void Show() { visible = true; }
   void Hide() { visible = false; }
 
-  /// How the controls lie; asked once, when the window is first rendered.
+  /// How the controls are laid out; called once, when the window is first rendered.
   virtual LayoutNode Layout() = 0;
-  /// A person closes the window by its title bar. Unless a window says otherwise that presses the button that Esc
-  /// presses, or hides the window when it has none.
+  /// The title bar's close button. By default this clicks the button that Esc clicks, or hides the window when it has
+  /// none.
   virtual void close();
-  /// A person presses Esc: that presses its button, or closes a window that has none.
+  /// The Esc key: clicks the window's cancel button, or closes a window that has none.
   void escape();
 
   /// All controls, in tab order.
   const std::vector<Control*>& Controls() const { return controls_; }
-  /// The control of that name. Throws std::invalid_argument when there is none of the kind.
+  /// The control with that name. Throws std::invalid_argument when there is none of kind T.
   template <class T>
   T& Named(std::string_view name) const {
     for (Control* control : controls_) {

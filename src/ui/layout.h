@@ -1,4 +1,4 @@
-// How a window's controls lie, as data: rows, columns, grids and groups of controls. The renderer turns it into the
+// A window's layout as data: rows, columns, grids and groups of controls. The renderer turns it into the
 // toolkit's own layout, so nothing here counts pixels.
 #pragma once
 
@@ -17,7 +17,7 @@ struct LayoutNode {
     Grid,    ///< children row by row in `columns` columns of common widths
     Group,   ///< one child inside a Frame
     Tabs,    ///< the pages of a TabControl, one child each
-    Space,   ///< an empty place that takes a share of what is left
+    Space,   ///< an empty place that gets a share of the length left over
   };
 
   Kind kind = Kind::Space;
@@ -26,7 +26,7 @@ struct LayoutNode {
   std::size_t columns = 0;
   std::vector<std::size_t> growingColumns;  ///< of a Grid: those that share the width left over
   int grow = 0;                             ///< share of the length left over along the parent's direction
-  bool fill = true;                         ///< takes the parent's whole width (of a Row: height) across its direction
+  bool fill = true;                         ///< as wide as the parent (in a Row: as high)
 };
 
 inline LayoutNode Item(Control& control, int grow = 0) {

@@ -1,5 +1,4 @@
-// A list of rows in columns with a check box each, made for very many rows: it keeps none of their texts but asks for
-// those that are seen.
+// A list of rows with columns and a check box each, for very many rows: it keeps no texts but asks for those in view.
 #pragma once
 
 #include <cstddef>
@@ -23,14 +22,14 @@ class ListView : public Control {
   std::size_t RowCount() const { return checked_.size(); }
   std::string Text(std::size_t row, std::size_t column) const { return text_(row, column); }
 
-  /// Other rows than before, none of them checked or selected; the columns take the widths of their texts.
+  /// Replaces the rows; none is checked or selected. The columns get the widths of their texts.
   void SetRowCount(std::size_t count);
   /// Changes with every SetRowCount.
   unsigned Generation() const { return generation_; }
 
   bool IsChecked(std::size_t row) const { return checked_.at(row); }
   void SetAllChecked(bool checked);
-  /// The checked rows from the first to the last.
+  /// The checked rows, ascending.
   std::vector<std::size_t> CheckedRows() const;
 
   /// -1 for none.

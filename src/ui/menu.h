@@ -1,4 +1,4 @@
-// A window's menu bar as data: each row gives a path of captions, the item's name, and what it does.
+// A window's menu bar as data: a path of captions, a name and a handler for each item.
 #pragma once
 
 #include <deque>
@@ -13,9 +13,9 @@ class Form;
 
 /// One leaf of a menu bar.
 struct MenuItem {
-  std::vector<std::string> path;  ///< captions from the bar down to the item's own; "&" marks an access key
+  std::vector<std::string> path;  ///< captions from the bar down to the item; "&" marks an access key
   std::string name;
-  bool enabled = true;  ///< a switched-off item is shown greyed
+  bool enabled = true;  ///< a disabled item is shown greyed
   Handler onClick;
 
   const std::string& Caption() const { return path.back(); }
@@ -25,13 +25,13 @@ class MenuBar {
  public:
   explicit MenuBar(Form& form) : form_(form) {}
 
-  /// Items with the same beginning of their paths share the menus along it.
+  /// Items whose paths begin alike share those menus.
   void Add(MenuItem item) { items_.push_back(std::move(item)); }
   const std::deque<MenuItem>& Items() const { return items_; }
   /// Throws std::invalid_argument when there is no item of that name.
   const MenuItem& Item(const std::string& name) const;
 
-  /// A person chooses the item; a greyed one does nothing.
+  /// Runs the item's handler; a disabled item does nothing.
   void click(const std::string& name) const;
 
  private:

@@ -1,5 +1,5 @@
-// A value that tells its owner when it changes: what controls are made of, so that code sets `caption = "…"` and the
-// real widget follows.
+// A value that notifies its owner of changes. Controls are made of them: code sets `caption = "…"` and the real widget
+// follows.
 #pragma once
 
 #include <functional>

@@ -1,4 +1,4 @@
-// Pages of controls behind tabs, of which one is seen.
+// Pages of controls with tabs, one page in view.
 #pragma once
 
 #include <cstddef>
@@ -9,18 +9,18 @@
 
 namespace quillbox {
 
-/// What lies on the pages is said by the layout, as the children of a node of the kind Tabs in the tabs' order.
+/// The layout gives the pages' contents, as the children of a node of kind Tabs in the order of the tabs.
 class TabControl : public Control {
  public:
   TabControl(Form& form, std::string name, std::vector<std::string> captions);
   void Accept(ControlVisitor& visitor) override;
 
-  /// The tabs' captions, from the left. They stay as they are.
+  /// The tabs' captions, from the left. They never change.
   const std::vector<std::string>& Tabs() const { return tabs_; }
   Property<int> selected{0};
   Handler onClick;
 
-  /// Nothing for a position without a tab.
+  /// A position without a tab is ignored.
   void pick(std::size_t index);
 
  private:

@@ -40,7 +40,7 @@ TEST_F(RulesReportTest, ACriterionThatCannotBeDecodedEndsTheReportWhereItStands)
   const Key entry = store->CreateKey(rules.Child("001\\Criteria\\00A"));
   store->SetValueEx(entry, "Type", ValueType::Dword, 13);
   const RulesReport report = Make(RuleSet::Mail, ReportFormat::Text);
-  EXPECT_THAT(report.brokenOff, Optional(HasSubstr("no number")));
+  EXPECT_THAT(report.brokenOff, Optional(HasSubstr("not a number")));
   EXPECT_THAT(report.text, EndsWith("CriteriaValue: news@example.com shop@example.net  \r\n"));
   EXPECT_THAT(report.text, Not(HasSubstr("End Of File")));
 }

@@ -43,7 +43,7 @@ FormWindow::FormWindow(Form& form) : form_(form) {
 FormWindow::~FormWindow() {
   form_.onChanged = nullptr;
   for (Control* control : form_.Controls()) control->onChanged = nullptr;
-  // At once and not when the toolkit comes to it: what it has still to handle would reach for this object.
+  // At once and not when the toolkit is idle: events that it has still to handle would use this object.
   delete window_.get();
 }
 
@@ -60,7 +60,7 @@ void FormWindow::Follow() {
     window_->Show(form_.visible);
     if (form_.visible) {
       window_->Raise();
-      AskForFit(false);  // some widgets know what they need only when they have been shown
+      AskForFit(false);  // some widgets know their best size only when they have been shown
     }
     wxWakeUpIdle();
   }
@@ -103,7 +103,7 @@ void FormWindow::MakeContent() {
   widgets_.resize(controls.size());
   content_ = new wxPanel(window_);
   content_->SetSizer(BuildLayout(form_.Layout(), *content_, [this](Control& control, wxWindow& parent, bool growing) {
-    // A status bar stands at the window's foot, wherever the layout names it.
+    // A status bar is at the bottom of the window, wherever the layout names it.
     return dynamic_cast<StatusBar*>(&control) ? nullptr : MakeWidgetOf(control, parent, growing);
   }));
   for (Control* control : controls) {
@@ -122,7 +122,7 @@ std::size_t FormWindow::PositionOf(const Control& control) const {
   return static_cast<std::size_t>(std::find(controls.begin(), controls.end(), &control) - controls.begin());
 }
 
-/// Where a window stands in the tab order: as its control does, or as the first control inside it.
+/// A window's position in the tab order: that of its control, or of the first control inside it.
 std::size_t FormWindow::TabPosition(wxWindow& window) const {
   const auto known = positions_.find(&window);
   auto position = std::numeric_limits<std::size_t>::max();
@@ -146,7 +146,7 @@ void FormWindow::OnControlChanged(const Control& control) {
   const bool wasShown = widget.window->IsShown();
   widget.show();
   AskForFit(wasShown != widget.window->IsShown());
-  // A handler that works for long gives the window no other chance to show what it has just told.
+  // A handler that works for long gives the window no other chance to show the change.
   if (pointer_ == Pointer::Hourglass) PaintNow();
 }
 
@@ -158,8 +158,8 @@ void FormWindow::OnKey(wxKeyEvent& event) {
   }
 }
 
-/// A handler changes many things at once; the window is laid out when it has ended. `heightToo`: the window takes the
-/// height that the form asks for, instead of growing only when its content needs it.
+/// Has the window laid out when the handler has ended, since a handler changes many things at once. `heightToo`: the
+/// window gets the height that the form asks for, instead of growing only when its content needs it.
 void FormWindow::AskForFit(bool heightToo) {
   fitHeight_ = fitHeight_ || heightToo;
   if (fitAsked_) return;

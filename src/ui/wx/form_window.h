@@ -1,4 +1,4 @@
-// One form as a real window: made when the form is first shown, and following it from then on.
+// One form as a real window, which is made when the form is first shown and follows it from then on.
 #pragma once
 
 #include <wx/frame.h>

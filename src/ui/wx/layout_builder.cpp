@@ -27,7 +27,7 @@ class Builder {
   }
 
  private:
-  /// A child's place: one widget or one sizer, or neither for an empty place.
+  /// A child's item: a widget, a sizer, or an empty place.
   wxSizerItem* Make(const LayoutNode& node, bool growing) {
     switch (node.kind) {
       case LayoutNode::Kind::Item:
@@ -53,7 +53,7 @@ class Builder {
     return node.kind == LayoutNode::Kind::Item && !dynamic_cast<wxListBox*>(item.GetWindow());
   }
 
-  /// Lays `node` over all of `sizer`.
+  /// Adds `node` so that it fills `sizer`.
   void AddWhole(wxSizer& sizer, const LayoutNode& node, int border) {
     wxSizerItem* item = Make(node, false);
     item->SetProportion(1);
@@ -68,7 +68,7 @@ class Builder {
     for (const LayoutNode& child : node.children) {
       wxSizerItem* item = Make(child, isRow && child.grow > 0);
       item->SetProportion(child.grow);
-      // One line of text or one button beside something taller stands at its middle.
+      // One line of text or one button beside something taller is centred.
       const bool centred = isRow && (!child.fill || IsOneLine(child, *item));
       const int across = centred ? int{wxALIGN_CENTRE_VERTICAL} : child.fill ? int{wxEXPAND} : 0;
       const bool first = &child == &node.children.front();
@@ -98,7 +98,7 @@ class Builder {
 
   wxSizer* MakeGroup(const LayoutNode& node) {
     auto* box = static_cast<wxStaticBox*>(make_(*node.control, parent_, false));
-    // The controls lie in a panel of their own, which keeps their tab order; a bare box would go by positions.
+    // The controls are in a panel of their own, which keeps their tab order; a bare box would order them by position.
     auto* panel = new wxPanel(box);
     Builder inside(*panel, make_);
     auto* around = new wxBoxSizer(wxVERTICAL);
@@ -110,7 +110,7 @@ class Builder {
     return sizer;
   }
 
-  /// The book has made its pages, empty.
+  /// Fills the book's pages, which are empty so far.
   wxWindow* MakePages(const LayoutNode& node) {
     auto* book = static_cast<wxBookCtrlBase*>(make_(*node.control, parent_, false));
     for (std::size_t i = 0; i < node.children.size() && i < book->GetPageCount(); ++i) {

@@ -1,4 +1,4 @@
-// Turns a form's layout into the toolkit's own, making each control's widget where it lies.
+// Turns a form's layout into the toolkit's own and makes each control's widget in its place.
 #pragma once
 
 #include <functional>
@@ -10,11 +10,11 @@ class wxWindow;
 
 namespace quillbox {
 
-/// Makes the widget of a control in `parent`; `growing` as in MakeWidget. Null for a control that has its place
-/// outside the layout.
+/// Makes the widget of a control in `parent`; `growing` as in MakeWidget. Null for a control whose place is outside the
+/// layout.
 using WidgetMaker = std::function<wxWindow*(Control& control, wxWindow& parent, bool growing)>;
 
-/// The layout of `root` inside `parent`, with a margin around it. The caller hands it to `parent`.
+/// The layout of `root` inside `parent`, with a margin around it, for `parent.SetSizer`.
 wxSizer* BuildLayout(const LayoutNode& root, wxWindow& parent, const WidgetMaker& make);
 
 }  // namespace quillbox

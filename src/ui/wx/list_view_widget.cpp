@@ -17,7 +17,7 @@ constexpr int kCheckBoxWidth = 28;
 constexpr int kShownLines = 9;
 constexpr int kLineHeight = 24;
 constexpr int kLeastWidth = 300;
-/// The longest texts of a column that are measured to find the widest.
+/// How many of a column's longest texts are measured to find the widest.
 constexpr std::size_t kTextsMeasured = 40;
 
 /// Column 0 holds the check box and the row's first text.
@@ -82,7 +82,7 @@ void AddColumns(const ListView& control, wxDataViewCtrl& list) {
   }
 }
 
-/// Has the rows that are in view drawn again.
+/// Redraws the check boxes of the rows in view.
 void ShowChecksInView(const wxDataViewCtrl& list, Rows& rows) {
   const wxDataViewItem top = list.GetTopItem();
   if (!top.IsOk()) return;
@@ -100,7 +100,7 @@ Widget MakeListViewWidget(ListView& control, wxWindow& parent) {
   list->AssociateModel(rows.get());
   AddColumns(control, *list);
   SizeColumns(control, *list);
-  TakeRowsForEquallyHigh(*list);
+  GiveRowsOneHeight(*list);
 
   const auto rowOf = [rows](const wxDataViewItem& item) { return static_cast<std::size_t>(rows->GetRow(item)); };
   list->Bind(wxEVT_DATAVIEW_SELECTION_CHANGED, [&control, rowOf](wxDataViewEvent& event) {

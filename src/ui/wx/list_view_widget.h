@@ -1,4 +1,4 @@
-// The real widget of a list with very many rows: the toolkit asks for the rows that are seen, and no others.
+// The real widget of a list with very many rows: the toolkit asks only for the rows in view.
 #pragma once
 
 #include "ui/wx/widget_factory.h"

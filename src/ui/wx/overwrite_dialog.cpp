@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kGap = 8;
 constexpr int kWidest = 560;
-constexpr std::uint64_t kFileTimeTicks = 10'000'000;       // in a second
+constexpr std::uint64_t kFileTimeTicks = 10'000'000;       // units in a second
 constexpr std::uint64_t kFileTimeOfUnix = 11'644'473'600;  // seconds from 1601 to 1970
 
 struct Choice {

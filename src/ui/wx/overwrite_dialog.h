@@ -1,4 +1,4 @@
-// The question whether a file that is there already may be replaced.
+// The question whether an existing file may be replaced.
 #pragma once
 
 #include "platform/dialogs.h"

@@ -1,5 +1,5 @@
-// What a window needs of the toolkit's port and the toolkit has no call for. Each port has a file of its own for it
-// (port_gtk.cpp), so that no other file of this layer names one.
+// What windows need of the system below the toolkit because the toolkit has no call for it. Each of the toolkit's ports
+// has its own file (port_gtk.cpp), so that no other file of this layer depends on one.
 #pragma once
 
 #include <string>
@@ -9,11 +9,11 @@ class wxWindow;
 
 namespace quillbox {
 
-/// What a screen reader calls a widget that shows no words of its own.
+/// Sets the name that a screen reader says for a widget without a text of its own.
 void SetAccessibleName(wxWindow& window, const std::string& name);
 
-/// Has the list take all rows for equally high, so that it does not measure each one: with 100,000 rows that takes
-/// seconds. Its columns must have their widths by then.
-void TakeRowsForEquallyHigh(wxDataViewCtrl& list);
+/// Gives all rows of the list the same height, so that it does not measure each one: with 100,000 rows that takes
+/// seconds. Its columns must have their widths already.
+void GiveRowsOneHeight(wxDataViewCtrl& list);
 
 }  // namespace quillbox

@@ -9,7 +9,7 @@ void SetAccessibleName(wxWindow& window, const std::string& name) {
   atk_object_set_name(gtk_widget_get_accessible(window.GetHandle()), name.c_str());
 }
 
-void TakeRowsForEquallyHigh(wxDataViewCtrl& list) {
+void GiveRowsOneHeight(wxDataViewCtrl& list) {
   gtk_tree_view_set_fixed_height_mode(GTK_TREE_VIEW(list.GtkGetTreeView()), TRUE);
 }
 

@@ -1,4 +1,4 @@
-// The display of work that takes its time.
+// The window that shows the progress of long work.
 #pragma once
 
 #include <wx/dialog.h>
@@ -13,8 +13,8 @@ namespace quillbox {
 
 class ProgressDialog;
 
-/// Appears when the work has taken longer than half a second. While it is there, the program's other windows take no
-/// acts of a person, and Update lets this one be drawn and pressed.
+/// Appears when the work has taken longer than half a second. While it is open, the program's other windows are
+/// disabled, and Update draws this one and handles its events.
 class WxProgress : public Progress {
  public:
   explicit WxProgress(std::string title);

@@ -23,13 +23,13 @@
 namespace quillbox {
 namespace {
 
-/// What a field shows uncut at the least: a growing one a GUID, which is the widest thing that many of them hold.
+/// Texts that give minimum widths. A growing field must fit a GUID, the widest text that many of them hold.
 constexpr const char* kFieldText = "Some short value";
 constexpr const char* kGrowingText = "{0DADA0D0-0DD0-0DD0-0DD0-0DDADA0D0DD0}";
-/// What an entry has besides its text: its border, and the arrow of one with a list.
+/// The width that an entry needs besides its text: for its border, and for the arrow of one with a list.
 constexpr int kEntryExtra = 30;
 constexpr int kArrowExtra = 40;
-/// No label asks for more than this; its text is then shortened in the middle and the tooltip tells all of it.
+/// The greatest width that a label asks for; a longer text is shortened in the middle and the tooltip has all of it.
 constexpr int kLabelCharacters = 120;
 constexpr int kListCharacters = 24;
 constexpr int kListLines = 7;
@@ -43,7 +43,7 @@ void SetTip(wxWindow& window, const wxString& tip) {
   if (window.GetToolTipText() != tip) window.SetToolTip(tip);
 }
 
-/// What every kind of control shows alike, the tooltip aside.
+/// What all kinds of controls show alike, except the tooltip.
 void ShowCommon(const Control& control, wxWindow& window) {
   if (window.IsShown() != control.visible) window.Show(control.visible);
   if (window.IsThisEnabled() != control.enabled) window.Enable(control.enabled);
@@ -100,7 +100,7 @@ void Factory::Visit(Label& control) {
   auto* text = new wxStaticText(&parent_, wxID_ANY, "", wxDefaultPosition, wxDefaultSize,
                                 wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_MIDDLE);
   const int widest = growing_ ? FieldWidth() : Characters(kLabelCharacters);
-  // A label has no words besides its text, so where that is shortened the tooltip holds the whole of it.
+  // Where the text is shortened, the tooltip is the only place that shows all of it.
   const auto showTip = [text, &control] {
     const bool shortened = text->GetClientSize().x < text->GetTextExtent(text->GetLabelText()).x;
     SetTip(*text, Joined(shortened ? text->GetLabelText() : wxString(), ToWx(control.tooltip.Get())));
@@ -114,7 +114,7 @@ void Factory::Visit(Label& control) {
     ShowCommon(control, *text);
     const wxString caption = ToWx(control.caption.Get());
     if (text->GetLabelText() != caption) text->SetLabelText(caption);
-    // The toolkit's own best width of such a label is that of the shortest form.
+    // The toolkit's own best width of such a label is that of the text shortened as far as possible.
     text->SetMinSize(wxSize(std::min(text->GetTextExtent(caption).x + 1, widest), -1));
     showTip();
   };
@@ -145,8 +145,8 @@ void Factory::Visit(TextBox& control) {
   box->Bind(wxEVT_TEXT, [box, &control](wxCommandEvent&) { control.type(FromWx(box->GetValue())); });
 }
 
-/// A picker is an entry that takes no typing: unlike the toolkit's read-only kind it can show a text that is not among
-/// its items, and a long path can be scrolled and copied.
+/// A picker is an entry that cannot be typed into: unlike the toolkit's read-only kind it can show a text that is not
+/// among its items, and a long path can be scrolled and copied.
 void Factory::Visit(ComboBox& control) {
   auto* box = new wxComboBox(&parent_, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, 0, nullptr, wxCB_DROPDOWN);
   box->SetMinSize(EntrySize(kEntryExtra + kArrowExtra));
@@ -194,8 +194,8 @@ void Factory::Visit(CheckBox& control) {
   });
 }
 
-/// The toolkit always has one button of a group chosen, so each gets a hidden one beside it that is chosen in its
-/// place; that the window's own buttons exclude one another is the controls' business.
+/// The toolkit always has one button of a group chosen, so each button is in a group with a hidden one, which is chosen
+/// in its place. OptionGroup sees to it that at most one of the window's buttons is chosen.
 void Factory::Visit(OptionButton& control) {
   auto* none = new wxRadioButton(&parent_, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxRB_GROUP);
   none->Hide();
@@ -230,7 +230,7 @@ void Factory::Visit(Frame& control) {
   widget_.window = box;
   widget_.show = [box, &control] {
     ShowWithTip(control, *box);
-    // The layout leaves a place for what says that it is shown, whatever surrounds it.
+    // The layout keeps a place for every child that counts as shown, even inside a hidden box.
     for (wxWindow* inside : box->GetChildren()) inside->Show(control.visible);
     const wxString caption = ToWx(control.caption.Get());
     if (box->GetLabel() != caption) box->SetLabel(caption);
@@ -306,7 +306,7 @@ void Factory::Visit(TabControl& control) {
     const auto selected = static_cast<std::size_t>(control.selected.Get());
     book->ChangeSelection(selected);
     wxWindow* page = book->GetPage(selected);
-    page->CallAfter([page] { page->Layout(); });  // some widgets know what they need only when they have been shown
+    page->CallAfter([page] { page->Layout(); });  // some widgets know their best size only when they have been shown
   };
   book->Bind(wxEVT_NOTEBOOK_PAGE_CHANGED, [book, &control](wxBookCtrlEvent& event) {
     event.Skip();

@@ -1,5 +1,5 @@
-// Makes the real widget of a control and ties the two: what a person does to the widget becomes the control's act, and
-// what the control holds is shown by the widget.
+// Makes the real widget of a control and connects the two: the user's input goes to the control's verbs, and the widget
+// shows the control's properties.
 #pragma once
 
 #include <functional>
@@ -12,13 +12,13 @@ namespace quillbox {
 
 struct Widget {
   wxWindow* window = nullptr;
-  /// Has the widget show what its control holds now. Never makes the control act.
+  /// Updates the widget from its control. Never runs one of the control's verbs.
   std::function<void()> show;
 };
 
-/// The widget of `control` in `parent`, showing what the control holds. `growing`: it is laid out in a place that takes
-/// the width left over, so that it need not ask for all the width of its text. Captions of labels are shown as they
-/// are; in those of buttons, check boxes and frames "&" marks the access key.
+/// The widget of `control` in `parent`, up to date. `growing`: its place in the layout gets the width left over, so
+/// that it need not ask for the whole width of its text. "&" marks the access key in captions of buttons, check boxes
+/// and frames; in those of labels it is shown.
 Widget MakeWidget(Control& control, wxWindow& parent, bool growing);
 
 }  // namespace quillbox

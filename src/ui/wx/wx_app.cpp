@@ -33,8 +33,8 @@ class Windows : public WindowSystem {
   void SetStarted() { started_ = true; }
 
  private:
-  /// Looks for the end only between two events of the outermost loop: while a handler runs (it may ask a question
-  /// between hiding one window and showing the next) nothing ends.
+  /// Ends the run only between two events of the outermost loop, never while a handler runs: it may ask a question
+  /// between hiding one window and showing the next.
   void EndWhenDone(wxIdleEvent& event) {
     event.Skip();
     wxEventLoopBase* loop = wxEventLoopBase::GetActive();

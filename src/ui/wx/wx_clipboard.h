@@ -5,7 +5,7 @@
 
 namespace quillbox {
 
-/// To be used while the windows run.
+/// For use while the windows run.
 class WxClipboard : public Clipboard {
  public:
   void Clear() override;

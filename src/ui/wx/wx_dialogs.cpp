@@ -43,7 +43,7 @@ long StyleOf(MessageIcon icon) {
   return wxICON_NONE;
 }
 
-/// A message whose window is closed without a choice is answered by its harmless button.
+/// Closing a message's window without a choice counts as its harmless button.
 MessageAnswer AnswerOf(int id, MessageButtons buttons) {
   switch (id) {
     case wxID_OK:
@@ -58,7 +58,7 @@ MessageAnswer AnswerOf(int id, MessageButtons buttons) {
   }
 }
 
-/// "Text (*.txt) | *.txt" as the toolkit wants it: no blanks about the bars, and patterns that match in either case.
+/// "Text (*.txt) | *.txt" as the toolkit expects it: no blanks around the bars, and patterns in both cases.
 wxString ToolkitFilter(const std::string& filter) {
   wxString result;
   std::size_t start = 0;
@@ -87,7 +87,7 @@ MessageAnswer WxDialogs::Show(const Message& message) {
   wxMessageDialog dialog(
       ActiveWindow(), ToWxLines(message.text), ToWx(message.title),
       StyleOf(message.buttons) | StyleOf(message.icon) | wxCENTRE | (message.noIsDefault ? wxNO_DEFAULT : 0));
-  // The words are the program's in every language that the session may have.
+  // The words are English whatever language the session has.
   const ButtonWords words = message.words.value_or(ButtonWords{"&Yes", "&No"});
   switch (message.buttons) {
     case MessageButtons::Ok:
@@ -111,7 +111,7 @@ std::optional<std::string> WxDialogs::Input(const std::string& prompt, const std
   const wxString shown = ToWx(proposed);
   wxTextEntryDialog dialog(ActiveWindow(), ToWxLines(prompt), ToWx(title), shown);
   if (dialog.ShowModal() != wxID_OK) return std::nullopt;
-  // What the person left alone is what was proposed, whatever of it could be shown.
+  // An unchanged text is the proposed one, which may hold characters that were not shown.
   return dialog.GetValue() == shown ? proposed : FromWx(dialog.GetValue());
 }
 
@@ -141,7 +141,7 @@ std::optional<WinPath> WxDialogs::BrowseForFolder(const std::string& title) {
 std::optional<WinPath> WxDialogs::Answer(const std::filesystem::path& chosen) {
   WinPath path = paths_->WindowsPathOf(chosen);
   if (!path.Empty()) return path;
-  Show({.text = chosen.string() + " lies on no drive of the disk that is open.", .icon = MessageIcon::Exclamation});
+  Show({.text = chosen.string() + " is not on a drive of the open disk.", .icon = MessageIcon::Exclamation});
   return std::nullopt;
 }
 

@@ -1,4 +1,4 @@
-// Questions and messages as the host's own dialogs, above the window that is in use.
+// Questions and messages as the host's own dialogs, above the active window.
 #pragma once
 
 #include "platform/dialogs.h"
@@ -6,13 +6,13 @@
 
 namespace quillbox {
 
-/// To be used while the windows run.
+/// For use while the windows run.
 class WxDialogs : public Dialogs {
  public:
-  /// The file dialogs show the host's folders and answer in Windows paths as `paths` translates them; a file that no
-  /// drive shows is refused with a message.
+  /// The file dialogs show the host's folders; `paths` translates the answers into Windows paths. A file that is not on
+  /// any drive of the disk is refused with a message.
   explicit WxDialogs(const HostPaths& paths) : paths_(&paths) {}
-  /// From now on `paths` translates: another disk has been opened.
+  /// `paths` translates from now on: another disk has been opened.
   void UseHostPaths(const HostPaths& paths) { paths_ = &paths; }
 
   MessageAnswer Show(const Message& message) override;

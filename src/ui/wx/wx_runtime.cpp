@@ -36,14 +36,14 @@ class App : public wxApp {
   }
 };
 
-/// File names and texts are UTF-8 also where the session has set no language, and numbers read alike everywhere.
+/// File names and texts are UTF-8 even when the session sets no language, and numbers have the same form everywhere.
 void FixLocale() {
   if (std::string_view(nl_langinfo(CODESET)) != "UTF-8") std::setlocale(LC_CTYPE, "C.UTF-8");
   std::setlocale(LC_NUMERIC, "C");
 }
 
-/// Where the session has no message bus (a bare display), the toolkit's libraries would complain with every dialog that
-/// they cannot keep its size.
+/// In a session without a message bus (a bare display) the toolkit's libraries would complain at every dialog that they
+/// cannot store its size.
 void KeepDesktopSettingsInMemoryWithoutBus() {
   const char* folder = std::getenv("XDG_RUNTIME_DIR");
   if (std::getenv("DBUS_SESSION_BUS_ADDRESS") || (folder && std::filesystem::exists(std::string(folder) + "/bus")))

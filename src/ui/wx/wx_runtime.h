@@ -1,4 +1,4 @@
-// The toolkit's life: windows and dialogs can exist while an object of this kind does.
+// The toolkit's lifetime: windows and dialogs can exist only while a WxRuntime does.
 #pragma once
 
 class wxWindow;
@@ -17,10 +17,10 @@ class WxRuntime {
   bool started_ = false;
 };
 
-/// The window that is in use, which dialogs appear above; null when none is open.
+/// The active window, which dialogs appear above; null when none is open.
 wxWindow* ActiveWindow();
 
-/// Has the screen show what has changed while a handler is still running. A person's acts wait until it has ended.
+/// Draws what has changed while a handler is still running. The user's input waits until it has ended.
 void PaintNow();
 
 }  // namespace quillbox

@@ -1,5 +1,5 @@
-// The way between the program's inner text and the toolkit's strings. All that a window shows passes here, and only
-// here, so this is where texts of a disk become harmless to look at; the controls keep what is stored.
+// Converts between the program's texts and the toolkit's strings. Every text that a window shows passes here, so this
+// is where characters of a disk's names that would upset the display are replaced; the controls keep what is stored.
 #pragma once
 
 #include <wx/string.h>
