@@ -1,8 +1,11 @@
 #include "reports/general_date.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <string_view>
 
 #include "core/identity_catalogue.h"
+#include "text/unicode.h"
 
 namespace quillbox {
 namespace {

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <ctime>
 #include <string>
-#include <string_view>
 
 #include "core/registry_store.h"
 

@@ -1,6 +1,7 @@
 #include "reports/report_template.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <stdexcept>
 
 #include "text/code_page.h"

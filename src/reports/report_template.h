@@ -11,6 +11,7 @@
 
 #include "platform/file_system.h"
 #include "platform/system_facts.h"
+#include "text/win_path.h"
 
 namespace quillbox {
 

@@ -8,6 +8,7 @@
 
 #include "core/reg_value.h"
 #include "text/code_page.h"
+#include "text/unicode.h"
 
 namespace quillbox {
 

@@ -1,5 +1,8 @@
 #include "reports/rule_reader.h"
 
+#include <cstdint>
+#include <optional>
+
 #include "core/identity_catalogue.h"
 
 namespace quillbox {

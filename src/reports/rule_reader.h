@@ -2,10 +2,14 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "core/reg_value.h"
 #include "core/registry_store.h"
 #include "reports/rule_decoder.h"
+#include "text/code_page.h"
+#include "text/registry_path.h"
 
 namespace quillbox {
 

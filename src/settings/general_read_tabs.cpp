@@ -1,4 +1,7 @@
 // The tabs "General" and "Read".
+#include <cstdint>
+#include <string_view>
+
 #include "settings/settings_tabs.h"
 
 namespace quillbox {

@@ -1,5 +1,8 @@
 // The settings of the window "Odds and Ends", which no option dialog offers: first those of one identity, below them
 // those of the user and the machine.
+#include <span>
+#include <string_view>
+
 #include "settings/settings_tabs.h"
 
 namespace quillbox {

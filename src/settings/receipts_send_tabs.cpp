@@ -1,4 +1,6 @@
 // The tabs "Reciepts" (the caption is spelt this way) and "Send".
+#include <string_view>
+
 #include "settings/settings_tabs.h"
 
 namespace quillbox {

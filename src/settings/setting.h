@@ -3,6 +3,7 @@
 // the loader nor the windows know any setting by its name.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>

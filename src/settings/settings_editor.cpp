@@ -1,6 +1,9 @@
 #include "settings/settings_editor.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <string_view>
+#include <vector>
 
 #include "core/identity_catalogue.h"
 #include "settings/number_text.h"

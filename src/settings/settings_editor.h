@@ -4,10 +4,14 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
+#include "core/reg_value.h"
 #include "core/registry_store.h"
 #include "platform/platform.h"
 #include "settings/setting.h"
+#include "text/registry_path.h"
 
 namespace quillbox {
 

@@ -1,4 +1,6 @@
 // The tabs "Spelling" and "Security".
+#include <string_view>
+
 #include "settings/settings_tabs.h"
 
 namespace quillbox {

@@ -3,7 +3,6 @@
 // property from code never does.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <functional>
 #include <string>

@@ -1,6 +1,9 @@
 #include "ui/folder_controls.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <string>
+#include <utility>
 
 #include "text/unicode.h"
 

@@ -1,11 +1,12 @@
 // The drive, folder and file lists for browsing a disk.
 #pragma once
 
-#include <string>
+#include <cstddef>
 #include <vector>
 
 #include "platform/drives.h"
 #include "platform/file_system.h"
+#include "text/win_path.h"
 #include "ui/controls.h"
 
 namespace quillbox {

@@ -1,11 +1,12 @@
 #include "ui/form.h"
 
 #include <algorithm>
+#include <exception>
 #include <stdexcept>
 #include <utility>
 
+#include "platform/dialogs.h"
 #include "platform/platform.h"
-#include "text/error.h"
 
 namespace quillbox {
 

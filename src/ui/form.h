@@ -3,7 +3,6 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -12,6 +11,7 @@
 #include "ui/controls.h"
 #include "ui/layout.h"
 #include "ui/menu.h"
+#include "ui/property.h"
 
 namespace quillbox {
 

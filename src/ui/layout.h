@@ -2,12 +2,13 @@
 // toolkit's own layout, so nothing here counts pixels.
 #pragma once
 
+#include <cstddef>
+#include <utility>
 #include <vector>
 
 namespace quillbox {
 
 class Control;
-class Frame;
 
 struct LayoutNode {
   enum class Kind {

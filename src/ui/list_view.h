@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "ui/controls.h"
+#include "ui/property.h"
 
 namespace quillbox {
 

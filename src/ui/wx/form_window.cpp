@@ -3,12 +3,14 @@
 #include <wx/app.h>
 #include <wx/bookctrl.h>
 #include <wx/cursor.h>
+#include <wx/font.h>
 #include <wx/panel.h>
 #include <wx/sizer.h>
 #include <wx/statbox.h>
 #include <wx/statusbr.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <limits>
 #include <stdexcept>
 

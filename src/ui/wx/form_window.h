@@ -4,9 +4,11 @@
 #include <wx/frame.h>
 #include <wx/weakref.h>
 
+#include <cstddef>
 #include <map>
 #include <vector>
 
+#include "ui/controls.h"
 #include "ui/form.h"
 #include "ui/wx/widget_factory.h"
 

@@ -7,7 +7,7 @@
 #include <wx/statbox.h>
 
 #include <algorithm>
-#include <memory>
+#include <cstddef>
 
 namespace quillbox {
 namespace {

@@ -3,6 +3,9 @@
 #include <wx/dataview.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "ui/list_view.h"

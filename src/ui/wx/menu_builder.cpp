@@ -4,6 +4,8 @@
 #include <wx/menu.h>
 
 #include <map>
+#include <string>
+#include <vector>
 
 #include "ui/form.h"
 #include "ui/wx/wx_text.h"

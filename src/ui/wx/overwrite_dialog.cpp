@@ -1,6 +1,12 @@
 #include "ui/wx/overwrite_dialog.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <ctime>
+#include <string>
+
 #include <wx/button.h>
+#include <wx/control.h>
 #include <wx/datetime.h>
 #include <wx/dcclient.h>
 #include <wx/dialog.h>

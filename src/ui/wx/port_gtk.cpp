@@ -1,6 +1,8 @@
 #include <gtk/gtk.h>
 #include <wx/dataview.h>
 
+#include <string>
+
 #include "ui/wx/port.h"
 
 namespace quillbox {

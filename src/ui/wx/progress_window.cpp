@@ -1,6 +1,7 @@
 #include "ui/wx/progress_window.h"
 
 #include <wx/button.h>
+#include <wx/dialog.h>
 #include <wx/evtloop.h>
 #include <wx/gauge.h>
 #include <wx/sizer.h>
@@ -8,6 +9,8 @@
 #include <wx/utils.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <utility>
 
 #include "ui/wx/wx_runtime.h"
 #include "ui/wx/wx_text.h"

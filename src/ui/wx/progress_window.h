@@ -1,9 +1,8 @@
 // The window that shows the progress of long work.
 #pragma once
 
-#include <wx/dialog.h>
-
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <string>
 

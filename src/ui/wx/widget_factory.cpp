@@ -1,5 +1,4 @@
 #include "ui/wx/widget_factory.h"
-#include "ui/wx/port.h"
 
 #include <wx/button.h>
 #include <wx/checkbox.h>
@@ -14,10 +13,15 @@
 #include <wx/textctrl.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "ui/list_view.h"
 #include "ui/tab_control.h"
 #include "ui/wx/list_view_widget.h"
+#include "ui/wx/port.h"
 #include "ui/wx/wx_text.h"
 
 namespace quillbox {

@@ -15,10 +15,10 @@
 namespace quillbox {
 namespace {
 
-class Windows : public WindowSystem {
+class WxWindowSystem : public WindowSystem {
  public:
-  Windows() { wxTheApp->Bind(wxEVT_IDLE, &Windows::EndWhenDone, this); }
-  ~Windows() override { wxTheApp->Unbind(wxEVT_IDLE, &Windows::EndWhenDone, this); }
+  WxWindowSystem() { wxTheApp->Bind(wxEVT_IDLE, &WxWindowSystem::EndWhenDone, this); }
+  ~WxWindowSystem() override { wxTheApp->Unbind(wxEVT_IDLE, &WxWindowSystem::EndWhenDone, this); }
 
   void Attach(Form& form) override {
     forms_.push_back(&form);
@@ -55,7 +55,7 @@ void RunWindows(const std::function<void(WindowSystem&)>& start) {
   const WxRuntime runtime;
   std::exception_ptr failure;
   {
-    Windows windows;
+    WxWindowSystem windows;
     wxTheApp->CallAfter([&] {
       try {
         start(windows);

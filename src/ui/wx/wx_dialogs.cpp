@@ -1,5 +1,13 @@
 #include "ui/wx/wx_dialogs.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
 #include <wx/dirdlg.h>
 #include <wx/filedlg.h>
 #include <wx/msgdlg.h>

@@ -1,8 +1,14 @@
 // Questions and messages as the host's own dialogs, above the active window.
 #pragma once
 
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
 #include "platform/dialogs.h"
 #include "platform/host_paths.h"
+#include "text/win_path.h"
 
 namespace quillbox {
 
