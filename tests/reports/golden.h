@@ -1,5 +1,6 @@
-// Reports compared byte for byte with files that were read by eye. Run with QUILLBOX_NEW_GOLDEN=1 to write them anew,
-// and read what has changed before you commit it.
+// Reports compared byte for byte with files that were read by eye; every_mail_entry.txt and every_news_entry.txt were
+// made from the tables of the stored rules' format, not by this program. Run with QUILLBOX_NEW_GOLDEN=1 to write them
+// anew, and read what has changed before you commit it.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -12,14 +12,52 @@ using ::testing::Not;
 using ::testing::Optional;
 
 constexpr const char* kHome = "{2B7C0E64-91D3-4F5A-8C17-6E0D53A9F421}";
+constexpr const char* kOwn = "{1}";  // an identity that has the rules that a test writes, and no others
 constexpr const char* kCreated = "3/7/2004 12:05:09 AM";
+constexpr std::int32_t kSubject = 8, kFrom = 12, kPriority = 13, kSize = 15, kSecure = 31;
+constexpr std::int32_t kReply = 5, kDelete = 7, kHighlight = 10, kWatch = 17;
+
+Bytes List(std::string_view words) {
+  Bytes bytes(words.begin(), words.end());
+  bytes.resize(bytes.size() + 2);
+  return bytes;
+}
 
 class RulesReportTest : public SamplePlatform {
  protected:
   void SetUp() override { MakeDisk(); }
-  RulesReport Make(RuleSet set, ReportFormat format) {
+
+  static RegistryPath Rule(const char* userId, RuleSet set, const std::string& name) {
+    return CurrentUser(IdentitySettingsKey(userId) + "\\Rules\\" + (set == RuleSet::Mail ? "Mail\\" : "News\\") + name);
+  }
+  /// Writes `values` below `path`; one that is empty is left out.
+  void Write(const RegistryPath& path, const std::vector<std::pair<const char*, RegValue>>& values) {
+    const Key key = store->CreateKey(path);
+    for (const auto& [name, value] : values) {
+      if (value.Data()) {
+        platform->GetRegistry().SetValue(key, name, ValueType::Binary, *value.Data());
+      } else if (!value.IsEmpty()) {
+        store->SetValueEx(key, name, value.Number() ? ValueType::Dword : ValueType::Sz, value);
+      }
+    }
+  }
+  using Entry = std::vector<std::pair<const char*, RegValue>>;
+  static Entry Criterion(RegValue type, RegValue flags, RegValue value) {
+    return {{"Type", std::move(type)}, {"Flags", std::move(flags)}, {"Value", std::move(value)}};
+  }
+  static Entry Action(RegValue type, RegValue value) {
+    return {{"Type", std::move(type)}, {"Value", std::move(value)}};
+  }
+  /// Writes the entries of a rule of kOwn. `kind`: "Criteria" or "Actions".
+  void WriteEntries(RuleSet set, const char* kind, const std::vector<Entry>& entries) {
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+      Write(Rule(kOwn, set, "002").Child(kind).Child(std::to_string(1000 + i)), entries[i]);
+    }
+  }
+
+  RulesReport Make(RuleSet set, ReportFormat format, const char* userId = kHome) {
     RuleReader reader(*store, set, CodePage(platform->GetSystemFacts().CodePageNumber()));
-    return MakeRulesReport(reader, kHome, kCreated, format);
+    return MakeRulesReport(reader, userId, kCreated, format);
   }
   std::string Written(const RulesReport& report) {
     EXPECT_EQ(report.brokenOff, std::nullopt);
@@ -35,24 +73,76 @@ TEST_F(RulesReportTest, TheSampleDisksReportsReadAsTheyShould) {
   ExpectGolden("news_rules.htm", Written(Make(RuleSet::News, ReportFormat::Html)));
 }
 
-TEST_F(RulesReportTest, ACriterionThatCannotBeDecodedEndsTheReportWhereItStands) {
-  const RegistryPath rules = CurrentUser(IdentitySettingsKey(kHome) + "\\Rules\\Mail");
-  const Key entry = store->CreateKey(rules.Child("001\\Criteria\\00A"));
-  store->SetValueEx(entry, "Type", ValueType::Dword, 13);
-  const RulesReport report = Make(RuleSet::Mail, ReportFormat::Text);
-  EXPECT_THAT(report.brokenOff, Optional(HasSubstr("not a number")));
-  EXPECT_THAT(report.text, EndsWith("CriteriaValue: news@example.com shop@example.net  \r\n"));
-  EXPECT_THAT(report.text, Not(HasSubstr("End Of File")));
+// Every type, flag and colour that is or could be in a table, in both sets, then values of all kinds.
+TEST_F(RulesReportTest, EveryEntryReadsAsItsTableSays) {
+  std::vector<Entry> criteria, actions;
+  for (std::int32_t type = -1; type <= 32; ++type) criteria.push_back(Criterion(type, 0, "2"));
+  for (std::int32_t flags = 1; flags <= 4; ++flags) {
+    for (const std::int32_t type : {8, 9, 10, 11, 12, 22}) criteria.push_back(Criterion(type, flags, "2"));
+  }
+  for (const Entry& entry : {Criterion(kSubject, {}, List(std::string_view("alpha\0beta", 10))),
+                             Criterion("8", 2, List("b\xFCro")), Criterion(kSubject, -1, 17), Criterion(kFrom, 0, {}),
+                             Criterion(kPriority, 0, 1), Criterion(kPriority, -1, " 2 "), Criterion(kPriority, 0, 3),
+                             Criterion(kSize, 0, 50), Criterion(kSize, 0, {}), Criterion(kSecure, 0, 1), Entry{}}) {
+    criteria.push_back(entry);
+  }
+  for (std::int32_t type = -1; type <= 18; ++type) actions.push_back(Action(type, "2"));
+  for (std::int32_t colour = 0; colour <= 17; ++colour) actions.push_back(Action(kHighlight, colour));
+  for (const Entry& entry : {Action(kReply, Bytes{'o', 0, 'k', 0}), Action(kDelete, 1), Action(kHighlight, {}),
+                             Action(kHighlight, List("x")), Action(kWatch, 1), Action(kWatch, 3), Entry{}}) {
+    actions.push_back(entry);
+  }
+  for (const RuleSet set : {RuleSet::Mail, RuleSet::News}) {
+    Write(Rule(kOwn, set, "000"), {});
+    Write(Rule(kOwn, set, "001"), {{"Name", 7}, {"Enabled", "1"}, {"Version", List("ab")}});
+    Write(Rule(kOwn, set, "002"), {{"Name", Bytes{'o', 0, 'k', 0}}, {"Enabled", 2}, {"Version", -1}});
+    WriteEntries(set, "Criteria", criteria);
+    WriteEntries(set, "Actions", actions);
+  }
+  platform->EndCommand();
+  OpenDisk();
+  ExpectGolden("every_mail_entry.txt", Written(Make(RuleSet::Mail, ReportFormat::Text, kOwn)));
+  ExpectGolden("every_news_entry.txt", Written(Make(RuleSet::News, ReportFormat::Text, kOwn)));
 }
 
-TEST_F(RulesReportTest, WhatIsFilledInIsNoTemplateAndTakesOneLine) {
-  const RegistryPath rules = CurrentUser(IdentitySettingsKey(kHome) + "\\Rules\\News");
-  store->SetValueEx(store->CreateKey(rules.Child("000")), "Name", ValueType::Sz,
-                    "50 %version% <b> \xE6\x97\xA5\r\nEnabled: no");
+TEST_F(RulesReportTest, DoubleByteListsAreDecodedAndABrokenPairSwallowsNoWord) {
+  WriteEntries(RuleSet::Mail, "Criteria",
+               {Criterion(kSubject, 0, List(std::string_view("\x93\xFA\x96{\0\x95\\", 7))),
+                Criterion(kSubject, 0, List(std::string_view("\x93\0b", 3)))});
+  RuleReader reader(*store, RuleSet::Mail, CodePage(932));
+  const RulesReport report = MakeRulesReport(reader, kOwn, kCreated, ReportFormat::Text);
+  EXPECT_THAT(report.text, HasSubstr("CriteriaValue: 日本 表  \r\n"));
+  EXPECT_THAT(report.text, HasSubstr("CriteriaValue: \xEF\xBF\xBD b  \r\n"));
+}
+
+TEST_F(RulesReportTest, ACriterionThatCannotBeDecodedEndsTheReportWhereItStands) {
+  for (const Entry& broken :
+       {Criterion(kPriority, {}, {}), Criterion(kSecure, {}, "high"), Criterion(kSecure, {}, List("high"))}) {
+    Write(Rule(kHome, RuleSet::Mail, "001\\Criteria\\00A"), broken);
+    const RulesReport report = Make(RuleSet::Mail, ReportFormat::Text);
+    EXPECT_THAT(report.brokenOff, Optional(HasSubstr("not a number")));
+    EXPECT_THAT(report.text, EndsWith("CriteriaValue: news@example.com shop@example.net  \r\n"));
+    EXPECT_THAT(report.text, Not(HasSubstr("End Of File")));
+    Write(Rule(kHome, RuleSet::News, "001\\Criteria\\00A"), broken);
+    EXPECT_THAT(Written(Make(RuleSet::News, ReportFormat::Text)), HasSubstr("End Of File")) << "news have no such type";
+  }
+}
+
+TEST_F(RulesReportTest, WhatIsFilledInIsNotATemplateAndTakesOneLine) {
+  const RegistryPath rule = Rule(kHome, RuleSet::News, "000");
+  Write(rule, {{"Name", "50 %version% <b> \xE6\x97\xA5\r\nEnabled: no"}});
   EXPECT_THAT(Written(Make(RuleSet::News, ReportFormat::Html)),
               HasSubstr("<DIV>Name: 50 %version% <b> ???Enabled: no</DIV>\r\n"));
   EXPECT_THAT(Written(Make(RuleSet::News, ReportFormat::Text)),
               HasSubstr("\r\nName: 50 %version% <b> ???Enabled: no\r\nEnabled: "));
+  const std::string longName(70'000, 'n');
+  Write(rule, {{"Name", longName}});
+  EXPECT_THAT(Make(RuleSet::News, ReportFormat::Text).text, HasSubstr("\r\nName: " + longName + "\r\n"));
+}
+
+TEST_F(RulesReportTest, AnIdentityWithoutRulesHasNone) {
+  RuleReader reader(*store, RuleSet::News, CodePage());
+  EXPECT_TRUE(reader.EnumRules(kOwn).empty());
 }
 
 }  // namespace
