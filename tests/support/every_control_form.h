@@ -1,7 +1,8 @@
-// A window with a control of every kind, for tests of what windows do whichever they are.
+// A window with a control of every kind, for tests of what all windows do.
 #pragma once
 
-#include "ui/folder_controls.h"
+#include <string>
+
 #include "ui/form.h"
 
 namespace quillbox {
@@ -14,19 +15,20 @@ struct EveryControlForm : Form {
     picker.items = {"one", "two", "two"};
     typed.items = {"*.dbx", "*.wab"};
     list.items = {"Inbox.dbx", "Outbox.dbx", "Sent Items.dbx"};
-    menuBar.Add({{"&File", "Report", "Save &As Text"}, "SaveAs", true, [this] { acts += "SaveAs "; }});
-    menuBar.Add({{"&File", "Report", "Save As HTML"}, "SaveAsHTML", false, [this] { acts += "never "; }});
+    several.items = {"Ann.wab", "Office.wab", "Old.wab"};
+    options.Choose(&second);
+    const auto act = [this](const char* what) { return [this, what] { acts += std::string(what) + " "; }; };
+    menuBar.Add({{"&File", "Report", "Save &As Text"}, "SaveAs", true, act("SaveAs")});
+    menuBar.Add({{"&File", "Report", "Save As HTML"}, "SaveAsHTML", false, act("never")});
     menuBar.Add({{"&File", "E&xit"}, "Exit", true, [this] { Hide(); }});
-    menuBar.Add({{"Search"}, "Search", true, [this] { acts += "Search "; }});
+    menuBar.Add({{"Search"}, "Search", true, act("Search")});
+    cmdOk.onClick = act("ok");
+    cmdInner.onClick = act("inner");
+    cmdClose.onClick = [this] { Hide(); };
     picker.onClick = [this] { acts += "picker=" + picker.text.Get() + "#" + std::to_string(picker.Index()) + " "; };
     box.onChange = [this] { acts += "box=" + box.text.Get() + " "; };
     check.onClick = [this] { acts += check.checked ? "checked " : "unchecked "; };
-    cmdOk.onClick = [this] { acts += "ok "; };
-    cmdInner.onClick = [this] { acts += "inner "; };
-    cmdClose.onClick = [this] { Hide(); };
-    options.Choose(&second);
     first.onClick = second.onClick = [this] { acts += first.IsChosen() ? "first " : "second "; };
-    several.items = {"Ann.wab", "Office.wab", "Old.wab"};
     list.onSelect = [this] { acts += "list=" + std::to_string(list.selected) + " "; };
     list.onOpen = [this] { acts += "open=" + std::to_string(list.selected) + " "; };
   }

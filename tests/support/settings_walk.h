@@ -1,5 +1,5 @@
-// Picks every item of every setting of a window, looks at what is then on the disk with another program's eyes, and has
-// the window read it again.
+// Picks every item of every setting of a window, checks with another program what is then on the disk, and has the
+// window read it again.
 #pragma once
 
 #include <cstdio>

@@ -12,7 +12,12 @@
 
 #include <chrono>
 #include <functional>
+#include <stdexcept>
 #include <string>
+
+#include "support/form_platform.h"
+#include "ui/form.h"
+#include "ui/wx/form_window.h"
 
 namespace quillbox {
 
@@ -39,7 +44,7 @@ inline void Settle() {
   }
 }
 
-/// The widget of the control `name` below `root`; fails the test when there is none of that kind.
+/// The widget of the control `name` below `root`; throws when there is none of that kind.
 template <class T>
 T& Find(wxWindow& root, const std::string& name) {
   auto* found = dynamic_cast<T*>(wxWindow::FindWindowByName(name, &root));
@@ -57,14 +62,30 @@ inline wxTopLevelWindow* OpenDialog() {
   return last;
 }
 
+inline wxPoint MiddleOf(const wxWindow& window) {
+  return window.GetScreenRect().GetPosition() + window.GetScreenRect().GetSize() / 2;
+}
 inline void MoveTo(const wxPoint& point) {
   wxUIActionSimulator().MouseMove(point);
   Settle();
 }
-inline void ClickOn(const wxWindow& window) {
-  MoveTo(window.GetScreenRect().GetPosition() + window.GetScreenRect().GetSize() / 2);
+inline void ClickAt(const wxPoint& point) {
+  MoveTo(point);
   wxUIActionSimulator().MouseClick();
   Settle();
+}
+inline void DoubleClickAt(const wxPoint& point) {
+  MoveTo(point);
+  wxUIActionSimulator().MouseDblClick();
+  Settle();
+}
+inline void ClickOn(const wxWindow& window) {
+  ClickAt(MiddleOf(window));
+}
+/// Like ClickOn, for use while events are being handled already.
+inline void ClickWithoutSettling(const wxWindow& window) {
+  wxUIActionSimulator().MouseMove(MiddleOf(window));
+  wxUIActionSimulator().MouseClick();
 }
 inline void Press(int key, int modifiers = wxMOD_NONE) {
   wxUIActionSimulator().Char(key, modifiers);
@@ -74,5 +95,25 @@ inline void TypeText(const char* text) {
   wxUIActionSimulator().Text(text);
   Settle();
 }
+
+/// A form of the kind F as a real window.
+template <class F>
+struct ShownForm : testing::Test {
+  ShownForm() {
+    form.Show();
+    Settle();
+  }
+  wxFrame& Window() { return *window.Window(); }
+  /// The widget of `control`.
+  template <class T>
+  T& Widget(const Control& control) {
+    return Find<T>(Window(), control.Name());
+  }
+
+  FormPlatform platform;
+  HandlerGuard guard{platform};
+  F form{guard};
+  FormWindow window{form};
+};
 
 }  // namespace quillbox

@@ -12,6 +12,16 @@ namespace quillbox {
 namespace {
 
 struct ControlsTest : testing::Test {
+  /// Acts once on every control that runs a handler.
+  void ActOnAll() {
+    form.picker.pick("three");
+    form.box.type("x");
+    form.check.click();
+    form.cmdOk.click();
+    form.list.pick(0);
+    form.list.open(1);
+    form.first.click();
+  }
   std::string TakeActs() { return std::exchange(form.acts, ""); }
 
   FormPlatform platform;
@@ -19,41 +29,25 @@ struct ControlsTest : testing::Test {
   EveryControlForm form{guard};
 };
 
-TEST_F(ControlsTest, OnlyActsRunHandlers) {
+TEST_F(ControlsTest, OnlyActsRunHandlersAndOnlyWhereAControlIsOn) {
   form.picker.text = "two";
   form.picker.items = {"three"};
   form.box.text = "D:\\";
   form.check.checked = true;
   form.list.selected = 2;
   EXPECT_EQ(TakeActs(), "");
+  ActOnAll();
+  EXPECT_EQ(TakeActs(), "picker=three#0 box=x unchecked ok list=0 open=1 first ");
+  EXPECT_EQ(platform.commandsEnded, 7) << "each act is a command of its own";
 
-  form.picker.pick("three");
-  form.box.type("x");
-  form.check.click();
-  form.cmdOk.click();
-  form.list.pick(0);
-  form.list.open(1);
-  EXPECT_EQ(TakeActs(), "picker=three#0 box=x unchecked ok list=0 open=1 ");
-  EXPECT_EQ(platform.commandsEnded, 6) << "each act is a command of its own";
-}
-
-TEST_F(ControlsTest, WhatIsOffTakesNoActs) {
   for (Control* control : form.Controls()) control->enabled = false;
-  form.picker.pick(0);
-  form.box.type("x");
-  form.check.click();
-  form.cmdOk.click();
-  form.list.pick(0);
-  form.list.open(0);
-  form.first.click();
+  ActOnAll();
   form.several.toggle(0);
   EXPECT_TRUE(form.several.selected->empty());
-  form.menuBar.click("SaveAsHTML");
   form.box.enabled = true;
   form.box.readOnly = true;
-  form.box.type("x");
-  EXPECT_EQ(TakeActs(), "");
-  EXPECT_EQ(form.box.text.Get(), "C:\\Data");
+  form.box.type("y");
+  EXPECT_EQ(TakeActs() + form.box.text.Get(), "x");
 }
 
 TEST_F(ControlsTest, PickerKnowsWhichOfEqualItemsWasPicked) {
@@ -61,7 +55,7 @@ TEST_F(ControlsTest, PickerKnowsWhichOfEqualItemsWasPicked) {
   form.picker.pick(2);
   EXPECT_EQ(form.picker.Index(), 2);
   form.picker.Add("four");
-  EXPECT_EQ(form.picker.Index(), 1) << "other items: the first that reads so";
+  EXPECT_EQ(form.picker.Index(), 1) << "other items: the first with the text";
   EXPECT_THROW(form.picker.pick("five"), std::invalid_argument);
   form.picker.Clear();
   EXPECT_EQ(form.picker.Index(), -1);
@@ -78,24 +72,16 @@ TEST_F(ControlsTest, SelectionEndsWithTheTextOrTheItems) {
   EXPECT_FALSE(form.box.allSelected);
   form.list.selected = 2;
   form.list.items = {"a"};
-  EXPECT_EQ(form.list.selected, -1);
   form.list.pick(1);
   EXPECT_EQ(form.list.selected, -1) << "a line that is not there";
-}
-
-TEST_F(ControlsTest, OneOptionAtMostIsChosenAndAnyNumberOfItemsSelected) {
-  EXPECT_TRUE(form.second.IsChosen());
-  form.first.click();
-  form.first.click();
-  EXPECT_EQ(TakeActs(), "first first ");
-  EXPECT_FALSE(form.second.IsChosen());
-  form.options.Choose(nullptr);
-  EXPECT_FALSE(form.first.IsChosen());
-
   for (const std::size_t line : {2, 0, 1, 2, 3}) form.several.toggle(line);
   EXPECT_THAT(form.several.selected.Get(), testing::ElementsAre(0, 1));
   form.several.items = {"a"};
   EXPECT_TRUE(form.several.selected->empty());
+  form.first.click();
+  EXPECT_TRUE(form.first.IsChosen() && !form.second.IsChosen());
+  form.options.Choose(nullptr);
+  EXPECT_FALSE(form.first.IsChosen());
 }
 
 TEST_F(ControlsTest, RendererHearsOfChangesAndOnlyOfThose) {
@@ -111,7 +97,7 @@ TEST_F(ControlsTest, RendererHearsOfChangesAndOnlyOfThose) {
   EXPECT_EQ(heard, 4);
 }
 
-TEST_F(ControlsTest, FailedHandlerIsLoggedAndTheCommandEndsOnce) {
+TEST_F(ControlsTest, FailuresAreLoggedAndTheCommandEndsOnce) {
   form.cmdOk.onClick = [this] {
     form.cmdInner.click();
     EXPECT_EQ(platform.commandsEnded, 0) << "a handler inside another is one command with it";
@@ -121,29 +107,23 @@ TEST_F(ControlsTest, FailedHandlerIsLoggedAndTheCommandEndsOnce) {
   EXPECT_EQ(TakeActs(), "inner ");
   EXPECT_THAT(platform.logged, testing::ElementsAre("EveryControl.cmdOk_Click ended early: the folder is gone"));
   EXPECT_EQ(platform.commandsEnded, 1);
-}
-
-TEST_F(ControlsTest, ChangesThatCannotBeSavedAreTold) {
   platform.onEndCommand = [] { throw std::runtime_error("the disk is full"); };
-  form.cmdOk.click();
+  form.cmdInner.click();
   EXPECT_THAT(platform.dialogs.LastMessage(), testing::HasSubstr("the disk is full"));
-  EXPECT_EQ(platform.logged.size(), 1U);
+  EXPECT_EQ(platform.logged.size(), 2U);
 }
 
-TEST_F(ControlsTest, ClosingPressesTheCancelButtonUnlessItIsOff) {
+TEST_F(ControlsTest, ClosingPressesTheCancelButtonAndMenusRunTheirItems) {
   form.Show();
   form.close();
   EXPECT_FALSE(form.visible);
   form.Show();
   form.cmdClose.enabled = false;
   form.close();
-  EXPECT_TRUE(form.visible);
-}
-
-TEST_F(ControlsTest, MenuRunsItsItemsByName) {
+  EXPECT_TRUE(form.visible) << "the button is off";
   form.menuBar.click("SaveAs");
   form.menuBar.click("SaveAsHTML");
-  EXPECT_EQ(TakeActs(), "SaveAs ");
+  EXPECT_EQ(TakeActs(), "SaveAs ") << "the other item is off";
   EXPECT_THROW(form.menuBar.click("Missing"), std::invalid_argument);
 }
 

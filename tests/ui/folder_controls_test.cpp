@@ -1,10 +1,10 @@
+// What the lists show; what a user does with them is tested with the window that has them.
 #include "ui/folder_controls.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <map>
-#include <stdexcept>
 
 #include "support/form_platform.h"
 #include "support/test_drives.h"
@@ -18,10 +18,7 @@ using testing::IsEmpty;
 
 struct ListFinder : FileFinder {
   explicit ListFinder(std::vector<FileEntry> toGive) : entries(std::move(toGive)) {}
-  std::optional<FileEntry> Next() override {
-    if (at == entries.size()) return std::nullopt;
-    return entries[at++];
-  }
+  std::optional<FileEntry> Next() override { return at < entries.size() ? std::optional(entries[at++]) : std::nullopt; }
   std::vector<FileEntry> entries;
   std::size_t at = 0;
 };
@@ -31,10 +28,8 @@ struct FixedFiles : FileSystem {
   std::unique_ptr<FileFinder> Find(const WinPath& pattern) override {
     return std::make_unique<ListFinder>(folders[pattern.Parent().Text()]);
   }
-  std::unique_ptr<FolderWalk> Walk(const WinPath&, const std::string&) override {
-    throw std::logic_error("not asked for");
-  }
-  std::optional<FileEntry> Stat(const WinPath&) override { throw std::logic_error("not asked for"); }
+  std::unique_ptr<FolderWalk> Walk(const WinPath&, const std::string&) override { return nullptr; }
+  std::optional<FileEntry> Stat(const WinPath&) override { return std::nullopt; }
   Status MakeDirectory(const WinPath&) override { return Status::AccessDenied; }
   bool MakePath(const WinPath&) override { return false; }
   Status DeleteFile(const WinPath&) override { return Status::AccessDenied; }
@@ -57,53 +52,45 @@ struct FixedFiles : FileSystem {
   };
 };
 
-struct ListsForm : Form {
-  using Form::Form;
-  LayoutNode Layout() override { return Space(); }
-  DriveListBox drives{*this, "Drive1"};
-  DirListBox folders{*this, "Dir1"};
-  FileListBox names{*this, "File1"};
-};
-
 struct FolderControlsTest : testing::Test {
   FormPlatform platform;
   HandlerGuard guard{platform};
-  ListsForm form{guard, "Lists", ""};
+  struct Lists : Form {
+    using Form::Form;
+    LayoutNode Layout() override { return Space(); }
+    DriveListBox drives{*this, "Drive1"};
+    DirListBox folders{*this, "Dir1"};
+    FileListBox names{*this, "File1"};
+  } form{guard, "Lists", ""};
   TestDrives drives;
   FixedFiles files;
 };
 
-TEST_F(FolderControlsTest, DrivesThatAreThereAreListedOnceHoweverOftenFilled) {
+TEST_F(FolderControlsTest, ExistingDrivesAreListedOnceHoweverOftenFilled) {
   drives.types = {{'A', DriveType::Removable}, {'C', DriveType::Fixed}, {'Z', DriveType::Remote}};
   form.drives.Fill(drives);
   form.drives.Fill(drives);
   EXPECT_THAT(form.drives.items.Get(), ElementsAre("A:\\", "C:\\", "Z:\\"));
   form.drives.ShowDriveOf(WinPath("c:\\Data\\Mail"));
-  EXPECT_EQ(form.drives.text.Get(), "C:\\");
   EXPECT_EQ(form.drives.Index(), 1);
 }
 
-TEST_F(FolderControlsTest, FolderListShowsTheWayDownAndTheFoldersInside) {
+TEST_F(FolderControlsTest, TheListsShowTheWayDownTheFoldersInsideAndTheFiles) {
   int ran = 0;
   form.folders.onSelect = form.folders.onOpen = [&] { ++ran; };
   form.folders.SetPath(files, drives, WinPath("C:\\Data\\"));
   EXPECT_THAT(form.folders.items.Get(), ElementsAre("C:\\", "  Data", "    Mail", "    zoo"));
   EXPECT_EQ(form.folders.selected, 1) << "the folder itself";
   EXPECT_EQ(form.folders.FolderAt(0), WinPath("C:\\"));
-  EXPECT_EQ(form.folders.FolderAt(1), WinPath("C:\\Data"));
   EXPECT_EQ(form.folders.FolderAt(3), WinPath("C:\\Data\\zoo"));
-
   files.folders["C:\\Data"].push_back({.name = "New", .isDirectory = true});
   form.folders.Refresh(files);
   EXPECT_EQ(form.folders.FolderAt(3), WinPath("C:\\Data\\New"));
-
   form.folders.SetPath(files, drives, WinPath("Mail"));
   EXPECT_EQ(form.folders.Path(), WinPath("C:\\Data\\Mail")) << "relative to the current directory";
   EXPECT_THAT(form.folders.items.Get(), ElementsAre("C:\\", "  Data", "    Mail"));
   EXPECT_EQ(ran, 0);
-}
 
-TEST_F(FolderControlsTest, FileListLeavesOutFoldersAndHiddenFiles) {
   form.names.SetPath(files, WinPath("C:\\Data"));
   EXPECT_THAT(form.names.items.Get(), ElementsAre("A.dbx", "b.txt"));
   form.names.SetPath(files, WinPath("C:\\Gone"));

@@ -16,7 +16,6 @@
 #include <utility>
 
 #include "support/every_control_form.h"
-#include "support/form_platform.h"
 #include "support/window_test.h"
 
 namespace quillbox {
@@ -26,40 +25,36 @@ constexpr const char* kLongPath =
     "C:\\Documents and Settings\\Someone & Co\\Local Settings\\Application Data\\Identities\\"
     "{0F2B6E4A-6A3C-4B52-9E0A-7D0E3A1C5B99}\\Microsoft\\Outlook Express";
 
-struct FormWindowTest : testing::Test {
-  FormWindowTest() {
-    form.Show();
-    Settle();
-  }
-
-  wxFrame& Window() { return *window.Window(); }
-  template <class T>
-  T& Widget(const Control& control) {
-    return Find<T>(Window(), control.Name());
-  }
+struct FormWindowTest : ShownForm<EveryControlForm> {
   std::string TakeActs() { return std::exchange(form.acts, ""); }
 
-  /// Every shown widget lies inside the window with at least the size that its content needs.
+  /// The text in the control's widget: what an entry holds, a list's first line, a status bar's first panel, a caption.
+  wxString Shown(const Control& control) {
+    auto& widget = Widget<wxWindow>(control);
+    if (const auto* entry = dynamic_cast<wxTextEntry*>(&widget)) return entry->GetValue();
+    if (const auto* list = dynamic_cast<wxListBox*>(&widget)) return list->GetString(0);
+    if (const auto* bar = dynamic_cast<wxStatusBar*>(&widget)) return bar->GetStatusText(0);
+    return wxControl::RemoveMnemonics(widget.GetLabel());
+  }
+  /// Every shown widget is inside the window and has at least the size that its content needs.
   void ExpectNothingCutOff() {
-    const wxRect whole = Window().GetScreenRect();
     for (const Control* control : form.Controls()) {
       const auto& widget = Widget<wxWindow>(*control);
       if (!widget.IsShownOnScreen()) continue;
-      EXPECT_TRUE(whole.Contains(widget.GetScreenRect())) << control->Name();
+      EXPECT_TRUE(Window().GetScreenRect().Contains(widget.GetScreenRect())) << control->Name();
       const wxSize needed = widget.GetEffectiveMinSize();
-      EXPECT_GE(widget.GetSize().x, needed.x) << control->Name();
-      EXPECT_GE(widget.GetSize().y, needed.y) << control->Name();
+      EXPECT_TRUE(widget.GetSize().x >= needed.x && widget.GetSize().y >= needed.y) << control->Name();
     }
   }
-
-  FormPlatform platform;
-  HandlerGuard guard{platform};
-  EveryControlForm form{guard};
-  FormWindow window{form};
+  void SetHeight(int twips, bool frameVisible) {
+    form.frame.visible = frameVisible;
+    form.heightTwips = twips;
+    Settle();
+  }
 };
 
 TEST_F(FormWindowTest, WidgetsFollowTheControlsAndNoHandlerRuns) {
-  EXPECT_EQ(Widget<wxComboBox>(form.picker).GetValue(), "Combo1") << "a text that is not among the items";
+  EXPECT_EQ(Shown(form.picker), "Combo1") << "a text that is not among the items";
 
   form.caption = "Other";
   form.value.caption = "Tom & Jerry";
@@ -84,15 +79,15 @@ TEST_F(FormWindowTest, WidgetsFollowTheControlsAndNoHandlerRuns) {
   EXPECT_EQ(Window().GetTitle(), "Other");
   EXPECT_EQ(Widget<wxStaticText>(form.value).GetLabelText(), "Tom & Jerry");
   EXPECT_EQ(Widget<wxStaticText>(form.value).GetForegroundColour(), wxColour(255, 0, 0));
-  EXPECT_EQ(Widget<wxComboBox>(form.picker).GetValue(), "b");
+  EXPECT_EQ(Shown(form.picker), "b");
   EXPECT_EQ(Widget<wxComboBox>(form.picker).GetCount(), 2U);
-  EXPECT_EQ(Widget<wxComboBox>(form.typed).GetValue(), "*.idx");
+  EXPECT_EQ(Shown(form.typed), "*.idx");
   EXPECT_EQ(Widget<wxTextCtrl>(form.box).GetStringSelection(), "D:\\");
   EXPECT_FALSE(Widget<wxTextCtrl>(form.box).IsEditable());
   EXPECT_TRUE(Widget<wxCheckBox>(form.check).GetValue());
   EXPECT_FALSE(Widget<wxButton>(form.cmdOk).IsEnabled());
-  EXPECT_EQ(Widget<wxButton>(form.cmdInner).GetLabel(), "Please Wait");
-  EXPECT_EQ(Widget<wxStaticBox>(form.frame).GetLabel(), "Less");
+  EXPECT_EQ(Shown(form.cmdInner), "Please Wait");
+  EXPECT_EQ(Shown(form.frame), "Less");
   EXPECT_EQ(Widget<wxListBox>(form.list).GetStringSelection(), "y");
   EXPECT_EQ(Widget<wxListBox>(form.list).GetToolTipText(), "New tip");
   EXPECT_EQ(Widget<wxStatusBar>(form.bar).GetStatusText(1), "second");
@@ -101,122 +96,91 @@ TEST_F(FormWindowTest, WidgetsFollowTheControlsAndNoHandlerRuns) {
   EXPECT_EQ(platform.commandsEnded, 0);
 }
 
-TEST_F(FormWindowTest, TextThatIsNoUnicodeIsShownAllTheSame) {
-  form.value.caption = "A\xED\xA0\x80\xF0\x9F\x98\x80";  // a lone surrogate, then a character beyond the first plane
-  EXPECT_EQ(Widget<wxStaticText>(form.value).GetLabelText(), wxString::FromUTF8("A\xEF\xBF\xBD\xF0\x9F\x98\x80"));
-}
-
 TEST_F(FormWindowTest, NamesOfADiskTakeOneLineAndStayWhatTheyAre) {
-  const std::string name = "a\nb\u202Ec";
-  const wxString shown = wxString::FromUTF8("a\u240Ab\uFFFDc");
-  form.caption = name;
-  form.value.caption = name;
+  // A line end, a character that turns the writing direction, a lone surrogate, one beyond the first plane.
+  const std::string name = "a\nb\u202Ec\xED\xA0\x80\U0001F600";
+  const wxString shown = wxString::FromUTF8("a\u240Ab\uFFFDc\uFFFD\U0001F600");
   form.picker.items = {"x", name, shown.utf8_string()};
-  form.picker.text = name;
-  form.box.text = name;
-  form.frame.caption = name;
-  form.first.caption = name;
-  form.list.items = {name};
-  form.several.items = {name};
-  form.bar.panels[0] = name;
-  form.value.tooltip = name;
+  for (Property<std::string>* text : {&form.caption, &form.value.caption, &form.value.tooltip, &form.frame.caption,
+                                      &form.first.caption, &form.picker.text, &form.box.text, &form.bar.panels[0]}) {
+    *text = name;
+  }
+  for (auto* items : {&form.list.items, &form.several.items}) *items = {name};
   Settle();
+  const Control* const controls[] = {&form.value, &form.picker, &form.box,     &form.frame,
+                                     &form.first, &form.list,   &form.several, &form.bar};
+  for (const Control* control : controls) EXPECT_EQ(Shown(*control), shown) << control->Name();
   EXPECT_EQ(Window().GetTitle(), shown);
-  EXPECT_EQ(Widget<wxStaticText>(form.value).GetLabelText(), shown);
   EXPECT_EQ(Widget<wxStaticText>(form.value).GetToolTipText(), shown);
-  EXPECT_EQ(Widget<wxComboBox>(form.picker).GetValue(), shown);
   EXPECT_EQ(Widget<wxComboBox>(form.picker).GetString(1), shown);
-  EXPECT_EQ(Widget<wxTextCtrl>(form.box).GetValue(), shown);
-  EXPECT_EQ(Widget<wxStaticBox>(form.frame).GetLabel(), shown);
-  EXPECT_EQ(Widget<wxRadioButton>(form.first).GetLabelText(), shown);
-  EXPECT_EQ(Widget<wxListBox>(form.list).GetString(0), shown);
-  EXPECT_EQ(Widget<wxListBox>(form.several).GetString(0), shown);
-  EXPECT_EQ(Widget<wxStatusBar>(form.bar).GetStatusText(0), shown);
-
   EXPECT_EQ(form.picker.text, name);
   EXPECT_EQ(form.box.text, name);
   EXPECT_EQ(form.acts, "");
   // Of two items that look alike the one that was picked counts.
+  auto& picker = Widget<wxComboBox>(form.picker);
   for (const int item : {0, 1, 2, 1}) {
-    Widget<wxComboBox>(form.picker).SetSelection(item);
-    wxCommandEvent picked(wxEVT_COMBOBOX, Widget<wxComboBox>(form.picker).GetId());
-    picked.SetEventObject(&Widget<wxComboBox>(form.picker));
+    picker.SetSelection(item);
+    wxCommandEvent picked(wxEVT_COMBOBOX, picker.GetId());
+    picked.SetEventObject(&picker);
     picked.SetInt(item);
-    Widget<wxComboBox>(form.picker).ProcessWindowEvent(picked);
+    picker.ProcessWindowEvent(picked);
     EXPECT_EQ(form.picker.text, form.picker.items->at(static_cast<std::size_t>(item)));
   }
 }
 
 TEST_F(FormWindowTest, ActsOfAPersonRunTheHandlersOnce) {
   ClickOn(Widget<wxButton>(form.cmdOk));
-  EXPECT_EQ(TakeActs(), "ok ");
   ClickOn(Widget<wxCheckBox>(form.check));
   ClickOn(Widget<wxCheckBox>(form.check));
-  EXPECT_EQ(TakeActs(), "checked unchecked ");
+  EXPECT_EQ(TakeActs(), "ok checked unchecked ");
   ClickOn(Widget<wxTextCtrl>(form.box));
   TypeText("x");
   EXPECT_EQ(TakeActs(), "box=C:\\Datax ");
-
-  const auto& list = Widget<wxListBox>(form.list);
-  MoveTo(list.GetScreenPosition() + wxPoint(20, 30));
-  wxUIActionSimulator().MouseDblClick();
-  Settle();
+  DoubleClickAt(Widget<wxListBox>(form.list).GetScreenPosition() + wxPoint(20, 30));
   EXPECT_EQ(TakeActs(), "list=1 open=1 ");
   Press(WXK_DOWN);
   Press(WXK_RETURN);
   EXPECT_EQ(TakeActs(), "list=2 open=2 ");
 }
 
-TEST_F(FormWindowTest, PickerIsPickedFromAndTakesNoTyping) {
-  auto& picker = Widget<wxComboBox>(form.picker);
-  ClickOn(picker);
+TEST_F(FormWindowTest, APickerTakesNoTypingAndAnEditableComboDoes) {
+  ClickOn(Widget<wxComboBox>(form.picker));
   Press(WXK_DOWN);
   Press(WXK_DOWN);
   Press(WXK_RETURN);
   EXPECT_EQ(TakeActs(), "picker=two#2 ") << "the second of two equal items is the one picked";
   TypeText("z");
-  EXPECT_EQ(picker.GetValue(), "two");
+  EXPECT_EQ(Shown(form.picker), "two");
   Press(WXK_UP);
   Press(WXK_UP);
   EXPECT_EQ(TakeActs(), "picker=two#1 picker=one#0 ") << "the arrow keys go on from the item shown";
-}
 
-TEST_F(FormWindowTest, EditableComboTakesTyping) {
   Widget<wxComboBox>(form.typed).SetFocus();
   Settle();
-  MoveTo(Widget<wxComboBox>(form.typed).GetScreenPosition() + wxPoint(10, 10));
-  wxUIActionSimulator().MouseClick();
+  ClickAt(Widget<wxComboBox>(form.typed).GetScreenPosition() + wxPoint(10, 10));
   Press('A', wxMOD_CONTROL);
   TypeText("b.c");
   EXPECT_EQ(form.typed.text.Get(), "b.c");
 }
 
-TEST_F(FormWindowTest, OptionsExcludeOneAnotherAndNoneMayBeChosen) {
+TEST_F(FormWindowTest, OptionsExcludeOneAnotherAndAnyNumberOfItemsIsSelected) {
   auto& first = Widget<wxRadioButton>(form.first);
   auto& second = Widget<wxRadioButton>(form.second);
   EXPECT_EQ(first.GetLabelText(), "Tom & Jerry.wab");
   EXPECT_TRUE(second.GetValue());
   ClickOn(first);
-  EXPECT_TRUE(first.GetValue());
-  EXPECT_FALSE(second.GetValue());
-  EXPECT_EQ(TakeActs(), "first ");
+  EXPECT_TRUE(first.GetValue() && !second.GetValue());
   ClickOn(first);
-  EXPECT_EQ(TakeActs(), "first ") << "a chosen one can be clicked again";
+  EXPECT_EQ(TakeActs(), "first first ") << "a chosen one can be clicked again";
   form.options.Choose(nullptr);
   EXPECT_FALSE(first.GetValue() || second.GetValue());
   ClickOn(second);
   EXPECT_EQ(TakeActs(), "second ");
-}
 
-TEST_F(FormWindowTest, SeveralItemsAreSelectedByClicks) {
   auto& list = Widget<wxListBox>(form.several);
   form.several.selected = std::vector<std::size_t>{2};
   EXPECT_TRUE(list.IsSelected(2));
-  for (const int y : {10, 30, 30, 10, 10}) {
-    MoveTo(list.GetScreenPosition() + wxPoint(20, y));
-    wxUIActionSimulator().MouseClick();
-    Settle();
-  }
+  for (const int y : {10, 30, 30, 10, 10}) ClickAt(list.GetScreenPosition() + wxPoint(20, y));
   EXPECT_THAT(form.several.selected.Get(), testing::ElementsAre(0, 2));
   form.several.selected = std::vector<std::size_t>{};
   EXPECT_FALSE(list.IsSelected(0) || list.IsSelected(2));
@@ -240,8 +204,7 @@ TEST_F(FormWindowTest, EnterPressesTheDefaultButtonAndEscapeTheCancelOne) {
   Press(WXK_RETURN);
   EXPECT_TRUE(WaitFor([this] { return form.acts == "ok "; })) << form.acts;
   Press(WXK_ESCAPE);
-  EXPECT_FALSE(form.visible);
-  EXPECT_FALSE(Window().IsShown());
+  EXPECT_FALSE(form.visible || Window().IsShown());
 
   form.Show();
   Settle();
@@ -255,51 +218,37 @@ TEST_F(FormWindowTest, MenuShowsSubmenusGreysAndRuns) {
   ASSERT_EQ(bar.GetMenuCount(), 2U);
   const int saveText = bar.FindMenuItem("File", "Save As Text");
   const int saveHtml = bar.FindMenuItem("File", "Save As HTML");
-  ASSERT_NE(saveText, wxNOT_FOUND);
-  ASSERT_NE(saveHtml, wxNOT_FOUND);
-  EXPECT_TRUE(bar.IsEnabled(saveText));
-  EXPECT_FALSE(bar.IsEnabled(saveHtml));
+  ASSERT_TRUE(saveText != wxNOT_FOUND && saveHtml != wxNOT_FOUND);
+  EXPECT_TRUE(bar.IsEnabled(saveText) && !bar.IsEnabled(saveHtml));
   EXPECT_EQ(bar.GetMenu(0)->GetMenuItemCount(), 2U) << "items of one menu share it";
 
   const wxPoint searchMenu(60, 10);
-  MoveTo(Window().GetScreenPosition() + searchMenu);
-  wxUIActionSimulator().MouseClick();
-  Settle();
+  ClickAt(Window().GetScreenPosition() + searchMenu);
   Press(WXK_DOWN);
   Press(WXK_RETURN);
   EXPECT_EQ(TakeActs(), "Search ");
 }
 
 TEST_F(FormWindowTest, HeightFollowsTheFormButNothingIsEverCutOff) {
-  form.frame.visible = false;
-  form.heightTwips = 7500;
-  Settle();
+  SetHeight(7500, false);
   EXPECT_EQ(Window().GetSize().y, 500);
   EXPECT_FALSE(Widget<wxTextCtrl>(form.box).IsShownOnScreen());
   const int listHeight = Widget<wxListBox>(form.list).GetSize().y;
-
-  form.frame.visible = true;
-  form.heightTwips = 9000;
-  Settle();
+  SetHeight(9000, true);
   EXPECT_EQ(Window().GetSize().y, 600);
   EXPECT_TRUE(Widget<wxTextCtrl>(form.box).IsShownOnScreen());
   ExpectNothingCutOff();
-
-  form.frame.visible = false;
-  form.heightTwips = 7500;
-  Settle();
+  SetHeight(7500, false);
   EXPECT_EQ(Window().GetSize().y, 500);
   EXPECT_EQ(Widget<wxListBox>(form.list).GetSize().y, listHeight) << "a hidden frame leaves no hole";
 
-  form.heightTwips = 15;
-  form.frame.visible = true;
   form.cmdOk.caption = "A caption that is a good deal longer than anything that the window has shown so far";
   form.lblTyped.caption = "A longer label than before, too:";
-  Settle();
+  SetHeight(15, true);
   ExpectNothingCutOff();
 }
 
-TEST_F(FormWindowTest, ShortenedLabelTellsAllInItsTooltip) {
+TEST_F(FormWindowTest, TheTooltipOfAShortenedLabelHasItsWholeText) {
   auto& value = Widget<wxStaticText>(form.value);
   EXPECT_EQ(value.GetToolTipText(), "Path to folder.");
   form.value.caption = kLongPath;
@@ -314,9 +263,7 @@ TEST_F(FormWindowTest, ShortenedLabelTellsAllInItsTooltip) {
 TEST_F(FormWindowTest, WhatIsPressedWhileAHandlerRunsWaitsForItsEnd) {
   form.cmdOk.onClick = [this] {
     form.pointer = Pointer::Hourglass;
-    const wxRect inner = Widget<wxButton>(form.cmdInner).GetScreenRect();
-    wxUIActionSimulator().MouseMove(inner.GetPosition() + inner.GetSize() / 2);
-    wxUIActionSimulator().MouseClick();
+    ClickWithoutSettling(Widget<wxButton>(form.cmdInner));
     for (int i = 0; i < 10; ++i) {
       wxMilliSleep(10);
       form.cmdOk.caption = "Please Wait " + std::to_string(i);

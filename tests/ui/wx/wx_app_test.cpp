@@ -43,7 +43,7 @@ TEST_F(WindowsRun, EndWithTheLastVisibleForm) {
   EXPECT_EQ(seen, "second end");
 }
 
-TEST_F(WindowsRun, EndOnQuitWithWindowsOpen) {
+TEST_F(WindowsRun, EndOnQuitWithWindowsOpenAndWhenTheStartFails) {
   RunWindows([&](WindowSystem& windows) {
     windows.Attach(first);
     first.Show();
@@ -52,9 +52,6 @@ TEST_F(WindowsRun, EndOnQuitWithWindowsOpen) {
   });
   EXPECT_EQ(seen, "rest of the handler");
   EXPECT_TRUE(first.visible);
-}
-
-TEST_F(WindowsRun, EndWhenTheStartFailsAndTellWhy) {
   EXPECT_THROW(RunWindows([](WindowSystem&) { throw std::runtime_error("no disk"); }), std::runtime_error);
 }
 

@@ -17,7 +17,7 @@
 namespace quillbox {
 namespace {
 
-/// C:\ is the folder given; the host's other folders lie on no drive.
+/// C:\ is the folder given; the host's other folders are not on any drive.
 struct OneDrive : HostPaths {
   explicit OneDrive(std::filesystem::path toRoot) : root(std::move(toRoot)) {}
   std::filesystem::path HostPath(const WinPath& path) const override {
@@ -39,7 +39,7 @@ struct WxDialogsTest : testing::Test {
   WxDialogsTest() {
     window.Show();
     Settle();
-    MoveTo(window.GetScreenRect().GetPosition() + window.GetSize() / 2);
+    MoveTo(MiddleOf(window));
   }
   ~WxDialogsTest() override { window.Hide(); }
 
@@ -60,39 +60,32 @@ struct WxDialogsTest : testing::Test {
 };
 
 TEST_F(WxDialogsTest, EveryButtonOfAMessageGivesItsAnswer) {
-  struct Case {
+  using enum MessageButtons;
+  const ButtonWords own{"&Go On", "&Stop"};
+  const ButtonWords wide{"&Keep What Can Be Read", "&Leave Such Files Out"};
+  const struct {
     MessageButtons buttons;
+    std::optional<ButtonWords> words;
     int key;
     MessageAnswer answer;
+  } cases[] = {
+      {Ok, {}, WXK_RETURN, MessageAnswer::Ok},
+      {Ok, {}, WXK_ESCAPE, MessageAnswer::Ok},
+      {OkCancel, {}, WXK_RETURN, MessageAnswer::Ok},
+      {OkCancel, {}, WXK_ESCAPE, MessageAnswer::Cancel},
+      {YesNo, {}, 'Y', MessageAnswer::Yes},
+      {YesNo, {}, 'N', MessageAnswer::No},
+      {YesNo, own, 'G', MessageAnswer::Yes},
+      {YesNo, own, 'S', MessageAnswer::No},
+      {YesNoCancel, {}, 'N', MessageAnswer::No},
+      {YesNoCancel, {}, WXK_ESCAPE, MessageAnswer::Cancel},
+      {YesNoCancel, wide, WXK_ESCAPE, MessageAnswer::Cancel},
   };
-  const Case cases[] = {
-      {MessageButtons::Ok, WXK_RETURN, MessageAnswer::Ok},
-      {MessageButtons::Ok, WXK_ESCAPE, MessageAnswer::Ok},
-      {MessageButtons::OkCancel, WXK_RETURN, MessageAnswer::Ok},
-      {MessageButtons::OkCancel, WXK_ESCAPE, MessageAnswer::Cancel},
-      {MessageButtons::YesNo, 'Y', MessageAnswer::Yes},
-      {MessageButtons::YesNo, 'N', MessageAnswer::No},
-      {MessageButtons::YesNoCancel, 'N', MessageAnswer::No},
-      {MessageButtons::YesNoCancel, WXK_ESCAPE, MessageAnswer::Cancel},
-  };
-  for (const Case& test : cases) {
+  for (const auto& test : cases) {
     AnswerWith(test.key, test.key < 128 && test.key > ' ' ? wxMOD_ALT : wxMOD_NONE);
-    EXPECT_EQ(dialogs.Show({.text = "Proceed?", .buttons = test.buttons}), test.answer) << test.key;
+    EXPECT_EQ(dialogs.Show({.text = "Proceed?", .buttons = test.buttons, .words = test.words}), test.answer)
+        << test.key;
   }
-}
-
-TEST_F(WxDialogsTest, AQuestionMayHaveWordsOfItsOwn) {
-  for (const auto& [key, answer] : {std::pair('G', MessageAnswer::Yes), {'S', MessageAnswer::No}}) {
-    AnswerWith(key, wxMOD_ALT);
-    EXPECT_EQ(
-        dialogs.Show({.text = "Stop?", .buttons = MessageButtons::YesNo, .words = ButtonWords{"&Go On", "&Stop"}}),
-        answer);
-  }
-  AnswerWith(WXK_ESCAPE);
-  EXPECT_EQ(dialogs.Show({.text = "Keep?",
-                          .buttons = MessageButtons::YesNoCancel,
-                          .words = ButtonWords{"&Keep What Can Be Read", "&Leave Such Files Out"}}),
-            MessageAnswer::Cancel);
 }
 
 TEST_F(WxDialogsTest, InputIsTypedOrCancelled) {
@@ -121,21 +114,20 @@ TEST_F(WxDialogsTest, OverwriteQuestionShowsBothFilesAndGivesEveryAnswer) {
   for (const auto& [label, answer] : cases) {
     std::string words;
     WhenAsked([&words, wanted = wxString(label)] {
-      wxRect place;
+      const wxButton* chosen = nullptr;
       for (wxWindow* child : OpenDialog()->GetChildren()) {
         if (const auto* text = dynamic_cast<wxStaticText*>(child)) words += text->GetLabelText().utf8_string() + "\n";
         const auto* button = dynamic_cast<wxButton*>(child);
-        if (button && button->GetLabel() == wanted) place = button->GetScreenRect();
+        if (button && button->GetLabel() == wanted) chosen = button;
       }
-      wxUIActionSimulator().MouseMove(place.GetPosition() + place.GetSize() / 2);
-      wxUIActionSimulator().MouseClick();
+      ClickWithoutSettling(*chosen);
     });
     EXPECT_EQ(dialogs.AskOverwrite(question), answer);
     for (const char* part : {"Tom & Jerry.dbx\"", "C:\\Store\\Tom & Jerry.dbx\n1,234,567 bytes\nmodified 1",
                              "D:\\Backup\\Tom & Jerry.dbx\n1 byte\ndate not known"}) {
       EXPECT_NE(words.find(part), std::string::npos) << part << " in\n" << words;
     }
-    MoveTo(window.GetScreenRect().GetPosition() + window.GetSize() / 2);
+    MoveTo(MiddleOf(window));
   }
   AnswerWith(WXK_ESCAPE);
   EXPECT_EQ(dialogs.AskOverwrite(question), OverwriteAnswer::Cancel);
@@ -171,15 +163,12 @@ TEST_F(WxDialogsTest, ProgressAppearsLateTakesTheOtherWindowsOutAndCancels) {
   }
   EXPECT_EQ(shares, 50);
 
-  const wxWindow* cancel = OpenDialog()->FindWindow(wxID_CANCEL);
   const auto cancelled = [&] {
     wxMilliSleep(60);
     return !progress->Update("Inbox.dbx", 4'000'000'000, 0);
   };
   for (int i = 0; i < 5; ++i) EXPECT_FALSE(cancelled());
-  const wxRect place = cancel->GetScreenRect();
-  wxUIActionSimulator().MouseMove(place.GetPosition() + place.GetSize() / 2);
-  wxUIActionSimulator().MouseClick();
+  ClickWithoutSettling(*OpenDialog()->FindWindow(wxID_CANCEL));
   bool ended = false;
   for (int i = 0; i < 20 && !ended; ++i) ended = cancelled();
   EXPECT_TRUE(ended);
