@@ -11,29 +11,12 @@
 
 #include <fstream>
 
+#include "platform/offline/offline_drives.h"
 #include "support/temp_folder.h"
 #include "support/window_test.h"
 
 namespace quillbox {
 namespace {
-
-/// C:\ is the folder given; the host's other folders are not on any drive.
-struct OneDrive : HostPaths {
-  explicit OneDrive(std::filesystem::path toRoot) : root(std::move(toRoot)) {}
-  std::filesystem::path HostPath(const WinPath& path) const override {
-    std::string rest = path.Text().substr(std::min<std::size_t>(3, path.Text().size()));
-    std::replace(rest.begin(), rest.end(), '\\', '/');
-    return root / rest;
-  }
-  WinPath WindowsPathOf(const std::filesystem::path& path) const override {
-    const std::string inside = path.lexically_relative(root).string();
-    if (inside.empty() || inside.starts_with("..")) return WinPath();
-    std::string text = inside == "." ? "C:\\" : "C:\\" + inside;
-    std::replace(text.begin(), text.end(), '/', '\\');
-    return WinPath(text);
-  }
-  std::filesystem::path root;
-};
 
 struct WxDialogsTest : testing::Test {
   WxDialogsTest() {
@@ -53,7 +36,7 @@ struct WxDialogsTest : testing::Test {
   }
 
   TempFolder folder;
-  OneDrive paths{folder.Path()};
+  OfflineDrives paths{DriveMap(folder.Path())};  // C:\ is the folder
   WxDialogs dialogs{paths};
   wxFrame window{nullptr, wxID_ANY, "Owner", wxPoint(100, 100), wxSize(600, 400)};
   wxTimer timer;
@@ -107,11 +90,11 @@ TEST_F(WxDialogsTest, OverwriteQuestionShowsBothFilesAndGivesEveryAnswer) {
                                    .targetSize = 1,
                                    .sourceModified = 127'000'000'000'000'000,
                                    .targetModified = 0};
-  const std::pair<const char*, OverwriteAnswer> cases[] = {{"&Yes", OverwriteAnswer::Yes},
-                                                           {"Yes to &All", OverwriteAnswer::YesToAll},
-                                                           {"&No", OverwriteAnswer::No},
-                                                           {"Cancel", OverwriteAnswer::Cancel}};
-  for (const auto& [label, answer] : cases) {
+  using enum OverwriteAnswer;
+  for (const auto& [label, answer] : {std::pair<const char*, OverwriteAnswer>("&Yes", Yes),
+                                      {"Yes to &All", YesToAll},
+                                      {"&No", No},
+                                      {"Cancel", Cancel}}) {
     std::string words;
     WhenAsked([&words, wanted = wxString(label)] {
       const wxButton* chosen = nullptr;
@@ -130,7 +113,7 @@ TEST_F(WxDialogsTest, OverwriteQuestionShowsBothFilesAndGivesEveryAnswer) {
     MoveTo(MiddleOf(window));
   }
   AnswerWith(WXK_ESCAPE);
-  EXPECT_EQ(dialogs.AskOverwrite(question), OverwriteAnswer::Cancel);
+  EXPECT_EQ(dialogs.AskOverwrite(question), Cancel);
 }
 
 TEST_F(WxDialogsTest, FileDialogsAnswerInWindowsPaths) {
