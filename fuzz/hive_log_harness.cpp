@@ -189,7 +189,7 @@ Bytes EntryLog(const Bytes& base, std::uint32_t sequence, const std::vector<Byte
 }
 
 std::vector<Seed> HiveLogSeeds() {
-  Hive hive = SmallHive(5);
+  Hive hive = SeedHive(5);
   const Bytes before = hive.Image(kMonday);
   hive.SetValue(hive.CreatePath(hive.Root(), "New\\key"), "value", 3, Pattern(3000));
   hive.DeleteTree(*hive.Find(hive.Root(), "Four"));

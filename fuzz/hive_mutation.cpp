@@ -13,15 +13,15 @@ constexpr std::size_t kLeastHive = 2 * kHivePage;
 constexpr std::array kTags = {kKeyTag,      kValueTag,    kSecurityTag,  kBigDataTag,
                               kHintLeafTag, kHashLeafTag, kPlainLeafTag, kLeafIndexTag};
 
-struct Cell {
+struct UsedCell {
   std::size_t at = 0;    ///< of the record, from the start of the file
   std::size_t room = 0;  ///< of the record
   std::uint32_t offset = 0;
 };
 
 /// The cells in use, as far as the bins can be followed.
-std::vector<Cell> CellsOf(const Bytes& file) {
-  std::vector<Cell> cells;
+std::vector<UsedCell> CellsOf(const Bytes& file) {
+  std::vector<UsedCell> cells;
   for (std::size_t bin = kHivePage; bin + kHivePage <= file.size();) {
     const std::size_t size = Load32(&file[bin + BinField::kSize]);
     if (size == 0 || size % kHivePage != 0 || size > file.size() - bin) break;
@@ -39,8 +39,8 @@ std::vector<Cell> CellsOf(const Bytes& file) {
   return cells;
 }
 
-std::uint32_t NewNumber(std::uint32_t old, const std::vector<Cell>& cells, Mutation& mutation) {
-  const Cell& other = cells[mutation.Below(cells.size())];
+std::uint32_t NewNumber(std::uint32_t old, const std::vector<UsedCell>& cells, Mutation& mutation) {
+  const UsedCell& other = cells[mutation.Below(cells.size())];
   switch (mutation.Below(10)) {
     case 0:
       return kNoCell;
@@ -63,26 +63,26 @@ std::uint32_t NewNumber(std::uint32_t old, const std::vector<Cell>& cells, Mutat
   }
 }
 
-void ChangeField(Bytes& file, const Cell& cell, const std::vector<Cell>& cells, Mutation& mutation) {
+void ChangeField(Bytes& file, const UsedCell& cell, const std::vector<UsedCell>& cells, Mutation& mutation) {
   const std::size_t reach = std::min<std::size_t>(cell.room, mutation.OneIn(4) ? cell.room : KeyField::kName);
   if (mutation.OneIn(3)) {
     if (reach < 2) return;
     std::uint8_t* at = &file[cell.at + mutation.Below(reach / 2) * 2];
     const bool tag = mutation.OneIn(3);
     const auto small = static_cast<std::uint16_t>(Load16(at) + mutation.Below(5) - 2);
-    Store16(tag ? &file[cell.at] : at, tag ? kTags[mutation.Below(kTags.size())] : small);
+    Store16(tag ? &file[cell.at] : at, tag ? static_cast<std::uint16_t>(kTags[mutation.Below(kTags.size())]) : small);
   } else if (reach >= 4) {
     std::uint8_t* at = &file[cell.at + mutation.Below(reach / 4) * 4];
     Store32(at, NewNumber(Load32(at), cells, mutation));
   }
 }
 
-void CopyRecord(Bytes& file, const Cell& from, const Cell& to) {
+void CopyRecord(Bytes& file, const UsedCell& from, const UsedCell& to) {
   std::memmove(&file[to.at], &file[from.at], std::min(from.room, to.room));
 }
 
 /// Makes one cell of two or two of one: sizes stay a chain.
-void ResizeCell(Bytes& file, const Cell& cell, Mutation& mutation) {
+void ResizeCell(Bytes& file, const UsedCell& cell, Mutation& mutation) {
   std::uint8_t* header = &file[cell.at - kCellHeader];
   if (mutation.OneIn(4)) {
     Store32(header, 0U - Load32(header));
@@ -96,7 +96,7 @@ void ResizeCell(Bytes& file, const Cell& cell, Mutation& mutation) {
   Store32(header + first, mutation.OneIn(2) ? second : 0U - second);
 }
 
-void ChangeRecord(Bytes& file, const Cell& cell, Mutation& mutation) {
+void ChangeRecord(Bytes& file, const UsedCell& cell, Mutation& mutation) {
   const auto begin = file.begin() + static_cast<std::ptrdiff_t>(cell.at);
   Bytes record(begin, begin + static_cast<std::ptrdiff_t>(cell.room));
   mutation.ByEngine(record, record.size());
@@ -114,9 +114,9 @@ void AppendBin(Bytes& file, std::size_t limit) {
 }
 
 void MutateOnce(Bytes& file, std::size_t limit, Mutation& mutation) {
-  const std::vector<Cell> cells = CellsOf(file);
+  const std::vector<UsedCell> cells = CellsOf(file);
   if (cells.empty() || mutation.OneIn(40)) return mutation.ByEngine(file, limit);
-  const Cell& cell = cells[mutation.Below(cells.size())];
+  const UsedCell& cell = cells[mutation.Below(cells.size())];
   switch (mutation.Below(12)) {
     case 0:
       return CopyRecord(file, cells[mutation.Below(cells.size())], cell);

@@ -10,35 +10,28 @@ Bytes WithLeafIndex(Bytes file) {
   Hive hive = Hive::Load(file, "seed");
   hive.SetValue(hive.Root(), "room", 3, Bytes(32));
   file = hive.Image(kMonday);
-  const std::uint32_t root = Load32(&file[BaseField::kRoot]);
   // The value's data cell becomes the index; the value is then of no size.
-  std::uint8_t* key = Record(file, root);
-  const std::uint32_t values = Load32(key + KeyField::kValueList);
-  const std::uint32_t count = Load32(key + KeyField::kValueCount);
-  std::uint8_t* value = Record(file, Load32(Record(file, values) + 4 * (count - 1)));
-  const std::uint32_t index = Load32(value + ValueField::kData);
-  Store32(value + ValueField::kDataSize, kInlineData);
-  std::uint8_t* list = Record(file, index);
-  Store16(list, kLeafIndexTag);
-  Store16(list + ListField::kCount, 1);
-  Store32(list + ListField::kEntries, Load32(key + KeyField::kSubkeyList));
-  Store32(key + KeyField::kSubkeyList, index);
+  const KeyCell root = RootCell(hive);
+  const std::size_t last = Get(file, root, KeyField::kValueCount) - 1;
+  const ValueCell value = Get(file, Get(file, root, KeyField::kValueList), ValueEntry(last));
+  const ListCell index(Get(file, value, ValueField::kData));
+  Put(file, value, ValueField::kDataSize, kInlineData);
+  StoreTag(Record(file, index), kLeafIndexTag);
+  Put(file, index, ListField::kCount, 1);
+  Put(file, index, IndexEntry(0), Get(file, root, KeyField::kSubkeyList));
+  Put(file, root, KeyField::kSubkeyList, index);
   return file;
 }
 
-/// Every leaf as a list without hashes.
+/// The root's list of subkeys without hashes.
 Bytes WithPlainLeaf(Bytes file) {
-  std::uint8_t* key = Record(file, Load32(&file[BaseField::kRoot]));
-  std::uint8_t* list = Record(file, Load32(key + KeyField::kSubkeyList));
-  for (std::size_t at = 0; at < Load16(list + ListField::kCount); ++at) {
-    Store32(list + ListField::kEntries + 4 * at, Load32(list + ListField::kEntries + 8 * at));
-  }
-  Store16(list, kPlainLeafTag);
+  const KeyCell root(Load32(&file[BaseField::kRoot]));
+  MakePlain(file, Get(file, root, KeyField::kSubkeyList));
   return file;
 }
 
 Bytes BigValueHive() {
-  Hive hive = SmallHive(5);
+  Hive hive = SeedHive(5);
   hive.SetValue(hive.Root(), "big", 3, Pattern(Hive::kBigDataLimit + 100));
   return hive.Image(kMonday);
 }
@@ -61,24 +54,21 @@ Bytes WideHive() {
 
 }  // namespace
 
-Hive SmallHive(std::uint32_t minor) {
-  Hive hive = EmptyHive(minor);
-  const HiveKey key = hive.CreatePath(hive.Root(), "One\\Two\\\xD0\x96");
-  hive.SetValue(key, "text", 1, Utf16Bytes(std::u16string_view(u"text", 5)));
-  hive.SetValue(key, "", 4, Pattern(4));
+Hive SeedHive(std::uint32_t minor) {
+  Hive hive = SmallHive(minor);
+  const HiveKey key = *hive.Find(hive.Root(), "One\\Two\\\xD0\x96");
   hive.SetValue(key, "\xD0\x96", 3, Pattern(40));
   hive.SetValue(key, "none", 0, {});
-  hive.CreatePath(hive.Root(), "One\\Three");
   hive.CreatePath(hive.Root(), "Four");
   return hive;
 }
 
 std::vector<Seed> HiveSeeds() {
-  const Bytes small = SmallHive(3).Image(kMonday);
+  const Bytes small = SeedHive(3).Image(kMonday);
   return {{"empty", EmptyHive(3).Image(kMonday)},
           {"small", small},
-          {"small-1.5", SmallHive(5).Image(kMonday)},
-          {"small-1.6", SmallHive(6).Image(kMonday)},
+          {"small-1.5", SeedHive(5).Image(kMonday)},
+          {"small-1.6", SeedHive(6).Image(kMonday)},
           {"plain-leaf", WithPlainLeaf(small)},
           {"leaf-index", WithLeafIndex(small)},
           {"big-value", BigValueHive()},

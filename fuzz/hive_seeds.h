@@ -8,8 +8,8 @@
 
 namespace quillbox {
 
-/// A hive of version 1.`minor` with values of every form, a class, nested keys and names of both forms.
-Hive SmallHive(std::uint32_t minor);
+/// A hive of version 1.`minor` with values of every form, nested keys and names of both forms.
+Hive SeedHive(std::uint32_t minor);
 
 std::vector<Seed> HiveSeeds();
 

@@ -24,25 +24,29 @@ void ForEachName(std::string_view path, Use use) {
 }
 
 /// The cell of a key that the caller names.
-std::uint32_t Cell(const HiveData& hive, HiveKey key) {
-  if (!hive.cells.IsUsed(key.cell) || hive.cells.Room(key.cell) < KeyField::kName ||
-      hive.cells.Tag(key.cell) != kKeyTag) {
+KeyCell CellOf(const HiveData& hive, HiveKey key) {
+  const KeyCell cell(key.cell);
+  if (!hive.cells.IsUsed(cell) || hive.cells.Room(cell) < KeyField::kName || hive.cells.Tag(cell) != kKeyTag) {
     throw HiveRefusal(HiveLimit::Deleted, "using a registry key", {.name = hive.name, .offset = {}, .line = {}},
                       "the key has been deleted");
   }
-  return key.cell;
+  return cell;
 }
 
-HiveValue ReadValue(const HiveData& hive, std::uint32_t value) {
-  return {NameText(ValueName(hive, value)), hive.cells.Get32(value, ValueField::kType), ValueData(hive, value)};
+HiveKey HandleOf(KeyCell key) {
+  return {key.offset};
 }
 
-void Touch(HiveData& hive, std::uint32_t key) {
-  hive.cells.Put64(key, KeyField::kTime, hive.now);
+HiveValue ReadValue(const HiveData& hive, ValueCell value) {
+  return {NameText(ValueName(hive, value)), hive.cells.Get(value, ValueField::kType), ValueData(hive, value)};
+}
+
+void Touch(HiveData& hive, KeyCell key) {
+  hive.cells.Put(key, KeyField::kTime, hive.now);
   hive.changed = true;
 }
 
-void RequireKeyName(const HiveData& hive, std::uint32_t parent, const NewName& name) {
+void RequireKeyName(const HiveData& hive, KeyCell parent, const NewName& name) {
   const char* doing = "creating a registry key";
   if (name.units.empty()) ThrowRefusal(hive, parent, HiveLimit::Name, doing, "the new key's name is empty");
   if (name.units.size() > Hive::kMaxNameUnits) {
@@ -55,7 +59,7 @@ void RequireKeyName(const HiveData& hive, std::uint32_t parent, const NewName& n
   }
 }
 
-void RequireNewKey(const HiveData& hive, std::uint32_t parent, const NewName& name, std::size_t depth) {
+void RequireNewKey(const HiveData& hive, KeyCell parent, const NewName& name, std::size_t depth) {
   const char* doing = "creating a registry key";
   RequireKeyName(hive, parent, name);
   if (depth > Hive::kMaxDepth) {
@@ -66,9 +70,9 @@ void RequireNewKey(const HiveData& hive, std::uint32_t parent, const NewName& na
     ThrowRefusal(hive, parent, HiveLimit::Subkeys, doing, "the key's list of subkeys is full");
 }
 
-std::uint32_t AddSubkey(HiveData& hive, std::uint32_t parent, const NewName& name) {
-  const std::uint32_t key = MakeKey(hive, parent, name, hive.cells.Get32(parent, KeyField::kSecurity));
-  InsertSubkey(hive, parent, key);
+KeyCell AddSubkey(HiveData& hive, KeyCell parent, const NewName& name) {
+  const KeyCell key = MakeKey(hive, parent, name, hive.cells.Get(parent, KeyField::kSecurity));
+  InsertSubkey(hive, key);
   Touch(hive, parent);
   return key;
 }
@@ -103,12 +107,12 @@ Hive Hive::Create(std::string_view rootName, FileTime now) {
   hive.now = now;
   hive.cells = HiveCells(NewBase(rootName));
   const NewName name(rootName.empty() ? "Root" : rootName);
-  hive.root = MakeKey(hive, kNoCell, name, kNoCell);
+  hive.root = MakeKey(hive, KeyCell(), name, SecurityCell());
   RequireKeyName(hive, hive.root, name);
-  hive.cells.Put32(hive.root, KeyField::kSecurity, AddSecurity(hive, DefaultDescriptor()));
-  const unsigned flags = hive.cells.Get16(hive.root, KeyField::kFlags) | KeyFlag::kRoot | KeyFlag::kNoDelete;
-  hive.cells.Put16(hive.root, KeyField::kFlags, static_cast<std::uint16_t>(flags));
-  Store32(hive.cells.Base() + BaseField::kRoot, hive.root);
+  hive.cells.Put(hive.root, KeyField::kSecurity, AddSecurity(hive, DefaultDescriptor()));
+  const unsigned flags = hive.cells.Get(hive.root, KeyField::kFlags) | KeyFlag::kRoot | KeyFlag::kNoDelete;
+  hive.cells.Put(hive.root, KeyField::kFlags, static_cast<std::uint16_t>(flags));
+  Store32(hive.cells.Base() + BaseField::kRoot, hive.root.offset);
   Hive made(std::move(state));
   made.Image(now);
   return made;
@@ -156,91 +160,92 @@ void Hive::SetTime(FileTime now) {
   state_->now = now;
 }
 HiveKey Hive::Root() const {
-  return {state_->root};
+  return HandleOf(state_->root);
 }
 
 std::optional<HiveKey> Hive::Find(HiveKey from, std::string_view path) const {
-  std::optional<std::uint32_t> key = Cell(*state_, from);
+  std::optional<KeyCell> key = CellOf(*state_, from);
   ForEachName(path, [&](std::string_view name) {
     if (key) key = FindSubkey(*state_, *key, NewName(name).upper);
   });
   if (!key) return std::nullopt;
-  return HiveKey{*key};
+  return HandleOf(*key);
 }
 
 HiveKey Hive::SubkeyAt(HiveKey key, std::size_t index) const {
   if (index >= SubkeyCount(key)) throw std::out_of_range("no such subkey");
-  return {SubkeyCell(*state_, key.cell, index)};
+  return HandleOf(SubkeyOf(*state_, KeyCell(key.cell), index));
 }
 
 std::size_t Hive::SubkeyCount(HiveKey key) const {
-  return state_->cells.Get32(Cell(*state_, key), KeyField::kSubkeyCount);
+  return state_->cells.Get(CellOf(*state_, key), KeyField::kSubkeyCount);
 }
 
 std::vector<HiveKey> Hive::Subkeys(HiveKey key) const {
   std::vector<HiveKey> subkeys;
-  for (const std::uint32_t cell : SubkeyCells(*state_, Cell(*state_, key))) subkeys.push_back({cell});
+  for (const KeyCell cell : SubkeyCells(*state_, CellOf(*state_, key))) subkeys.push_back(HandleOf(cell));
   return subkeys;
 }
 
 std::optional<HiveKey> Hive::Parent(HiveKey key) const {
-  const std::uint32_t cell = Cell(*state_, key);
+  const KeyCell cell = CellOf(*state_, key);
   if (cell == state_->root) return std::nullopt;
-  return HiveKey{state_->cells.Get32(cell, KeyField::kParent)};
+  return HandleOf(state_->cells.Get(cell, KeyField::kParent));
 }
 
 std::string Hive::Name(HiveKey key) const {
-  return NameText(KeyName(*state_, Cell(*state_, key)));
+  return NameText(KeyName(*state_, CellOf(*state_, key)));
 }
 FileTime Hive::Time(HiveKey key) const {
-  return state_->cells.Get64(Cell(*state_, key), KeyField::kTime);
+  return state_->cells.Get(CellOf(*state_, key), KeyField::kTime);
 }
 
 std::string Hive::ClassName(HiveKey key) const {
-  return ToUtf8(Utf16FromBytes(KeyClass(*state_, Cell(*state_, key))));
+  return ToUtf8(Utf16FromBytes(KeyClass(*state_, CellOf(*state_, key))));
 }
 
 Bytes Hive::Security(HiveKey key) const {
-  const std::uint32_t security = state_->cells.Get32(Cell(*state_, key), KeyField::kSecurity);
-  if (security == kNoCell) return {};
+  const SecurityCell security = state_->cells.Get(CellOf(*state_, key), KeyField::kSecurity);
+  if (security.IsNone()) return {};
   const ByteView descriptor = Descriptor(*state_, security);
   return {descriptor.begin(), descriptor.end()};
 }
 
 std::size_t Hive::ValueCount(HiveKey key) const {
-  return state_->cells.Get32(Cell(*state_, key), KeyField::kValueCount);
+  return state_->cells.Get(CellOf(*state_, key), KeyField::kValueCount);
 }
 
 HiveValue Hive::ValueAt(HiveKey key, std::size_t index) const {
   if (index >= ValueCount(key)) throw std::out_of_range("no such value");
-  return ReadValue(*state_, ValueCell(*state_, key.cell, index));
+  return ReadValue(*state_, ValueOf(*state_, KeyCell(key.cell), index));
 }
 
 std::vector<HiveValue> Hive::Values(HiveKey key) const {
   std::vector<HiveValue> values;
   const std::size_t count = ValueCount(key);
   values.reserve(count);
-  for (std::size_t at = 0; at < count; ++at) values.push_back(ReadValue(*state_, ValueCell(*state_, key.cell, at)));
+  for (std::size_t at = 0; at < count; ++at)
+    values.push_back(ReadValue(*state_, ValueOf(*state_, KeyCell(key.cell), at)));
   return values;
 }
 
 std::optional<HiveValue> Hive::Value(HiveKey key, std::string_view name) const {
-  const std::uint32_t value = FindValue(*state_, Cell(*state_, key), NewName(name));
-  if (value == kNoCell) return std::nullopt;
-  return ReadValue(*state_, value);
+  const std::optional<ValueCell> value = FindValue(*state_, CellOf(*state_, key), NewName(name));
+  if (!value) return std::nullopt;
+  return ReadValue(*state_, *value);
 }
 
 HiveKey Hive::CreateSubkey(HiveKey parent, std::string_view name) {
-  const std::uint32_t cell = Cell(*state_, parent);
+  const KeyCell cell = CellOf(*state_, parent);
   const NewName newName(name);
-  if (const auto found = FindSubkey(*state_, cell, newName.upper)) return {*found};
+  if (const auto found = FindSubkey(*state_, cell, newName.upper)) return HandleOf(*found);
   RequireNewKey(*state_, cell, newName, KeyDepth(*state_, cell) + 1);
   RequireSpace(*state_, cell, "creating a registry key", newName.StoredSize());
-  return {AddSubkey(*state_, cell, newName)};
+  return HandleOf(AddSubkey(*state_, cell, newName));
 }
 
 HiveKey Hive::CreatePath(HiveKey from, std::string_view path) {
-  std::uint32_t key = Cell(*state_, from);
+  KeyCell key = CellOf(*state_, from);
   std::vector<NewName> missing;
   ForEachName(path, [&](std::string_view text) {
     NewName name(text);
@@ -259,11 +264,11 @@ HiveKey Hive::CreatePath(HiveKey from, std::string_view path) {
   }
   if (!missing.empty()) RequireSpace(*state_, key, "creating a registry key", size);
   for (const NewName& name : missing) key = AddSubkey(*state_, key, name);
-  return {key};
+  return HandleOf(key);
 }
 
 void Hive::SetValue(HiveKey key, std::string_view name, std::uint32_t type, ByteView data) {
-  const std::uint32_t cell = Cell(*state_, key);
+  const KeyCell cell = CellOf(*state_, key);
   const std::string doing = "writing the value \"" + ShortName(name) + "\"";
   const NewName newName(name);
   if (newName.units.size() > kMaxValueNameUnits) {
@@ -279,16 +284,16 @@ void Hive::SetValue(HiveKey key, std::string_view name, std::uint32_t type, Byte
 }
 
 bool Hive::DeleteValue(HiveKey key, std::string_view name) {
-  const std::uint32_t cell = Cell(*state_, key);
-  const std::uint32_t value = FindValue(*state_, cell, NewName(name));
-  if (value == kNoCell) return false;
-  RemoveValue(*state_, cell, value);
+  const KeyCell cell = CellOf(*state_, key);
+  const std::optional<ValueCell> value = FindValue(*state_, cell, NewName(name));
+  if (!value) return false;
+  RemoveValue(*state_, cell, *value);
   Touch(*state_, cell);
   return true;
 }
 
 void Hive::DeleteTree(HiveKey key) {
-  const std::uint32_t cell = Cell(*state_, key);
+  const KeyCell cell = CellOf(*state_, key);
   if (cell == state_->root) {
     ThrowRefusal(*state_, cell, HiveLimit::RootKey, "deleting a registry key", "a hive's root key cannot be deleted");
   }
@@ -297,12 +302,12 @@ void Hive::DeleteTree(HiveKey key) {
 }
 
 Hive Hive::SaveSubtree(HiveKey key, FileTime now) const {
-  const std::uint32_t cell = Cell(*state_, key);
+  const KeyCell cell = CellOf(*state_, key);
   Hive saved = Create(Name(key), now);
   State& hive = *saved.state_;
-  RequireCopy(hive, hive.root, *state_, cell, "saving a registry key");
-  CopyTree(hive, hive.root, *state_, cell);
-  hive.cells.Put64(hive.root, KeyField::kTime, Time(key));
+  RequireCopy(hive, hive.root, {*state_, cell}, "saving a registry key");
+  CopyTree(hive, hive.root, {*state_, cell});
+  hive.cells.Put(hive.root, KeyField::kTime, Time(key));
   return saved;
 }
 
@@ -311,10 +316,11 @@ void Hive::ReplaceSubtree(HiveKey key, const Hive& source) {
     ReplaceSubtree(key, source.SaveSubtree(Root(), state_->now));
     return;
   }
-  const std::uint32_t cell = Cell(*state_, key);
-  RequireCopy(*state_, cell, *source.state_, source.state_->root, "replacing a registry key");
+  const KeyCell cell = CellOf(*state_, key);
+  const SourceKey from{*source.state_, source.state_->root};
+  RequireCopy(*state_, cell, from, "replacing a registry key");
   ClearKey(*state_, cell);
-  CopyTree(*state_, cell, *source.state_, source.state_->root);
+  CopyTree(*state_, cell, from);
   Touch(*state_, cell);
 }
 

@@ -100,34 +100,34 @@ const HiveCells::Bin* HiveCells::BinOf(std::size_t offset) const {
   return after == bins_.begin() || offset >= std::prev(after)->end ? nullptr : &*std::prev(after);
 }
 
-bool HiveCells::LooksUsed(std::uint32_t cell, bool inSuspect) const {
-  if (cell % kCellUnit != 0) return false;
-  const Bin* bin = BinOf(cell);
-  if (bin == nullptr || bin->end - cell < kCellUnit || (inSuspect && !bin->isSuspect)) return false;
-  const std::uint32_t length = Load32(Header(cell));
+bool HiveCells::LooksUsed(Cell cell, bool inSuspect) const {
+  if (cell.offset % kCellUnit != 0) return false;
+  const Bin* bin = BinOf(cell.offset);
+  if (bin == nullptr || bin->end - cell.offset < kCellUnit || (inSuspect && !bin->isSuspect)) return false;
+  const std::uint32_t length = Load32(Header(cell.offset));
   const std::size_t size = 0U - length;
-  return length >> 31 != 0 && size % kCellUnit == 0 && size <= bin->end - cell;
+  return length >> 31 != 0 && size % kCellUnit == 0 && size <= bin->end - cell.offset;
 }
 
-bool HiveCells::Adopt(std::uint32_t cell, std::uint16_t tag) {
+bool HiveCells::Adopt(Cell cell, RecordTag tag) {
   if (!LooksUsed(cell, false) || Tag(cell) != tag) return false;
-  bins_[static_cast<std::size_t>(BinOf(cell) - bins_.data())].isSuspect = true;
-  used_.Set(cell);
+  bins_[static_cast<std::size_t>(BinOf(cell.offset) - bins_.data())].isSuspect = true;
+  used_.Set(cell.offset);
   return true;
 }
 
-std::size_t HiveCells::ClassOf(std::size_t size) {
+HiveCells::SizeClass HiveCells::ClassOf(std::size_t size) {
   const std::size_t units = size / kCellUnit;
-  if (units < kExactClasses) return units;
+  if (units < kExactClasses) return {units};
   const auto width = static_cast<std::size_t>(std::bit_width(units));
-  return kExactClasses + (width - 7) * 4 + (units >> (width - 3)) % 4;
+  return {kExactClasses + (width - 7) * 4 + (units >> (width - 3)) % 4};
 }
 
 void HiveCells::AddFree(std::size_t offset, std::size_t size) {
   Store32(Header(offset), static_cast<std::uint32_t>(size));
   freeStart_.Set(offset);
   freeEnd_.Set(offset + size - kCellUnit);
-  free_[ClassOf(size)].push_back(static_cast<std::uint32_t>(offset));
+  free_[ClassOf(size).number].push_back(static_cast<std::uint32_t>(offset));
 }
 
 void HiveCells::RemoveFree(std::size_t offset) {
@@ -135,12 +135,12 @@ void HiveCells::RemoveFree(std::size_t offset) {
   freeEnd_.Clear(offset + Load32(Header(offset)) - kCellUnit);
 }
 
-bool HiveCells::IsFreeOfClass(std::size_t offset, std::size_t sizeClass) const {
+bool HiveCells::IsFreeOfClass(std::size_t offset, SizeClass sizeClass) const {
   return freeStart_.Test(offset) && ClassOf(Load32(Header(offset))) == sizeClass;
 }
 
-std::uint32_t HiveCells::TakeFromClass(std::size_t sizeClass, std::size_t size) {
-  std::vector<std::uint32_t>& list = free_[sizeClass];
+std::optional<Cell> HiveCells::TakeFromClass(SizeClass sizeClass, std::size_t size) {
+  std::vector<std::uint32_t>& list = free_[sizeClass.number];
   std::size_t fits = 0;
   for (std::size_t at = list.size(); at > 0 && fits < kCandidates; --at) {
     const std::uint32_t offset = list[at - 1];
@@ -151,21 +151,20 @@ std::uint32_t HiveCells::TakeFromClass(std::size_t sizeClass, std::size_t size) 
     }
     list[at - 1] = list.back();
     list.pop_back();
-    if (isFree) return offset;
+    if (isFree) return Cell(offset);
   }
-  return kNoCell;
+  return std::nullopt;
 }
 
-std::uint32_t HiveCells::TakeFree(std::size_t size) {
-  for (std::size_t sizeClass = ClassOf(size); sizeClass < kClasses; ++sizeClass) {
-    if (free_[sizeClass].empty()) continue;
-    const std::uint32_t found = TakeFromClass(sizeClass, size);
-    if (found != kNoCell) return found;
+std::optional<Cell> HiveCells::TakeFree(std::size_t size) {
+  for (SizeClass sizeClass = ClassOf(size); sizeClass.number < kClasses; ++sizeClass.number) {
+    if (free_[sizeClass.number].empty()) continue;
+    if (const std::optional<Cell> found = TakeFromClass(sizeClass, size)) return found;
   }
-  return kNoCell;
+  return std::nullopt;
 }
 
-std::uint32_t HiveCells::AddBin(std::size_t cellSize) {
+Cell HiveCells::AddBin(std::size_t cellSize) {
   const std::size_t bin = BinsSize();
   const std::size_t size = (cellSize + kBinHeader + kHivePage - 1) / kHivePage * kHivePage;
   if (file_.capacity() < file_.size() + size) file_.reserve(file_.size() * 2 + size);
@@ -176,30 +175,30 @@ std::uint32_t HiveCells::AddBin(std::size_t cellSize) {
   Store32(header + BinField::kOffset, static_cast<std::uint32_t>(bin));
   Store32(header + BinField::kSize, static_cast<std::uint32_t>(size));
   Store32(Base() + BaseField::kBinsSize, static_cast<std::uint32_t>(BinsSize()));
-  const auto cell = static_cast<std::uint32_t>(bin + kBinHeader);
-  Store32(Header(cell), static_cast<std::uint32_t>(size - kBinHeader));
-  freeStart_.Set(cell);
+  const Cell cell(static_cast<std::uint32_t>(bin + kBinHeader));
+  Store32(Header(cell.offset), static_cast<std::uint32_t>(size - kBinHeader));
+  freeStart_.Set(cell.offset);
   freeEnd_.Set(bin + size - kCellUnit);
   return cell;
 }
 
-std::uint32_t HiveCells::Allocate(std::size_t size) {
+Cell HiveCells::Allocate(std::size_t size) {
   const std::size_t need = (size + kCellHeader + kCellUnit - 1) / kCellUnit * kCellUnit;
-  std::uint32_t cell = TakeFree(need);
-  if (cell == kNoCell) cell = AddBin(need);
-  const std::size_t found = Load32(Header(cell));
-  RemoveFree(cell);
-  if (found > need) AddFree(cell + need, found - need);
-  used_.Set(cell);
-  Store32(Header(cell), 0U - static_cast<std::uint32_t>(need));
+  const std::optional<Cell> taken = TakeFree(need);
+  const Cell cell = taken ? *taken : AddBin(need);
+  const std::size_t found = Load32(Header(cell.offset));
+  RemoveFree(cell.offset);
+  if (found > need) AddFree(cell.offset + need, found - need);
+  used_.Set(cell.offset);
+  Store32(Header(cell.offset), 0U - static_cast<std::uint32_t>(need));
   std::memset(At(cell), 0, need - kCellHeader);
   return cell;
 }
 
-void HiveCells::Free(std::uint32_t cell) {
-  std::size_t start = cell;
-  std::size_t end = cell + kCellHeader + Room(cell);
-  used_.Clear(cell);
+void HiveCells::Free(Cell cell) {
+  std::size_t start = cell.offset;
+  std::size_t end = start + kCellHeader + Room(cell);
+  used_.Clear(start);
   if (end < BinsSize() && freeStart_.Test(end)) {
     const std::size_t next = end;
     end += Load32(Header(next));
@@ -212,9 +211,9 @@ void HiveCells::Free(std::uint32_t cell) {
   AddFree(start, end - start);
 }
 
-std::uint32_t HiveCells::Grow(std::uint32_t cell, std::size_t size) {
+Cell HiveCells::Grow(Cell cell, std::size_t size) {
   if (Room(cell) >= size) return cell;
-  const std::uint32_t larger = Allocate(size);
+  const Cell larger = Allocate(size);
   std::memcpy(At(larger), At(cell), Room(cell));
   Free(cell);
   return larger;

@@ -6,7 +6,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "registry/hive_layout.h"
@@ -44,9 +46,9 @@ class HiveCells {
   void Scan(const ReportFault& report);
   /// Makes a cell in use begin at `cell`, which may be any number, where that is within a suspect bin and what stands
   /// there has the size of one. Such cells may overlap others.
-  bool Adopt(std::uint32_t cell) { return LooksUsed(cell, true) && (used_.Set(cell), true); }
+  bool Adopt(Cell cell) { return LooksUsed(cell, true) && (used_.Set(cell.offset), true); }
   /// The same in any bin for a record that begins with `tag`. The bin is suspect from then on.
-  bool Adopt(std::uint32_t cell, std::uint16_t tag);
+  bool Adopt(Cell cell, RecordTag tag);
 
   const Bytes& File() const { return file_; }
   std::uint8_t* Base() { return file_.data(); }
@@ -54,43 +56,54 @@ class HiveCells {
   std::size_t BinsSize() const { return file_.size() - kHivePage; }
 
   /// True when a cell in use begins at `cell`.
-  bool IsUsed(std::uint32_t cell) const { return cell % kCellUnit == 0 && cell < BinsSize() && used_.Test(cell); }
+  bool IsUsed(Cell cell) const {
+    return cell.offset % kCellUnit == 0 && cell.offset < BinsSize() && used_.Test(cell.offset);
+  }
   const CellBits& Used() const { return used_; }
 
   /// The record in a cell in use, and the bytes that it may have.
-  std::uint8_t* At(std::uint32_t cell) { return file_.data() + kHivePage + cell + kCellHeader; }
-  const std::uint8_t* At(std::uint32_t cell) const { return file_.data() + kHivePage + cell + kCellHeader; }
-  std::size_t Room(std::uint32_t cell) const { return 0U - Load32(At(cell) - kCellHeader) - kCellHeader; }
+  std::uint8_t* At(Cell cell) { return file_.data() + kHivePage + cell.offset + kCellHeader; }
+  const std::uint8_t* At(Cell cell) const { return file_.data() + kHivePage + cell.offset + kCellHeader; }
+  std::size_t Room(Cell cell) const { return 0U - Load32(At(cell) - kCellHeader) - kCellHeader; }
 
-  std::uint16_t Get16(std::uint32_t cell, std::size_t field) const { return Load16(At(cell) + field); }
-  std::uint32_t Get32(std::uint32_t cell, std::size_t field) const { return Load32(At(cell) + field); }
-  std::uint64_t Get64(std::uint32_t cell, std::size_t field) const { return Load64(At(cell) + field); }
-  void Put16(std::uint32_t cell, std::size_t field, std::uint16_t number) { Store16(At(cell) + field, number); }
-  void Put32(std::uint32_t cell, std::size_t field, std::uint32_t number) { Store32(At(cell) + field, number); }
-  void Put64(std::uint32_t cell, std::size_t field, std::uint64_t number) { Store64(At(cell) + field, number); }
-  std::uint16_t Tag(std::uint32_t cell) const { return Get16(cell, 0); }
+  template <typename Record, typename T>
+  T Get(std::type_identity_t<Record> cell, RecordField<Record, T> field) const {
+    return LoadField(At(cell), field);
+  }
+  template <typename Record, typename T>
+  void Put(std::type_identity_t<Record> cell, RecordField<Record, T> field, std::type_identity_t<T> content) {
+    StoreField(At(cell), field, content);
+  }
+  RecordTag Tag(Cell cell) const { return LoadTag(At(cell)); }
+  void PutTag(Cell cell, RecordTag tag) { StoreTag(At(cell), tag); }
 
-  /// Tells the processor that the record at `cell`, which may be any number, will be read soon.
-  void Prefetch(std::uint32_t cell) const {
+  /// Has the processor fetch the record at `cell`, which may be any number, since it will be read soon.
+  void Prefetch(Cell cell) const {
 #if defined(__GNUC__)
-    if (cell < BinsSize()) __builtin_prefetch(Base() + kHivePage + cell);
+    if (cell.offset < BinsSize()) __builtin_prefetch(Base() + kHivePage + cell.offset);
 #endif
   }
-  /// A number of the record at `cell`, which may be any number; kNoCell where that is outside the bins.
-  std::uint32_t Peek(std::uint32_t cell, std::size_t field) const {
-    return cell + kCellHeader + field + 4 <= BinsSize() ? Get32(cell, field) : kNoCell;
+  /// The cell that a field of the record at `cell`, which may be any number, names; none where that is outside the
+  /// bins.
+  template <typename Record, typename T>
+  T Peek(std::type_identity_t<Record> cell, RecordField<Record, T> field) const {
+    return cell.offset + kCellHeader + field.at + 4 <= BinsSize() ? Get(cell, field) : T();
   }
 
   /// A cell with room for `size` bytes, all zero. The caller has made sure that the bins stay within kMaxBinsSize.
-  std::uint32_t Allocate(std::size_t size);
-  void Free(std::uint32_t cell);
+  Cell Allocate(std::size_t size);
+  void Free(Cell cell);
   /// `cell` with room for `size` bytes, its content kept: itself, or a new cell in its place.
-  std::uint32_t Grow(std::uint32_t cell, std::size_t size);
+  Cell Grow(Cell cell, std::size_t size);
 
  private:
   static constexpr std::size_t kExactClasses = 64;  ///< cells of less than 512 bytes: a class for each size
   static constexpr std::size_t kClasses = 160;      ///< above: four classes for each doubling
-  static std::size_t ClassOf(std::size_t size);
+  struct SizeClass {
+    std::size_t number;
+    bool operator==(const SizeClass&) const = default;
+  };
+  static SizeClass ClassOf(std::size_t size);
 
   std::uint8_t* Header(std::size_t offset) {
     return file_.data() + kHivePage + offset;
@@ -108,13 +121,13 @@ class HiveCells {
   std::size_t BinAfter(std::size_t bin) const;
   bool ScanBin(const ReportFault& report, std::size_t bin, std::size_t end);
   const Bin* BinOf(std::size_t offset) const;
-  bool LooksUsed(std::uint32_t cell, bool inSuspect) const;
+  bool LooksUsed(Cell cell, bool inSuspect) const;
   void AddFree(std::size_t offset, std::size_t size);
   void RemoveFree(std::size_t offset);
-  bool IsFreeOfClass(std::size_t offset, std::size_t sizeClass) const;
-  std::uint32_t TakeFree(std::size_t size);
-  std::uint32_t TakeFromClass(std::size_t sizeClass, std::size_t size);
-  std::uint32_t AddBin(std::size_t cellSize);
+  bool IsFreeOfClass(std::size_t offset, SizeClass sizeClass) const;
+  std::optional<Cell> TakeFree(std::size_t size);
+  std::optional<Cell> TakeFromClass(SizeClass sizeClass, std::size_t size);
+  Cell AddBin(std::size_t cellSize);
   void ResizeBits();
 
   Bytes file_;

@@ -6,6 +6,8 @@ namespace quillbox {
 
 namespace {
 
+using Owner = RecordChecker::Owner;
+
 /// One walk over all that the root leads to.
 class Checker {
  public:
@@ -22,7 +24,7 @@ class Checker {
         path_.pop_back();
       }
     }
-    for (const std::uint32_t key : noValues_) {
+    for (const KeyCell key : noValues_) {
       if (records_.HasUncountedValues(key)) records_.Fault(key, kWrongValueCount);
     }
     CorrectSecurityCounts();
@@ -31,68 +33,68 @@ class Checker {
  private:
   /// A key whose subkeys are being walked.
   struct Level {
-    std::uint32_t key = kNoCell;
-    std::optional<std::uint32_t> index;  ///< the `ri`, if any
+    KeyCell key;
+    std::optional<ListCell> index;  ///< the `ri`, if any
     std::size_t nextLeaf = 0;
-    std::optional<std::uint32_t> leaf;
+    std::optional<ListCell> leaf;
     std::size_t nextEntry = 0;
     std::uint64_t seen = 0;
-    std::optional<std::uint32_t> previous;
+    std::optional<KeyCell> previous;
   };
 
   /// What a key's fields lead to beside its subkeys.
-  void CheckContent(std::uint32_t key) {
+  void CheckContent(KeyCell key) {
     records_.ClaimClass(key);
     CheckSecurity(key);
     CheckValues(key);
   }
 
-  void CheckSecurity(std::uint32_t key) {
-    const std::uint32_t security = cells_.Get32(key, KeyField::kSecurity);
-    if (security == kNoCell) return;
+  void CheckSecurity(KeyCell key) {
+    const SecurityCell security = cells_.Get(key, KeyField::kSecurity);
+    if (security.IsNone()) return;
     if (!securityCounts_.contains(security)) CheckRing(key, security);
     ++securityCounts_[security];
   }
 
-  void CheckRing(std::uint32_t key, std::uint32_t first) {
-    std::uint32_t owner = key;
-    std::uint32_t security = first;
-    do {
-      records_.ClaimDescriptor(owner, security);
-      if (security != first && cells_.Get32(security, SecurityField::kPrevious) != owner) {
-        records_.Fault(security, kUnlinkedSecurity);
-      }
-      securityCounts_[security] = 0;
-      owner = security;
-      security = cells_.Get32(security, SecurityField::kNext);
-    } while (security != first);
-    if (cells_.Get32(first, SecurityField::kPrevious) != owner) records_.Fault(first, kUnlinkedSecurity);
+  void CheckRing(KeyCell key, SecurityCell first) {
+    records_.ClaimDescriptor(Owner(key), first);
+    securityCounts_[first] = 0;
+    SecurityCell last = first;
+    for (SecurityCell next = NextOf(first); next != first; next = NextOf(next)) {
+      records_.ClaimDescriptor(Owner(last), next);
+      if (cells_.Get(next, SecurityField::kPrevious) != last) records_.Fault(next, kUnlinkedSecurity);
+      securityCounts_[next] = 0;
+      last = next;
+    }
+    if (cells_.Get(first, SecurityField::kPrevious) != last) records_.Fault(first, kUnlinkedSecurity);
     hive_.anySecurity = first;
   }
 
-  void CheckValues(std::uint32_t key) {
-    const std::size_t count = cells_.Get32(key, KeyField::kValueCount);
-    const std::uint32_t list = cells_.Get32(key, KeyField::kValueList);
+  SecurityCell NextOf(SecurityCell security) const { return cells_.Get(security, SecurityField::kNext); }
+
+  void CheckValues(KeyCell key) {
+    const std::size_t count = cells_.Get(key, KeyField::kValueCount);
+    const ValueListCell list = cells_.Get(key, KeyField::kValueList);
     if (count == 0) {
-      if (list != kNoCell) noValues_.push_back(key);
+      if (!list.IsNone()) noValues_.push_back(key);
       return;
     }
-    records_.Claim(key, list, count * 4, "list of values");
+    records_.Claim(Owner(key), list, count * 4, "list of values");
     for (std::size_t at = 0; at < count; ++at) {
-      const std::uint32_t value = cells_.Get32(list, at * 4);
+      const ValueCell value = cells_.Get(list, ValueEntry(at));
       records_.ClaimValue(list, value);
       records_.ClaimData(value);
     }
   }
 
-  void Enter(std::uint32_t key) {
+  void Enter(KeyCell key) {
     if (records_.HasUncountedSubkeys(key)) records_.Fault(key, kWrongSubkeyCount);
-    if (cells_.Get32(key, KeyField::kSubkeyCount) == 0) return;
+    if (cells_.Get(key, KeyField::kSubkeyCount) == 0) return;
     if (path_.size() + 1 == Hive::kMaxDepth) records_.Fault(key, kNestedTooDeeply);
     Level level;
     level.key = key;
-    const std::uint32_t list = cells_.Get32(key, KeyField::kSubkeyList);
-    records_.ClaimList(key, list);
+    const ListCell list = cells_.Get(key, KeyField::kSubkeyList);
+    records_.ClaimList(Owner(key), list);
     if (records_.IsIndex(list)) {
       records_.CheckEntries(list);
       level.index = list;
@@ -102,7 +104,7 @@ class Checker {
     path_.push_back(level);
   }
 
-  void EnterLeaf(Level& level, std::uint32_t leaf) {
+  void EnterLeaf(Level& level, ListCell leaf) {
     records_.CheckLeaf(leaf);
     records_.CheckEntries(leaf);
     level.leaf = leaf;
@@ -110,42 +112,42 @@ class Checker {
   }
 
   /// The next subkey that a level's lists name, any number at all; nothing when all have been seen.
-  std::optional<std::uint32_t> Next(Level& level) {
+  std::optional<KeyCell> Next(Level& level) {
     if (!level.leaf || level.nextEntry == records_.EntryCount(*level.leaf)) {
       if (!level.index || level.nextLeaf == records_.EntryCount(*level.index)) {
-        if (level.seen != cells_.Get32(level.key, KeyField::kSubkeyCount)) records_.Fault(level.key, kWrongSubkeyCount);
+        if (level.seen != cells_.Get(level.key, KeyField::kSubkeyCount)) records_.Fault(level.key, kWrongSubkeyCount);
         return std::nullopt;
       }
-      const std::uint32_t leaf = records_.Entry(*level.index, level.nextLeaf++);
-      records_.ClaimList(*level.index, leaf);
+      const ListCell leaf = records_.Leaf(*level.index, level.nextLeaf++);
+      records_.ClaimList(Owner(*level.index), leaf);
       EnterLeaf(level, leaf);
     }
-    const std::size_t stride = LeafStride(cells_.Tag(*level.leaf));
     ++level.seen;
-    PrefetchAfter(*level.leaf, level.nextEntry, stride);
-    return cells_.Get32(*level.leaf, ListField::kEntries + stride * level.nextEntry++);
+    PrefetchAfter(*level.leaf, level.nextEntry);
+    return records_.Subkey(*level.leaf, level.nextEntry++);
   }
 
   /// The walk follows names, which leads all over the file: without looking ahead it would wait for memory at every
   /// record of every key. Each stage needs what the one before it has fetched.
-  void PrefetchAfter(std::uint32_t leaf, std::size_t entry, std::size_t stride) const {
-    const std::size_t count = cells_.Get16(leaf, ListField::kCount);
+  void PrefetchAfter(ListCell leaf, std::size_t entry) const {
+    const std::size_t count = cells_.Get(leaf, ListField::kCount);
+    const RecordTag tag = cells_.Tag(leaf);
     const auto key = [&](std::size_t ahead) {
-      return entry + ahead < count ? cells_.Get32(leaf, ListField::kEntries + (entry + ahead) * stride) : kNoCell;
+      return entry + ahead < count ? cells_.Get(leaf, LeafEntry(tag, entry + ahead)) : KeyCell();
     };
     const auto values = [&](std::size_t ahead) { return cells_.Peek(key(ahead), KeyField::kValueList); };
     cells_.Prefetch(key(16));
     cells_.Prefetch(values(12));
-    for (const std::size_t first : {std::size_t{0}, std::size_t{4}}) {
-      cells_.Prefetch(cells_.Peek(values(8), first));
-      cells_.Prefetch(cells_.Peek(cells_.Peek(values(4), first), ValueField::kData));
+    for (const std::size_t value : {std::size_t{0}, std::size_t{1}}) {
+      cells_.Prefetch(cells_.Peek(values(8), ValueEntry(value)));
+      cells_.Prefetch(cells_.Peek(cells_.Peek(values(4), ValueEntry(value)), ValueField::kData));
     }
   }
 
-  void CheckChild(Level& level, std::uint32_t subkey) {
-    records_.ClaimSubkey(*level.leaf, subkey);
+  void CheckChild(Level& level, KeyCell subkey) {
+    records_.ClaimSubkey(Owner(*level.leaf), subkey);
     CheckContent(subkey);
-    if (cells_.Get32(subkey, KeyField::kParent) != level.key) records_.Fault(subkey, "the key names another parent");
+    if (cells_.Get(subkey, KeyField::kParent) != level.key) records_.Fault(subkey, "the key names another parent");
     if (level.previous && CompareName(KeyName(hive_, *level.previous), KeyName(hive_, subkey)) >= 0) {
       hive_.unordered.insert(level.key);
     }
@@ -157,8 +159,8 @@ class Checker {
   /// that is so high that it comes to 0 when keys are given it.
   void CorrectSecurityCounts() {
     for (const auto& [security, count] : securityCounts_) {
-      const std::uint32_t unused = std::min(cells_.Get32(security, SecurityField::kCount), std::uint32_t{1});
-      cells_.Put32(security, SecurityField::kCount, count > 0 ? count : unused);
+      const std::uint32_t unused = std::min(cells_.Get(security, SecurityField::kCount), std::uint32_t{1});
+      cells_.Put(security, SecurityField::kCount, count > 0 ? count : unused);
     }
   }
 
@@ -166,8 +168,8 @@ class Checker {
   HiveCells& cells_;
   RecordChecker records_;
   std::vector<Level> path_;
-  std::vector<std::uint32_t> noValues_;  ///< keys without values that name a list of them
-  std::unordered_map<std::uint32_t, std::uint32_t> securityCounts_;
+  std::vector<KeyCell> noValues_;  ///< keys without values that name a list of them
+  std::unordered_map<SecurityCell, std::uint32_t> securityCounts_;
 };
 
 }  // namespace

@@ -12,24 +12,32 @@ namespace {
 /// What a change may need beside its own bytes: cell headers, lists that move, the rest of a new bin.
 constexpr std::uint64_t kSpaceForLists = std::uint64_t{1} << 20;
 
-void FreeClass(HiveData& hive, std::uint32_t key) {
+/// Lets a new record lead to no lists and no class.
+void NameNoCells(HiveCells& cells, KeyCell key) {
+  cells.Put(key, KeyField::kSubkeyList, ListCell());
+  cells.Put(key, KeyField::kVolatileList, ListCell());
+  cells.Put(key, KeyField::kValueList, ValueListCell());
+  cells.Put(key, KeyField::kClass, DataCell());
+}
+
+void FreeClass(HiveData& hive, KeyCell key) {
   HiveCells& cells = hive.cells;
-  const std::uint32_t cell = cells.Get32(key, KeyField::kClass);
-  if (cells.Get16(key, KeyField::kClassLength) > 0 && cell != kNoCell) cells.Free(cell);
-  cells.Put32(key, KeyField::kClass, kNoCell);
-  cells.Put16(key, KeyField::kClassLength, 0);
+  const DataCell cell = cells.Get(key, KeyField::kClass);
+  if (cells.Get(key, KeyField::kClassLength) > 0 && !cell.IsNone()) cells.Free(cell);
+  cells.Put(key, KeyField::kClass, DataCell());
+  cells.Put(key, KeyField::kClassLength, 0);
 }
 
 /// Frees what the key holds itself: values, class, subkey lists. Not its subkeys.
-void FreeContent(HiveData& hive, std::uint32_t key) {
+void FreeContent(HiveData& hive, KeyCell key) {
   FreeValues(hive, key);
   FreeClass(hive, key);
   FreeSubkeyLists(hive, key);
 }
 
-void FreeKey(HiveData& hive, std::uint32_t key) {
+void FreeKey(HiveData& hive, KeyCell key) {
   FreeContent(hive, key);
-  ReleaseSecurity(hive, hive.cells.Get32(key, KeyField::kSecurity));
+  ReleaseSecurity(hive, hive.cells.Get(key, KeyField::kSecurity));
   hive.cells.Free(key);
 }
 
@@ -39,20 +47,20 @@ void ThrowHiveFault(const std::string& fileName, std::size_t offset, std::string
   throw Error("opening the hive", {.name = fileName, .offset = kHivePage + offset, .line = {}}, std::move(why));
 }
 
-void ThrowRefusal(const HiveData& hive, std::uint32_t key, HiveLimit limit, std::string doing, std::string why) {
+void ThrowRefusal(const HiveData& hive, KeyCell key, HiveLimit limit, std::string doing, std::string why) {
   throw HiveRefusal(limit, std::move(doing), {.name = KeyPath(hive, key), .offset = {}, .line = {}}, std::move(why));
 }
 
-StoredName KeyName(const HiveData& hive, std::uint32_t key) {
+StoredName KeyName(const HiveData& hive, KeyCell key) {
   const HiveCells& cells = hive.cells;
-  const bool oneByte = (cells.Get16(key, KeyField::kFlags) & KeyFlag::kOneByteName) != 0;
-  const std::size_t size = cells.Get16(key, KeyField::kNameLength);
+  const bool oneByte = (cells.Get(key, KeyField::kFlags) & KeyFlag::kOneByteName) != 0;
+  const std::size_t size = cells.Get(key, KeyField::kNameLength);
   return {cells.At(key) + KeyField::kName, oneByte ? size : size / 2, oneByte};
 }
 
-std::string PathBelowRoot(const HiveData& hive, std::uint32_t key) {
+std::string PathBelowRoot(const HiveData& hive, KeyCell key) {
   std::vector<std::string> names;
-  for (; key != hive.root; key = hive.cells.Get32(key, KeyField::kParent)) {
+  for (; key != hive.root; key = hive.cells.Get(key, KeyField::kParent)) {
     StoredName name = KeyName(hive, key);
     const bool isTooLong = name.units > kLongestName;
     if (isTooLong) name.units = kLongestName;
@@ -64,95 +72,91 @@ std::string PathBelowRoot(const HiveData& hive, std::uint32_t key) {
   return path;
 }
 
-std::string KeyPath(const HiveData& hive, std::uint32_t key) {
+std::string KeyPath(const HiveData& hive, KeyCell key) {
   return key == hive.root ? hive.name : hive.name + "\\" + PathBelowRoot(hive, key);
 }
 
-std::size_t KeyDepth(const HiveData& hive, std::uint32_t key) {
+std::size_t KeyDepth(const HiveData& hive, KeyCell key) {
   std::size_t depth = 1;
-  for (; key != hive.root; key = hive.cells.Get32(key, KeyField::kParent)) ++depth;
+  for (; key != hive.root; key = hive.cells.Get(key, KeyField::kParent)) ++depth;
   return depth;
 }
 
-Bytes KeyClass(const HiveData& hive, std::uint32_t key) {
-  const std::size_t size = hive.cells.Get16(key, KeyField::kClassLength);
-  const std::uint32_t cell = hive.cells.Get32(key, KeyField::kClass);
-  if (size == 0 || cell == kNoCell) return {};
+Bytes KeyClass(const HiveData& hive, KeyCell key) {
+  const std::size_t size = hive.cells.Get(key, KeyField::kClassLength);
+  const DataCell cell = hive.cells.Get(key, KeyField::kClass);
+  if (size == 0 || cell.IsNone()) return {};
   return {hive.cells.At(cell), hive.cells.At(cell) + size};
 }
 
-std::uint32_t MakeKey(HiveData& hive, std::uint32_t parent, const NewName& name, std::uint32_t security) {
+KeyCell MakeKey(HiveData& hive, KeyCell parent, const NewName& name, SecurityCell security) {
   HiveCells& cells = hive.cells;
-  const std::uint32_t key = cells.Allocate(KeyField::kName + name.StoredSize());
-  cells.Put16(key, 0, kKeyTag);
-  cells.Put16(key, KeyField::kFlags, name.oneByte ? KeyFlag::kOneByteName : std::uint16_t{0});
-  cells.Put64(key, KeyField::kTime, hive.now);
-  cells.Put32(key, KeyField::kParent, parent);
-  for (const std::size_t field :
-       {KeyField::kSubkeyList, KeyField::kVolatileList, KeyField::kValueList, KeyField::kClass}) {
-    cells.Put32(key, field, kNoCell);
-  }
-  cells.Put32(key, KeyField::kSecurity, security);
+  const KeyCell key(cells.Allocate(KeyField::kName + name.StoredSize()));
+  cells.PutTag(key, kKeyTag);
+  cells.Put(key, KeyField::kFlags, name.oneByte ? KeyFlag::kOneByteName : std::uint16_t{0});
+  cells.Put(key, KeyField::kTime, hive.now);
+  cells.Put(key, KeyField::kParent, parent);
+  NameNoCells(cells, key);
+  cells.Put(key, KeyField::kSecurity, security);
   ShareSecurity(hive, security);
-  cells.Put16(key, KeyField::kNameLength, static_cast<std::uint16_t>(name.StoredSize()));
+  cells.Put(key, KeyField::kNameLength, static_cast<std::uint16_t>(name.StoredSize()));
   name.Store(cells.At(key) + KeyField::kName);
   return key;
 }
 
-std::uint32_t CopyKeyRecord(HiveData& hive, std::uint32_t parent, const HiveData& source, std::uint32_t from) {
-  const std::size_t size = KeyField::kName + source.cells.Get16(from, KeyField::kNameLength);
-  const std::uint32_t key = hive.cells.Allocate(size);
+KeyCell CopyKeyRecord(HiveData& hive, KeyCell parent, SourceKey from) {
+  const HiveCells& theirs = from.hive.cells;
+  const std::size_t size = KeyField::kName + theirs.Get(from.key, KeyField::kNameLength);
   HiveCells& cells = hive.cells;
-  std::memcpy(cells.At(key), source.cells.At(from), size);
-  cells.Put32(key, KeyField::kParent, parent);
-  for (const std::size_t field : {KeyField::kSubkeyCount, KeyField::kVolatileCount, KeyField::kValueCount,
-                                  KeyField::kMaxClass, KeyField::kMaxValueName, KeyField::kMaxValueData}) {
-    cells.Put32(key, field, 0);
+  const KeyCell key(cells.Allocate(size));
+  std::memcpy(cells.At(key), theirs.At(from.key), size);
+  cells.Put(key, KeyField::kParent, parent);
+  for (const auto field : {KeyField::kSubkeyCount, KeyField::kVolatileCount, KeyField::kValueCount, KeyField::kMaxClass,
+                           KeyField::kMaxValueName, KeyField::kMaxValueData}) {
+    cells.Put(key, field, 0);
   }
-  for (const std::size_t field :
-       {KeyField::kSubkeyList, KeyField::kVolatileList, KeyField::kValueList, KeyField::kClass, KeyField::kSecurity}) {
-    cells.Put32(key, field, kNoCell);
-  }
-  cells.Put16(key, KeyField::kMaxSubkeyName, 0);
-  cells.Put16(key, KeyField::kClassLength, 0);
+  NameNoCells(cells, key);
+  cells.Put(key, KeyField::kSecurity, SecurityCell());
+  cells.Put(key, KeyField::kMaxSubkeyName, 0);
+  cells.Put(key, KeyField::kClassLength, 0);
   return key;
 }
 
-void SetClass(HiveData& hive, std::uint32_t key, ByteView className) {
+void SetClass(HiveData& hive, KeyCell key, ByteView className) {
   if (className.empty()) return;
-  const std::uint32_t cell = hive.cells.Allocate(className.size());
+  const DataCell cell(hive.cells.Allocate(className.size()));
   std::memcpy(hive.cells.At(cell), className.data(), className.size());
-  hive.cells.Put32(key, KeyField::kClass, cell);
-  hive.cells.Put16(key, KeyField::kClassLength, static_cast<std::uint16_t>(className.size()));
+  hive.cells.Put(key, KeyField::kClass, cell);
+  hive.cells.Put(key, KeyField::kClassLength, static_cast<std::uint16_t>(className.size()));
 }
 
-void RequireSpace(const HiveData& hive, std::uint32_t key, const std::string& doing, std::uint64_t size) {
+void RequireSpace(const HiveData& hive, KeyCell key, const std::string& doing, std::uint64_t size) {
   // A list is copied when it grows, by half its size; no list is larger than the bins are now.
-  const std::uint64_t lists = std::uint64_t{hive.cells.Get32(key, KeyField::kValueCount)} * 8 +
-                              std::uint64_t{hive.cells.Get32(key, KeyField::kSubkeyCount)} * 2;
+  const std::uint64_t lists = std::uint64_t{hive.cells.Get(key, KeyField::kValueCount)} * 8 +
+                              std::uint64_t{hive.cells.Get(key, KeyField::kSubkeyCount)} * 2;
   if (hive.cells.BinsSize() + size + lists + kSpaceForLists > kMaxBinsSize) {
     ThrowRefusal(hive, key, HiveLimit::Size, doing, "a hive cannot be larger than 2 GB");
   }
 }
 
-void ClearKey(HiveData& hive, std::uint32_t key) {
-  std::vector<std::uint32_t> below = SubkeyCells(hive, key);
+void ClearKey(HiveData& hive, KeyCell key) {
+  std::vector<KeyCell> below = SubkeyCells(hive, key);
   FreeContent(hive, key);
   while (!below.empty()) {
-    const std::uint32_t subkey = below.back();
+    const KeyCell subkey = below.back();
     below.pop_back();
-    const std::vector<std::uint32_t> next = SubkeyCells(hive, subkey);
+    const std::vector<KeyCell> next = SubkeyCells(hive, subkey);
     below.insert(below.end(), next.begin(), next.end());
     FreeKey(hive, subkey);
   }
 }
 
-void RemoveKey(HiveData& hive, std::uint32_t key) {
-  const std::uint32_t parent = hive.cells.Get32(key, KeyField::kParent);
-  RemoveSubkey(hive, parent, key);
+void RemoveKey(HiveData& hive, KeyCell key) {
+  const KeyCell parent = hive.cells.Get(key, KeyField::kParent);
+  RemoveSubkey(hive, key);
   ClearKey(hive, key);
   FreeKey(hive, key);
-  hive.cells.Put64(parent, KeyField::kTime, hive.now);
+  hive.cells.Put(parent, KeyField::kTime, hive.now);
 }
 
 }  // namespace quillbox

@@ -4,10 +4,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
+
+#include "registry/hive_cell_types.h"
 
 namespace quillbox {
 
-inline constexpr std::uint32_t kNoCell = 0xFFFFFFFF;
 inline constexpr std::size_t kHivePage = 4096;  ///< the base block's size, and the unit of bins
 inline constexpr std::size_t kSector = 512;
 inline constexpr std::size_t kBinHeader = 32;
@@ -26,14 +28,14 @@ constexpr std::uint32_t Tag32(char a, char b, char c, char d) {
 
 inline constexpr std::uint32_t kHiveTag = Tag32('r', 'e', 'g', 'f');
 inline constexpr std::uint32_t kBinTag = Tag32('h', 'b', 'i', 'n');
-inline constexpr std::uint16_t kKeyTag = Tag16('n', 'k');
-inline constexpr std::uint16_t kValueTag = Tag16('v', 'k');
-inline constexpr std::uint16_t kSecurityTag = Tag16('s', 'k');
-inline constexpr std::uint16_t kBigDataTag = Tag16('d', 'b');
-inline constexpr std::uint16_t kHintLeafTag = Tag16('l', 'f');
-inline constexpr std::uint16_t kHashLeafTag = Tag16('l', 'h');
-inline constexpr std::uint16_t kPlainLeafTag = Tag16('l', 'i');
-inline constexpr std::uint16_t kLeafIndexTag = Tag16('r', 'i');
+inline constexpr RecordTag kKeyTag{Tag16('n', 'k')};
+inline constexpr RecordTag kValueTag{Tag16('v', 'k')};
+inline constexpr RecordTag kSecurityTag{Tag16('s', 'k')};
+inline constexpr RecordTag kBigDataTag{Tag16('d', 'b')};
+inline constexpr RecordTag kHintLeafTag{Tag16('l', 'f')};
+inline constexpr RecordTag kHashLeafTag{Tag16('l', 'h')};
+inline constexpr RecordTag kPlainLeafTag{Tag16('l', 'i')};
+inline constexpr RecordTag kLeafIndexTag{Tag16('r', 'i')};
 
 struct BaseField {
   static constexpr std::size_t kTag = 0;
@@ -64,26 +66,28 @@ struct BinField {
 };
 
 struct KeyField {
-  static constexpr std::size_t kFlags = 2;
-  static constexpr std::size_t kTime = 4;
-  static constexpr std::size_t kAccess = 12;
-  static constexpr std::size_t kParent = 16;
-  static constexpr std::size_t kSubkeyCount = 20;
-  static constexpr std::size_t kVolatileCount = 24;
-  static constexpr std::size_t kSubkeyList = 28;
-  static constexpr std::size_t kVolatileList = 32;
-  static constexpr std::size_t kValueCount = 36;
-  static constexpr std::size_t kValueList = 40;
-  static constexpr std::size_t kSecurity = 44;
-  static constexpr std::size_t kClass = 48;
-  static constexpr std::size_t kMaxSubkeyName = 52;  ///< 16 bits; longest lengths are in bytes of UTF-16
-  static constexpr std::size_t kMoreFlags = 54;      ///< 16 bits, newer systems
-  static constexpr std::size_t kMaxClass = 56;
-  static constexpr std::size_t kMaxValueName = 60;
-  static constexpr std::size_t kMaxValueData = 64;
-  static constexpr std::size_t kWork = 68;
-  static constexpr std::size_t kNameLength = 72;
-  static constexpr std::size_t kClassLength = 74;
+  template <typename T>
+  using Of = RecordField<KeyCell, T>;
+  static constexpr Of<std::uint16_t> kFlags{2};
+  static constexpr Of<std::uint64_t> kTime{4};
+  static constexpr Of<std::uint32_t> kAccess{12};
+  static constexpr Of<KeyCell> kParent{16};
+  static constexpr Of<std::uint32_t> kSubkeyCount{20};
+  static constexpr Of<std::uint32_t> kVolatileCount{24};
+  static constexpr Of<ListCell> kSubkeyList{28};
+  static constexpr Of<ListCell> kVolatileList{32};
+  static constexpr Of<std::uint32_t> kValueCount{36};
+  static constexpr Of<ValueListCell> kValueList{40};
+  static constexpr Of<SecurityCell> kSecurity{44};
+  static constexpr Of<DataCell> kClass{48};
+  static constexpr Of<std::uint16_t> kMaxSubkeyName{52};  ///< 16 bits; longest lengths are in bytes of UTF-16
+  static constexpr Of<std::uint16_t> kMoreFlags{54};      ///< 16 bits, newer systems
+  static constexpr Of<std::uint32_t> kMaxClass{56};
+  static constexpr Of<std::uint32_t> kMaxValueName{60};
+  static constexpr Of<std::uint32_t> kMaxValueData{64};
+  static constexpr Of<std::uint32_t> kWork{68};
+  static constexpr Of<std::uint16_t> kNameLength{72};
+  static constexpr Of<std::uint16_t> kClassLength{74};
   static constexpr std::size_t kName = 76;
 };
 
@@ -94,11 +98,13 @@ struct KeyFlag {
 };
 
 struct ValueField {
-  static constexpr std::size_t kNameLength = 2;
-  static constexpr std::size_t kDataSize = 4;
-  static constexpr std::size_t kData = 8;
-  static constexpr std::size_t kType = 12;
-  static constexpr std::size_t kFlags = 16;
+  template <typename T>
+  using Of = RecordField<ValueCell, T>;
+  static constexpr Of<std::uint16_t> kNameLength{2};
+  static constexpr Of<std::uint32_t> kDataSize{4};
+  static constexpr Of<DataCell> kData{8};
+  static constexpr Of<std::uint32_t> kType{12};
+  static constexpr Of<std::uint16_t> kFlags{16};
   static constexpr std::size_t kName = 20;
 };
 
@@ -107,23 +113,58 @@ inline constexpr std::size_t kMaxInlineData = 4;
 inline constexpr std::uint16_t kOneByteValueName = 1;
 
 struct SecurityField {
-  static constexpr std::size_t kNext = 4;
-  static constexpr std::size_t kPrevious = 8;
-  static constexpr std::size_t kCount = 12;
-  static constexpr std::size_t kSize = 16;
+  template <typename T>
+  using Of = RecordField<SecurityCell, T>;
+  static constexpr Of<SecurityCell> kNext{4};
+  static constexpr Of<SecurityCell> kPrevious{8};
+  static constexpr Of<std::uint32_t> kCount{12};
+  static constexpr Of<std::uint32_t> kSize{16};
   static constexpr std::size_t kDescriptor = 20;
 };
 
-/// Subkey lists of every kind, and `db` records.
+/// Subkey lists of every kind.
 struct ListField {
-  static constexpr std::size_t kCount = 2;
+  template <typename T>
+  using Of = RecordField<ListCell, T>;
+  static constexpr Of<std::uint16_t> kCount{2};
   static constexpr std::size_t kEntries = 4;
 };
+
+inline bool IsLeafTag(RecordTag tag) {
+  return tag == kHintLeafTag || tag == kHashLeafTag || tag == kPlainLeafTag;
+}
+/// Bytes of one entry of a list with this tag.
+inline std::size_t EntrySize(RecordTag tag) {
+  return tag == kPlainLeafTag || tag == kLeafIndexTag ? 4 : 8;
+}
+/// The subkey that an entry of a leaf names; in leaves with hints or hashes, what stands beside it.
+inline RecordField<ListCell, KeyCell> LeafEntry(RecordTag tag, std::size_t entry) {
+  return {ListField::kEntries + entry * EntrySize(tag)};
+}
+inline RecordField<ListCell, std::uint32_t> LeafHint(std::size_t entry) {
+  return {ListField::kEntries + entry * 8 + 4};
+}
+/// The leaf that an entry of an index of leaves names.
+inline RecordField<ListCell, ListCell> IndexEntry(std::size_t entry) {
+  return {ListField::kEntries + entry * 4};
+}
+/// Lists of values are nothing but entries.
+inline RecordField<ValueListCell, ValueCell> ValueEntry(std::size_t entry) {
+  return {entry * 4};
+}
+
+/// Records that lead to the pieces of data which are too large for one cell.
 struct BigDataField {
-  static constexpr std::size_t kCount = 2;
-  static constexpr std::size_t kSegments = 4;
+  template <typename T>
+  using Of = RecordField<DataCell, T>;
+  static constexpr Of<std::uint16_t> kCount{2};
+  static constexpr Of<DataCell> kSegments{4};
   static constexpr std::size_t kEnd = 8;
 };
+/// An entry of the list of pieces.
+inline RecordField<DataCell, DataCell> PieceEntry(std::size_t entry) {
+  return {entry * 4};
+}
 
 /// A leaf of this many entries fills a bin of one page, as Windows' own do.
 inline constexpr std::size_t kMaxLeafEntries = 507;
@@ -149,6 +190,36 @@ inline void Store32(std::uint8_t* at, std::uint32_t number) {
 inline void Store64(std::uint8_t* at, std::uint64_t number) {
   Store32(at, static_cast<std::uint32_t>(number));
   Store32(at + 4, static_cast<std::uint32_t>(number >> 32));
+}
+
+/// What a field of the record at `record` holds.
+template <typename Record, typename T>
+T LoadField(const std::uint8_t* record, RecordField<Record, T> field) {
+  if constexpr (std::is_same_v<T, std::uint16_t>) {
+    return Load16(record + field.at);
+  } else if constexpr (std::is_same_v<T, std::uint64_t>) {
+    return Load64(record + field.at);
+  } else {
+    return T(Load32(record + field.at));
+  }
+}
+template <typename Record, typename T>
+void StoreField(std::uint8_t* record, RecordField<Record, T> field, std::type_identity_t<T> content) {
+  if constexpr (std::is_same_v<T, std::uint16_t>) {
+    Store16(record + field.at, content);
+  } else if constexpr (std::is_same_v<T, std::uint32_t>) {
+    Store32(record + field.at, content);
+  } else if constexpr (std::is_same_v<T, std::uint64_t>) {
+    Store64(record + field.at, content);
+  } else {
+    Store32(record + field.at, content.offset);
+  }
+}
+inline RecordTag LoadTag(const std::uint8_t* record) {
+  return RecordTag{Load16(record)};
+}
+inline void StoreTag(std::uint8_t* record, RecordTag tag) {
+  Store16(record, static_cast<std::uint16_t>(tag));
 }
 
 /// The checksum that belongs into the base block at `base` (512 bytes).

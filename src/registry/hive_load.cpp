@@ -56,7 +56,7 @@ void LoadWhole(HiveData& hive, Bytes file) {
   hive.cells = HiveCells(CutToBins(hive, std::move(file)));
   const std::uint8_t* base = hive.cells.Base();
   hive.minor = Load32(base + BaseField::kMinor);
-  hive.root = Load32(base + BaseField::kRoot);
+  hive.root = KeyCell(Load32(base + BaseField::kRoot));
   hive.now = Load64(base + BaseField::kTime);
   hive.cells.Scan([&](std::size_t offset, std::string why) { ThrowHiveFault(hive.name, offset, std::move(why)); });
   CheckHive(hive);

@@ -35,19 +35,23 @@ class RecordChecker {
   explicit RecordChecker(HiveData& hive, Cells allowed = Cells::Known)
       : hive_(hive), cells_(hive.cells), unclaimed_(hive.cells.Used()), allowsLikely_(allowed == Cells::Likely) {}
 
-  [[noreturn]] void Fault(std::uint32_t cell, std::string why) const {
-    ThrowHiveFault(hive_.name, cell, std::move(why));
-  }
+  [[noreturn]] void Fault(Cell cell, std::string why) const { ThrowHiveFault(hive_.name, cell.offset, std::move(why)); }
+
+  /// The cell whose record names another one.
+  struct Owner {
+    explicit Owner(Cell naming) : cell(naming) {}
+    Cell cell;
+  };
 
   /// Makes `cell`, which the record in `owner` names, the owner's.
-  void Claim(std::uint32_t owner, std::uint32_t cell, const char* what) {
-    if (!IsCell(cell)) Fault(owner, std::string("the offset of its ") + what + " leads to no cell in use");
-    if (!unclaimed_.Test(cell)) {
-      Fault(owner, std::string("the cell of its ") + what + " belongs to another record already");
+  void Claim(Owner owner, Cell cell, const char* what) {
+    if (!IsCell(cell)) Fault(owner.cell, std::string("the offset of its ") + what + " leads to no cell in use");
+    if (!unclaimed_.Test(cell.offset)) {
+      Fault(owner.cell, std::string("the cell of its ") + what + " belongs to another record already");
     }
-    unclaimed_.Clear(cell);
+    unclaimed_.Clear(cell.offset);
   }
-  void Claim(std::uint32_t owner, std::uint32_t cell, std::size_t size, const char* what) {
+  void Claim(Owner owner, Cell cell, std::size_t size, const char* what) {
     Claim(owner, cell, what);
     if (cells_.Room(cell) < size) Fault(cell, TooShortFor(what));
     Take(cell, size);
@@ -58,98 +62,98 @@ class RecordChecker {
   }
 
   /// Where cells may overlap: makes the first `size` bytes of a claimed record its own.
-  void Take(std::uint32_t cell, std::size_t size) {
+  void Take(Cell cell, std::size_t size) {
     if (allowsLikely_) TakeBytes(cell, size);
   }
 
   /// True when a cell in use begins at `cell`, which may be any number.
-  bool IsCell(std::uint32_t cell) { return cells_.IsUsed(cell) || (allowsLikely_ && Adopt(cell)); }
-  /// True when the cell at `cell` is no record's yet and holds a record of this kind.
-  bool IsFree(std::uint32_t cell, std::uint16_t tag, std::size_t size) {
-    return (IsCell(cell) || AdoptTagged(cell, tag)) && unclaimed_.Test(cell) && cells_.Room(cell) >= size &&
+  bool IsCell(Cell cell) { return cells_.IsUsed(cell) || (allowsLikely_ && Adopt(cell)); }
+  /// True when the cell at `cell` belongs to no record yet and holds a record of this kind.
+  bool IsFree(Cell cell, RecordTag tag, std::size_t size) {
+    return (IsCell(cell) || AdoptTagged(cell, tag)) && unclaimed_.Test(cell.offset) && cells_.Room(cell) >= size &&
            cells_.Tag(cell) == tag;
   }
 
   /// The root key's own record. Nothing of a hive can be read without it.
   void ClaimRoot();
   /// A key's own record, that is its name and fields but nothing that they lead to.
-  void ClaimSubkey(std::uint32_t list, std::uint32_t key) {
+  void ClaimSubkey(Owner owner, KeyCell key) {
     AdoptTagged(key, kKeyTag);
-    Claim(list, key, KeyField::kName, "subkey");
+    Claim(owner, key, KeyField::kName, "subkey");
     CheckKey(key);
-    const std::size_t size = cells_.Get16(key, KeyField::kNameLength);
+    const std::size_t size = cells_.Get(key, KeyField::kNameLength);
     CheckSubkeyName(key, cells_.At(key) + KeyField::kName, size);
   }
-  void ClaimClass(std::uint32_t key) {
-    const std::size_t length = cells_.Get16(key, KeyField::kClassLength);
-    const std::uint32_t className = cells_.Get32(key, KeyField::kClass);
-    if (length > 0 && className != kNoCell) Claim(key, className, length, "class name");
+  void ClaimClass(KeyCell key) {
+    const std::size_t length = cells_.Get(key, KeyField::kClassLength);
+    const DataCell className = cells_.Get(key, KeyField::kClass);
+    if (length > 0 && !className.IsNone()) Claim(Owner(key), className, length, "class name");
   }
-  void ClaimDescriptor(std::uint32_t owner, std::uint32_t security);
+  void ClaimDescriptor(Owner owner, SecurityCell security);
 
   /// A value's own record.
-  void ClaimValue(std::uint32_t list, std::uint32_t value) {
+  void ClaimValue(ValueListCell list, ValueCell value) {
     AdoptTagged(value, kValueTag);
-    Claim(list, value, ValueField::kName, "value");
+    Claim(Owner(list), value, ValueField::kName, "value");
     RequireTag(value, kValueTag, "value");
-    Require(value, ValueField::kName + cells_.Get16(value, ValueField::kNameLength),
+    Require(value, ValueField::kName + cells_.Get(value, ValueField::kNameLength),
             "the value's name reaches beyond its cell");
   }
   /// The data of a value whose record was claimed.
-  void ClaimData(std::uint32_t value) {
-    const std::uint32_t stored = cells_.Get32(value, ValueField::kDataSize);
+  void ClaimData(ValueCell value) {
+    const std::uint32_t stored = cells_.Get(value, ValueField::kDataSize);
     const std::uint32_t size = stored & ~kInlineData;
     if ((stored & kInlineData) != 0) {
       if (size > kMaxInlineData) Fault(value, "a value without a data cell has more than 4 bytes");
     } else if (size > 0) {
-      ClaimDataCell(value, cells_.Get32(value, ValueField::kData), size);
+      ClaimDataCell(value, cells_.Get(value, ValueField::kData), size);
     }
   }
 
   /// A list of subkeys, or one of its leaves. Its entries may reach beyond its cell still, see CheckEntries().
-  void ClaimList(std::uint32_t owner, std::uint32_t list) {
-    Claim(owner, list, ListField::kEntries, "list of subkeys");
-  }
-  bool IsIndex(std::uint32_t list) const { return cells_.Tag(list) == kLeafIndexTag; }
-  void CheckLeaf(std::uint32_t leaf) const {
+  void ClaimList(Owner owner, ListCell list) { Claim(owner, list, ListField::kEntries, "list of subkeys"); }
+  bool IsIndex(ListCell list) const { return cells_.Tag(list) == kLeafIndexTag; }
+  void CheckLeaf(ListCell leaf) const {
     if (!IsLeafTag(cells_.Tag(leaf))) Fault(leaf, "the cell does not hold the list of subkeys it should");
     if (EntryCount(leaf) == 0) Fault(leaf, "the list of subkeys is empty");
   }
-  void CheckEntries(std::uint32_t list) {
-    Require(list, ListField::kEntries + EntryCount(list) * Stride(list), "the list of subkeys reaches beyond its cell");
+  void CheckEntries(ListCell list) {
+    Require(list, ListField::kEntries + EntryCount(list) * EntrySize(list),
+            "the list of subkeys reaches beyond its cell");
   }
-  std::size_t EntryCount(std::uint32_t list) const { return cells_.Get16(list, ListField::kCount); }
-  std::size_t Stride(std::uint32_t list) const { return IsIndex(list) ? 4 : LeafStride(cells_.Tag(list)); }
-  std::uint32_t Entry(std::uint32_t list, std::size_t entry) const {
-    return cells_.Get32(list, ListField::kEntries + entry * Stride(list));
+  std::size_t EntryCount(ListCell list) const { return cells_.Get(list, ListField::kCount); }
+  std::size_t EntrySize(ListCell list) const { return quillbox::EntrySize(cells_.Tag(list)); }
+  KeyCell Subkey(ListCell leaf, std::size_t entry) const {
+    return cells_.Get(leaf, LeafEntry(cells_.Tag(leaf), entry));
   }
+  ListCell Leaf(ListCell index, std::size_t entry) const { return cells_.Get(index, IndexEntry(entry)); }
 
   /// True when the key's number of subkeys is 0 and its list holds some nevertheless: keys that would be lost.
-  bool HasUncountedSubkeys(std::uint32_t key);
+  bool HasUncountedSubkeys(KeyCell key);
   /// The same of values. Good at the end of a walk only: values have no field that names their key, so the witness is
   /// that they are nobody else's.
-  bool HasUncountedValues(std::uint32_t key);
+  bool HasUncountedValues(KeyCell key);
   /// The first key that a list names, whatever is wrong with the list.
-  std::optional<std::uint32_t> FirstSubkey(std::uint32_t list);
+  std::optional<KeyCell> FirstSubkey(ListCell list);
 
  private:
-  void RequireTag(std::uint32_t cell, std::uint16_t tag, const char* what) const {
+  void RequireTag(Cell cell, RecordTag tag, const char* what) const {
     if (cells_.Tag(cell) != tag) Fault(cell, std::string("the cell does not hold the ") + what + " it should");
   }
-  void Require(std::uint32_t cell, std::size_t size, const char* why) {
+  void Require(Cell cell, std::size_t size, const char* why) {
     if (cells_.Room(cell) < size) Fault(cell, why);
     Take(cell, size);
   }
-  void CheckKey(std::uint32_t key) {
+  void CheckKey(KeyCell key) {
     RequireTag(key, kKeyTag, "key");
-    Require(key, KeyField::kName + cells_.Get16(key, KeyField::kNameLength), "the key's name reaches beyond its cell");
+    Require(key, KeyField::kName + cells_.Get(key, KeyField::kNameLength), "the key's name reaches beyond its cell");
   }
-  void CheckSubkeyName(std::uint32_t key, const std::uint8_t* name, std::size_t size) const;
-  void ClaimDataCell(std::uint32_t value, std::uint32_t data, std::uint32_t size);
+  void CheckSubkeyName(KeyCell key, const std::uint8_t* name, std::size_t size) const;
+  void ClaimDataCell(ValueCell value, DataCell data, std::uint32_t size);
 
-  bool Adopt(std::uint32_t cell);
-  bool AdoptTagged(std::uint32_t cell, std::uint16_t tag);
-  void TakeBytes(std::uint32_t cell, std::size_t size);
+  bool Adopt(Cell cell);
+  bool AdoptTagged(Cell cell, RecordTag tag);
+  void TakeBytes(Cell cell, std::size_t size);
 
   HiveData& hive_;
   HiveCells& cells_;

@@ -21,21 +21,28 @@ void AddDamage(HiveData& hive, std::string part, std::uint64_t offset, std::stri
   hive.damage.push_back({std::move(part), offset, std::move(fault)});
 }
 
+using Owner = RecordChecker::Owner;
+
+/// A hive that is only read: its cells are scanned, and its root is known.
+struct Damaged {
+  HiveData hive;
+};
+
 /// Walks a damaged hive from its root, and copies what passes the same checks as a whole hive's records into a new one.
 class Salvager {
  public:
-  /// `damaged`: scanned, with a root. `hive`: without keys.
-  Salvager(HiveData& hive, HiveData& damaged)
+  /// `hive`: without keys.
+  Salvager(HiveData& hive, Damaged damaged)
       : hive_(hive),
-        damaged_(damaged),
-        cells_(damaged.cells),
-        records_(damaged, RecordChecker::Cells::Likely),
+        damaged_(std::move(damaged.hive)),
+        cells_(damaged_.cells),
+        records_(damaged_, RecordChecker::Cells::Likely),
         pool_(hive) {}
 
   void Run() {
     records_.ClaimRoot();
-    hive_.root = CopyKeyRecord(hive_, kNoCell, damaged_, damaged_.root);
-    Store32(hive_.cells.Base() + BaseField::kRoot, hive_.root);
+    hive_.root = CopyKeyRecord(hive_, KeyCell(), {damaged_, damaged_.root});
+    Store32(hive_.cells.Base() + BaseField::kRoot, hive_.root.offset);
     CopyContent({damaged_.root, hive_.root, 1});
     CopyBelow();
     FindOrphans();
@@ -43,7 +50,7 @@ class Salvager {
     while (!misplaced_.empty()) {
       const Misplaced next = misplaced_.back();
       misplaced_.pop_back();
-      TakeSubkey(next.parent, next.list, next.key);
+      TakeSubkey(next.parent, Owner(next.list), next.key);
       CopyBelow();
       CopyOrphans();
     }
@@ -53,21 +60,21 @@ class Salvager {
 
  private:
   struct Key {
-    std::uint32_t from = kNoCell;  ///< in the damaged hive
-    std::uint32_t to = kNoCell;    ///< in the new one
-    std::size_t depth = 0;         ///< 1 for the root
+    KeyCell from;           ///< in the damaged hive
+    KeyCell to;             ///< in the new one
+    std::size_t depth = 0;  ///< 1 for the root
   };
   /// A key that a list names, and that itself names another parent.
   struct Misplaced {
     Key parent;
-    std::uint32_t list = kNoCell;
-    std::uint32_t key = kNoCell;
+    ListCell list;
+    KeyCell key;
   };
 
-  void Note(std::uint32_t to, const Error& fault) { NoteOf(to, {}, fault.Place().offset.value_or(0), fault.Why()); }
+  void Note(KeyCell to, const Error& fault) { NoteOf(to, {}, fault.Place().offset.value_or(0), fault.Why()); }
 
   /// Notes a damage of the new hive's key `to`, or of its value `value`.
-  void NoteOf(std::uint32_t to, const std::string& value, std::uint64_t offset, std::string fault) {
+  void NoteOf(KeyCell to, const std::string& value, std::uint64_t offset, std::string fault) {
     if (hive_.damageCount >= kMaxDamageNotes) {
       ++hive_.damageCount;
       return;
@@ -77,13 +84,11 @@ class Salvager {
     AddDamage(hive_, OneLine(part), offset, std::move(fault));
   }
 
-  void NoteCell(std::uint32_t to, std::uint32_t cell, std::string fault) {
-    NoteOf(to, {}, kHivePage + cell, std::move(fault));
-  }
+  void NoteCell(KeyCell to, Cell cell, std::string fault) { NoteOf(to, {}, kHivePage + cell.offset, std::move(fault)); }
 
   /// False when `check` met a fault, which is then noted as one of the key `to`.
   template <typename Check>
-  bool Passes(std::uint32_t to, Check check) {
+  bool Passes(KeyCell to, Check check) {
     try {
       check();
       return true;
@@ -112,34 +117,34 @@ class Salvager {
   // Security descriptors
 
   void CopySecurity(const Key& key) {
-    const std::uint32_t theirs = cells_.Get32(key.from, KeyField::kSecurity);
-    if (theirs == kNoCell) return;
-    ClaimDescriptor(key.from, theirs);
+    const SecurityCell theirs = cells_.Get(key.from, KeyField::kSecurity);
+    if (theirs.IsNone()) return;
+    ClaimDescriptor(Owner(key.from), theirs);
     if (const auto broken = brokenDescriptors_.find(theirs); broken != brokenDescriptors_.end()) {
-      const bool isInCell = broken->second.offset == kHivePage + theirs;
-      NoteCell(key.to, isInCell ? theirs : key.from, broken->second.fault);
-      hive_.cells.Put32(key.to, KeyField::kSecurity, Inherited(key.to));
+      const bool isInCell = broken->second.offset == kHivePage + theirs.offset;
+      NoteCell(key.to, isInCell ? Cell(theirs) : Cell(key.from), broken->second.fault);
+      hive_.cells.Put(key.to, KeyField::kSecurity, Inherited(key.to));
       return;
     }
-    std::uint32_t& ours = descriptors_[theirs];
-    if (ours == kNoCell) {
+    SecurityCell& ours = descriptors_[theirs];
+    if (ours.IsNone()) {
       ours = pool_.Share(Descriptor(damaged_, theirs));
     } else {
       ShareSecurity(hive_, ours);
     }
-    hive_.cells.Put32(key.to, KeyField::kSecurity, ours);
+    hive_.cells.Put(key.to, KeyField::kSecurity, ours);
   }
 
-  std::uint32_t Inherited(std::uint32_t to) {
+  SecurityCell Inherited(KeyCell to) {
     if (to == hive_.root) return pool_.Share(DefaultDescriptor());
-    const std::uint32_t parent = hive_.cells.Get32(to, KeyField::kParent);
-    const std::uint32_t security = hive_.cells.Get32(parent, KeyField::kSecurity);
+    const KeyCell parent = hive_.cells.Get(to, KeyField::kParent);
+    const SecurityCell security = hive_.cells.Get(parent, KeyField::kSecurity);
     ShareSecurity(hive_, security);
     return security;
   }
 
   /// Puts what `owner` names into one of the two sets of descriptors, unless it is there already.
-  void ClaimDescriptor(std::uint32_t owner, std::uint32_t security) {
+  void ClaimDescriptor(Owner owner, SecurityCell security) {
     if (descriptors_.contains(security) || brokenDescriptors_.contains(security)) return;
     try {
       records_.ClaimDescriptor(owner, security);
@@ -147,22 +152,22 @@ class Salvager {
       brokenDescriptors_[security] = {{}, fault.Place().offset.value_or(0), fault.Why()};
       return;
     }
-    RequireSpace(hive_, hive_.root, kDoing, cells_.Get32(security, SecurityField::kSize));
-    descriptors_.emplace(security, kNoCell);
+    RequireSpace(hive_, hive_.root, kDoing, cells_.Get(security, SecurityField::kSize));
+    descriptors_.emplace(security, SecurityCell());
     order_.push_back(security);
   }
 
   /// Nothing is read by the links between the descriptors, but they are part of the hive, and may be damaged.
   void CheckLinks() {
     for (std::size_t at = 0; at < order_.size();) {
-      const std::uint32_t security = order_[at++];  // which may get more
-      const std::uint32_t next = cells_.Get32(security, SecurityField::kNext);
+      const SecurityCell security = order_[at++];  // which may get more
+      const SecurityCell next = cells_.Get(security, SecurityField::kNext);
       const bool isKnown = descriptors_.contains(next) || brokenDescriptors_.contains(next);
-      ClaimDescriptor(security, next);
+      ClaimDescriptor(Owner(security), next);
       if (const auto broken = brokenDescriptors_.find(next); broken != brokenDescriptors_.end()) {
         if (!isKnown) AddDamage(hive_, kWholeFile, broken->second.offset, broken->second.fault);
-      } else if (cells_.Get32(next, SecurityField::kPrevious) != security) {
-        AddDamage(hive_, kWholeFile, kHivePage + next, kUnlinkedSecurity);
+      } else if (cells_.Get(next, SecurityField::kPrevious) != security) {
+        AddDamage(hive_, kWholeFile, kHivePage + next.offset, kUnlinkedSecurity);
       }
     }
   }
@@ -170,24 +175,24 @@ class Salvager {
   // Values
 
   void CopyValues(const Key& key) {
-    const std::size_t count = cells_.Get32(key.from, KeyField::kValueCount);
-    const std::uint32_t list = cells_.Get32(key.from, KeyField::kValueList);
+    const std::size_t count = cells_.Get(key.from, KeyField::kValueCount);
+    const ValueListCell list = cells_.Get(key.from, KeyField::kValueList);
     if (count == 0) {
-      if (list != kNoCell) uncertainValues_.push_back(key);
+      if (!list.IsNone()) uncertainValues_.push_back(key);
       return;
     }
     constexpr const char* kWhat = "list of values";
-    if (!Passes(key.to, [&] { records_.Claim(key.from, list, kWhat); })) return;
+    if (!Passes(key.to, [&] { records_.Claim(Owner(key.from), list, kWhat); })) return;
     if (cells_.Room(list) / 4 < count) {
       NoteCell(key.to, list, RecordChecker::TooShortFor(kWhat));
       uncertainValues_.push_back(key);
       return;
     }
     if (!Passes(key.to, [&] { records_.Take(list, count * 4); })) return;
-    for (std::size_t at = 0; at < count; ++at) CopyOneValue(key, list, cells_.Get32(list, at * 4));
+    for (std::size_t at = 0; at < count; ++at) CopyOneValue(key, list, cells_.Get(list, ValueEntry(at)));
   }
 
-  void CopyOneValue(const Key& key, std::uint32_t list, std::uint32_t value) {
+  void CopyOneValue(const Key& key, ValueListCell list, ValueCell value) {
     std::string name;
     try {
       records_.ClaimValue(list, value);
@@ -202,21 +207,21 @@ class Salvager {
       return;
     }
     const std::uint64_t size = ValueSize(damaged_, value);
-    RequireSpace(hive_, key.to, kDoing, size + size / 4 + cells_.Get16(value, ValueField::kNameLength));
+    RequireSpace(hive_, key.to, kDoing, size + size / 4 + cells_.Get(value, ValueField::kNameLength));
     CopyValue(hive_, key.to, damaged_, value);
   }
 
   /// The values of a list whose end is not known: what is left of older, longer lists may follow it. So it comes when
   /// every other list has its values, and takes only what looks like one.
   void CopyUncertainValues(const Key& key) {
-    const std::uint32_t list = cells_.Get32(key.from, KeyField::kValueList);
-    if (cells_.Get32(key.from, KeyField::kValueCount) == 0) {
+    const ValueListCell list = cells_.Get(key.from, KeyField::kValueList);
+    if (cells_.Get(key.from, KeyField::kValueCount) == 0) {
       if (!records_.HasUncountedValues(key.from)) return;
       NoteCell(key.to, key.from, kWrongValueCount);
-      if (!Passes(key.to, [&] { records_.Claim(key.from, list, "list of values"); })) return;
+      if (!Passes(key.to, [&] { records_.Claim(Owner(key.from), list, "list of values"); })) return;
     }
     for (std::size_t at = 0; at < cells_.Room(list) / 4; ++at) {
-      const std::uint32_t value = cells_.Get32(list, at * 4);
+      const ValueCell value = cells_.Get(list, ValueEntry(at));
       if (records_.IsFree(value, kValueTag, ValueField::kName)) CopyOneValue(key, list, value);
     }
   }
@@ -225,7 +230,7 @@ class Salvager {
 
   void CopySubkeys(const Key& key) {
     const std::uint64_t faults = hive_.damageCount;
-    const std::uint32_t count = cells_.Get32(key.from, KeyField::kSubkeyCount);
+    const std::uint32_t count = cells_.Get(key.from, KeyField::kSubkeyCount);
     const bool uncounted = records_.HasUncountedSubkeys(key.from);
     if (uncounted) NoteCell(key.to, key.from, kWrongSubkeyCount);
     if (count == 0 && !uncounted) return;
@@ -233,7 +238,7 @@ class Salvager {
       NoteCell(key.to, key.from, kNestedTooDeeply);
       return;
     }
-    const std::uint32_t list = cells_.Get32(key.from, KeyField::kSubkeyList);
+    const ListCell list = cells_.Get(key.from, KeyField::kSubkeyList);
     if (Passes(key.to, [&] { ClaimOwnList(key.from, list); })) {
       const std::uint64_t seen = records_.IsIndex(list) ? CopyLeaves(key, list) : CopyLeaf(key, list);
       if (seen != count && hive_.damageCount == faults) NoteCell(key.to, key.from, kWrongSubkeyCount);
@@ -242,53 +247,53 @@ class Salvager {
   }
 
   /// A list that another key names, and whose keys name that one as their parent, is left to it.
-  void ClaimOwnList(std::uint32_t key, std::uint32_t list) {
+  void ClaimOwnList(KeyCell key, ListCell list) {
     if (const auto subkey = records_.FirstSubkey(list)) {
-      const std::uint32_t parent = cells_.Get32(*subkey, KeyField::kParent);
-      if (parent != key && IsKey(parent) && cells_.Get32(parent, KeyField::kSubkeyCount) > 0 &&
-          cells_.Get32(parent, KeyField::kSubkeyList) == list) {
+      const KeyCell parent = cells_.Get(*subkey, KeyField::kParent);
+      if (parent != key && IsKey(parent) && cells_.Get(parent, KeyField::kSubkeyCount) > 0 &&
+          cells_.Get(parent, KeyField::kSubkeyList) == list) {
         records_.Fault(key, "the cell of its list of subkeys belongs to another record already");
       }
     }
-    records_.ClaimList(key, list);
+    records_.ClaimList(Owner(key), list);
   }
 
-  bool IsKey(std::uint32_t cell) {
+  bool IsKey(Cell cell) {
     return records_.IsCell(cell) && cells_.Room(cell) >= KeyField::kName && cells_.Tag(cell) == kKeyTag;
   }
 
   /// How many entries of a list are in its cell; `whole` is true when these are all.
-  std::size_t ReadableEntries(const Key& key, std::uint32_t list, bool& whole) {
+  std::size_t ReadableEntries(const Key& key, ListCell list, bool& whole) {
     whole = Passes(key.to, [&] { records_.CheckEntries(list); });
-    const std::size_t room = (cells_.Room(list) - ListField::kEntries) / records_.Stride(list);
+    const std::size_t room = (cells_.Room(list) - ListField::kEntries) / records_.EntrySize(list);
     return std::min(records_.EntryCount(list), room);
   }
 
   /// How many subkeys the lists name.
-  std::uint64_t CopyLeaves(const Key& key, std::uint32_t index) {
+  std::uint64_t CopyLeaves(const Key& key, ListCell index) {
     bool whole = false;
     const std::size_t count = ReadableEntries(key, index, whole);
     std::uint64_t seen = 0;
     for (std::size_t at = 0; at < count; ++at) {
-      const std::uint32_t leaf = records_.Entry(index, at);
+      const ListCell leaf = records_.Leaf(index, at);
       if (!whole && !records_.IsCell(leaf)) continue;
-      if (Passes(key.to, [&] { records_.ClaimList(index, leaf); })) seen += CopyLeaf(key, leaf);
+      if (Passes(key.to, [&] { records_.ClaimList(Owner(index), leaf); })) seen += CopyLeaf(key, leaf);
     }
     return seen;
   }
 
-  std::uint64_t CopyLeaf(const Key& key, std::uint32_t leaf) {
+  std::uint64_t CopyLeaf(const Key& key, ListCell leaf) {
     if (!Passes(key.to, [&] { records_.CheckLeaf(leaf); })) return 0;
     bool whole = false;
     const std::size_t count = ReadableEntries(key, leaf, whole);
     for (std::size_t at = 0; at < count; ++at) {
-      const std::uint32_t subkey = records_.Entry(leaf, at);
+      const KeyCell subkey = records_.Subkey(leaf, at);
       const bool isKey = records_.IsFree(subkey, kKeyTag, KeyField::kName);
-      const bool isOurs = isKey && cells_.Get32(subkey, KeyField::kParent) == key.from;
+      const bool isOurs = isKey && cells_.Get(subkey, KeyField::kParent) == key.from;
       if (isKey && !isOurs && whole) {
         misplaced_.push_back({key, leaf, subkey});
       } else if (isOurs || whole) {
-        TakeSubkey(key, leaf, subkey);
+        TakeSubkey(key, Owner(leaf), subkey);
       }
     }
     return count;
@@ -298,9 +303,9 @@ class Salvager {
   void FindOrphans() {
     if (incomplete_.empty()) return;
     for (std::size_t at = 0; at + kCellUnit <= cells_.BinsSize(); at += kCellUnit) {
-      const auto cell = static_cast<std::uint32_t>(at);
+      const KeyCell cell(static_cast<std::uint32_t>(at));
       if (cells_.Tag(cell) != kKeyTag || !records_.IsFree(cell, kKeyTag, KeyField::kName)) continue;
-      orphans_.emplace_back(cells_.Get32(cell, KeyField::kParent), cell);
+      orphans_.emplace_back(cells_.Get(cell, KeyField::kParent), cell);
     }
     std::sort(orphans_.begin(), orphans_.end());
   }
@@ -310,44 +315,44 @@ class Salvager {
     while (!incomplete_.empty()) {
       const Key key = incomplete_.back();
       incomplete_.pop_back();
-      for (auto orphan = std::lower_bound(orphans_.begin(), orphans_.end(), std::pair(key.from, std::uint32_t{0}));
+      for (auto orphan = std::lower_bound(orphans_.begin(), orphans_.end(), std::pair(key.from, KeyCell(0)));
            orphan != orphans_.end() && orphan->first == key.from; ++orphan) {
-        if (records_.IsFree(orphan->second, kKeyTag, KeyField::kName)) TakeSubkey(key, key.from, orphan->second);
+        if (records_.IsFree(orphan->second, kKeyTag, KeyField::kName)) TakeSubkey(key, Owner(key.from), orphan->second);
       }
       CopyBelow();
     }
   }
 
-  void TakeSubkey(const Key& parent, std::uint32_t list, std::uint32_t subkey) {
+  void TakeSubkey(const Key& parent, Owner owner, KeyCell subkey) {
     if (!Passes(parent.to, [&] {
-          records_.ClaimSubkey(list, subkey);
+          records_.ClaimSubkey(owner, subkey);
           if (!CanTakeSubkey(hive_, parent.to)) records_.Fault(subkey, "the key's list of subkeys is full");
         })) {
       return;
     }
-    const std::size_t room = cells_.Get16(subkey, KeyField::kNameLength) + KeyField::kName;
-    RequireSpace(hive_, parent.to, kDoing, room + cells_.Get16(subkey, KeyField::kClassLength));
-    const std::uint32_t to = CopyKeyRecord(hive_, parent.to, damaged_, subkey);
-    if (cells_.Get32(subkey, KeyField::kParent) != parent.from) {
+    const std::size_t room = cells_.Get(subkey, KeyField::kNameLength) + KeyField::kName;
+    RequireSpace(hive_, parent.to, kDoing, room + cells_.Get(subkey, KeyField::kClassLength));
+    const KeyCell to = CopyKeyRecord(hive_, parent.to, {damaged_, subkey});
+    if (cells_.Get(subkey, KeyField::kParent) != parent.from) {
       NoteCell(to, subkey, "its parent offset is wrong; corrected");
     }
     CopyContent({subkey, to, parent.depth + 1});
-    InsertSubkey(hive_, parent.to, to);
+    InsertSubkey(hive_, to);
   }
 
   HiveData& hive_;
-  HiveData& damaged_;
+  HiveData damaged_;
   HiveCells& cells_;  ///< of the damaged hive
   RecordChecker records_;
   SecurityPool pool_;
   std::vector<Key> pending_;  ///< keys whose subkeys are not copied yet
   std::vector<Misplaced> misplaced_;
-  std::vector<Key> incomplete_;                                   ///< keys of whose subkeys some may be missing
-  std::vector<std::pair<std::uint32_t, std::uint32_t>> orphans_;  ///< the parent, the key
+  std::vector<Key> incomplete_;                       ///< keys of whose subkeys some may be missing
+  std::vector<std::pair<KeyCell, KeyCell>> orphans_;  ///< the parent, the key
   std::vector<Key> uncertainValues_;
-  std::unordered_map<std::uint32_t, std::uint32_t> descriptors_;  ///< theirs: ours, kNoCell while no key has it
-  std::unordered_map<std::uint32_t, HiveDamage> brokenDescriptors_;
-  std::vector<std::uint32_t> order_;  ///< the descriptors as they were met
+  std::unordered_map<SecurityCell, SecurityCell> descriptors_;  ///< theirs: ours, none while no key has it
+  std::unordered_map<SecurityCell, HiveDamage> brokenDescriptors_;
+  std::vector<SecurityCell> order_;  ///< the descriptors as they were met
 };
 
 /// As much of the file as cells can be in.
@@ -369,17 +374,17 @@ void SalvageHive(HiveData& hive, Bytes file, const Error& fault) {
   hive.now = Load64(file.data() + BaseField::kTime);
   hive.cells = HiveCells(Bytes(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(kHivePage)));
 
-  HiveData damaged;
-  damaged.name = hive.name;
-  damaged.minor = hive.minor;
-  damaged.root = Load32(file.data() + BaseField::kRoot);
-  damaged.cells = HiveCells(CutToCells(std::move(file)));
-  damaged.cells.Scan([&](std::size_t offset, std::string why) {
+  Damaged damaged;
+  damaged.hive.name = hive.name;
+  damaged.hive.minor = hive.minor;
+  damaged.hive.root = KeyCell(Load32(file.data() + BaseField::kRoot));
+  damaged.hive.cells = HiveCells(CutToCells(std::move(file)));
+  damaged.hive.cells.Scan([&](std::size_t offset, std::string why) {
     // What follows the last bin need not be one.
     if (isSizeRight && offset >= named) return;
     AddDamage(hive, kWholeFile, kHivePage + offset, std::move(why));
   });
-  Salvager(hive, damaged).Run();
+  Salvager(hive, std::move(damaged)).Run();
   if (hive.damage.empty()) noteFault();
 }
 

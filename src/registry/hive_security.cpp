@@ -6,44 +6,46 @@
 
 namespace quillbox {
 
-ByteView Descriptor(const HiveData& hive, std::uint32_t security) {
-  return {hive.cells.At(security) + SecurityField::kDescriptor, hive.cells.Get32(security, SecurityField::kSize)};
+ByteView Descriptor(const HiveData& hive, SecurityCell security) {
+  return {hive.cells.At(security) + SecurityField::kDescriptor, hive.cells.Get(security, SecurityField::kSize)};
 }
 
-std::uint32_t AddSecurity(HiveData& hive, ByteView descriptor) {
+SecurityCell AddSecurity(HiveData& hive, ByteView descriptor) {
   HiveCells& cells = hive.cells;
-  const std::uint32_t security = cells.Allocate(SecurityField::kDescriptor + descriptor.size());
-  cells.Put16(security, 0, kSecurityTag);
-  cells.Put32(security, SecurityField::kCount, 1);
-  cells.Put32(security, SecurityField::kSize, static_cast<std::uint32_t>(descriptor.size()));
+  const SecurityCell security(cells.Allocate(SecurityField::kDescriptor + descriptor.size()));
+  cells.PutTag(security, kSecurityTag);
+  cells.Put(security, SecurityField::kCount, 1);
+  cells.Put(security, SecurityField::kSize, static_cast<std::uint32_t>(descriptor.size()));
   std::copy(descriptor.begin(), descriptor.end(), cells.At(security) + SecurityField::kDescriptor);
 
-  const std::uint32_t previous = hive.anySecurity == kNoCell ? security : hive.anySecurity;
-  const std::uint32_t next = previous == security ? security : cells.Get32(previous, SecurityField::kNext);
-  cells.Put32(security, SecurityField::kNext, next);
-  cells.Put32(security, SecurityField::kPrevious, previous);
-  cells.Put32(previous, SecurityField::kNext, security);
-  cells.Put32(next, SecurityField::kPrevious, security);
+  const SecurityCell previous = hive.anySecurity.value_or(security);
+  const SecurityCell next = previous == security ? security : cells.Get(previous, SecurityField::kNext);
+  cells.Put(security, SecurityField::kNext, next);
+  cells.Put(security, SecurityField::kPrevious, previous);
+  cells.Put(previous, SecurityField::kNext, security);
+  cells.Put(next, SecurityField::kPrevious, security);
   hive.anySecurity = previous;
   return security;
 }
 
-void ShareSecurity(HiveData& hive, std::uint32_t security) {
-  if (security == kNoCell) return;
-  hive.cells.Put32(security, SecurityField::kCount, hive.cells.Get32(security, SecurityField::kCount) + 1);
+void ShareSecurity(HiveData& hive, SecurityCell security) {
+  if (security.IsNone()) return;
+  hive.cells.Put(security, SecurityField::kCount, hive.cells.Get(security, SecurityField::kCount) + 1);
 }
 
-void ReleaseSecurity(HiveData& hive, std::uint32_t security) {
-  if (security == kNoCell) return;
+void ReleaseSecurity(HiveData& hive, SecurityCell security) {
+  if (security.IsNone()) return;
   HiveCells& cells = hive.cells;
-  const std::uint32_t left = cells.Get32(security, SecurityField::kCount) - 1;
-  cells.Put32(security, SecurityField::kCount, left);
+  const std::uint32_t left = cells.Get(security, SecurityField::kCount) - 1;
+  cells.Put(security, SecurityField::kCount, left);
   if (left > 0) return;
-  const std::uint32_t next = cells.Get32(security, SecurityField::kNext);
-  const std::uint32_t previous = cells.Get32(security, SecurityField::kPrevious);
-  cells.Put32(previous, SecurityField::kNext, next);
-  cells.Put32(next, SecurityField::kPrevious, previous);
-  if (hive.anySecurity == security) hive.anySecurity = next == security ? kNoCell : next;
+  const SecurityCell next = cells.Get(security, SecurityField::kNext);
+  const SecurityCell previous = cells.Get(security, SecurityField::kPrevious);
+  cells.Put(previous, SecurityField::kNext, next);
+  cells.Put(next, SecurityField::kPrevious, previous);
+  if (hive.anySecurity == security) {
+    hive.anySecurity = next == security ? std::nullopt : std::optional(next);
+  }
   cells.Free(security);
 }
 
@@ -66,15 +68,15 @@ std::size_t SecurityPool::Hash(ByteView descriptor) {
 }
 
 SecurityPool::SecurityPool(HiveData& hive) : hive_(hive) {
-  if (hive.anySecurity == kNoCell) return;
-  std::uint32_t security = hive.anySecurity;
+  if (!hive.anySecurity) return;
+  SecurityCell security = *hive.anySecurity;
   do {
     cells_.emplace(Hash(Descriptor(hive, security)), security);
-    security = hive.cells.Get32(security, SecurityField::kNext);
+    security = hive.cells.Get(security, SecurityField::kNext);
   } while (security != hive.anySecurity);
 }
 
-std::uint32_t SecurityPool::Share(ByteView descriptor) {
+SecurityCell SecurityPool::Share(ByteView descriptor) {
   const std::size_t hash = Hash(descriptor);
   const auto [first, last] = cells_.equal_range(hash);
   const auto found = std::find_if(first, last, [&](const auto& entry) {
@@ -85,7 +87,7 @@ std::uint32_t SecurityPool::Share(ByteView descriptor) {
     ShareSecurity(hive_, found->second);
     return found->second;
   }
-  const std::uint32_t security = AddSecurity(hive_, descriptor);
+  const SecurityCell security = AddSecurity(hive_, descriptor);
   cells_.emplace(hash, security);
   return security;
 }

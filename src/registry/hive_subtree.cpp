@@ -15,69 +15,69 @@ class TreeCopier {
  public:
   TreeCopier(HiveData& hive, const HiveData& source) : hive_(hive), source_(source), pool_(hive) {}
 
-  void Copy(std::uint32_t to, std::uint32_t from) {
-    const std::uint32_t oldSecurity = hive_.cells.Get32(to, KeyField::kSecurity);
+  void Copy(KeyCell to, KeyCell from) {
+    const SecurityCell oldSecurity = hive_.cells.Get(to, KeyField::kSecurity);
     CopyFields(to, from);
     CopyContent(to, from);
-    std::vector<std::pair<std::uint32_t, std::uint32_t>> pending{{to, from}};
+    std::vector<std::pair<KeyCell, KeyCell>> pending{{to, from}};
     while (!pending.empty()) {
       const auto [parent, source] = pending.back();
       pending.pop_back();
-      for (const std::uint32_t subkey : SubkeyCells(source_, source)) {
+      for (const KeyCell subkey : SubkeyCells(source_, source)) {
         pending.emplace_back(CopyKey(parent, subkey), subkey);
       }
     }
     // At the end, since the pool may give it out again.
-    if (source_.cells.Get32(from, KeyField::kSecurity) != kNoCell) {
+    if (!source_.cells.Get(from, KeyField::kSecurity).IsNone()) {
       ReleaseSecurity(hive_, oldSecurity);
     }
   }
 
  private:
   /// The flags that do not tell of the key's place or its name's form, and what newer systems keep beside them.
-  void CopyFields(std::uint32_t to, std::uint32_t from) {
+  void CopyFields(KeyCell to, KeyCell from) {
     constexpr std::uint16_t kOwn = KeyFlag::kRoot | KeyFlag::kNoDelete | KeyFlag::kOneByteName;
     HiveCells& cells = hive_.cells;
     const unsigned flags =
-        (cells.Get16(to, KeyField::kFlags) & kOwn) | (source_.cells.Get16(from, KeyField::kFlags) & ~unsigned{kOwn});
-    cells.Put16(to, KeyField::kFlags, static_cast<std::uint16_t>(flags));
-    cells.Put32(to, KeyField::kAccess, source_.cells.Get32(from, KeyField::kAccess));
-    cells.Put16(to, KeyField::kMoreFlags, source_.cells.Get16(from, KeyField::kMoreFlags));
-    cells.Put32(to, KeyField::kWork, source_.cells.Get32(from, KeyField::kWork));
+        (cells.Get(to, KeyField::kFlags) & kOwn) | (source_.cells.Get(from, KeyField::kFlags) & ~unsigned{kOwn});
+    cells.Put(to, KeyField::kFlags, static_cast<std::uint16_t>(flags));
+    cells.Put(to, KeyField::kAccess, source_.cells.Get(from, KeyField::kAccess));
+    cells.Put(to, KeyField::kMoreFlags, source_.cells.Get(from, KeyField::kMoreFlags));
+    cells.Put(to, KeyField::kWork, source_.cells.Get(from, KeyField::kWork));
   }
 
-  std::uint32_t CopyKey(std::uint32_t parent, std::uint32_t from) {
-    const std::uint32_t key = CopyKeyRecord(hive_, parent, source_, from);
+  KeyCell CopyKey(KeyCell parent, KeyCell from) {
+    const KeyCell key = CopyKeyRecord(hive_, parent, {source_, from});
     CopyContent(key, from);
-    InsertSubkey(hive_, parent, key);
+    InsertSubkey(hive_, key);
     return key;
   }
 
   /// Values, class name and security of one key.
-  void CopyContent(std::uint32_t to, std::uint32_t from) {
+  void CopyContent(KeyCell to, KeyCell from) {
     SetClass(hive_, to, KeyClass(source_, from));
     CopySecurity(to, from);
-    const std::size_t count = source_.cells.Get32(from, KeyField::kValueCount);
-    for (std::size_t at = 0; at < count; ++at) CopyValue(hive_, to, source_, ValueCell(source_, from, at));
+    const std::size_t count = source_.cells.Get(from, KeyField::kValueCount);
+    for (std::size_t at = 0; at < count; ++at) CopyValue(hive_, to, source_, ValueOf(source_, from, at));
   }
 
   /// A key without a descriptor keeps the one it has, or gets its parent's.
-  void CopySecurity(std::uint32_t to, std::uint32_t from) {
+  void CopySecurity(KeyCell to, KeyCell from) {
     HiveCells& cells = hive_.cells;
-    const std::uint32_t theirs = source_.cells.Get32(from, KeyField::kSecurity);
-    if (theirs != kNoCell) {
-      cells.Put32(to, KeyField::kSecurity, Shared(theirs));
-    } else if (cells.Get32(to, KeyField::kSecurity) == kNoCell && to != hive_.root) {
-      const std::uint32_t inherited = cells.Get32(cells.Get32(to, KeyField::kParent), KeyField::kSecurity);
+    const SecurityCell theirs = source_.cells.Get(from, KeyField::kSecurity);
+    if (!theirs.IsNone()) {
+      cells.Put(to, KeyField::kSecurity, Shared(theirs));
+    } else if (cells.Get(to, KeyField::kSecurity).IsNone() && to != hive_.root) {
+      const SecurityCell inherited = cells.Get(cells.Get(to, KeyField::kParent), KeyField::kSecurity);
       ShareSecurity(hive_, inherited);
-      cells.Put32(to, KeyField::kSecurity, inherited);
+      cells.Put(to, KeyField::kSecurity, inherited);
     }
   }
 
-  std::uint32_t Shared(std::uint32_t theirs) {
+  SecurityCell Shared(SecurityCell theirs) {
     const auto known = security_.find(theirs);
     if (known == security_.end()) {
-      const std::uint32_t security = pool_.Share(Descriptor(source_, theirs));
+      const SecurityCell security = pool_.Share(Descriptor(source_, theirs));
       security_.emplace(theirs, security);
       return security;
     }
@@ -88,17 +88,18 @@ class TreeCopier {
   HiveData& hive_;
   const HiveData& source_;
   SecurityPool pool_;
-  std::unordered_map<std::uint32_t, std::uint32_t> security_;
+  std::unordered_map<SecurityCell, SecurityCell> security_;
 };
 
 /// Adds up what a tree takes in another hive, and meets the limits on the way.
 class TreeMeasure {
  public:
-  TreeMeasure(const HiveData& hive, const HiveData& source, std::string doing)
-      : hive_(hive), source_(source), doing_(std::move(doing)) {}
+  TreeMeasure(const HiveData& hive, SourceKey from, std::string doing)
+      : hive_(hive), source_(from.hive), from_(from.key), doing_(std::move(doing)) {}
 
-  std::uint64_t Measure(std::uint32_t from, std::size_t depth) {
-    std::vector<std::pair<std::uint32_t, std::size_t>> pending{{from, depth}};
+  /// `depth`: of the key that the copy goes to.
+  std::uint64_t Measure(std::size_t depth) {
+    std::vector<std::pair<KeyCell, std::size_t>> pending{{from_, depth}};
     while (!pending.empty()) {
       const auto [key, level] = pending.back();
       pending.pop_back();
@@ -107,23 +108,23 @@ class TreeMeasure {
                      "keys can be nested " + std::to_string(Hive::kMaxDepth) + " levels deep and no deeper");
       }
       AddKey(key);
-      for (const std::uint32_t subkey : SubkeyCells(source_, key)) pending.emplace_back(subkey, level + 1);
+      for (const KeyCell subkey : SubkeyCells(source_, key)) pending.emplace_back(subkey, level + 1);
     }
     return size_;
   }
 
  private:
-  void AddKey(std::uint32_t key) {
+  void AddKey(KeyCell key) {
     const HiveCells& cells = source_.cells;
-    size_ += cells.Room(key) + cells.Get16(key, KeyField::kClassLength) + 2 * kRecordOverhead;
-    const std::uint32_t security = cells.Get32(key, KeyField::kSecurity);
-    if (security != kNoCell && security_.insert(security).second) size_ += cells.Room(security) + kRecordOverhead;
-    for (std::size_t at = 0; at < cells.Get32(key, KeyField::kValueCount); ++at) {
-      AddValue(key, ValueCell(source_, key, at));
+    size_ += cells.Room(key) + cells.Get(key, KeyField::kClassLength) + 2 * kRecordOverhead;
+    const SecurityCell security = cells.Get(key, KeyField::kSecurity);
+    if (!security.IsNone() && security_.insert(security).second) size_ += cells.Room(security) + kRecordOverhead;
+    for (std::size_t at = 0; at < cells.Get(key, KeyField::kValueCount); ++at) {
+      AddValue(key, ValueOf(source_, key, at));
     }
   }
 
-  void AddValue(std::uint32_t key, std::uint32_t value) {
+  void AddValue(KeyCell key, ValueCell value) {
     const std::uint64_t data = ValueSize(source_, value);
     if (const std::string fault = DataFault(hive_, data); !fault.empty()) {
       ThrowRefusal(source_, key, HiveLimit::Data, doing_,
@@ -136,20 +137,20 @@ class TreeMeasure {
 
   const HiveData& hive_;
   const HiveData& source_;
+  KeyCell from_;
   std::string doing_;
   std::uint64_t size_ = 0;
-  std::unordered_set<std::uint32_t> security_;
+  std::unordered_set<SecurityCell> security_;
 };
 
 }  // namespace
 
-void CopyTree(HiveData& hive, std::uint32_t to, const HiveData& source, std::uint32_t from) {
-  TreeCopier(hive, source).Copy(to, from);
+void CopyTree(HiveData& hive, KeyCell to, SourceKey from) {
+  TreeCopier(hive, from.hive).Copy(to, from.key);
 }
 
-void RequireCopy(const HiveData& hive, std::uint32_t to, const HiveData& source, std::uint32_t from,
-                 const std::string& doing) {
-  const std::uint64_t size = TreeMeasure(hive, source, doing).Measure(from, KeyDepth(hive, to));
+void RequireCopy(const HiveData& hive, KeyCell to, SourceKey from, const std::string& doing) {
+  const std::uint64_t size = TreeMeasure(hive, from, doing).Measure(KeyDepth(hive, to));
   RequireSpace(hive, to, doing, size);
 }
 

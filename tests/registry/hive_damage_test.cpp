@@ -80,13 +80,12 @@ TEST(DamagedHive, IsRefusedOrWholeWithBytesOfItsListsChanged) {
 }
 
 TEST(DamagedHive, NoEntryOfAListEndsIt) {
-  const auto refusals = [](const Bytes& good, std::uint32_t list) {
+  const auto refusals = [](const Bytes& good, ListCell list) {
     Bytes file = good;
-    const std::size_t count = Load16(Record(file, list) + ListField::kCount);
-    const bool isWide = Load16(Record(file, list)) == Tag16('l', 'f') || Load16(Record(file, list)) == Tag16('l', 'h');
+    const std::size_t count = Get(file, list, ListField::kCount);
     for (const std::size_t entry : {std::size_t{0}, count / 2, count - 1}) {
       Bytes damaged = good;
-      Store32(Record(damaged, list) + ListField::kEntries + entry * (isWide ? 8 : 4), 0xFFFFFFFF);
+      Put(damaged, list, LeafEntry(LoadTag(Record(file, list)), entry), KeyCell());
       EXPECT_THAT(Refusal(damaged), HasSubstr("leads to no cell in use")) << "entry " << entry << " of " << count;
     }
   };
@@ -94,7 +93,7 @@ TEST(DamagedHive, NoEntryOfAListEndsIt) {
     Hive hive = EmptyHive(minor);
     for (const char* name : {"a", "b", "c", "d", "e"}) hive.CreatePath(hive.Root(), name);
     Bytes file = hive.Image(kMonday);
-    const std::uint32_t list = Field(file, hive.Root().cell, KeyField::kSubkeyList);
+    const ListCell list = Get(file, RootCell(hive), KeyField::kSubkeyList);
     refusals(file, list);
     MakePlain(file, list);
     EXPECT_EQ(Refusal(file), "");
@@ -102,21 +101,21 @@ TEST(DamagedHive, NoEntryOfAListEndsIt) {
   }
   Hive hive = LargeHive();
   Bytes file = hive.Image(kMonday);
-  const std::uint32_t index = Field(file, CellOf(hive, "Many"), KeyField::kSubkeyList);
-  ASSERT_EQ(Load16(Record(file, index)), Tag16('r', 'i'));
+  const ListCell index = Get(file, CellOf(hive, "Many"), KeyField::kSubkeyList);
+  ASSERT_EQ(LoadTag(Record(file, index)), kLeafIndexTag);
   refusals(file, index);
-  refusals(file, Field(file, index, ListField::kEntries));
+  refusals(file, Get(file, index, IndexEntry(0)));
 }
 
 TEST(DamagedHive, IgnoresWhatIsNeverStored) {
   Hive hive = SmallHive();
   Bytes file = hive.Image(kMonday);
   for (const char* path : {"", "One", "One\\Two"}) {
-    const std::uint32_t key = CellOf(hive, path);
-    Store32(Record(file, key) + KeyField::kVolatileCount, 7);
-    Store32(Record(file, key) + KeyField::kVolatileList, Field(file, CellOf(hive, "One"), KeyField::kSubkeyList));
+    const KeyCell key = CellOf(hive, path);
+    Put(file, key, KeyField::kVolatileCount, 7);
+    Put(file, key, KeyField::kVolatileList, Get(file, CellOf(hive, "One"), KeyField::kSubkeyList));
   }
-  Store32(Record(file, hive.Root().cell) + KeyField::kParent, CellOf(hive, "One\\Two"));
+  Put(file, RootCell(hive), KeyField::kParent, CellOf(hive, "One\\Two"));
   EXPECT_EQ(Refusal(file), "");
   EXPECT_EQ(Lines(Hive::Load(file, "volatile")), Lines(hive));
 }
@@ -124,19 +123,19 @@ TEST(DamagedHive, IgnoresWhatIsNeverStored) {
 TEST(DamagedHive, CountsOfDescriptorsThatNoKeyHasDoNotWrap) {
   Hive hive = SmallHive();
   Bytes other = hive.SaveSubtree(*hive.Find(hive.Root(), "One"), kMonday).Image(kMonday);
-  const std::uint32_t otherRoot = Load32(other.data() + BaseField::kRoot);
-  Record(other, Field(other, otherRoot, KeyField::kSecurity))[SecurityField::kDescriptor + 40] ^= 1;
+  const KeyCell otherRoot(Load32(other.data() + BaseField::kRoot));
+  Record(other, Get(other, otherRoot, KeyField::kSecurity))[SecurityField::kDescriptor + 40] ^= 1;
   const Hive source = Hive::Load(other, "another descriptor");
   const Bytes descriptor = source.Security(source.Root());
   hive.ReplaceSubtree(*hive.Find(hive.Root(), "One"), source);
 
   // Every key gets the root's descriptor; the other one is left with a number that four more bring to 2.
   Bytes file = hive.Image(kMonday);
-  const std::uint32_t unused = Field(file, CellOf(hive, "One"), KeyField::kSecurity);
+  const SecurityCell unused = Get(file, CellOf(hive, "One"), KeyField::kSecurity);
   for (const char* path : {"One", "One\\Two", "One\\Two\\\xD0\x96", "One\\Three"}) {
-    Store32(Record(file, CellOf(hive, path)) + KeyField::kSecurity, Field(file, hive.Root().cell, KeyField::kSecurity));
+    Put(file, CellOf(hive, path), KeyField::kSecurity, Get(file, RootCell(hive), KeyField::kSecurity));
   }
-  Store32(Record(file, unused) + SecurityField::kCount, 0xFFFFFFFE);
+  Put(file, unused, SecurityField::kCount, 0xFFFFFFFE);
   Hive opened = Hive::Load(file, "unused");
   opened.ReplaceSubtree(*opened.Find(opened.Root(), "One"), source);
   opened.DeleteTree(*opened.Find(opened.Root(), "One\\Two"));
@@ -152,23 +151,23 @@ TEST(DamagedHive, KeepsToTheDepthOfKeys) {
   Bytes file = hive.Image(kMonday);
   EXPECT_EQ(Refusal(file), "");
   // The level 513: the deepest key gets the list of the root, with the other key alone in it.
-  const std::uint32_t list = Field(file, hive.Root().cell, KeyField::kSubkeyList);
+  const ListCell list = Get(file, RootCell(hive), KeyField::kSubkeyList);
   Bytes deeper = file;
-  Store16(Record(deeper, list) + ListField::kCount, 1);
-  Store32(Record(deeper, hive.Root().cell) + KeyField::kSubkeyCount, 1);
-  Store32(Record(deeper, deepest.cell) + KeyField::kSubkeyCount, 1);
-  Store32(Record(deeper, deepest.cell) + KeyField::kSubkeyList, other.cell);
+  Put(deeper, list, ListField::kCount, 1);
+  Put(deeper, RootCell(hive), KeyField::kSubkeyCount, 1);
+  Put(deeper, KeyCell(deepest.cell), KeyField::kSubkeyCount, 1);
+  Put(deeper, KeyCell(deepest.cell), KeyField::kSubkeyList, ListCell(other.cell));
   EXPECT_THAT(Refusal(deeper), HasSubstr("nested too deeply"));
 }
 
 TEST(DamagedHive, SaysWhereAndWhy) {
   const Bytes good = SmallHive().Image(kMonday);
   Hive hive = SmallHive();
-  const std::uint32_t one = hive.Find(hive.Root(), "One")->cell;
-  const std::uint32_t two = hive.Find(hive.Root(), "One\\Two")->cell;
-  const std::uint32_t deepest = hive.Find(hive.Root(), "One\\Two\\\xD0\x96")->cell;
-  const auto list = [&](Bytes& file, std::uint32_t key) { return Field(file, key, KeyField::kSubkeyList); };
-  const auto text = [&](Bytes& file) { return Field(file, Field(file, deepest, KeyField::kValueList), 0); };
+  const KeyCell one = CellOf(hive, "One");
+  const KeyCell two = CellOf(hive, "One\\Two");
+  const KeyCell deepest = CellOf(hive, "One\\Two\\\xD0\x96");
+  const auto list = [&](Bytes& file, KeyCell key) { return Get(file, key, KeyField::kSubkeyList); };
+  const auto text = [&](Bytes& file) { return Get(file, Get(file, deepest, KeyField::kValueList), ValueEntry(0)); };
   struct Damage {
     std::string refusal;
     std::function<void(Bytes&)> apply;
@@ -187,39 +186,36 @@ TEST(DamagedHive, SaysWhereAndWhy) {
       {"offset 0x1000: there is no bin header", [](Bytes& file) { file[kHivePage] = 'x'; }},
       {"the root key's offset", [](Bytes& file) { SetBase(file, BaseField::kRoot, 0x7FFFFFF8); }},
       {"belongs to another record already",
-       [&](Bytes& file) { Store32(Record(file, two) + KeyField::kSubkeyList, list(file, one)); }},
+       [&](Bytes& file) { Put(file, two, KeyField::kSubkeyList, list(file, one)); }},
       {"belongs to another record already",
-       [&](Bytes& file) { Store32(Record(file, list(file, two)) + ListField::kEntries, one); }},
-      {"names another parent", [&](Bytes& file) { Store32(Record(file, two) + KeyField::kParent, two); }},
-      {"number of subkeys", [&](Bytes& file) { Store32(Record(file, one) + KeyField::kSubkeyCount, 7); }},
-      {"number of subkeys", [&](Bytes& file) { Store32(Record(file, one) + KeyField::kSubkeyCount, 0); }},
-      {"number of subkeys", [&](Bytes& file) { Store32(Record(file, one) + KeyField::kSubkeyCount, 0x40000000); }},
+       [&](Bytes& file) { Put(file, list(file, two), LeafEntry(kHashLeafTag, 0), one); }},
+      {"names another parent", [&](Bytes& file) { Put(file, two, KeyField::kParent, two); }},
+      {"number of subkeys", [&](Bytes& file) { Put(file, one, KeyField::kSubkeyCount, 7); }},
+      {"number of subkeys", [&](Bytes& file) { Put(file, one, KeyField::kSubkeyCount, 0); }},
+      {"number of subkeys", [&](Bytes& file) { Put(file, one, KeyField::kSubkeyCount, 0x40000000); }},
       {"number of subkeys",
        [&](Bytes& file) {
-         Store16(Record(file, list(file, one)), kLeafIndexTag);
-         Store16(Record(file, list(file, one)) + ListField::kCount, 0);
+         StoreTag(Record(file, list(file, one)), kLeafIndexTag);
+         Put(file, list(file, one), ListField::kCount, 0);
        }},
-      {"list of subkeys is empty", [&](Bytes& file) { Store16(Record(file, list(file, one)) + ListField::kCount, 0); }},
-      {"number of values", [&](Bytes& file) { Store32(Record(file, deepest) + KeyField::kValueCount, 0); }},
-      {"too short for the list of values",
-       [&](Bytes& file) { Store32(Record(file, deepest) + KeyField::kValueCount, 0x40000001); }},
+      {"list of subkeys is empty", [&](Bytes& file) { Put(file, list(file, one), ListField::kCount, 0); }},
+      {"number of values", [&](Bytes& file) { Put(file, deepest, KeyField::kValueCount, 0); }},
+      {"too short for the list of values", [&](Bytes& file) { Put(file, deepest, KeyField::kValueCount, 0x40000001); }},
       {"its value leads to no cell",
-       [&](Bytes& file) { Store32(Record(file, Field(file, deepest, KeyField::kValueList)), 0xFFFFFFFF); }},
-      {"its data leads to no cell",
-       [&](Bytes& file) { Store32(Record(file, text(file)) + ValueField::kData, kNoCell); }},
-      {"more than 4 bytes",
-       [&](Bytes& file) { Store32(Record(file, text(file)) + ValueField::kDataSize, kInlineData | 5); }},
-      {"data reach beyond", [&](Bytes& file) { Store32(Record(file, text(file)) + ValueField::kDataSize, 16344); }},
-      {"big data", [&](Bytes& file) { Store32(Record(file, text(file)) + ValueField::kDataSize, 16345); }},
+       [&](Bytes& file) { Put(file, Get(file, deepest, KeyField::kValueList), ValueEntry(0), ValueCell()); }},
+      {"its data leads to no cell", [&](Bytes& file) { Put(file, text(file), ValueField::kData, DataCell()); }},
+      {"more than 4 bytes", [&](Bytes& file) { Put(file, text(file), ValueField::kDataSize, kInlineData | 5); }},
+      {"data reach beyond", [&](Bytes& file) { Put(file, text(file), ValueField::kDataSize, 16344); }},
+      {"big data", [&](Bytes& file) { Put(file, text(file), ValueField::kDataSize, 16345); }},
       {"class name",
        [&](Bytes& file) {
-         Store16(Record(file, two) + KeyField::kClassLength, 2);
-         Store32(Record(file, two) + KeyField::kClass, 0xFFFFFFF8);
+         Put(file, two, KeyField::kClassLength, 2);
+         Put(file, two, KeyField::kClass, DataCell(0xFFFFFFF8));
        }},
-      {"name is empty", [&](Bytes& file) { Store16(Record(file, two) + KeyField::kNameLength, 0); }},
-      {"name is empty", [&](Bytes& file) { Store16(Record(file, deepest) + KeyField::kNameLength, 1); }},
+      {"name is empty", [&](Bytes& file) { Put(file, two, KeyField::kNameLength, 0); }},
+      {"name is empty", [&](Bytes& file) { Put(file, deepest, KeyField::kNameLength, 1); }},
       {"holds a backslash", [&](Bytes& file) { Record(file, two)[KeyField::kName + 1] = '\\'; }},
-      {"name reaches beyond", [&](Bytes& file) { Store16(Record(file, two) + KeyField::kNameLength, 900); }},
+      {"name reaches beyond", [&](Bytes& file) { Put(file, two, KeyField::kNameLength, 900); }},
   };
   for (const Damage& damage : damages) {
     Bytes file = good;

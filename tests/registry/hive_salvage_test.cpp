@@ -73,27 +73,27 @@ TEST(SalvagedHive, KeepsAKeyThatNamesAnotherParent) {
                   Pattern(12));
   }
   Bytes file = hive.Image(kMonday);
-  const std::uint32_t key = CellOf(hive, "Software\\Identities\\2500");
-  Store32(Record(file, key) + KeyField::kParent, 0x20);
+  const KeyCell key = CellOf(hive, "Software\\Identities\\2500");
+  Put(file, key, KeyField::kParent, KeyCell(0x20));
   EXPECT_THROW((void)Hive::Load(file, "damaged.dat"), Error);
   const std::optional<Hive> salvaged = Salvage(file);
   ASSERT_TRUE(salvaged);
   EXPECT_EQ(Lines(*salvaged, true), Lines(hive, true));
   EXPECT_THAT(Notes(*salvaged), ElementsAre("Software\\Identities\\2500: its parent offset is wrong; corrected"));
-  EXPECT_EQ(salvaged->Damage()[0].offset, 4096 + key);
+  EXPECT_EQ(salvaged->Damage()[0].offset, 4096 + key.offset);
   EXPECT_EQ(salvaged->DamageCount(), 1U);
 }
 
 TEST(SalvagedHive, LeavesOutWhatIsDamagedAndNothingElse) {
   Hive hive = SmallHive();
   const Bytes good = hive.Image(kMonday);
-  const std::uint32_t one = CellOf(hive, "One");
-  const std::uint32_t two = CellOf(hive, "One\\Two");
-  const std::uint32_t three = CellOf(hive, "One\\Three");
-  const std::uint32_t deepest = CellOf(hive, "One\\Two\\\xD0\x96");
-  const auto list = [](Bytes& file, std::uint32_t key) { return Field(file, key, KeyField::kSubkeyList); };
-  const auto values = [&](Bytes& file) { return Field(file, deepest, KeyField::kValueList); };
-  const auto text = [&](Bytes& file) { return Field(file, values(file), 0); };
+  const KeyCell one = CellOf(hive, "One");
+  const KeyCell two = CellOf(hive, "One\\Two");
+  const KeyCell three = CellOf(hive, "One\\Three");
+  const KeyCell deepest = CellOf(hive, "One\\Two\\\xD0\x96");
+  const auto list = [](Bytes& file, KeyCell key) { return Get(file, key, KeyField::kSubkeyList); };
+  const auto values = [&](Bytes& file) { return Get(file, deepest, KeyField::kValueList); };
+  const auto text = [&](Bytes& file) { return Get(file, values(file), ValueEntry(0)); };
   const std::string path = "\\One\\Two\\\xD0\x96";
   const std::string textLine = ValueLine(path, {"text", 1, Pattern(20)});
   const std::string defaultLine = ValueLine(path, {"", 4, Pattern(4)});
@@ -107,60 +107,56 @@ TEST(SalvagedHive, LeavesOutWhatIsDamagedAndNothingElse) {
       {{"One: the cell does not hold the key it should"}, belowTwo, [&](Bytes& file) { Record(file, two)[0] = 'x'; }},
       {{"One: the key's name reaches beyond its cell"},
        belowTwo,
-       [&](Bytes& file) { Store16(Record(file, two) + KeyField::kNameLength, 900); }},
+       [&](Bytes& file) { Put(file, two, KeyField::kNameLength, 900); }},
       {{"One: the offset of its subkey leads to no cell in use"},
        {},
-       [&](Bytes& file) { Store32(Record(file, list(file, one)) + ListField::kEntries + 8, 0xFFFFFFFF); }},
+       [&](Bytes& file) { Put(file, list(file, one), LeafEntry(kHashLeafTag, 1), KeyCell()); }},
       {{"One: the key's number of subkeys is not that of its list"},
        {},
-       [&](Bytes& file) { Store32(Record(file, one) + KeyField::kSubkeyCount, 7); }},
+       [&](Bytes& file) { Put(file, one, KeyField::kSubkeyCount, 7); }},
       {{"One: the key's number of subkeys is not that of its list"},
        {},
-       [&](Bytes& file) { Store32(Record(file, one) + KeyField::kSubkeyCount, 0); }},
+       [&](Bytes& file) { Put(file, one, KeyField::kSubkeyCount, 0); }},
       {{"One: the list of subkeys reaches beyond its cell"},
        {},
-       [&](Bytes& file) { Store16(Record(file, list(file, one)) + ListField::kCount, 900); }},
+       [&](Bytes& file) { Put(file, list(file, one), ListField::kCount, 900); }},
       {{"One: the cell does not hold the list of subkeys it should"},
        {},
        [&](Bytes& file) { Record(file, list(file, one))[1] = 0; }},
       {{"One\\Two\\\xD0\x96: the key's number of values is not that of its list"},
        {},
-       [&](Bytes& file) { Store32(Record(file, deepest) + KeyField::kValueCount, 0); }},
+       [&](Bytes& file) { Put(file, deepest, KeyField::kValueCount, 0); }},
       {{"One\\Two\\\xD0\x96: the cell is too short for the list of values in it"},
        {},
-       [&](Bytes& file) { Store32(Record(file, deepest) + KeyField::kValueCount, 0x40000000); }},
+       [&](Bytes& file) { Put(file, deepest, KeyField::kValueCount, 0x40000000); }},
       {{"One\\Two\\\xD0\x96 \"text\": the offset of its data leads to no cell in use"},
        {textLine},
-       [&](Bytes& file) { Store32(Record(file, text(file)) + ValueField::kData, 4); }},
+       [&](Bytes& file) { Put(file, text(file), ValueField::kData, DataCell(4)); }},
       {{"One\\Two\\\xD0\x96 \"text\": the value's data reach beyond their cell"},
        {textLine},
-       [&](Bytes& file) { Store32(Record(file, text(file)) + ValueField::kDataSize, 200); }},
+       [&](Bytes& file) { Put(file, text(file), ValueField::kDataSize, 200); }},
       {{"One\\Two\\\xD0\x96 (Default): a value without a data cell has more than 4 bytes"},
        {defaultLine},
-       [&](Bytes& file) {
-         Store32(Record(file, Field(file, values(file), 4)) + ValueField::kDataSize, kInlineData | 6);
-       }},
+       [&](Bytes& file) { Put(file, Get(file, values(file), ValueEntry(1)), ValueField::kDataSize, kInlineData | 6); }},
       {{"One\\Three: the offset of its class name leads to no cell in use"},
        {},
        [&](Bytes& file) {
-         Store16(Record(file, three) + KeyField::kClassLength, 8);
-         Store32(Record(file, three) + KeyField::kClass, 12);
+         Put(file, three, KeyField::kClassLength, 8);
+         Put(file, three, KeyField::kClass, DataCell(12));
        }},
       {{"One\\Three: the offset of its security descriptor leads to no cell in use"},
        {},
-       [&](Bytes& file) { Store32(Record(file, three) + KeyField::kSecurity, 8); }},
+       [&](Bytes& file) { Put(file, three, KeyField::kSecurity, SecurityCell(8)); }},
       {{"the file: the security descriptors are not linked back"},
        {},
-       [&](Bytes& file) {
-         Store32(Record(file, Field(file, one, KeyField::kSecurity)) + SecurityField::kPrevious, 8);
-       }},
+       [&](Bytes& file) { Put(file, Get(file, one, KeyField::kSecurity), SecurityField::kPrevious, SecurityCell(8)); }},
       // Two that name one list: it is the key's that its entries name. `Two` is below `One`, and walked after it.
       {{"One\\Two: the cell of its list of subkeys belongs to another record already"},
        {},
-       [&](Bytes& file) { Store32(Record(file, two) + KeyField::kSubkeyList, list(file, one)); }},
+       [&](Bytes& file) { Put(file, two, KeyField::kSubkeyList, list(file, one)); }},
       {{"One: the cell of its list of subkeys belongs to another record already"},
        {},
-       [&](Bytes& file) { Store32(Record(file, one) + KeyField::kSubkeyList, list(file, two)); }},
+       [&](Bytes& file) { Put(file, one, KeyField::kSubkeyList, list(file, two)); }},
   };
   for (const Case& damage : cases) {
     Bytes file = good;
@@ -180,19 +176,19 @@ TEST(SalvagedHive, AListGoesToTheKeyThatItsEntriesName) {
   Hive hive = EmptyHive(5);
   for (const char* path : {"A", "B\\x", "B\\y"}) hive.SetValue(hive.CreatePath(hive.Root(), path), "v", 3, Pattern(9));
   Bytes file = hive.Image(kMonday);
-  const std::uint32_t a = CellOf(hive, "A");
-  const std::uint32_t b = CellOf(hive, "B");
+  const KeyCell a = CellOf(hive, "A");
+  const KeyCell b = CellOf(hive, "B");
   Bytes stolenList = file;
-  Store32(Record(stolenList, a) + KeyField::kSubkeyCount, 2);
-  Store32(Record(stolenList, a) + KeyField::kSubkeyList, Field(file, b, KeyField::kSubkeyList));
+  Put(stolenList, a, KeyField::kSubkeyCount, 2);
+  Put(stolenList, a, KeyField::kSubkeyList, Get(file, b, KeyField::kSubkeyList));
   std::optional<Hive> salvaged = Salvage(stolenList);
   ASSERT_TRUE(salvaged);
   EXPECT_EQ(Lines(*salvaged, true), Lines(hive, true));
   EXPECT_THAT(Notes(*salvaged), ElementsAre("A: the cell of its list of subkeys belongs to another record already"));
 
   Bytes stolenKey = file;
-  const std::uint32_t rootList = Field(file, hive.Root().cell, KeyField::kSubkeyList);
-  Store32(Record(stolenKey, rootList) + ListField::kEntries, CellOf(hive, "B\\x"));
+  const ListCell rootList = Get(file, RootCell(hive), KeyField::kSubkeyList);
+  Put(stolenKey, rootList, LeafEntry(kHashLeafTag, 0), CellOf(hive, "B\\x"));
   salvaged = Salvage(stolenKey);
   ASSERT_TRUE(salvaged);
   EXPECT_THAT(Missing(Lines(hive), Lines(*salvaged)), ElementsAre("\\A", ValueLine("\\A", {"v", 3, Pattern(9)})));
@@ -208,7 +204,7 @@ TEST(SalvagedHive, NeedsARootAndAKnownForm) {
       [](Bytes& file) { SetBase(file, BaseField::kMinor, 2); },
       [](Bytes& file) { SetBase(file, BaseField::kType, 1); },
       [](Bytes& file) { SetBase(file, BaseField::kRoot, 0xFFFFFFFF); },
-      [](Bytes& file) { Record(file, Load32(file.data() + BaseField::kRoot))[0] = 'x'; },
+      [](Bytes& file) { Record(file, Cell(Load32(file.data() + BaseField::kRoot)))[0] = 'x'; },
   };
   for (const Change& change : changes) {
     Bytes file = good;
@@ -319,12 +315,11 @@ TEST(SalvagedHive, KeepsFewNotesOfManyFaults) {
   hive.SetValue(hive.Root(), "kept", 3, Pattern(50));
   hive.SetValue(hive.Root(), "list", 3, Bytes((kFaults + 1) * 4, 0xFF));
   Bytes file = hive.Image(kMonday);
-  const std::uint32_t list = Field(file, hive.Root().cell, KeyField::kValueList);
-  const std::uint32_t kept = Field(file, list, 0);
-  const std::uint32_t data = Field(file, Field(file, list, 4), ValueField::kData);
-  Store32(Record(file, data), kept);
-  Store32(Record(file, hive.Root().cell) + KeyField::kValueList, data);
-  Store32(Record(file, hive.Root().cell) + KeyField::kValueCount, kFaults + 1);
+  const ValueListCell list = Get(file, RootCell(hive), KeyField::kValueList);
+  const ValueListCell larger(Get(file, Get(file, list, ValueEntry(1)), ValueField::kData));
+  Put(file, larger, ValueEntry(0), Get(file, list, ValueEntry(0)));
+  Put(file, RootCell(hive), KeyField::kValueList, larger);
+  Put(file, RootCell(hive), KeyField::kValueCount, kFaults + 1);
   const std::optional<Hive> salvaged = Salvage(file);
   ASSERT_TRUE(salvaged);
   EXPECT_EQ(salvaged->ValueCount(salvaged->Root()), 1U);
@@ -340,7 +335,7 @@ TEST(SalvagedHive, HoldsAllOfAHiveWithOneBadPage) {
       hive.SetValue(hive.Root(), "value " + std::to_string(size), 3, Pattern(size));
     }
     Bytes file = hive.Image(kMonday);
-    MakePlain(file, Field(file, hive.Root().cell, KeyField::kSubkeyList));
+    MakePlain(file, Get(file, RootCell(hive), KeyField::kSubkeyList));
     const std::optional<Hive> salvaged = Salvage(WithBadPage(file));
     ASSERT_TRUE(salvaged);
     EXPECT_EQ(Lines(*salvaged, true), Lines(hive, true));

@@ -26,13 +26,12 @@ std::string Numbered(int number) {
   return "key " + std::to_string(static_cast<unsigned>(number) * 2654435761U);
 }
 
-/// The security cell of a key, as the file has it.
-std::uint32_t SecurityCell(Bytes& file, HiveKey key) {
-  return Load32(Record(file, key.cell) + KeyField::kSecurity);
+SecurityCell SecurityOf(Bytes& file, HiveKey key) {
+  return Get(file, KeyCell(key.cell), KeyField::kSecurity);
 }
 
 std::uint32_t SecurityCount(Bytes file, HiveKey key) {
-  return Load32(Record(file, SecurityCell(file, key)) + SecurityField::kCount);
+  return Get(file, SecurityOf(file, key), SecurityField::kCount);
 }
 
 TEST(Hive, SplitsLongSubkeyListsAndTakesThemApartAgain) {
@@ -123,7 +122,7 @@ TEST(Hive, CountsTheKeysOfEachSecurityDescriptor) {
 
   // A tree with a descriptor of its own, from another hive.
   Bytes other = hive.SaveSubtree(one, kMonday).Image(kMonday);
-  Record(other, SecurityCell(other, Hive::Load(other, "o").Root()))[SecurityField::kDescriptor] = 9;
+  Record(other, SecurityOf(other, Hive::Load(other, "o").Root()))[SecurityField::kDescriptor] = 9;
   const Hive source = Hive::Load(other, "other");
   const HiveKey two = hive.CreateSubkey(hive.Root(), "two");
   hive.ReplaceSubtree(two, source);
@@ -137,8 +136,8 @@ TEST(Hive, CountsTheKeysOfEachSecurityDescriptor) {
   hive.ReplaceSubtree(two, hive.SaveSubtree(one, kMonday));
   file = hive.Image(kMonday);
   EXPECT_EQ(SecurityCount(file, one), 7U);
-  const std::uint32_t security = SecurityCell(file, one);
-  EXPECT_EQ(Load32(Record(file, security) + SecurityField::kNext), security);
+  const SecurityCell security = SecurityOf(file, one);
+  EXPECT_EQ(Get(file, security, SecurityField::kNext), security);
   hive.DeleteTree(two);
   hive.DeleteTree(one);
   EXPECT_EQ(SecurityCount(hive.Image(kMonday), hive.Root()), 1U);
@@ -179,13 +178,13 @@ TEST(Hive, CarriesASubtreeWithAllThatBelongsToIt) {
   const HiveKey some = *hive.Find(tree, Numbered(5));
   hive.SetValue(some, "class", 1, Utf16Bytes(u"Klass"));
   Bytes file = hive.Image(kMonday);
-  std::uint8_t* key = Record(file, some.cell);
-  std::uint8_t* value = Record(file, Load32(Record(file, Load32(key + KeyField::kValueList)) + 4));
-  Store32(key + KeyField::kClass, Load32(value + ValueField::kData));
-  Store16(key + KeyField::kClassLength, 10);
-  Store32(value + ValueField::kDataSize, kInlineData);
-  Store16(key + KeyField::kFlags, Load16(key + KeyField::kFlags) | 0x3000);
-  Store32(key + KeyField::kWork, 0xABCD);
+  const KeyCell key(some.cell);
+  const ValueCell value = Get(file, Get(file, key, KeyField::kValueList), ValueEntry(1));
+  Put(file, key, KeyField::kClass, Get(file, value, ValueField::kData));
+  Put(file, key, KeyField::kClassLength, 10);
+  Put(file, value, ValueField::kDataSize, kInlineData);
+  Put(file, key, KeyField::kFlags, Get(file, key, KeyField::kFlags) | 0x3000);
+  Put(file, key, KeyField::kWork, 0xABCD);
   hive = Hive::Load(file, "with fields");
   ASSERT_EQ(hive.ClassName(some), "Klass");
 
@@ -202,9 +201,9 @@ TEST(Hive, CarriesASubtreeWithAllThatBelongsToIt) {
   EXPECT_EQ(target.Name(place), "Old");
   EXPECT_EQ(target.Time(*target.Find(place, Numbered(6))), kMonday + 6);
   Bytes image = target.Image(kTuesday);
-  const std::uint8_t* copied = Record(image, target.Find(place, Numbered(5))->cell);
-  EXPECT_EQ(Load16(copied + KeyField::kFlags), 0x3020);
-  EXPECT_EQ(Load32(copied + KeyField::kWork), 0xABCDU);
+  const KeyCell copied(target.Find(place, Numbered(5))->cell);
+  EXPECT_EQ(Get(image, copied, KeyField::kFlags), 0x3020);
+  EXPECT_EQ(Get(image, copied, KeyField::kWork), 0xABCDU);
 }
 
 TEST(Hive, RefusesWhatExceedsALimitAndStaysAsItWas) {
@@ -235,11 +234,7 @@ TEST(Hive, WorksOnPlainListsOfOlderSystems) {
   Hive hive = EmptyHive(3);
   for (const char* name : {"beta", "delta", "alpha"}) hive.CreateSubkey(hive.Root(), name);
   Bytes file = hive.Image(kMonday);
-  std::uint8_t* list = Record(file, Load32(Record(file, hive.Root().cell) + KeyField::kSubkeyList));
-  Store16(list, kPlainLeafTag);
-  for (std::size_t at = 0; at < 3; ++at) {
-    Store32(list + ListField::kEntries + at * 4, Load32(list + ListField::kEntries + at * 8));
-  }
+  MakePlain(file, Get(file, RootCell(hive), KeyField::kSubkeyList));
   hive = Hive::Load(file, "plain");
   for (int number = 0; number < 1500; ++number) hive.CreateSubkey(hive.Root(), Numbered(number));
   hive.DeleteTree(*hive.Find(hive.Root(), "BETA"));
@@ -254,7 +249,7 @@ TEST(Hive, FindsKeysOfAListInAnotherOrder) {
   for (const char* name : {"alpha", "beta", "gamma", "delta"}) hive.CreatePath(hive.Root(), name);
   const HiveKey alpha = *hive.Find(hive.Root(), "alpha");
   Bytes file = hive.Image(kMonday);
-  Record(file, alpha.cell)[KeyField::kName] = 'x';
+  Record(file, Cell(alpha.cell))[KeyField::kName] = 'x';
   hive = Hive::Load(file, "unordered");
   for (const char* name : {"xlpha", "beta", "gamma", "delta"}) {
     ASSERT_TRUE(hive.Find(hive.Root(), name)) << name;

@@ -20,8 +20,18 @@ inline void SetBase(Bytes& file, std::size_t field, std::uint32_t number) {
 }
 
 /// The record in a cell of a hive's file.
-inline std::uint8_t* Record(Bytes& file, std::uint32_t cell) {
-  return file.data() + kHivePage + cell + kCellHeader;
+inline std::uint8_t* Record(Bytes& file, Cell cell) {
+  return file.data() + kHivePage + cell.offset + kCellHeader;
+}
+
+/// What a field of the record in a cell holds.
+template <typename Kind, typename T>
+T Get(Bytes& file, std::type_identity_t<Kind> cell, RecordField<Kind, T> field) {
+  return LoadField(Record(file, cell), field);
+}
+template <typename Kind, typename T>
+void Put(Bytes& file, std::type_identity_t<Kind> cell, RecordField<Kind, T> field, std::type_identity_t<T> content) {
+  StoreField(Record(file, cell), field, content);
 }
 
 /// An empty hive of version 1.`minor`.
@@ -73,9 +83,9 @@ inline Bytes Pattern(std::size_t size, std::size_t seed = 1) {
   return data;
 }
 
-/// A small hive with every kind of record that fits into two pages.
-inline Hive SmallHive() {
-  Hive hive = EmptyHive(5);
+/// A small hive of version 1.`minor` with every kind of record that fits into two pages.
+inline Hive SmallHive(std::uint32_t minor = 5) {
+  Hive hive = EmptyHive(minor);
   const HiveKey key = hive.CreatePath(hive.Root(), "One\\Two\\\xD0\x96");
   hive.SetValue(key, "text", 1, Pattern(20));
   hive.SetValue(key, "", 4, Pattern(4));
@@ -91,22 +101,20 @@ inline Hive LargeHive() {
   return hive;
 }
 
-inline std::uint32_t CellOf(const Hive& hive, std::string_view path) {
-  return hive.Find(hive.Root(), path).value().cell;
+inline KeyCell CellOf(const Hive& hive, std::string_view path) {
+  return KeyCell(hive.Find(hive.Root(), path).value().cell);
 }
-
-/// A number of the record in a cell.
-inline std::uint32_t Field(Bytes& file, std::uint32_t cell, std::size_t field) {
-  return Load32(Record(file, cell) + field);
+inline KeyCell RootCell(const Hive& hive) {
+  return KeyCell(hive.Root().cell);
 }
 
 /// Makes an `lf` or `lh` list one without hints or hashes (`li`).
-inline void MakePlain(Bytes& file, std::uint32_t list) {
-  std::uint8_t* record = Record(file, list);
-  Store16(record, kPlainLeafTag);
-  for (std::size_t entry = 0; entry < Load16(record + ListField::kCount); ++entry) {
-    Store32(record + ListField::kEntries + 4 * entry, Load32(record + ListField::kEntries + 8 * entry));
+inline void MakePlain(Bytes& file, ListCell list) {
+  const RecordTag tag = LoadTag(Record(file, list));
+  for (std::size_t entry = 0; entry < Get(file, list, ListField::kCount); ++entry) {
+    Put(file, list, LeafEntry(kPlainLeafTag, entry), Get(file, list, LeafEntry(tag, entry)));
   }
+  StoreTag(Record(file, list), kPlainLeafTag);
 }
 
 }  // namespace quillbox
