@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "registry/hive_cell_types.h"
+#include "text/byte_order.h"
 
 namespace quillbox {
 
@@ -168,29 +169,6 @@ inline RecordField<DataCell, DataCell> PieceEntry(std::size_t entry) {
 
 /// A leaf of this many entries fills a bin of one page, as Windows' own do.
 inline constexpr std::size_t kMaxLeafEntries = 507;
-
-inline std::uint16_t Load16(const std::uint8_t* at) {
-  return static_cast<std::uint16_t>(at[0] | at[1] << 8);
-}
-inline std::uint32_t Load32(const std::uint8_t* at) {
-  return static_cast<std::uint32_t>(at[0]) | static_cast<std::uint32_t>(at[1]) << 8 |
-         static_cast<std::uint32_t>(at[2]) << 16 | static_cast<std::uint32_t>(at[3]) << 24;
-}
-inline std::uint64_t Load64(const std::uint8_t* at) {
-  return Load32(at) | static_cast<std::uint64_t>(Load32(at + 4)) << 32;
-}
-inline void Store16(std::uint8_t* at, std::uint16_t number) {
-  at[0] = static_cast<std::uint8_t>(number);
-  at[1] = static_cast<std::uint8_t>(number >> 8);
-}
-inline void Store32(std::uint8_t* at, std::uint32_t number) {
-  Store16(at, static_cast<std::uint16_t>(number));
-  Store16(at + 2, static_cast<std::uint16_t>(number >> 16));
-}
-inline void Store64(std::uint8_t* at, std::uint64_t number) {
-  Store32(at, static_cast<std::uint32_t>(number));
-  Store32(at + 4, static_cast<std::uint32_t>(number >> 32));
-}
 
 /// What a field of the record at `record` holds.
 template <typename Record, typename T>

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "registry/hive_layout.h"
+#include "text/byte_order.h"
 #include "text/unicode.h"
 
 namespace quillbox {

@@ -2,7 +2,7 @@
 
 #include <bit>
 
-#include "registry/hive_layout.h"
+#include "text/byte_order.h"
 
 namespace quillbox {
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "registry/reg_file_form.h"
+#include "text/byte_order.h"
 #include "text/error.h"
 #include "text/unicode.h"
 
@@ -85,9 +86,8 @@ void RegFileLines::Return(Mark mark) {
 }
 
 char16_t RegFileLines::UnitAt(std::size_t offset) const {
-  const auto low = static_cast<unsigned char>(buffer_[offset]);
-  if (encoding_ != Encoding::Utf16) return low;
-  return static_cast<char16_t>(low | (static_cast<unsigned char>(buffer_[offset + 1]) << 8));
+  const auto* at = reinterpret_cast<const std::uint8_t*>(buffer_.data() + offset);
+  return encoding_ == Encoding::Utf16 ? Load16(at) : *at;
 }
 
 void RegFileLines::RequireSize(std::uint64_t size) const {

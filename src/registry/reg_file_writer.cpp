@@ -6,6 +6,7 @@
 
 #include "registry/reg_file.h"
 #include "registry/reg_file_form.h"
+#include "text/byte_order.h"
 
 namespace quillbox {
 namespace {
@@ -45,10 +46,8 @@ std::string HexPrefix(std::uint32_t type) {
 }
 
 std::string DwordText(ByteView data) {
-  const std::uint32_t number =
-      data[0] | (std::uint32_t{data[1]} << 8) | (std::uint32_t{data[2]} << 16) | (std::uint32_t{data[3]} << 24);
   std::array<char, 16> text{};
-  std::snprintf(text.data(), text.size(), "dword:%08x", static_cast<unsigned>(number));
+  std::snprintf(text.data(), text.size(), "dword:%08x", static_cast<unsigned>(Load32(data.data())));
   return text.data();
 }
 

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "sample/little_endian.h"
+#include "text/byte_order.h"
 
 namespace quillbox {
 namespace {
@@ -26,19 +26,19 @@ constexpr std::uint32_t kSurname = 0x3A11001F;
 
 void AppendProperty(Bytes& record, std::uint32_t tag, std::string_view text) {
   const Bytes units = Utf16Bytes(ToUtf16(text) + u'\0');
-  AppendNumber(record, tag, 4);
-  AppendNumber(record, 0, 4);
-  AppendNumber(record, 1, 4);
-  AppendNumber(record, units.size(), 4);
+  AppendNumber<4>(record, tag);
+  AppendNumber<4>(record, 0);
+  AppendNumber<4>(record, 1);
+  AppendNumber<4>(record, units.size());
   record.insert(record.end(), units.begin(), units.end());
 }
 
 Bytes PersonRecord(std::size_t number, std::string_view first, std::string_view last) {
   Bytes record;
-  AppendNumber(record, 0, 4);
-  AppendNumber(record, 1, 4);
-  AppendNumber(record, number + 1, 4);
-  AppendNumber(record, 5, 4);
+  AppendNumber<4>(record, 0);
+  AppendNumber<4>(record, 1);
+  AppendNumber<4>(record, number + 1);
+  AppendNumber<4>(record, 5);
   AppendProperty(record, kDisplayName, std::string(first) + " " + std::string(last));
   AppendProperty(record, kGivenName, first);
   AppendProperty(record, kSurname, last);
@@ -60,17 +60,17 @@ Bytes AddressBook(std::size_t people) {
     Bytes name = Utf16Bytes(ToUtf16(std::string(first) + " " + std::string(last)));
     name.resize(kIndexNameSize);
     index.insert(index.end(), name.begin(), name.end());
-    AppendNumber(index, recordsAt + records.size(), 4);
+    AppendNumber<4>(index, recordsAt + records.size());
     const Bytes record = PersonRecord(i, first, last);
     records.insert(records.end(), record.begin(), record.end());
   }
   Bytes file(kSignature.begin(), kSignature.end());
-  AppendNumber(file, people, 4);
-  AppendNumber(file, people, 4);
-  AppendNumber(file, kIndexEntrySize, 4);
-  AppendNumber(file, kHeaderSize, 4);
-  AppendNumber(file, index.size(), 4);
-  AppendNumber(file, recordsAt, 4);
+  AppendNumber<4>(file, people);
+  AppendNumber<4>(file, people);
+  AppendNumber<4>(file, kIndexEntrySize);
+  AppendNumber<4>(file, kHeaderSize);
+  AppendNumber<4>(file, index.size());
+  AppendNumber<4>(file, recordsAt);
   file.resize(kHeaderSize);
   file.insert(file.end(), index.begin(), index.end());
   file.insert(file.end(), records.begin(), records.end());

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "sample/little_endian.h"
+#include "text/byte_order.h"
 #include "text/error.h"
 
 namespace quillbox {
@@ -48,29 +48,31 @@ std::uint32_t Offset(std::size_t position) {
   return static_cast<std::uint32_t>(position);
 }
 
+enum class FieldId : std::uint8_t {};
+
 /// One record's fields: small numbers stand in the index itself, everything else in the data after it.
 class Record {
  public:
-  void Number(std::uint8_t field, std::uint32_t number) {
+  void Number(FieldId field, std::uint32_t number) {
     if (number <= kMaxDirect) {
-      AppendNumber(index_, field | kDirect, 1);
-      AppendNumber(index_, number, 3);
+      index_.push_back(static_cast<std::uint8_t>(field) | kDirect);
+      AppendNumber<3>(index_, number);
     } else {
       Begin(field);
-      AppendNumber(data_, number, 4);
+      AppendNumber<4>(data_, number);
     }
     ++count_;
   }
 
-  void Time(std::uint8_t field, std::uint64_t time) {
+  void Time(FieldId field, std::uint64_t time) {
     Begin(field);
-    AppendNumber(data_, time, 8);
+    AppendNumber<8>(data_, time);
     ++count_;
   }
 
-  void Text(std::uint8_t field, std::string_view text) {
+  void Text(FieldId field, std::string_view text) {
     Begin(field);
-    AppendText(data_, text);
+    data_.insert(data_.end(), text.begin(), text.end());
     data_.push_back(0);
     ++count_;
   }
@@ -79,10 +81,10 @@ class Record {
   Bytes At(std::size_t offset) const {
     const std::size_t padded = (data_.size() + 3) / 4 * 4;
     Bytes bytes;
-    AppendNumber(bytes, offset, 4);
-    AppendNumber(bytes, index_.size() + padded, 4);
-    AppendNumber(bytes, 12 + index_.size() + padded, 2);
-    AppendNumber(bytes, count_, 2);
+    AppendNumber<4>(bytes, offset);
+    AppendNumber<4>(bytes, index_.size() + padded);
+    AppendNumber<2>(bytes, 12 + index_.size() + padded);
+    AppendNumber<2>(bytes, count_);
     bytes.insert(bytes.end(), index_.begin(), index_.end());
     bytes.insert(bytes.end(), data_.begin(), data_.end());
     bytes.resize(12 + index_.size() + padded);
@@ -90,9 +92,9 @@ class Record {
   }
 
  private:
-  void Begin(std::uint8_t field) {
-    AppendNumber(index_, field, 1);
-    AppendNumber(index_, data_.size(), 3);
+  void Begin(FieldId field) {
+    index_.push_back(static_cast<std::uint8_t>(field));
+    AppendNumber<3>(index_, data_.size());
   }
 
   Bytes index_;
@@ -107,8 +109,8 @@ class Store {
     const ClassId& classId = kClassIds[static_cast<std::size_t>(kind)];
     std::copy(kMagic.begin(), kMagic.end(), file_.begin());
     std::copy(classId.begin(), classId.end(), file_.begin() + kMagic.size());
-    PutNumber(file_, kVersionAt, 5);
-    PutNumber(file_, kVersionAt + 4, 5);
+    Put(kVersionAt, 5);
+    Put(kVersionAt + 4, 5);
   }
 
   /// Puts a text into a chain of segments; the offset of the first.
@@ -118,11 +120,11 @@ class Store {
       const std::size_t at = file_.size();
       const std::string_view piece = text.substr(0, kSegmentData);
       text.remove_prefix(piece.size());
-      AppendNumber(file_, at, 4);
-      AppendNumber(file_, kSegmentData, 4);
-      AppendNumber(file_, piece.size(), 4);
-      AppendNumber(file_, text.empty() ? 0 : at + kSegmentSize, 4);
-      AppendText(file_, piece);
+      AppendNumber<4>(file_, at);
+      AppendNumber<4>(file_, kSegmentData);
+      AppendNumber<4>(file_, piece.size());
+      AppendNumber<4>(file_, text.empty() ? 0 : at + kSegmentSize);
+      file_.insert(file_.end(), piece.begin(), piece.end());
       file_.resize(at + kSegmentSize);
     }
     NoteSpace(kMessageSpaceAt, start);
@@ -143,24 +145,26 @@ class Store {
                   std::to_string(records_.size()) + " records are too many for one file");
     }
     if (!records_.empty()) WriteTree();
-    PutNumber(file_, kRecordCountAt, Offset(records_.size()));
-    PutNumber(file_, kFileSizeAt, Offset(file_.size()));
+    Put(kRecordCountAt, Offset(records_.size()));
+    Put(kFileSizeAt, Offset(file_.size()));
     return std::move(file_);
   }
 
  private:
+  void Put(std::size_t at, std::uint32_t number) { Store32(&file_[at], number); }
+
   /// The header names the last space of each kind: where it is, how long, how much is used.
   void NoteSpace(std::size_t headerField, std::size_t start) {
-    PutNumber(file_, headerField, Offset(start));
-    PutNumber(file_, headerField + 4, Offset(file_.size() - start));
-    PutNumber(file_, headerField + 8, Offset(file_.size() - start));
+    Put(headerField, Offset(start));
+    Put(headerField + 4, Offset(file_.size() - start));
+    Put(headerField + 8, Offset(file_.size() - start));
   }
 
   // All records in one node, or a root whose entries stand between the leaves.
   void WriteTree() {
     const std::size_t root = file_.size();
     const std::size_t total = records_.size();
-    PutNumber(file_, kTreeRootAt, Offset(root));
+    Put(kTreeRootAt, Offset(root));
     if (total <= kNodeEntries) {
       WriteNode(0, {0, total}, {});
     } else {
@@ -176,7 +180,7 @@ class Store {
       WriteNode(0, {0, between}, spans);
       for (const Span& span : spans) WriteNode(Offset(root), span, {});
     }
-    PutNumber(file_, kTreeCountAt, Offset((file_.size() - root) / kNodeSize));
+    Put(kTreeCountAt, Offset((file_.size() - root) / kNodeSize));
     NoteSpace(kTreeSpaceAt, root);
   }
 
@@ -189,19 +193,19 @@ class Store {
     const std::size_t at = file_.size();
     file_.resize(at + kNodeSize);
     const auto leafAt = [&](std::size_t leaf) { return Offset(at + kNodeSize * (leaf + 1)); };
-    PutNumber(file_, at, Offset(at));
-    PutNumber(file_, at + 0x0C, parent);
+    Put(at, Offset(at));
+    Put(at + 0x0C, parent);
     file_[at + 0x11] = static_cast<std::uint8_t>(entries.size);
     if (!leaves.empty()) {
-      PutNumber(file_, at + 0x08, leafAt(0));
-      PutNumber(file_, at + 0x14, Offset(leaves[0].size));
+      Put(at + 0x08, leafAt(0));
+      Put(at + 0x14, Offset(leaves[0].size));
     }
     for (std::size_t i = 0; i < entries.size; ++i) {
       const std::size_t entry = at + kNodeEntriesOffset + i * kNodeEntrySize;
-      PutNumber(file_, entry, records_[leaves.empty() ? entries.first + i : leaves[i].first + leaves[i].size]);
+      Put(entry, records_[leaves.empty() ? entries.first + i : leaves[i].first + leaves[i].size]);
       if (leaves.empty()) continue;
-      PutNumber(file_, entry + 4, leafAt(i + 1));
-      PutNumber(file_, entry + 8, Offset(leaves[i + 1].size));
+      Put(entry + 4, leafAt(i + 1));
+      Put(entry + 8, Offset(leaves[i + 1].size));
     }
   }
 
@@ -218,24 +222,24 @@ Bytes MessageStore(std::span<const DbxMessage> messages) {
     const std::uint32_t text = store.AddText(message.text);
     const auto lines = static_cast<std::uint32_t>(std::count(message.text.begin(), message.text.end(), '\n'));
     Record record;
-    record.Number(0x00, ++id);
-    record.Number(0x01, kMailFlag | (message.read ? kReadFlag : 0));
-    record.Time(0x02, message.sent);
-    record.Number(0x03, lines);
-    record.Number(0x04, text);
-    record.Text(0x05, message.subject);
-    record.Time(0x06, message.sent);
-    record.Text(0x07, message.messageId);
-    record.Text(0x08, message.subject);
-    record.Text(0x0D, message.senderName);
-    record.Text(0x0E, message.senderAddress);
-    record.Number(0x10, kNormalPriority);
-    record.Number(0x11, Offset(message.text.size()));
-    record.Time(0x12, message.sent);
-    record.Text(0x13, message.receiverName);
-    record.Text(0x14, message.receiverAddress);
-    record.Text(0x1A, message.account);
-    record.Text(0x1B, "00000001");
+    record.Number(FieldId{0x00}, ++id);
+    record.Number(FieldId{0x01}, kMailFlag | (message.read ? kReadFlag : 0));
+    record.Time(FieldId{0x02}, message.sent);
+    record.Number(FieldId{0x03}, lines);
+    record.Number(FieldId{0x04}, text);
+    record.Text(FieldId{0x05}, message.subject);
+    record.Time(FieldId{0x06}, message.sent);
+    record.Text(FieldId{0x07}, message.messageId);
+    record.Text(FieldId{0x08}, message.subject);
+    record.Text(FieldId{0x0D}, message.senderName);
+    record.Text(FieldId{0x0E}, message.senderAddress);
+    record.Number(FieldId{0x10}, kNormalPriority);
+    record.Number(FieldId{0x11}, Offset(message.text.size()));
+    record.Time(FieldId{0x12}, message.sent);
+    record.Text(FieldId{0x13}, message.receiverName);
+    record.Text(FieldId{0x14}, message.receiverAddress);
+    record.Text(FieldId{0x1A}, message.account);
+    record.Text(FieldId{0x1B}, "00000001");
     store.AddRecord(record);
   }
   return store.Finish();
@@ -245,13 +249,13 @@ Bytes FolderList(std::span<const DbxFolder> folders) {
   Store store(DbxKind::FolderList);
   for (const DbxFolder& folder : folders) {
     Record record;
-    record.Number(0x00, folder.id);
-    record.Number(0x01, folder.parent);
-    record.Text(0x02, folder.name);
-    if (!folder.file.empty()) record.Text(0x03, folder.file);
-    record.Number(0x06, 0x4);
-    record.Number(0x07, folder.messages);
-    record.Number(0x08, folder.unread);
+    record.Number(FieldId{0x00}, folder.id);
+    record.Number(FieldId{0x01}, folder.parent);
+    record.Text(FieldId{0x02}, folder.name);
+    if (!folder.file.empty()) record.Text(FieldId{0x03}, folder.file);
+    record.Number(FieldId{0x06}, 0x4);
+    record.Number(FieldId{0x07}, folder.messages);
+    record.Number(FieldId{0x08}, folder.unread);
     store.AddRecord(record);
   }
   return store.Finish();

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "sample/little_endian.h"
+#include "text/byte_order.h"
 
 namespace quillbox {
 namespace {
@@ -61,7 +61,7 @@ void SetText(Hive& hive, HiveKey key, std::string_view name, RowType type, std::
 
 void SetNumber(Hive& hive, HiveKey key, std::string_view name, std::uint32_t number) {
   Bytes data;
-  AppendNumber(data, number, 4);
+  AppendNumber<4>(data, number);
   hive.SetValue(key, name, static_cast<std::uint32_t>(RowType::Dword), data);
 }
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <span>
 
-#include "sample/little_endian.h"
 #include "sample/sample_mail.h"
 
 namespace quillbox {
@@ -76,9 +75,7 @@ std::vector<NamedFile> FilesOf(std::span<const StoreRow> rows, bool small) {
   files.push_back({"Folders.dbx", FolderListOf(rows, unread, small)});
   files.push_back({"Offline.dbx", EmptyStore(DbxKind::Offline)});
   files.push_back({"Pop3uidl.dbx", EmptyStore(DbxKind::Pop3Ids)});
-  Bytes log;
-  AppendText(log, kCleanupLog);
-  files.push_back({"cleanup.log", std::move(log)});
+  files.push_back({"cleanup.log", Bytes(kCleanupLog.begin(), kCleanupLog.end())});
   return files;
 }
 

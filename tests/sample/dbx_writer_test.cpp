@@ -2,14 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include "text/byte_order.h"
 #include "text/error.h"
 
 namespace quillbox {
 namespace {
 
 std::uint32_t Number(const Bytes& file, std::size_t offset) {
-  return file.at(offset) | file.at(offset + 1) << 8 | file.at(offset + 2) << 16 |
-         static_cast<std::uint32_t>(file.at(offset + 3)) << 24;
+  (void)file.at(offset + 3);
+  return Load32(&file[offset]);
 }
 
 /// The records in the tree's order, as its readers walk it; checks what the nodes say about each other.
