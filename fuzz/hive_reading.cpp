@@ -33,15 +33,12 @@ class Digest {
 };
 
 void ReadValues(const Hive& hive, HiveKey key, Digest& digest) {
-  const std::vector<HiveValue> values = hive.Values(key);
-  Require(values.size() == hive.ValueCount(key), "all values are read");
-  for (std::size_t at = 0; at < values.size(); ++at) {
-    const HiveValue& value = values[at];
+  for (std::size_t at = 0; at < hive.ValueCount(key); ++at) {
+    const HiveValue value = hive.ValueAt(key, at);
     digest.AddAll(value.name);
     digest.Add(value.type);
     digest.AddAll(value.data);
     if (at > 8) continue;
-    Require(hive.ValueAt(key, at).data == value.data, "a value is the same by its number");
     const std::optional<HiveValue> byName = hive.Value(key, value.name);
     Require(byName && EqualIgnoreCase(byName->name, value.name), "a value is found by its name");
   }

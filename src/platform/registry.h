@@ -64,7 +64,6 @@ struct OpenResult {
 struct KeyInfo {
   Status status = Status::InvalidHandle;
   std::uint32_t subkeys = 0;
-  std::uint32_t longestSubkeyName = 0;  ///< in bytes of inner text, without a NUL
   std::uint32_t values = 0;
 };
 

@@ -220,15 +220,6 @@ HiveValue Hive::ValueAt(HiveKey key, std::size_t index) const {
   return ReadValue(*state_, ValueOf(*state_, KeyCell(key.cell), index));
 }
 
-std::vector<HiveValue> Hive::Values(HiveKey key) const {
-  std::vector<HiveValue> values;
-  const std::size_t count = ValueCount(key);
-  values.reserve(count);
-  for (std::size_t at = 0; at < count; ++at)
-    values.push_back(ReadValue(*state_, ValueOf(*state_, KeyCell(key.cell), at)));
-  return values;
-}
-
 std::optional<HiveValue> Hive::Value(HiveKey key, std::string_view name) const {
   const std::optional<ValueCell> value = FindValue(*state_, CellOf(*state_, key), NewName(name));
   if (!value) return std::nullopt;

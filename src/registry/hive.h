@@ -147,7 +147,6 @@ class Hive {
 
   std::size_t ValueCount(HiveKey key) const;
   HiveValue ValueAt(HiveKey key, std::size_t index) const;  ///< in the order of creation
-  std::vector<HiveValue> Values(HiveKey key) const;
   std::optional<HiveValue> Value(HiveKey key, std::string_view name) const;
 
   // Changes. Each throws HiveRefusal (naming the key and the limit) before it touches anything, or is done whole.

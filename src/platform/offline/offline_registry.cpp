@@ -301,19 +301,12 @@ OpenResult OfflineRegistry::Create(const RegistryPath& path) {
 
 KeyInfo OfflineRegistry::Info(const Key& key) {
   const Use use = Check(key, Need::Read);
-  if (use.status != Status::Success) return {use.status, 0, 0, 0};
-  KeyInfo info = {Status::Success, 0, 0, 0};
-  const auto add = [&](const std::string& name) {
-    ++info.subkeys;
-    info.longestSubkeyName = std::max(info.longestSubkeyName, static_cast<std::uint32_t>(name.size()));
-  };
-  if (use.hive == nullptr) {
-    for (const std::string& name : MountNames(use.open->place.root)) add(name);
-    return info;
-  }
-  for (const HiveKey subkey : use.hive->Subkeys(use.open->key)) add(use.hive->Name(subkey));
-  info.values = static_cast<std::uint32_t>(use.hive->ValueCount(use.open->key));
-  return info;
+  if (use.status != Status::Success) return {.status = use.status};
+  const bool isMountPoint = use.hive == nullptr;
+  const std::size_t subkeys =
+      isMountPoint ? MountNames(use.open->place.root).size() : use.hive->SubkeyCount(use.open->key);
+  const std::size_t values = isMountPoint ? 0 : use.hive->ValueCount(use.open->key);
+  return {Status::Success, static_cast<std::uint32_t>(subkeys), static_cast<std::uint32_t>(values)};
 }
 
 NameResult OfflineRegistry::EnumKey(const Key& key, std::uint32_t index) {
