@@ -76,8 +76,9 @@ void MakeFiles(const fs::path& folder) {
   }
 }
 
-/// An empty target, sources that are not in memory, and a disk with nothing left to do.
-void Prepare(const fs::path& folder, const fs::path& target) {
+/// An empty target in `folder`, sources that are not in memory, and a disk with nothing left to do.
+void Prepare(const fs::path& folder, std::string_view targetName) {
+  const fs::path target = folder / targetName;
   fs::remove_all(target);
   fs::create_directories(target);
   sync();
@@ -127,9 +128,9 @@ void Measure(const fs::path& folder, int rounds) {
   std::vector<double> ours;
   std::vector<double> theirs;
   for (int round = 0; round < rounds; ++round) {
-    Prepare(folder, folder / "ours");
+    Prepare(folder, "ours");
     ours.push_back(Milliseconds([&] { CopyOurs(folder); }));
-    Prepare(folder, folder / "theirs");
+    Prepare(folder, "theirs");
     theirs.push_back(Milliseconds([&] { CopyTheirs(folder); }));
     if (round == 0) Run({"diff", "-r", (folder / "ours").string(), (folder / "theirs").string()});
   }

@@ -24,6 +24,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   return 0;
 }
 
+// libFuzzer gives the signature.
+// NOLINTNEXTLINE(bugprone-easily-swappable-parameters)
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t limit, unsigned seed) {
   limit = std::min(limit, quillbox::QUILLBOX_HARNESS.maxLength);
   const auto mutate = quillbox::QUILLBOX_HARNESS.mutate;

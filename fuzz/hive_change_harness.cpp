@@ -93,7 +93,7 @@ class Changer {
 
   void SetValue(HiveKey key, const std::string& name) {
     const std::uint8_t form = operations_.Byte();
-    const Bytes data = Pattern(kSizes[form % kSizes.size()], form);
+    const Bytes data = Pattern(kSizes[form % kSizes.size()], Variant{form});
     hive_.SetValue(key, name, form / 16U, data);
     const std::optional<HiveValue> read = hive_.Value(key, name);
     Require(read && read->type == form / 16U && read->data == data, "a value is what was set");

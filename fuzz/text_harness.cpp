@@ -87,10 +87,16 @@ void TryHostNames(const std::string& text) {
 }
 
 /// The plainest way to match.
-bool Matches(std::u16string_view name, std::u16string_view mask) {
+struct Mask {
+  std::u16string units;
+
+  bool Matches(std::u16string_view name) const;
+};
+
+bool Mask::Matches(std::u16string_view name) const {
   std::vector<bool> reached(name.size() + 1);
   reached[0] = true;
-  for (const char16_t unit : mask) {
+  for (const char16_t unit : units) {
     if (unit == u'*') {
       for (std::size_t at = 1; at <= name.size(); ++at) reached[at] = reached[at] || reached[at - 1];
       continue;
@@ -107,7 +113,7 @@ void TryWildcard(const std::string& text) {
   const std::size_t end = std::min(text.find('\n'), text.size());
   const std::string pattern = text.substr(0, end);
   const std::string name = end < text.size() ? text.substr(end + 1) : std::string();
-  const bool expected = pattern == "*.*" || Matches(UpperCase(ToUtf16(name)), UpperCase(ToUtf16(pattern)));
+  const bool expected = pattern == "*.*" || Mask{UpperCase(ToUtf16(pattern))}.Matches(UpperCase(ToUtf16(name)));
   Require(MatchesWildcard(name, pattern) == expected, "a wildcard matches as it should");
 }
 

@@ -83,9 +83,16 @@ class Scanner {
   std::string_view rest_;
 };
 
+/// What a command line gives last; empty where it gives less.
+struct Operands {
+  std::string file;
+  std::string key;
+};
+
 /// Checks and fills in what both kinds of command line give last.
-void SetOperands(RegeditRequest& request, std::string file, const std::string& key) {
-  request.command.file = std::move(file);
+void SetOperands(RegeditRequest& request, Operands operands) {
+  const std::string& key = operands.key;
+  request.command.file = std::move(operands.file);
   if (request.command.file.empty()) {
     request.fault = "no file is named";
   } else if (request.command.action == RegeditAction::Export) {
@@ -140,7 +147,7 @@ void SetHandOperands(RegeditRequest& request, const std::vector<std::string>& op
     request.fault = "\"" + operands.back() + "\" is one too many";
     return;
   }
-  SetOperands(request, operands.empty() ? "" : operands[0], operands.size() < 2 ? "" : operands[1]);
+  SetOperands(request, {.file = operands.empty() ? "" : operands[0], .key = operands.size() < 2 ? "" : operands[1]});
   request.command.isHostFile = !WinPath(request.command.file).IsAbsolute();
 }
 
@@ -158,7 +165,7 @@ RegeditRequest ParseCommandLine(std::string_view line) {
   }
   const bool isExport = request.command.action == RegeditAction::Export;
   std::string file = isExport ? scanner.Word() : scanner.Last();
-  SetOperands(request, std::move(file), isExport ? scanner.Last() : "");
+  SetOperands(request, {.file = std::move(file), .key = isExport ? scanner.Last() : ""});
   if (request.fault.empty() && !scanner.AtEnd()) request.fault = "there is more on the line than a command has";
   return request;
 }

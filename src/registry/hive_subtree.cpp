@@ -10,32 +10,42 @@ namespace {
 /// What a copied record needs beside its own bytes: cell header, entries in lists, rounding.
 constexpr std::uint64_t kRecordOverhead = 32;
 
+/// A key of one hive that becomes one of another.
+struct KeyPair {
+  KeyCell to;
+  KeyCell from;
+};
+
 /// Copies keys of one hive into another one, security descriptors once each.
 class TreeCopier {
  public:
   TreeCopier(HiveData& hive, const HiveData& source) : hive_(hive), source_(source), pool_(hive) {}
 
-  void Copy(KeyCell to, KeyCell from) {
-    const SecurityCell oldSecurity = hive_.cells.Get(to, KeyField::kSecurity);
-    CopyFields(to, from);
-    CopyContent(to, from);
-    std::vector<std::pair<KeyCell, KeyCell>> pending{{to, from}};
+  void Copy(KeyPair top) {
+    const SecurityCell oldSecurity = hive_.cells.Get(top.to, KeyField::kSecurity);
+    CopyFields(top);
+    CopyContent(top);
+    std::vector<KeyPair> pending{top};
     while (!pending.empty()) {
-      const auto [parent, source] = pending.back();
+      const KeyPair parent = pending.back();
       pending.pop_back();
-      for (const KeyCell subkey : SubkeyCells(source_, source)) {
-        pending.emplace_back(CopyKey(parent, subkey), subkey);
+      for (const KeyCell subkey : SubkeyCells(source_, parent.from)) {
+        const KeyPair copied{.to = CopyKeyRecord(hive_, parent.to, {source_, subkey}), .from = subkey};
+        CopyContent(copied);
+        InsertSubkey(hive_, copied.to);
+        pending.push_back(copied);
       }
     }
     // At the end, since the pool may give it out again.
-    if (!source_.cells.Get(from, KeyField::kSecurity).IsNone()) {
+    if (!source_.cells.Get(top.from, KeyField::kSecurity).IsNone()) {
       ReleaseSecurity(hive_, oldSecurity);
     }
   }
 
  private:
-  /// The flags that do not tell of the key's place or its name's form, and what newer systems keep beside them.
-  void CopyFields(KeyCell to, KeyCell from) {
+  /// The flags that do not depend on the key's place or its name's form, and what newer systems keep beside them.
+  void CopyFields(KeyPair key) {
+    const auto [to, from] = key;
     constexpr std::uint16_t kOwn = KeyFlag::kRoot | KeyFlag::kNoDelete | KeyFlag::kOneByteName;
     HiveCells& cells = hive_.cells;
     const unsigned flags =
@@ -46,23 +56,18 @@ class TreeCopier {
     cells.Put(to, KeyField::kWork, source_.cells.Get(from, KeyField::kWork));
   }
 
-  KeyCell CopyKey(KeyCell parent, KeyCell from) {
-    const KeyCell key = CopyKeyRecord(hive_, parent, {source_, from});
-    CopyContent(key, from);
-    InsertSubkey(hive_, key);
-    return key;
-  }
-
   /// Values, class name and security of one key.
-  void CopyContent(KeyCell to, KeyCell from) {
+  void CopyContent(KeyPair key) {
+    const auto [to, from] = key;
     SetClass(hive_, to, KeyClass(source_, from));
-    CopySecurity(to, from);
+    CopySecurity(key);
     const std::size_t count = source_.cells.Get(from, KeyField::kValueCount);
     for (std::size_t at = 0; at < count; ++at) CopyValue(hive_, to, source_, ValueOf(source_, from, at));
   }
 
   /// A key without a descriptor keeps the one it has, or gets its parent's.
-  void CopySecurity(KeyCell to, KeyCell from) {
+  void CopySecurity(KeyPair key) {
+    const auto [to, from] = key;
     HiveCells& cells = hive_.cells;
     const SecurityCell theirs = source_.cells.Get(from, KeyField::kSecurity);
     if (!theirs.IsNone()) {
@@ -146,7 +151,7 @@ class TreeMeasure {
 }  // namespace
 
 void CopyTree(HiveData& hive, KeyCell to, SourceKey from) {
-  TreeCopier(hive, from.hive).Copy(to, from.key);
+  TreeCopier(hive, from.hive).Copy({.to = to, .from = from.key});
 }
 
 void RequireCopy(const HiveData& hive, KeyCell to, SourceKey from, const std::string& doing) {

@@ -115,7 +115,7 @@ class TwoTrees {
     static const std::vector<std::size_t> kSizes = {0, 1, 4, 5, 8, 60, 700, 16344, 16345, 32688, 50000};
     const std::size_t size = kSizes[Number(Number(6) == 0 ? kSizes.size() : 7)];
     const HiveValue value{Number(5) == 0 ? "" : Name(), static_cast<std::uint32_t>(Number(12)),
-                          Pattern(size, Number(256))};
+                          Pattern(size, Variant{Number(256)})};
     hive_.SetValue(key, value.name, value.type, value.data);
     const auto old = FindIn(model, value.name);
     if (old == model.values.end()) {

@@ -60,7 +60,7 @@ inline void AppendLines(std::vector<std::string>& lines, const Hive& hive, HiveK
   if (details) {
     lines.push_back(std::to_string(hive.Time(key)) + " " + hive.ClassName(key) + " " + Hex(hive.Security(key)));
   }
-  for (const HiveValue& value : hive.Values(key)) lines.push_back(ValueLine(path, value));
+  for (std::size_t at = 0; at < hive.ValueCount(key); ++at) lines.push_back(ValueLine(path, hive.ValueAt(key, at)));
   for (const HiveKey subkey : hive.Subkeys(key)) {
     AppendLines(lines, hive, subkey, path + "\\" + hive.Name(subkey), details);
   }
@@ -76,8 +76,12 @@ inline std::vector<std::string> Lines(const Hive& hive, bool details = false) {
   return Lines(hive, hive.Root(), details);
 }
 
+/// Which of the patterns of one size.
+enum class Variant : std::size_t {};
+
 /// Bytes that differ from one place to the next, so that pieces in a wrong order show.
-inline Bytes Pattern(std::size_t size, std::size_t seed = 1) {
+inline Bytes Pattern(std::size_t size, Variant variant = Variant{1}) {
+  const auto seed = static_cast<std::size_t>(variant);
   Bytes data(size);
   for (std::size_t at = 0; at < size; ++at) data[at] = static_cast<std::uint8_t>((at * 31 + at / 256 + seed) & 0xFF);
   return data;
