@@ -5,12 +5,9 @@
 #include <sys/resource.h>
 #include <sys/wait.h>
 
-#include <map>
-#include <set>
-
 #include "platform/offline/offline_fixture.h"
 #include "platform/offline/offline_platform.h"
-#include "registry/reg_file.h"
+#include "registry/reg_file_recorder.h"
 #include "support/damaged_hive.h"
 #include "support/scripted_dialogs.h"
 
@@ -25,30 +22,6 @@ struct Outcome {
   int code = -1;
   std::string out, err;
 };
-
-/// Every value of a registry file as `key|name|type|bytes`, and every key.
-class Contents : public RegFileVisitor {
- public:
-  void OnKey(std::string_view fullName, std::size_t) override { all.insert(key_ = fullName); }
-  void OnDeleteKey(std::string_view, std::size_t) override { ADD_FAILURE(); }
-  void OnValue(std::string_view name, std::uint32_t type, ByteView data, std::size_t) override {
-    all.insert(key_ + "|" + std::string(name) + "|" + std::to_string(type) + "|" +
-               std::string(data.begin(), data.end()));
-  }
-  void OnDeleteValue(std::string_view, std::size_t) override { ADD_FAILURE(); }
-  void OnProblem(std::size_t line, std::string_view reason) override { ADD_FAILURE() << line << ": " << reason; }
-
-  std::set<std::string> all;
-
- private:
-  std::string key_;
-};
-
-std::set<std::string> ContentsOf(const std::string& file) {
-  Contents contents;
-  ReadRegFile(file, "file", CodePage(), contents);
-  return contents.all;
-}
 
 class RegeditProgram : public testing::Test {
  protected:

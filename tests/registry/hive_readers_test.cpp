@@ -3,39 +3,13 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 
-#include "registry/hive_tools.h"
-#include "registry/reg_file.h"
+#include "registry/reg_file_recorder.h"
+#include "support/damaged_hive.h"
 #include "support/temp_folder.h"
 
 namespace quillbox {
 namespace {
-
-/// Lines as Lines() gives them, without an order, from what another program exported.
-class LineCollector : public RegFileVisitor {
- public:
-  explicit LineCollector(std::string root) : root_(std::move(root)) {}
-
-  void OnKey(std::string_view fullName, std::size_t) override {
-    key_ = std::string(fullName.substr(std::min(root_.size(), fullName.size())));
-    if (key_ == "\\") key_.clear();
-    lines.push_back(key_);
-  }
-  void OnValue(std::string_view name, std::uint32_t type, ByteView data, std::size_t) override {
-    lines.push_back(ValueLine(key_, {std::string(name), type, Bytes(data.begin(), data.end())}));
-  }
-  void OnDeleteKey(std::string_view, std::size_t line) override { OnProblem(line, "deletes a key"); }
-  void OnDeleteValue(std::string_view, std::size_t line) override { OnProblem(line, "deletes a value"); }
-  void OnProblem(std::size_t line, std::string_view reason) override { ADD_FAILURE() << line << ": " << reason; }
-
-  std::vector<std::string> lines;
-
- private:
-  std::string root_;
-  std::string key_;
-};
 
 class OtherReaders : public testing::Test {
  protected:
@@ -56,9 +30,7 @@ class OtherReaders : public testing::Test {
     for (const std::size_t size : {5U, 16344U, 16345U, 100000U}) {
       hive_.SetValue(values, "bytes " + std::to_string(size), 3, Pattern(size));
     }
-    const Bytes image = hive_.Image(kMonday);
-    std::ofstream(folder_ / "hive", std::ios::binary)
-        .write(reinterpret_cast<const char*>(image.data()), static_cast<std::streamsize>(image.size()));
+    WriteBytes(folder_ / "hive", hive_.Image(kMonday));
   }
 
   static bool IsMissing(const std::string& program) {
@@ -70,11 +42,6 @@ class OtherReaders : public testing::Test {
     return std::system(("cd '" + folder_.Path().string() + "' && " + command + " >out 2>errors").c_str());
   }
 
-  std::string FileText(const char* name) const {
-    std::ifstream file(folder_ / name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-
   std::vector<std::string> Expected(std::string_view path, const std::string& prefix) const {
     std::vector<std::string> lines;
     AppendLines(lines, hive_, *hive_.Find(hive_.Root(), path), prefix, false);
@@ -82,16 +49,8 @@ class OtherReaders : public testing::Test {
     return lines;
   }
 
-  /// What an export says, below the key name `root`.
-  std::vector<std::string> Exported(const char* file, const std::string& root) const {
-    LineCollector collector(root);
-    ReadRegFile(FileText(file), file, CodePage(), collector);
-    std::sort(collector.lines.begin(), collector.lines.end());
-    return collector.lines;
-  }
-
   std::size_t CountInOutput(const std::string& text) const {
-    const std::string output = FileText("out");
+    const std::string output = folder_.Read("out");
     std::size_t count = 0;
     for (std::size_t at = output.find(text); at != std::string::npos; at = output.find(text, at + 1)) ++count;
     return count;
@@ -111,25 +70,25 @@ class OtherReaders : public testing::Test {
 
 TEST_F(OtherReaders, HivexregeditExportsTheSame) {
   if (IsMissing("hivexregedit")) GTEST_SKIP() << "hivexregedit is not installed";
-  ASSERT_EQ(Run("hivexregedit --export hive '\\' --prefix Test"), 0) << FileText("errors");
-  EXPECT_EQ(Exported("out", "Test"), Expected("", ""));
+  ASSERT_EQ(Run("hivexregedit --export hive '\\' --prefix Test"), 0) << folder_.Read("errors");
+  EXPECT_EQ(ContentsOf(folder_.Read("out")), Expected("", "Test"));
 }
 
 TEST_F(OtherReaders, RegedExportsTheSame) {
   if (IsMissing("reged")) GTEST_SKIP() << "reged is not installed";
   for (const char* key : {"Keys", "Values"}) {
-    ASSERT_EQ(Run(std::string("reged -x hive Test '\\") + key + "' export"), 0) << FileText("errors");
-    EXPECT_EQ(Exported("export", "Test"), Expected(key, std::string("\\") + key));
+    ASSERT_EQ(Run(std::string("reged -x hive Test '\\") + key + "' export"), 0) << folder_.Read("errors");
+    EXPECT_EQ(ContentsOf(folder_.Read("export")), Expected(key, std::string("Test\\") + key));
   }
 }
 
 TEST_F(OtherReaders, HivexmlAndReglookupCountTheSame) {
   if (IsMissing("hivexml") || IsMissing("reglookup")) GTEST_SKIP() << "hivexml or reglookup is not installed";
-  ASSERT_EQ(Run("hivexml hive"), 0) << FileText("errors");
+  ASSERT_EQ(Run("hivexml hive"), 0) << folder_.Read("errors");
   EXPECT_EQ(CountInOutput("<node "), CountLines(false));
   EXPECT_EQ(CountInOutput("<value "), CountLines(true));
   ASSERT_EQ(Run("reglookup -s hive"), 0);
-  EXPECT_EQ(FileText("errors"), "");
+  EXPECT_EQ(folder_.Read("errors"), "");
   EXPECT_EQ(CountInOutput(",KEY,"), CountLines(false));
   EXPECT_EQ(CountInOutput("\n") - 1, CountLines(false) + CountLines(true));
 }

@@ -3,15 +3,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <map>
 #include <random>
 
+#include "registry/reg_file_recorder.h"
 #include "text/error.h"
 
 namespace quillbox {
 namespace {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 
 Bytes Stored(std::u16string text) {
   return Utf16Bytes(text += u'\0');
@@ -23,40 +24,37 @@ std::string Narrow(const std::string& file) {
   return ToUtf8(Utf16FromBytes(bytes));
 }
 
-/// Every call as one line: `+ key`, `- key`, `name type data`, `! line reason`.
-class Recorder : public RegFileVisitor {
- public:
-  void OnKey(std::string_view fullName, std::size_t) override { Add("+ " + std::string(fullName)); }
-  void OnDeleteKey(std::string_view fullName, std::size_t) override { Add("- " + std::string(fullName)); }
-  void OnValue(std::string_view name, std::uint32_t type, ByteView data, std::size_t) override {
-    std::string text = std::string(name) + " " + std::to_string(type);
-    if (type == 1 || type == 2 || type == 7) {
-      text += " ";
-      for (const char16_t unit : Utf16FromBytes(data)) unit == 0 ? text += "|" : text += ToUtf8({&unit, 1});
-    } else {
-      for (const std::uint8_t byte : data) text += " " + std::to_string(byte);
-    }
-    Add(text);
-    values[std::string(name)] = {type, Bytes(data.begin(), data.end())};
-  }
-  void OnDeleteValue(std::string_view name, std::size_t) override { Add("delete " + std::string(name)); }
-  void OnProblem(std::size_t line, std::string_view) override { Add("! " + std::to_string(line)); }
-
-  std::vector<std::string> said;
-  std::map<std::string, std::pair<std::uint32_t, Bytes>> values;
-
- private:
-  void Add(std::string text) { said.push_back(std::move(text)); }
-};
-
-Recorder Read(std::string_view bytes, unsigned codePage = 1252) {
-  Recorder recorder;
-  ReadRegFile(bytes, "test.reg", CodePage(codePage), recorder);
+RegFileRecorder ReadOnce(std::string_view bytes, unsigned codePage = 1252, const RegFileLimits& limits = {}) {
+  RegFileRecorder recorder;
+  ReadRegFile(bytes, "test.reg", CodePage(codePage), recorder, limits);
   return recorder;
 }
 
-std::vector<std::string> Said(const std::string& lines) {
-  return Read("Windows Registry Editor Version 5.00\r\n" + lines).said;
+/// Reads a file whole. In pieces of any size, and with every value read twice, it must say the same.
+RegFileRecorder Read(std::string_view bytes, unsigned codePage = 1252, RegFileLimits limits = {}) {
+  const RegFileRecorder whole = ReadOnce(bytes, codePage, limits);
+  for (limits.piece = 1; limits.piece <= 70 && bytes.size() < 2000; ++limits.piece) {
+    for (const std::uint64_t held : {RegFileLimits().held, std::uint64_t{2}}) {
+      limits.held = held;
+      const RegFileRecorder inPieces = ReadOnce(bytes, codePage, limits);
+      EXPECT_EQ(inPieces.said, whole.said) << "pieces of " << limits.piece;
+      EXPECT_EQ(inPieces.lines, whole.lines) << "pieces of " << limits.piece;
+    }
+  }
+  return whole;
+}
+
+std::string Utf16File(std::u16string_view text) {
+  const Bytes bytes = Utf16Bytes(u"\uFEFF" + std::u16string(text));
+  return {bytes.begin(), bytes.end()};
+}
+
+/// What lines below a header say, in each encoding.
+RegFileRecorder ReadLines(const std::string& lines) {
+  const std::string file = "Windows Registry Editor Version 5.00\r\n" + lines;
+  EXPECT_EQ(Read(Utf16File(ToUtf16(file))).said, Read(file).said);
+  EXPECT_EQ(Read("\xEF\xBB\xBF" + file).said, Read(file).said);
+  return Read(file);
 }
 
 void WriteOneOfEach(RegFileWriter& writer) {
@@ -155,28 +153,29 @@ TEST(RegFileReader, BothFormsReadBackWhatWasWritten) {
 }
 
 TEST(RegFileReader, TakesWhatPeopleAndOtherEditorsWrite) {
-  EXPECT_THAT(Said("; alone\n  [hkey_current_user\\a[1]]\r\n"
-                   "\"n\"\t = DWORD:1f ; after data\r"
-                   "@=\"\"\n\"\"=\"again\"\r\n"
-                   "\"h\"=hex(7):61,0,\\ ; why\r\n  ; between\r\n\r\n\t00,00,62,\\\r\n 00\r\n"
-                   "\"odd\"=hex(2):41\r\n\"empty\"=hex(2):\r\n\"x\"=hex(A):FF , 1\n"
-                   "\"gone\"=-\r\n\"raw\"=\"one\r\ntwo\n\"\n"
-                   "[-HKEY_CURRENT_USER\\B]\r\n\"never\"=\"seen\"\r\n"
-                   "[HKEY_CURRENT_USER\\C]\n\"last\"=dword:0000000a"),
-              ElementsAre("+ hkey_current_user\\a[1]", "n 4 31 0 0 0", " 1 |", " 1 again|", "h 7 a|b|", "odd 2 ",
-                          "empty 2 ", "x 10 255 1", "delete gone", "raw 1 one\r\ntwo\n|", "- HKEY_CURRENT_USER\\B",
-                          "+ HKEY_CURRENT_USER\\C", "last 4 10 0 0 0"));
+  const RegFileRecorder recorder = ReadLines(
+      "; alone\n  [hkey_current_user\\a[1]]\r\n"
+      "\"n\"\t = DWORD:1f ; after data\r"
+      "@=\"\"\n\"\"=\"again\"\r\n"
+      "\"h\"=hex(7):61,0,\\ ; why\r\n  ; between\r\n\r\n\t00,00,62,\\\r\n 00\r\n"
+      "\"odd\"=hex(2):41\r\n\"empty\"=hex(2):\r\n\"x\"=hex(A):FF , 1\n"
+      "\"gone\"=-\r\n\"raw\"=\"one\r\ntwo\n\"\n"
+      "[-HKEY_CURRENT_USER\\B]\r\n\"never\"=\"seen\"\r\n\"x\"=hex:zz\r\n"
+      "[HKEY_CURRENT_USER\\C]\n\"last\"=dword:0000000a");
+  EXPECT_THAT(recorder.said, ElementsAre("+ hkey_current_user\\a[1]", "n 4 31 0 0 0", " 1 |", " 1 again|", "h 7 a|b|",
+                                         "odd 2 ", "empty 2 ", "x 10 255 1", "delete gone", "raw 1 one\r\ntwo\n|",
+                                         "- HKEY_CURRENT_USER\\B", "+ HKEY_CURRENT_USER\\C", "last 4 10 0 0 0"));
+  EXPECT_THAT(recorder.lines, ElementsAre(3, 4, 5, 6, 7, 12, 13, 14, 15, 16, 19, 22, 23));
 }
 
 TEST(RegFileReader, MarkDecidesTheEncodingAndHeaderTheHexText) {
   const std::string ansi = "[HKEY_CURRENT_USER\\\xE9]\r\n@=hex(2):e9\r\n";
   EXPECT_THAT(Read("REGEDIT4\r\n" + ansi).said, ElementsAre("+ HKEY_CURRENT_USER\\\xC3\xA9", " 2 \xC3\xA9|"));
-  EXPECT_THAT(Said("[HKEY_CURRENT_USER\\\xE9]\r\n@=hex(2):e9,00\r\n"),
+  EXPECT_THAT(Read("Windows Registry Editor Version 5.00\r\n[HKEY_CURRENT_USER\\\xE9]\r\n@=hex(2):e9,00\r\n").said,
               ElementsAre("+ HKEY_CURRENT_USER\\\xC3\xA9", " 2 \xC3\xA9|"));
   EXPECT_THAT(Read("\xEF\xBB\xBFWindows Registry Editor Version 5.00\n[HKCU\\\xC3\xA9]\n").said,
               ElementsAre("+ HKCU\\\xC3\xA9"));
-  const Bytes wide = Utf16Bytes(u"\uFEFFREGEDIT4\r[HKCU\\\u00E9]\r\r@=hex(2):e9\r\u001A");
-  EXPECT_THAT(Read({reinterpret_cast<const char*>(wide.data()), wide.size()}).said,
+  EXPECT_THAT(Read(Utf16File(u"REGEDIT4\r[HKCU\\\u00E9]\r\r@=hex(2):e9\r\u001A")).said,
               ElementsAre("+ HKCU\\\xC3\xA9", " 2 \xC3\xA9|"));
   for (const char* wrong : {"", "regedit4\r\n", "\r\nREGEDIT4\r\n", "REGEDIT5\r\n", "\xFF\xFE"}) {
     EXPECT_THROW(Read(wrong), Error) << wrong;
@@ -184,7 +183,7 @@ TEST(RegFileReader, MarkDecidesTheEncodingAndHeaderTheHexText) {
 }
 
 TEST(RegFileReader, ReportsMalformedLinesAndReadsOn) {
-  const Recorder recorder = Read(
+  const RegFileRecorder recorder = Read(
       "REGEDIT4\r\n\"early\"=\"x\"\r\n[HKEY_CURRENT_USER\\A]\r\n"   // 2 before any key
       "\"open\"=\"never closed\r\n\"after\"=\"kept\"\r\n"           // 4
       "nonsense\r\n\"no equals\"\r\n\"kind\"=qword:1\r\n"           // 6, 7, 8
@@ -205,10 +204,10 @@ TEST(RegFileReader, CutOffAnywhereGivesNoValueThatWasNotWritten) {
     RegFileWriter writer(form, CodePage());
     WriteOneOfEach(writer);
     const std::string file = writer.Finish();
-    const auto whole = Read(file).values;
+    const auto whole = ReadOnce(file).values;
     const std::size_t header = form == RegFileForm::Regedit4 ? 8 : 74;
     for (std::size_t length = header; length < file.size(); ++length) {
-      for (const auto& [name, value] : Read(file.substr(0, length)).values) {
+      for (const auto& [name, value] : ReadOnce(file.substr(0, length)).values) {
         ASSERT_EQ(whole.count(name), 1U) << length;
         EXPECT_TRUE(value.first != 1 || value == whole.at(name)) << length;
       }
@@ -221,6 +220,91 @@ TEST(RegFileReader, LookingAheadInVainStaysLinear) {
   std::string file = "REGEDIT4\n[HKEY_CURRENT_USER\\A]\n";
   for (int i = 0; i < 50000; ++i) file += "\"a\n@=\"b\\\n  \\\"c\n";
   EXPECT_GT(Read(file).said.size(), 50000U);
+}
+
+// What is not a character must come out alike wherever the pieces end, and a pair of surrogates must stay one.
+TEST(RegFileReader, BrokenAndLongCharactersStayWhatTheyAre) {
+  const std::string utf8 =
+      "\xEF\xBB\xBFREGEDIT4\n[HKCU]\n\"\xF0\x9F\x98\x80\"=\"a\x80\x80\x80\x80\x80\xE8\xA1z\\\xF0\x9F\x98\x80\"";
+  Bytes wide = Utf16Bytes(u"\uFEFFREGEDIT4\n[HKCU]\n\"\U0001F600\"=\"\xD83D-\xDE00\\\U0001F600\"\r\n");
+  wide.push_back('x');
+  const std::string_view utf16(reinterpret_cast<const char*>(wide.data()), wide.size());
+  const std::string replaced = "\xEF\xBF\xBD";
+  EXPECT_THAT(Read(utf8).said,
+              ElementsAre("+ HKCU", "\xF0\x9F\x98\x80 1 a" + replaced + replaced + replaced + replaced + replaced +
+                                        replaced + replaced + "z\xF0\x9F\x98\x80|"));
+  const RegFileRecorder recorder = Read(utf16);
+  EXPECT_THAT(recorder.said,
+              ElementsAre("+ HKCU", "\xF0\x9F\x98\x80 1 \xED\xA0\xBD-\xED\xB8\x80\xF0\x9F\x98\x80|", "! 3"));
+  EXPECT_THAT(recorder.problems, ElementsAre("3 the file ends in the middle of a character"));
+}
+
+TEST(RegFileLimits, ValueThatNoHiveHoldsIsReportedAndLeftOut) {
+  RegFileLimits limits;
+  limits.data = 8;
+  const std::string reason = " bytes long, and no hive holds more than 8 in one value";
+  const RegFileRecorder recorder = Read(
+      "REGEDIT4\n[HKCU]\n\"fits\"=\"abc\"\n\"t\"=\"abcd\"\n"   // 3, 4
+      "\"lines\"=\"a\nbcdefg\n\"\n"                            // 5 to 7
+      "\"fits\"=hex:1,2,3,4,\\\n5,6,7,8\n"                     // 8, 9
+      "\"h\"=hex(7):1,2,3,4,\\\n5,6,7,8,9\n\"after\"=\"x\"\n"  // 10 to 12
+      "\"open\"=\"abcdefgh\nijk\n[HKCU\\B]\n",                 // 13, 14, 15
+      1252, limits);
+  EXPECT_THAT(recorder.said, ElementsAre("+ HKCU", "fits 1 abc|", "! 4", "! 5", "fits 3 1 2 3 4 5 6 7 8", "! 10",
+                                         "after 1 x|", "! 13", "! 14", "+ HKCU\\B"));
+  EXPECT_THAT(recorder.problems, ElementsAre("4 the value's data are 10" + reason, "5 the value's data are 20" + reason,
+                                             "10 the value's data are 9" + reason, "13 a quote is not closed",
+                                             "14 this is no key, no value and no comment"));
+}
+
+TEST(RegFileLimits, NamesThatNothingCanHaveAreNotHeld) {
+  const std::string shortName(16383, 'n');
+  const std::string longName(3 * 16383 + 1, 'n');
+  RegFileLimits limits;
+  limits.piece = 1000;
+  const RegFileRecorder recorder = Read("REGEDIT4\n[HKCU]\n\"" + shortName + "\"=-\n\"" + longName + "\"=-\n[HKCU\\" +
+                                            std::string(1 << 20, 'k') + "]\n\"lost\"=\"x\"\n[HKCU\\B]\n",
+                                        1252, limits);
+  EXPECT_THAT(recorder.said, ElementsAre("+ HKCU", "delete " + shortName, "! 4", "! 5", "+ HKCU\\B"));
+  EXPECT_THAT(recorder.problems,
+              ElementsAre("4 the value's name has more than 16383 characters, and no hive holds such a name",
+                          "5 the key's name is longer than any key's; its values are left out"));
+}
+
+/// A file that grows while it is read: nobody knows its size, and it never ends.
+class EndlessSource : public ByteSource {
+ public:
+  std::optional<std::uint64_t> Size() const override { return std::nullopt; }
+  std::size_t Read(std::span<char> buffer) override {
+    for (char& c : buffer) c = at_++ < 9 ? "REGEDIT4\n"[at_ - 1] : ';';
+    return buffer.size();
+  }
+  void GoBackTo(std::uint64_t offset) override { at_ = offset; }
+
+ private:
+  std::uint64_t at_ = 0;
+};
+
+TEST(RegFileLimits, FileThatIsTooLargeIsRefused) {
+  RegFileLimits limits;
+  limits.file = 1000;
+  const auto reason = [&](ByteSource& source) -> std::string {
+    RegFileRecorder recorder;
+    try {
+      ReadRegFile(source, "test.reg", CodePage(), recorder, limits);
+    } catch (const Error& error) {
+      return Describe(error);
+    }
+    return "it was read";
+  };
+  const std::string file = "REGEDIT4\n" + std::string(1000 - 9, ';');
+  TextSource fits(file);
+  EXPECT_EQ(reason(fits), "it was read");
+  const std::string larger = file + ";";
+  TextSource known(larger);
+  EXPECT_THAT(reason(known), HasSubstr("test.reg: it is larger than 1000 bytes"));
+  EndlessSource endless;
+  EXPECT_THAT(reason(endless), HasSubstr("test.reg: it is larger than 1000 bytes"));
 }
 
 }  // namespace
