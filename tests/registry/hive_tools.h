@@ -105,6 +105,13 @@ inline Hive LargeHive() {
   return hive;
 }
 
+/// The file with a page behind its bins that is not a bin. It cannot be opened, and nothing of it is lost.
+inline Bytes WithBadPage(Bytes file) {
+  SetBase(file, BaseField::kBinsSize, static_cast<std::uint32_t>(file.size()));
+  file.resize(file.size() + kHivePage);
+  return file;
+}
+
 inline KeyCell CellOf(const Hive& hive, std::string_view path) {
   return KeyCell(hive.Find(hive.Root(), path).value().cell);
 }
