@@ -114,7 +114,7 @@ void TryWildcard(const std::string& text) {
   const std::string pattern = text.substr(0, end);
   const std::string name = end < text.size() ? text.substr(end + 1) : std::string();
   const bool expected = pattern == "*.*" || Mask{UpperCase(ToUtf16(pattern))}.Matches(UpperCase(ToUtf16(name)));
-  Require(MatchesWildcard(name, pattern) == expected, "a wildcard matches as it should");
+  Require(Wildcard(pattern).Matches(name) == expected, "a wildcard matches as it should");
 }
 
 void RunText(ByteView input) {

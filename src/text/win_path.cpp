@@ -167,10 +167,6 @@ bool Wildcard::Matches(std::string_view name) const {
   return MatchesMask(ToUtf16(name), units_, [](char16_t unit) { return UpperCase(unit); });
 }
 
-bool MatchesWildcard(std::string_view name, std::string_view pattern) {
-  return Wildcard(pattern).Matches(name);
-}
-
 std::string Trim(std::string_view text) {
   const std::size_t first = text.find_first_not_of(' ');
   if (first == std::string_view::npos) return {};

@@ -65,9 +65,6 @@ class Wildcard {
   std::u16string units_;
 };
 
-/// Wildcard's answer for one name.
-bool MatchesWildcard(std::string_view name, std::string_view pattern);
-
 /// `text` without blanks at both ends.
 std::string Trim(std::string_view text);
 

@@ -54,12 +54,12 @@ TEST(WinPath, FindsNamesThatWindowsCannotHave) {
 }
 
 TEST(WinPath, MatchesWildcards) {
-  EXPECT_TRUE(MatchesWildcard("INBOX.DBX", "*.dbx"));
-  EXPECT_TRUE(MatchesWildcard("folder", "*.*"));
-  EXPECT_TRUE(MatchesWildcard("comp.lang.c++.dbx", "comp.*++.d?x"));
-  EXPECT_TRUE(MatchesWildcard("\xC3\xBC", "?"));
-  EXPECT_FALSE(MatchesWildcard("Inbox.dbx.bak", "*.dbx"));
-  EXPECT_FALSE(MatchesWildcard("x", ""));
+  EXPECT_TRUE(Wildcard("*.dbx").Matches("INBOX.DBX"));
+  EXPECT_TRUE(Wildcard("*.*").Matches("folder"));
+  EXPECT_TRUE(Wildcard("comp.*++.d?x").Matches("comp.lang.c++.dbx"));
+  EXPECT_TRUE(Wildcard("?").Matches("\xC3\xBC"));
+  EXPECT_FALSE(Wildcard("*.dbx").Matches("Inbox.dbx.bak"));
+  EXPECT_FALSE(Wildcard("").Matches("x"));
 }
 
 TEST(RegistryPath, FullNamesBothWays) {
