@@ -1,5 +1,6 @@
 #include "core/registry_access.h"
 
+#include "text/byte_order.h"
 #include "text/error.h"
 
 namespace quillbox {
@@ -13,13 +14,6 @@ std::string TextUpToNul(const Bytes& bytes) {
 Bytes TextWithNul(const std::string& text) {
   Bytes bytes(text.begin(), text.end());
   bytes.push_back(0);
-  return bytes;
-}
-
-Bytes LittleEndian(std::int32_t number) {
-  const auto bits = static_cast<std::uint32_t>(number);
-  Bytes bytes;
-  for (unsigned shift = 0; shift < 32; shift += 8) bytes.push_back(static_cast<std::uint8_t>(bits >> shift));
   return bytes;
 }
 
@@ -48,9 +42,7 @@ RegValue RegistryAccess::ReadTyped(const Key& key, std::string_view name, const 
   if (registry_.Query(key, name, std::span(buffer)).status != Status::Success) return {};
   if (isText) return TextUpToNul(buffer);
   if (asked.type == ValueType::Binary) return buffer;
-  std::uint32_t bits = 0;
-  for (unsigned i = 0; i < 4; ++i) bits |= static_cast<std::uint32_t>(buffer[i]) << (8 * i);
-  return static_cast<std::int32_t>(bits);
+  return static_cast<std::int32_t>(Load32(buffer.data()));
 }
 
 Status RegistryAccess::Probe(const RegistryPath& path, std::string_view name) {
@@ -106,7 +98,7 @@ Status RegistryAccess::Write(const Key& key, std::string_view name, const RegVal
     case ValueType::Dword: {
       const auto number = value.IsEmpty() ? std::optional<std::int32_t>(0) : value.AsNumber();
       if (!number) return Status::InvalidParameter;
-      return registry_.SetValue(key, name, type, LittleEndian(*number));
+      return registry_.SetValue(key, name, type, NumberBytes(static_cast<std::uint32_t>(*number)));
     }
     default:
       return Status::Success;

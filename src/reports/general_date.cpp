@@ -5,14 +5,13 @@
 #include <string_view>
 
 #include "core/identity_catalogue.h"
+#include "text/file_time.h"
 #include "text/unicode.h"
 
 namespace quillbox {
 namespace {
 
 constexpr const char* kInternational = "Control Panel\\International";
-constexpr std::uint64_t kTicks = 10'000'000;          // FILETIME units in a second
-constexpr std::uint64_t kUnixEpoch = 11'644'473'600;  // seconds from 1601 to 1970
 constexpr int kHoursOfHalf = 12;
 constexpr std::size_t kAbbreviated = 3;
 
@@ -116,7 +115,7 @@ std::string FormatGeneralDate(const std::tm& when, const DateStyle& style) {
 }
 
 std::string GeneralDate(RegistryStore& store, std::uint64_t fileTime) {
-  const auto seconds = static_cast<std::time_t>(fileTime / kTicks - std::min(fileTime / kTicks, kUnixEpoch));
+  const auto seconds = static_cast<std::time_t>(UnixSeconds(fileTime).value_or(0));
   std::tm local = {};
   if (localtime_r(&seconds, &local) == nullptr) return {};
   return FormatGeneralDate(local, ReadDateStyle(store));

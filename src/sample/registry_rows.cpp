@@ -60,9 +60,7 @@ void SetText(Hive& hive, HiveKey key, std::string_view name, RowType type, std::
 }
 
 void SetNumber(Hive& hive, HiveKey key, std::string_view name, std::uint32_t number) {
-  Bytes data;
-  AppendNumber<4>(data, number);
-  hive.SetValue(key, name, static_cast<std::uint32_t>(RowType::Dword), data);
+  hive.SetValue(key, name, static_cast<std::uint32_t>(RowType::Dword), NumberBytes(number));
 }
 
 void WriteRows(Hive& hive, HiveKey base, std::span<const ValueRow> rows, const Placeholders& placeholders) {

@@ -12,6 +12,7 @@
 #include "sample/sample_store.h"
 #include "sample/user_rows.h"
 #include "text/error.h"
+#include "text/file_time.h"
 #include "text/win_path.h"
 
 namespace quillbox {
@@ -20,7 +21,7 @@ namespace {
 
 // Everything on the disk was last changed then: noon (UTC) of the 18th of December 2004.
 constexpr std::chrono::sys_seconds kMadeAt{std::chrono::seconds{1103371200}};
-constexpr FileTime kMadeAtFileTime = (11644473600u + 1103371200u) * FileTime{10000000};
+constexpr FileTime kMadeAtFileTime = FileTimeOfUnix(kMadeAt.time_since_epoch().count());
 
 constexpr std::size_t kBookEntries = 56;
 constexpr std::string_view kSettingsPath = "Software\\Microsoft\\Outlook Express\\5.0";

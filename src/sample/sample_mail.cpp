@@ -4,6 +4,8 @@
 #include <chrono>
 #include <cstdio>
 
+#include "text/file_time.h"
+
 namespace quillbox {
 namespace {
 
@@ -153,9 +155,7 @@ SentTime TimeOf(std::size_t index, Dice& dice) {
   sent.text = Format("%s, %u %s %d %02d:%02d:%02d +0000", kDays[weekday(day).c_encoding()], unsigned{date.day()},
                      kMonths[unsigned{date.month()} - 1], int{date.year()}, static_cast<int>(clock.hours().count()),
                      static_cast<int>(clock.minutes().count()), static_cast<int>(clock.seconds().count()));
-  constexpr std::uint64_t kSecondsTo1970 = 11644473600;
-  const auto total = static_cast<std::uint64_t>((day.time_since_epoch() + inDay) / seconds{1});
-  sent.stamp = (total + kSecondsTo1970) * 10000000;
+  sent.stamp = FileTimeOfUnix((day.time_since_epoch() + inDay) / seconds{1});
   return sent;
 }
 

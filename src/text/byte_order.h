@@ -38,4 +38,11 @@ void AppendNumber(Bytes& bytes, std::uint64_t number) {
   for (std::size_t at = 0; at < Size; ++at) bytes.push_back(static_cast<std::uint8_t>(number >> (8 * at)));
 }
 
+/// The four bytes of a number.
+inline Bytes NumberBytes(std::uint32_t number) {
+  Bytes bytes;
+  AppendNumber<4>(bytes, number);
+  return bytes;
+}
+
 }  // namespace quillbox

@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "platform/offline/host_fd.h"
+#include "text/byte_order.h"
 
 namespace quillbox {
 
@@ -39,22 +40,20 @@ std::optional<std::string> ReadExtended(const char* path, const char* name) {
   return std::string();
 }
 
-RawAttributes LittleEndian(std::string_view bytes) {
-  RawAttributes value = 0;
-  for (std::size_t i = 0; i < 4; ++i) value |= RawAttributes{static_cast<unsigned char>(bytes[i])} << (8 * i);
-  return value;
+RawAttributes AttributesAt(const char* bytes) {
+  return Load32(reinterpret_cast<const std::uint8_t*>(bytes));
 }
 
 std::optional<RawAttributes> ReadNtfsBigEndian(const char* path) {
   const std::optional<std::string> bytes = ReadExtended(path, "system.ntfs_attrib_be");
   if (!bytes) return std::nullopt;
-  return bytes->size() == 4 ? LittleEndian(std::string(bytes->rbegin(), bytes->rend())) : 0;
+  return bytes->size() == 4 ? AttributesAt(std::string(bytes->rbegin(), bytes->rend()).data()) : 0;
 }
 
 std::optional<RawAttributes> ReadNtfs(const char* path) {
   const std::optional<std::string> bytes = ReadExtended(path, "system.ntfs_attrib");
   if (!bytes) return std::nullopt;
-  return bytes->size() == 4 ? LittleEndian(*bytes) : 0;
+  return bytes->size() == 4 ? AttributesAt(bytes->data()) : 0;
 }
 
 std::optional<RawAttributes> ReadFat(const char* path) {
@@ -76,7 +75,7 @@ std::optional<RawAttributes> ReadUserAttribute(const char* path) {
     return value;
   }
   const bool isRecord = bytes->size() >= 16 && (*bytes)[0] == 0 && ((*bytes)[8] & 1) != 0;
-  return isRecord ? LittleEndian(std::string_view(*bytes).substr(12)) : 0;
+  return isRecord ? AttributesAt(bytes->data() + 12) : 0;
 }
 
 constexpr std::array kSources = {AttributeSource{ReadNtfsBigEndian}, AttributeSource{ReadNtfs},

@@ -11,6 +11,7 @@
 #include "platform/offline/host_file.h"
 #include "platform/offline/place_finder.h"
 #include "platform/offline/windows_names.h"
+#include "text/file_time.h"
 
 namespace quillbox {
 
@@ -45,7 +46,7 @@ FileEntry EntryOf(const struct stat& info) {
   FileEntry entry;
   entry.isDirectory = S_ISDIR(info.st_mode);
   entry.size = entry.isDirectory ? 0 : static_cast<std::uint64_t>(info.st_size);
-  entry.modified = ToFileTime(info.st_mtim);
+  entry.modified = FileTimeOfUnix(info.st_mtim.tv_sec, static_cast<std::uint64_t>(info.st_mtim.tv_nsec));
   return entry;
 }
 

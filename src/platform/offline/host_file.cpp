@@ -20,7 +20,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::size_t kReadChunk = std::size_t{256} * 1024;
-constexpr std::int64_t kSecondsFrom1601To1970 = 11'644'473'600;
 constexpr mode_t kAllModeBits = 07777;
 constexpr mode_t kNewFileMode = 0666;
 constexpr std::string_view kTemporaryName = ".quillbox-";
@@ -176,12 +175,6 @@ std::string ReadWholeFile(const HostPlace& file) {
     if (got < 0) ThrowErrno(errno);
     if (got == 0) return content;
   }
-}
-
-std::uint64_t ToFileTime(const timespec& time) {
-  const std::int64_t seconds = static_cast<std::int64_t>(time.tv_sec) + kSecondsFrom1601To1970;
-  if (seconds < 0) return 0;
-  return static_cast<std::uint64_t>(seconds) * 10'000'000 + static_cast<std::uint64_t>(time.tv_nsec) / 100;
 }
 
 }  // namespace quillbox

@@ -70,7 +70,4 @@ void RemoveAbandonedFiles(const HostPlace& folder);
 /// A whole file. Throws std::system_error.
 std::string ReadWholeFile(const HostPlace& file);
 
-/// A host time as FILETIME (100 ns since 1601 UTC); 0 for times before.
-std::uint64_t ToFileTime(const timespec& time);
-
 }  // namespace quillbox

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "text/byte_order.h"
 #include "text/error.h"
 #include "text/unicode.h"
 
@@ -65,8 +66,7 @@ std::string ControlSetName(const Hive& system) {
   const std::optional<HiveKey> select = system.Find(system.Root(), "Select");
   const std::optional<HiveValue> current = select ? system.Value(*select, "Current") : std::nullopt;
   if (current && current->data.size() == sizeof number) {
-    number = current->data[0] | current->data[1] << 8u | static_cast<std::uint32_t>(current->data[2]) << 16u |
-             static_cast<std::uint32_t>(current->data[3]) << 24u;
+    number = Load32(current->data.data());
   }
   std::array<char, 24> name = {};
   std::snprintf(name.data(), name.size(), "ControlSet%03u", number);

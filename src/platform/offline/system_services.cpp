@@ -7,13 +7,14 @@
 #include <ctime>
 
 #include "platform/offline/host_file.h"
+#include "text/file_time.h"
 
 namespace quillbox {
 
 std::uint64_t SystemClock::Now() {
   timespec now = {};
   clock_gettime(CLOCK_REALTIME, &now);
-  return ToFileTime(now);
+  return FileTimeOfUnix(now.tv_sec, static_cast<std::uint64_t>(now.tv_nsec));
 }
 
 std::string RandomGuids::Create() {

@@ -13,6 +13,7 @@
 #include <wx/sizer.h>
 #include <wx/stattext.h>
 
+#include "text/file_time.h"
 #include "ui/wx/wx_text.h"
 
 namespace quillbox {
@@ -20,8 +21,6 @@ namespace {
 
 constexpr int kGap = 8;
 constexpr int kWidest = 560;
-constexpr std::uint64_t kFileTimeTicks = 10'000'000;       // units in a second
-constexpr std::uint64_t kFileTimeOfUnix = 11'644'473'600;  // seconds from 1601 to 1970
 
 struct Choice {
   const char* label;
@@ -39,9 +38,9 @@ wxString SizeText(std::uint64_t bytes) {
 }
 
 wxString TimeText(std::uint64_t fileTime) {
-  if (fileTime / kFileTimeTicks < kFileTimeOfUnix) return "date not known";
-  return "modified " +
-         wxDateTime(static_cast<time_t>(fileTime / kFileTimeTicks - kFileTimeOfUnix)).Format("%d %B %Y, %H:%M:%S");
+  const std::optional<std::int64_t> seconds = UnixSeconds(fileTime);
+  if (!seconds) return "date not known";
+  return "modified " + wxDateTime(static_cast<time_t>(*seconds)).Format("%d %B %Y, %H:%M:%S");
 }
 
 class OverwriteDialog : public wxDialog {
