@@ -12,8 +12,8 @@ bool IsDone(const RegeditCommand& command) {
 }
 
 void RequireWhole(const RegeditRequest& request) {
-  Require(!request.fault.empty() || IsDone(request.command), "a command without a fault names all that it needs");
-  if (!request.fault.empty() || request.command.action != RegeditAction::Export) return;
+  Require(request.fault || IsDone(request.command), "a command without a fault names all that it needs");
+  if (request.fault || request.command.action != RegeditAction::Export) return;
   Require(ParseRegistryPath(FullName(request.command.key)) == request.command.key, "a key's full name leads to it");
 }
 
@@ -29,7 +29,8 @@ void RunCommandLine(ByteView input) {
 
   const RegeditRequest passed = ParseArguments({"--disk", "c", "--command-line", text});
   Require(passed.fault == line.fault, "a command line that is passed on has the same fault");
-  Require(!passed.fault.empty() || Same(passed.command, line.command), "a command line that is passed on is the same");
+  Require(passed.fault.has_value() || Same(passed.command, line.command),
+          "a command line that is passed on is the same");
 
   std::vector<std::string> arguments(1);
   for (const char c : text) {
@@ -41,7 +42,7 @@ void RunCommandLine(ByteView input) {
   }
   const RegeditRequest byHand = ParseArguments(arguments);
   RequireWhole(byHand);
-  Require(!byHand.fault.empty() || !byHand.disk.folder.empty(), "a command without a fault names a disk");
+  Require(byHand.fault.has_value() || !byHand.disk.folder.empty(), "a command without a fault names a disk");
 }
 
 std::vector<Seed> CommandLineSeeds() {

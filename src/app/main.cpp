@@ -80,7 +80,12 @@ class Application {
 };
 
 int Run(const std::vector<std::string>& arguments) {
-  Options options = ParseOptions(arguments);
+  auto parsed = ParseOptions(arguments);
+  if (const auto* fault = std::get_if<CommandFault>(&parsed)) {
+    std::fprintf(stderr, "quillbox: %s\n%s", fault->reason.c_str(), kUsage);
+    return 2;
+  }
+  auto& options = std::get<Options>(parsed);
   switch (options.end) {
     case OptionsEnd::Help:
       std::fputs(kUsage, stdout);
@@ -88,9 +93,6 @@ int Run(const std::vector<std::string>& arguments) {
     case OptionsEnd::Version:
       std::puts("quillbox " QUILLBOX_VERSION);
       return 0;
-    case OptionsEnd::Wrong:
-      std::fprintf(stderr, "quillbox: %s\n%s", options.fault.c_str(), kUsage);
-      return 2;
     case OptionsEnd::Run:
       break;
   }

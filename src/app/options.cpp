@@ -1,6 +1,5 @@
 #include "app/options.h"
 
-#include <cctype>
 #include <fstream>
 
 #include "text/error.h"
@@ -10,58 +9,55 @@ namespace {
 
 constexpr const char* kLastDiskFile = "last-disk";
 
-Options Wrong(std::string fault) {
-  Options options;
-  options.end = OptionsEnd::Wrong;
-  options.fault = std::move(fault);
-  return options;
-}
-
 std::filesystem::path Absolute(const std::string& path) {
   return std::filesystem::absolute(path).lexically_normal();
 }
 
+std::optional<CommandFault> AddDrive(Options& options, const std::string& value) {
+  const auto parsed = ParseDriveOption(value);
+  if (const auto* fault = std::get_if<CommandFault>(&parsed)) return *fault;
+  const auto& drive = std::get<DriveOption>(parsed);
+  options.disk.drives[drive.letter] = Absolute(drive.folder);
+  return std::nullopt;
+}
+
+template <OptionsEnd end>
+std::optional<CommandFault> End(Options& options, const std::string& /*value*/) {
+  options.end = end;
+  return std::nullopt;
+}
+
+std::optional<CommandFault> Choose(Options& options, const std::string& /*value*/) {
+  options.choose = true;
+  return std::nullopt;
+}
+
+std::optional<CommandFault> SetProfile(Options& options, const std::string& value) {
+  options.disk.profile = value;
+  return std::nullopt;
+}
+
+constexpr CommandOption<Options> kOptions[] = {
+    {"--profile", true, SetProfile},      {"--drive", true, AddDrive},
+    {"--choose", false, Choose},          {"--help", false, End<OptionsEnd::Help>},
+    {"-h", false, End<OptionsEnd::Help>}, {"--version", false, End<OptionsEnd::Version>},
+};
+
 }  // namespace
 
-Options ParseOptions(const std::vector<std::string>& arguments) {
+std::variant<Options, CommandFault> ParseOptions(const std::vector<std::string>& arguments) {
   Options options;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const std::string& argument = arguments[i];
-    const bool hasNext = i + 1 < arguments.size();
-    if (argument == "--help" || argument == "-h") {
-      options.end = OptionsEnd::Help;
-      return options;
-    }
-    if (argument == "--version") {
-      options.end = OptionsEnd::Version;
-      return options;
-    }
-    if (argument == "--choose") {
-      options.choose = true;
-    } else if (argument == "--profile" && hasNext) {
-      options.disk.profile = arguments[++i];
-    } else if (argument == "--drive" && hasNext) {
-      const auto drive = ParseDrive(arguments[++i]);
-      if (!drive) return Wrong("--drive takes a letter from A to Y, \"=\" and a folder, not \"" + arguments[i] + "\"");
-      options.disk.drives[drive->first] = drive->second;
-    } else if (argument.starts_with("-")) {
-      return Wrong(hasNext || argument.size() < 3 ? "there is no option \"" + argument + "\""
-                                                  : "\"" + argument + "\" is no option, or lacks what it takes");
+  for (std::size_t at = 0; at < arguments.size() && options.end == OptionsEnd::Run; ++at) {
+    const std::string& argument = arguments[at];
+    if (argument.starts_with("-")) {
+      if (auto fault = ApplyOption(kOptions, options, arguments, at)) return *std::move(fault);
     } else if (!options.disk.folder.empty()) {
-      return Wrong("one folder is drive C:; \"" + argument + "\" is a second one");
+      return CommandFault{"one folder is drive C:; \"" + argument + "\" is a second one"};
     } else {
       options.disk.folder = Absolute(argument);
     }
   }
   return options;
-}
-
-std::optional<std::pair<char, std::filesystem::path>> ParseDrive(const std::string& text) {
-  if (text.size() < 3 || text[1] != '=') return std::nullopt;
-  const char letter = static_cast<char>(std::toupper(static_cast<unsigned char>(text[0])));
-  // C: is the folder itself and Z: the host's own root.
-  if (letter < 'A' || letter > 'Y' || letter == 'C') return std::nullopt;
-  return std::pair(letter, Absolute(text.substr(2)));
 }
 
 DiskChoice LoadLastDisk(const std::filesystem::path& stateFolder) {
@@ -75,7 +71,8 @@ DiskChoice LoadLastDisk(const std::filesystem::path& stateFolder) {
     if (name == "folder") disk.folder = value;
     if (name == "profile") disk.profile = value;
     if (name == "drive") {
-      if (const auto drive = ParseDrive(value)) disk.drives.insert(*drive);
+      const auto drive = ParseDriveOption(value);
+      if (const auto* known = std::get_if<DriveOption>(&drive)) disk.drives.emplace(known->letter, known->folder);
     }
   }
   return disk;

@@ -3,9 +3,11 @@
 
 #include <filesystem>
 #include <map>
-#include <optional>
 #include <string>
+#include <variant>
 #include <vector>
+
+#include "text/command_options.h"
 
 namespace quillbox {
 
@@ -18,11 +20,10 @@ struct DiskChoice {
   bool operator==(const DiskChoice&) const = default;
 };
 
-enum class OptionsEnd { Run, Help, Version, Wrong };
+enum class OptionsEnd { Run, Help, Version };
 
 struct Options {
   OptionsEnd end = OptionsEnd::Run;
-  std::string fault;    ///< of Wrong: what is wrong
   bool choose = false;  ///< ask for the disk even if one was open before
   DiskChoice disk;
 };
@@ -39,10 +40,7 @@ inline constexpr const char* kUsage =
     "  --help, --version\n";
 
 /// `arguments` without the program's name. Host paths are made absolute.
-Options ParseOptions(const std::vector<std::string>& arguments);
-
-/// `D=FOLDER` as a drive; nothing when it does not read so.
-std::optional<std::pair<char, std::filesystem::path>> ParseDrive(const std::string& text);
+std::variant<Options, CommandFault> ParseOptions(const std::vector<std::string>& arguments);
 
 /// The disk opened last, kept in the state folder; empty when there is none.
 DiskChoice LoadLastDisk(const std::filesystem::path& stateFolder);

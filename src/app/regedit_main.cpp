@@ -34,8 +34,8 @@ OfflineOptions DiskOptions(const RegeditRequest& request) {
 
 RegeditExit Run(const std::vector<std::string>& arguments) {
   const RegeditRequest request = ParseArguments(arguments);
-  if (!request.fault.empty()) {
-    std::cerr << "regedit: " << request.fault << '\n' << kRegeditUsage;
+  if (request.fault) {
+    std::cerr << "regedit: " << request.fault->reason << '\n' << kRegeditUsage;
     return RegeditExit::WrongCommand;
   }
   ConsoleDialogs dialogs;

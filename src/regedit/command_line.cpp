@@ -94,57 +94,79 @@ void SetOperands(RegeditRequest& request, Operands operands) {
   const std::string& key = operands.key;
   request.command.file = std::move(operands.file);
   if (request.command.file.empty()) {
-    request.fault = "no file is named";
+    request.fault = CommandFault{"no file is named"};
   } else if (request.command.action == RegeditAction::Export) {
     const std::optional<RegistryPath> path = ParseRegistryPath(key);
     if (key.empty()) {
-      request.fault = "no key is named";
+      request.fault = CommandFault{"no key is named"};
     } else if (!path) {
-      request.fault = "\"" + key + "\" begins with no root key";
+      request.fault = CommandFault{"\"" + key + "\" begins with no root key"};
     } else {
       request.command.key = *path;
     }
   }
 }
 
-std::string SetDrive(RegeditDisk& disk, const std::string& text) {
-  const bool isLetter = !text.empty() && ((text[0] >= 'A' && text[0] <= 'Z') || (text[0] >= 'a' && text[0] <= 'z'));
-  if (!isLetter || text.size() < 3 || text[1] != '=') return "--drive takes a letter and a folder: D=FOLDER";
-  disk.drives[static_cast<char>(text[0] & ~0x20)] = text.substr(2);
-  return {};
-}
-
-std::string AddLock(RegeditDisk& disk, const std::string& text) {
-  int number = -1;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size() || number < 0) return "--lock-fd takes a number";
-  disk.lockFds.push_back(number);
-  return {};
-}
-
-struct Option {
-  std::string_view text;
-  /// Gives what is wrong with `value`, or nothing.
-  std::string (*apply)(RegeditDisk& disk, const std::string& value);
+/// What the host's command line says besides the operands.
+struct HandOptions {
+  RegeditDisk disk;
+  std::optional<std::string> commandLine;  ///< of a Windows program
 };
 
-constexpr std::array<Option, 6> kOptions{{
-    {"--disk", [](RegeditDisk& disk, const std::string& value) { return disk.folder = value, std::string(); }},
-    {"--profile", [](RegeditDisk& disk, const std::string& value) { return disk.profile = value, std::string(); }},
-    {"--directory", [](RegeditDisk& disk, const std::string& value) { return disk.directory = value, std::string(); }},
-    {"--state-folder",
-     [](RegeditDisk& disk, const std::string& value) { return disk.stateFolder = value, std::string(); }},
-    {"--drive", SetDrive},
-    {"--lock-fd", AddLock},
-}};
+template <std::string RegeditDisk::*field>
+std::optional<CommandFault> SetText(HandOptions& options, const std::string& value) {
+  options.disk.*field = value;
+  return std::nullopt;
+}
 
-constexpr std::string_view kCommandLineOption = "--command-line";
-constexpr std::string_view kSalvageOption = "--salvage";
+std::optional<CommandFault> SetDirectory(HandOptions& options, const std::string& value) {
+  options.disk.directory = WinPath(value);
+  return std::nullopt;
+}
+
+std::optional<CommandFault> AddDrive(HandOptions& options, const std::string& value) {
+  const auto parsed = ParseDriveOption(value);
+  if (const auto* fault = std::get_if<CommandFault>(&parsed)) return *fault;
+  const auto& drive = std::get<DriveOption>(parsed);
+  options.disk.drives[drive.letter] = drive.folder;
+  return std::nullopt;
+}
+
+std::optional<CommandFault> AddLock(HandOptions& options, const std::string& value) {
+  int number = -1;
+  const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number);
+  if (error != std::errc() || end != value.data() + value.size() || number < 0) {
+    return CommandFault{"--lock-fd needs a number, not \"" + value + "\""};
+  }
+  options.disk.lockFds.push_back(number);
+  return std::nullopt;
+}
+
+std::optional<CommandFault> SetSalvage(HandOptions& options, const std::string& /*value*/) {
+  options.disk.salvage = true;
+  return std::nullopt;
+}
+
+std::optional<CommandFault> SetCommandLine(HandOptions& options, const std::string& value) {
+  options.commandLine = value;
+  return std::nullopt;
+}
+
+constexpr CommandOption<HandOptions> kOptions[] = {
+    {"--disk", true, SetText<&RegeditDisk::folder>},
+    {"--profile", true, SetText<&RegeditDisk::profile>},
+    {"--state-folder", true, SetText<&RegeditDisk::stateFolder>},
+    {"--directory", true, SetDirectory},
+    {"--drive", true, AddDrive},
+    {"--lock-fd", true, AddLock},
+    {"--salvage", false, SetSalvage},
+    {"--command-line", true, SetCommandLine},
+};
 
 void SetHandOperands(RegeditRequest& request, const std::vector<std::string>& operands) {
   const bool isExport = request.command.action == RegeditAction::Export;
   if (operands.size() > (isExport ? 2U : 1U)) {
-    request.fault = "\"" + operands.back() + "\" is one too many";
+    request.fault = CommandFault{"\"" + operands.back() + "\" is one too many"};
     return;
   }
   SetOperands(request, {.file = operands.empty() ? "" : operands[0], .key = operands.size() < 2 ? "" : operands[1]});
@@ -160,51 +182,37 @@ RegeditRequest ParseCommandLine(std::string_view line) {
   while (scanner.AtSwitch()) {
     const std::string word = scanner.Word();
     if (ApplySwitch(word, request.command)) continue;
-    request.fault = "there is no switch \"" + word + "\"";
+    request.fault = CommandFault{"there is no switch \"" + word + "\""};
     return request;
   }
   const bool isExport = request.command.action == RegeditAction::Export;
   std::string file = isExport ? scanner.Word() : scanner.Last();
   SetOperands(request, {.file = std::move(file), .key = isExport ? scanner.Last() : ""});
-  if (request.fault.empty() && !scanner.AtEnd()) request.fault = "there is more on the line than a command has";
+  if (!request.fault && !scanner.AtEnd()) request.fault = CommandFault{"there is more on the line than a command has"};
   return request;
 }
 
 RegeditRequest ParseArguments(const std::vector<std::string>& arguments) {
   RegeditRequest request;
+  HandOptions options;
   std::vector<std::string> operands;
-  const std::string* commandLine = nullptr;
-  for (std::size_t i = 0; i < arguments.size() && request.fault.empty(); ++i) {
-    const std::string& argument = arguments[i];
-    if (!argument.starts_with("--")) {
-      if (!ApplySwitch(argument, request.command)) operands.push_back(argument);
-      continue;
-    }
-    if (argument == kSalvageOption) {
-      request.disk.salvage = true;
-      continue;
-    }
-    const auto* option =
-        std::find_if(kOptions.begin(), kOptions.end(), [&](const Option& o) { return o.text == argument; });
-    if (option == kOptions.end() && argument != kCommandLineOption) {
-      request.fault = "there is no option \"" + argument + "\"";
-    } else if (++i == arguments.size()) {
-      request.fault = argument + " is not followed by its value";
-    } else if (option == kOptions.end()) {
-      commandLine = &arguments[i];
-    } else {
-      request.fault = option->apply(request.disk, arguments[i]);
+  for (std::size_t at = 0; at < arguments.size() && !request.fault; ++at) {
+    if (arguments[at].starts_with("--")) {
+      request.fault = ApplyOption(kOptions, options, arguments, at);
+    } else if (!ApplySwitch(arguments[at], request.command)) {
+      operands.push_back(arguments[at]);
     }
   }
-  if (!request.fault.empty()) return request;
-  if (commandLine == nullptr) {
+  request.disk = std::move(options.disk);
+  if (request.fault) return request;
+  if (!options.commandLine) {
     SetHandOperands(request, operands);
   } else {
-    RegeditRequest started = ParseCommandLine(*commandLine);
+    RegeditRequest started = ParseCommandLine(*options.commandLine);
     request.command = std::move(started.command);
-    request.fault = operands.empty() ? started.fault : "\"" + operands[0] + "\" is one too many";
+    request.fault = operands.empty() ? started.fault : CommandFault{"\"" + operands[0] + "\" is one too many"};
   }
-  if (request.fault.empty() && request.disk.folder.empty()) request.fault = "no disk is named";
+  if (!request.fault && request.disk.folder.empty()) request.fault = CommandFault{"no disk is named"};
   return request;
 }
 

@@ -3,12 +3,15 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "registry/reg_file.h"
+#include "text/command_options.h"
 #include "text/registry_path.h"
+#include "text/win_path.h"
 
 namespace quillbox {
 
@@ -29,7 +32,7 @@ struct RegeditDisk {
   std::string profile;                 ///< empty: the disk has only one
   std::map<char, std::string> drives;  ///< further drives by upper-case letter
   std::vector<int> lockFds;            ///< open descriptors that hold the disk's locks, inherited from the program
-  std::string directory;               ///< current directory, a Windows path; empty: the platform's choice
+  WinPath directory;                   ///< current directory; empty: the platform's choice
   std::string stateFolder;             ///< where the program keeps private copies; empty: the user's own
   bool salvage = false;                ///< open damaged hives, and those whose logs cannot be used, without a question
 };
@@ -37,7 +40,7 @@ struct RegeditDisk {
 struct RegeditRequest {
   RegeditCommand command;
   RegeditDisk disk;
-  std::string fault;  ///< why the command is wrong; empty when it is not, else the rest means nothing
+  std::optional<CommandFault> fault;  ///< when set, the rest means nothing
 };
 
 /// Takes apart a Windows command line, the program's name first:

@@ -8,23 +8,31 @@ namespace quillbox {
 namespace {
 
 TEST(Options, SayWhichDiskToOpen) {
-  const Options options = ParseOptions({"/mnt/xp", "--profile", "Ann Miller", "--drive", "d=/mnt/data"});
+  const auto options =
+      std::get<Options>(ParseOptions({"/mnt/xp", "--profile", "Ann Miller", "--drive", "d=/mnt/data"}));
   EXPECT_EQ(options.end, OptionsEnd::Run);
   EXPECT_EQ(options.disk, (DiskChoice{"/mnt/xp", "Ann Miller", {{'D', "/mnt/data"}}}));
-  EXPECT_EQ(ParseOptions({"--choose", "--help"}).end, OptionsEnd::Help);
+  EXPECT_EQ(std::get<Options>(ParseOptions({"--choose", "--help", "--profil"})).end, OptionsEnd::Help);
 }
 
-TEST(Options, WrongOnesAreToldApart) {
-  for (const auto& arguments : std::vector<std::vector<std::string>>{{"--profil", "x"},
-                                                                     {"--profile"},
-                                                                     {"--drive", "C=/x"},
-                                                                     {"--drive", "DD=/x"},
-                                                                     {"--drive", "D="},
-                                                                     {"a", "b"}}) {
-    const Options options = ParseOptions(arguments);
-    EXPECT_EQ(options.end, OptionsEnd::Wrong) << arguments.front();
-    EXPECT_FALSE(options.fault.empty());
-  }
+TEST(Options, AWrongCommandLineNamesItsFault) {
+  const struct {
+    std::vector<std::string> arguments;
+    const char* fault;
+  } rows[] = {
+      {{"--profil", "x"}, "there is no option \"--profil\""},
+      {{"--profil"}, "there is no option \"--profil\""},
+      {{"-x"}, "there is no option \"-x\""},
+      {{"--profile"}, "--profile needs a value"},
+      {{"a", "--drive"}, "--drive needs a value"},
+      {{"--drive", "C=/x"}, "--drive cannot be \"C=/x\": C: is the disk's own folder"},
+      {{"--drive", "z=/x"}, "--drive cannot be \"z=/x\": Z: is the root folder of this computer"},
+      {{"--drive", "1=/x"}, "--drive cannot be \"1=/x\": a drive is a letter from A to Y other than C"},
+      {{"--drive", "DD=/x"}, "--drive needs a letter, \"=\" and a folder (D=FOLDER), not \"DD=/x\""},
+      {{"--drive", "D="}, "--drive needs a letter, \"=\" and a folder (D=FOLDER), not \"D=\""},
+      {{"a", "b"}, "one folder is drive C:; \"b\" is a second one"},
+  };
+  for (const auto& row : rows) EXPECT_EQ(std::get<CommandFault>(ParseOptions(row.arguments)).reason, row.fault);
 }
 
 TEST(Options, TheLastDiskIsRemembered) {

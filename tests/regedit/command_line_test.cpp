@@ -8,7 +8,7 @@ namespace {
 
 /// A request in one line: what would be done with which file and key, or the fault.
 std::string Told(const RegeditRequest& request) {
-  if (!request.fault.empty()) return "fault";
+  if (request.fault) return "fault";
   const RegeditCommand& command = request.command;
   std::string text = command.silent ? "silent " : "";
   if (command.action == RegeditAction::Merge) {
@@ -68,6 +68,7 @@ TEST(RegeditCommandLine, TakesHostArgumentsApart) {
       {{"--disk", "c", "/e", "a.reg"}, "fault"},
       {{"--disk", "c", "--depth", "3", "a.reg"}, "fault"},
       {{"--disk", "c", "--drive", "D", "a.reg"}, "fault"},
+      {{"--disk", "c", "--drive", "Z=/mnt", "a.reg"}, "fault"},
       {{"--disk", "c", "--lock-fd", "7x", "a.reg"}, "fault"},
       {{"--disk", "c", "--command-line", "regedit /x", "a.reg"}, "fault"},
   };
@@ -82,7 +83,7 @@ TEST(RegeditCommandLine, NamesTheDisk) {
                                .disk;
   EXPECT_EQ(disk.drives, (std::map<char, std::string>{{'D', "/mnt/d"}, {'E', "e"}}));
   EXPECT_EQ(disk.lockFds, (std::vector<int>{3, 4}));
-  EXPECT_EQ(disk.directory, "D:\\bk");
+  EXPECT_EQ(disk.directory, WinPath("D:\\bk"));
 }
 
 }  // namespace

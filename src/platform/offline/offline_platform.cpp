@@ -8,6 +8,7 @@
 
 #include "platform/offline/state_folder.h"
 #include "text/code_page.h"
+#include "text/command_options.h"
 #include "text/error.h"
 
 namespace quillbox {
@@ -25,9 +26,7 @@ const std::map<char, fs::path>& Checked(const std::map<char, fs::path>& drives) 
   for (const auto& [letter, folder] : drives) {
     std::error_code code;
     const std::string drive = {letter, ':'};
-    if (letter < 'A' || letter > 'Z' || letter == DriveMap::kSystemDrive) {
-      throw Error("adding a drive", {drive, {}, {}}, "a further drive is a letter from A to Z other than C");
-    }
+    if (const auto fault = DriveLetterFault(letter)) throw Error("adding a drive", {drive, {}, {}}, fault->reason);
     if (!fs::is_directory(folder, code))
       throw Error("adding the drive " + drive, {folder.string(), {}, {}}, "there is no such folder");
   }
@@ -81,7 +80,7 @@ OfflinePlatform::OfflinePlatform(const OfflineOptions& options, Dialogs& dialogs
   facts_ =
       RegistryFacts(ReadEnvironment(registry_, {disk_.windowsPath, profile_.winFolder, profile_.name}), FindCodePage());
 
-  const WinPath directory(options.currentDirectory);
+  const WinPath& directory = options.currentDirectory;
   if (directory.Empty()) return;
   if (directory.Drive() != 0) drives_.SetCurrentDrive(directory.Drive());
   if (drives_.SetCurrentDirectory(directory) != Status::Success) {

@@ -32,14 +32,14 @@ enum class Salvage {
 };
 
 struct OfflineOptions {
-  std::filesystem::path folder;                  ///< the host folder that is C:\ .
-  std::string profile;                           ///< may be empty where there is only one
-  std::map<char, std::filesystem::path> drives;  ///< further drives by upper-case letter
-  std::vector<int> lockFds;                      ///< the disk's lock, from the program that started this one
-  std::string currentDirectory;                  ///< a Windows path; empty for C:\ .
-  std::filesystem::path stateFolder;             ///< empty for the user's own
-  std::filesystem::path registryEditor;          ///< empty for the one beside the running program
-  bool readOnly = false;                         ///< changes nothing, and needs no lock
+  std::filesystem::path folder;                       ///< the host folder that is C:\ .
+  std::string profile = {};                           ///< may be empty where there is only one
+  std::map<char, std::filesystem::path> drives = {};  ///< further drives by upper-case letter
+  std::vector<int> lockFds = {};                      ///< the disk's lock, from the program that started this one
+  WinPath currentDirectory = {};                      ///< empty for C:\ .
+  std::filesystem::path stateFolder = {};             ///< empty for the user's own
+  std::filesystem::path registryEditor = {};          ///< empty for the one beside the running program
+  bool readOnly = false;                              ///< changes nothing, and needs no lock
   Salvage salvage = Salvage::Ask;
 };
 
@@ -73,7 +73,6 @@ class OfflinePlatform : public Platform {
   const std::vector<std::string>& Warnings() const { return warnings_; }
   /// True when a hive's changes go to a private copy in the state folder, since the disk cannot or must not be written.
   bool UsesPrivateCopy() const;
-  const ProfileFolder& Profile() const { return profile_; }
 
  private:
   void FinishInterrupted();

@@ -23,7 +23,7 @@ using testing::Not;
 struct OfflinePlatformTest : testing::Test {
   XpDisk disk;
   ScriptedDialogs dialogs;
-  OfflineOptions options = {disk.folder, "", {}, {}, "", disk.temp / "state", "", false, Salvage::Ask};
+  OfflineOptions options = {.folder = disk.folder, .stateFolder = disk.temp / "state"};
 
   std::string WhyNot() {
     try {
@@ -66,7 +66,7 @@ TEST_F(OfflinePlatformTest, ChangesReachTheDiskWhenTheCommandEnds) {
     platform.GetRegistry().Create({RegistryRoot::CurrentUser, "Identities\\{3}"});
     EXPECT_EQ(disk.temp.Read("c/Documents and Settings/Anna/ntuser.dat"), before);
     platform.EndCommand();
-    EXPECT_EQ(CountIdentities(platform.Profile()).identities, 3u);
+    EXPECT_EQ(CountIdentities(FindWindowsDisk(disk.folder).profiles[0]).identities, 3u);
     platform.GetRegistry().Create({RegistryRoot::CurrentUser, "Identities\\{4}"});
   }
   EXPECT_EQ(CountIdentities(FindWindowsDisk(disk.folder).profiles[0]).identities, 4u) << "at exit too";
@@ -94,9 +94,9 @@ TEST_F(OfflinePlatformTest, RefusesWhatItCannotOpen) {
   options.drives = {{'D', disk.temp / "none"}};
   EXPECT_THAT(WhyNot(), HasSubstr("there is no such folder"));
   options.drives.clear();
-  options.currentDirectory = "C:\\none";
+  options.currentDirectory = WinPath("C:\\none");
   EXPECT_THAT(WhyNot(), HasSubstr("C:\\none"));
-  options.currentDirectory.clear();
+  options.currentDirectory = WinPath();
   disk.temp.File("c/Documents and Settings/Anna/ntuser.dat", "damaged");
   EXPECT_THAT(WhyNot(), HasSubstr("ntuser.dat"));
 }

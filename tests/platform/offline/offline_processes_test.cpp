@@ -15,7 +15,8 @@ using testing::HasSubstr;
 struct OfflineProcessesTest : testing::Test {
   XpDisk disk;
   ScriptedDialogs dialogs;
-  OfflineOptions options = {disk.folder, "", {{'D', disk.temp.Folder("data")}}, {}, "", disk.temp / "state", "", false};
+  OfflineOptions options = {
+      .folder = disk.folder, .drives = {{'D', disk.temp.Folder("data")}}, .stateFolder = disk.temp / "state"};
 
   /// Puts a shell script in the registry editor's place. $OUT is a file to report in.
   void SetEditor(const std::string& script) {
