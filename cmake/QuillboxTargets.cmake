@@ -9,22 +9,50 @@ target_compile_options(quillbox_warnings INTERFACE
   # clang counts signs among -Wconversion, g++ does not.
   $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion>)
 
-# quillbox_layer(NAME SOURCES file... LINKS target...)
-# A static library `quillbox_NAME`. Its include root is a folder of links to the layers it may know, so an
-# include of any other layer does not compile.
+# quillbox_layer(NAME SOURCES file... LINKS target... [PRIVATE_LINKS target...])
+# A static library `quillbox_NAME`. LINKS names every layer that its headers include, PRIVATE_LINKS those that only its
+# sources include: who uses this layer does not see them. The test "layers" holds every include against these lists.
 function(quillbox_layer name)
-  cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(arg "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
   set(target quillbox_${name})
   if(arg_SOURCES)
     add_library(${target} STATIC ${arg_SOURCES})
     set(scope PUBLIC)
-    target_link_libraries(${target} PRIVATE quillbox_warnings)
+    target_link_libraries(${target} PRIVATE quillbox_warnings ${arg_PRIVATE_LINKS})
   else()
     add_library(${target} INTERFACE)
     set(scope INTERFACE)
   endif()
   target_link_libraries(${target} ${scope} ${arg_LINKS})
   quillbox_include_root(${target} ${scope})
+  file(RELATIVE_PATH folder "${CMAKE_SOURCE_DIR}/src" "${CMAKE_CURRENT_SOURCE_DIR}")
+  set_property(GLOBAL PROPERTY QUILLBOX_FOLDER_OF_${target} "${folder}")
+  set_property(GLOBAL APPEND PROPERTY QUILLBOX_LAYERS ${target})
+  set_property(GLOBAL PROPERTY QUILLBOX_SOURCES_OF_${target} ${arg_SOURCES})
+  set_property(GLOBAL PROPERTY QUILLBOX_LINKS_OF_${target} ${arg_LINKS})
+  set_property(GLOBAL PROPERTY QUILLBOX_PRIVATE_LINKS_OF_${target} ${arg_PRIVATE_LINKS})
+endfunction()
+
+# Adds the test "layers": that each layer names every layer that its files include.
+function(quillbox_check_layers)
+  get_property(layers GLOBAL PROPERTY QUILLBOX_LAYERS)
+  set(table "")
+  foreach(layer IN LISTS layers)
+    get_property(folder GLOBAL PROPERTY QUILLBOX_FOLDER_OF_${layer})
+    get_property(sources GLOBAL PROPERTY QUILLBOX_SOURCES_OF_${layer})
+    foreach(kind LINKS PRIVATE_LINKS)
+      set(${kind} "")
+      get_property(targets GLOBAL PROPERTY QUILLBOX_${kind}_OF_${layer})
+      foreach(target IN LISTS targets)
+        get_property(linked GLOBAL PROPERTY QUILLBOX_FOLDER_OF_${target})
+        list(APPEND ${kind} ${linked})
+      endforeach()
+    endforeach()
+    string(APPEND table "quillbox_check_layer(${folder} \"${sources}\" \"${LINKS}\" \"${PRIVATE_LINKS}\")\n")
+  endforeach()
+  file(WRITE "${CMAKE_BINARY_DIR}/layers.cmake" "${table}")
+  add_test(NAME layers COMMAND ${CMAKE_COMMAND} -D SOURCE_DIR=${CMAKE_SOURCE_DIR}/src
+    -D TABLE=${CMAKE_BINARY_DIR}/layers.cmake -P ${CMAKE_SOURCE_DIR}/cmake/CheckLayers.cmake)
 endfunction()
 
 # Gives `target` an include root that holds only this source folder, under its path below src/.

@@ -1,0 +1,45 @@
+# Holds the includes of every layer's files against the layers that it names. TABLE has a call of quillbox_check_layer
+# for each; SOURCE_DIR is src.
+
+cmake_minimum_required(VERSION 3.25)
+
+# Sets `result` to the layers (folders) whose headers `file` includes, `folder` itself left out.
+function(quillbox_included_layers result file folder)
+  file(STRINGS "${file}" includes REGEX "^#include \"")
+  set(layers "")
+  foreach(include IN LISTS includes)
+    string(REGEX REPLACE "^#include \"(.*)/[^/]*\".*" "\\1" layer "${include}")
+    list(APPEND layers "${layer}")
+  endforeach()
+  list(REMOVE_DUPLICATES layers)
+  list(REMOVE_ITEM layers "${folder}")
+  set(${result} "${layers}" PARENT_SCOPE)
+endfunction()
+
+function(quillbox_check_files files folder named what)
+  foreach(file IN LISTS files)
+    quillbox_included_layers(included "${file}" "${folder}")
+    foreach(layer IN LISTS included)
+      if(NOT layer IN_LIST named)
+        message(SEND_ERROR "${file} includes ${layer}, which ${folder}/CMakeLists.txt does not name among its ${what}")
+      endif()
+      set_property(GLOBAL APPEND PROPERTY USED ${layer})
+    endforeach()
+  endforeach()
+endfunction()
+
+function(quillbox_check_layer folder sources links private_links)
+  set_property(GLOBAL PROPERTY USED "")
+  file(GLOB headers "${SOURCE_DIR}/${folder}/*.h")
+  list(TRANSFORM sources PREPEND "${SOURCE_DIR}/${folder}/")
+  quillbox_check_files("${headers}" ${folder} "${links}" LINKS)
+  quillbox_check_files("${sources}" ${folder} "${links};${private_links}" "LINKS or PRIVATE_LINKS")
+  get_property(used GLOBAL PROPERTY USED)
+  foreach(layer ${links} ${private_links})
+    if(NOT layer IN_LIST used)
+      message(SEND_ERROR "${folder}/CMakeLists.txt names ${layer}, which none of its files includes")
+    endif()
+  endforeach()
+endfunction()
+
+include("${TABLE}")
