@@ -1,4 +1,4 @@
-// The setting that says which address book file Windows' address book opens, and what a person does with it: switching
+// The setting that says which address book file Windows' address book opens, and what the user does with it: switching
 // to another file, remembering four of them, keeping a copy of the setting, and moving the file.
 #pragma once
 
@@ -25,7 +25,7 @@ class AddressBook {
   WinPath InUse() { return Read(""); }
   void Use(const WinPath& file) { Write("", file.Text()); }
 
-  /// Has the file of a slot (0 to 3) be the one in use, whether or not it exists. Nothing is changed when the result is
+  /// Makes the file of a slot (0 to 3) the one in use, whether or not it exists. Nothing is changed when the result is
   /// a refusal or, for a slot without a file, nothing.
   std::optional<DiskPath> UseSlot(std::size_t slot);
   /// Remembers `files` in the four slots.
@@ -37,7 +37,7 @@ class AddressBook {
   std::optional<DiskPath> RestoreSetting();
 
   /// Sets the file in use to the file of its name in `folder`, then begins to copy it there; the old file stays. The
-  /// shell asks before it replaces a file and tells what it cannot copy; the setting is changed all the same. Nothing
+  /// shell asks before it replaces a file and reports what it cannot copy; the setting is changed all the same. Nothing
   /// is done when the file or the folder is refused, which is the result.
   std::optional<PathRefusal> MoveTo(const WinPath& folder);
 

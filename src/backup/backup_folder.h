@@ -35,8 +35,8 @@ struct FolderRefusal {
   std::string Sentence() const;
 };
 
-/// The setting is in the disk's registry, whose words are not the person's: a folder of this computer that is stored
-/// there counts only when the person chose it here, or says so when asked at the start. Until then there is no backup
+/// The setting is in the disk's registry, which may come from anybody: a folder of this computer that is stored there
+/// counts only when the user chose it here, or agrees when asked at the start. Until then there is no backup
 /// folder, and what is stored stays.
 class BackupFolder {
  public:
@@ -59,7 +59,7 @@ class BackupFolder {
 
   /// The check at start: writes the default when nothing is stored, resets a folder that is gone. With `withMessage`
   /// the person is asked about a folder of this computer that is stored but was never chosen, once in a run, and a
-  /// missing choice is told.
+  /// missing choice is reported.
   BackupFolderCheck Check(bool withMessage);
   /// The guard of a backup command: the folder, or nothing after the message has been shown.
   std::optional<WinPath> Guard(FolderMessage wording);

@@ -101,8 +101,8 @@ std::optional<std::size_t> IdentityBackup::SaveAll(const WinPath& backupFolder, 
   return saved;
 }
 
-/// An identity whose setting is no text is not taken for empty: its other parts are saved, and the copying tells why
-/// its store is not.
+/// An identity whose setting is not text does not count as empty: its other parts are saved, and the copying reports
+/// why its store is not.
 bool IdentityBackup::IsEmpty(const IdentityInfo& identity) {
   try {
     return !ReadStoreFolder(store_, platform_.GetSystemFacts(), identity.userId);
@@ -149,7 +149,7 @@ std::optional<WinPath> IdentityBackup::FindStore(const std::string& userId) {
 
 void IdentityBackup::CopyAddressBook(const WinPath& target, OverwriteSetting overwrite) {
   const WinPath file = ReadAddressBookFile(store_);
-  // Without an address book setting there is no file that could be missed.
+  // Without an address book setting no file is missing.
   if (!file.Empty()) {
     const DiskPath source = CheckAddressBook(platform_.GetDrives(), file);
     if (source.IsUsable()) {
@@ -177,7 +177,7 @@ void IdentityBackup::ExportSharedKeys(const WinPath& target) {
   }
 }
 
-// An identity without signatures is nothing to tell.
+// An identity without signatures is normal, so its failed export is not reported.
 void IdentityBackup::SaveSignatures(const std::string& userId) {
   const std::string key = IdentitySettingsKey(userId) + "\\Signatures";
   const bool exists = store_.OpenKey(CurrentUser(key), Access::Read).status == Status::Success;

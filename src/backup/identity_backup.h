@@ -34,20 +34,20 @@ class IdentityBackup {
       : platform_(platform), store_(store), folder_(folder), copier_(platform, std::move(status)) {}
 
   /// Makes the folder `username` in the backup folder when it is missing, makes it the current directory and returns
-  /// its full path. When that fails the person reads which folder and why, and the result is nothing.
+  /// its full path. When that fails a message says which folder and why, and the result is nothing.
   std::optional<WinPath> EnterIdentityFolder(const WinPath& backupFolder, const std::string& username);
-  /// False after telling the person that the identities' key cannot be opened.
+  /// False after a message that the identities' key cannot be opened.
   bool CheckIdentitiesKey();
 
   /// Saves one identity into `target`, which is the current directory, and shows each step in the status.
   void Save(const IdentityInfo& identity, const WinPath& target, const BackupScope& scope, OverwriteSetting overwrite);
-  /// Saves every identity that is not empty into a folder of its own. One whose folder cannot be used is told to the
-  /// person and passed over. The number of identities saved, or nothing when the identities' key could not be opened.
+  /// Saves every identity that is not empty into a folder of its own. One whose folder cannot be used is
+  /// reported and passed over. The number of identities saved, or nothing when the identities' key could not be opened.
   /// Throws Error when the backup folder cannot be entered.
   std::optional<std::size_t> SaveAll(const WinPath& backupFolder, const IdentityCatalogue& catalogue,
                                      const BackupScope& scope, OverwriteSetting overwrite);
 
-  /// Message stores that could not be found and were told to the person, since this object was made.
+  /// Message stores that could not be found and were reported, since this object was made.
   std::size_t MissingStores() const { return copier_.Missing(); }
 
  private:

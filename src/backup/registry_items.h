@@ -59,7 +59,7 @@ class RegistryItems {
   RegistryItems(Platform& platform, RegistryStore& store, BackupFolder& folder)
       : platform_(platform), store_(store), folder_(folder) {}
 
-  /// False after telling the person why: the identity has no such key, or there is no backup folder.
+  /// False after a message that says why: the identity has no such key, or there is no backup folder.
   bool MayExport(const RegistryItemRow& row, const std::string& userId);
   /// The file that the person chooses; nothing when the dialog is cancelled. `folder` is where it opens.
   std::optional<WinPath> AskExportFile(const RegistryItemRow& row, const WinPath& folder);
@@ -68,14 +68,14 @@ class RegistryItems {
   /// Writes the item to `file`. True when the status text is to be shown.
   bool Export(const RegistryItemRow& row, const std::string& userId, const WinPath& file,
               OnFailure onFailure = OnFailure::Tell);
-  /// Brings the item back from `file`. An item of an identity that this registry does not have is told to the person.
+  /// Brings the item back from `file`. An item of an identity that this registry does not have is reported.
   void Restore(const RegistryItemRow& row, const std::string& userId, const WinPath& file);
 
   /// Exports without a dialog, for a complete backup: a bare file name in the backup folder. Throws Error when the
   /// folder cannot be entered.
   void ExportSilently(RegistryItem item);
   /// Merges the file of that name in `folder`, for a complete restore. Without a backup folder there is no such file,
-  /// which only the log then tells.
+  /// which only the log then says.
   void RestoreSilently(RegistryItem item, const std::optional<WinPath>& folder);
 
  private:

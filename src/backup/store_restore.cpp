@@ -18,7 +18,7 @@ bool Holds(const std::vector<std::string>& usernames, const std::string& usernam
                      [&](const std::string& other) { return EqualIgnoreCase(other, username); });
 }
 
-/// The identity as a person tells it from others of its name.
+/// The identity in words that tell it from others of its name.
 std::string NameOf(const IdentityInfo& identity) {
   return "\"" + OneLine(identity.username) + "\" " + OneLine(identity.userId);
 }
@@ -50,7 +50,7 @@ std::vector<std::string> StoreRestore::TellSharedFolders(const WinPath& backupFo
   for (const std::string& username : shared) {
     if (!FileNameFault(username).empty() || !DirExists(platform_.GetFiles(), WinPath(username))) continue;
     platform_.GetDialogs().Show({.text = "Several identities are named \"" + OneLine(username) +
-                                         "\", and nothing tells whose files the folder \"" +
+                                         "\", and nothing says whose files the folder \"" +
                                          OneLine(backupFolder.Join(username).Text()) +
                                          "\" holds. They are restored to each of them; before a file is replaced you "
                                          "are asked.",

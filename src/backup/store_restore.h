@@ -18,13 +18,13 @@ class StoreRestore {
   StoreRestore(Platform& platform, RegistryStore& store, BackupFolder& folder, StatusSink status)
       : platform_(platform), store_(store), folder_(folder), copier_(platform, std::move(status)) {}
 
-  /// Copies back the stores of all identities that have a folder in `backupFolder`, telling each file to the status; a
+  /// Copies back the stores of all identities that have a folder in `backupFolder`, showing each file in the status; a
   /// store folder that is gone is made. Those that cannot be restored are named in one message at the end. Where
   /// several identities share a folder, the person is asked before any file is replaced. Throws Error when the backup
   /// folder cannot be entered.
   void RestoreAll(const WinPath& backupFolder, const IdentityCatalogue& catalogue, OverwriteSetting overwrite);
 
-  /// Message stores that could not be restored and were told to the person, since this object was made.
+  /// Message stores that could not be restored and were reported, since this object was made.
   std::size_t MissingStores() const { return copier_.Missing(); }
 
  private:

@@ -1,4 +1,4 @@
-// The four slots in which a person keeps address book files to switch to, as they are loaded at the start.
+// The four slots in which the user keeps address book files to switch to, as they are loaded at the start.
 #pragma once
 
 #include <array>

@@ -9,7 +9,7 @@ std::string Joined(const std::string& first, const char* between, const std::str
   return first.empty() || second.empty() ? first + second : first + between + second;
 }
 
-/// The words for files that were not copied as asked, after their number. Null for what has a reason of its own.
+/// The words that follow the number of files that were not copied as asked. Null where the result has its own reason.
 const char* WordsOf(CopyEnd end) {
   switch (end) {
     case CopyEnd::KeptDamaged:

@@ -1,7 +1,7 @@
-// Paths that the disk's registry names: message stores, address books. They are not the person's words, so they are
-// followed on the disk's own drives only; one that names a drive of this computer would have files of this computer
-// copied onto the disk, or replaced. Every command asks here before it touches such a path; labels and pickers go on
-// showing what is stored.
+// Paths that the disk's registry names: message stores, address books. Nobody at this computer chose them, so they are
+// followed on the disk's own drives only: a path on a drive of this computer would copy files of this computer onto the
+// disk, or replace them. Every command checks such a path here before it uses it; labels and pickers show what is
+// stored.
 #pragma once
 
 #include <optional>
@@ -29,7 +29,7 @@ struct RegistryValueName {
 struct PathRefusal {
   WinPath path;
   PathFault fault;
-  std::optional<RegistryValueName> source;  ///< nothing for a path that the person gave
+  std::optional<RegistryValueName> source;  ///< nothing for a path that the user gave
 
   /// All of it as a clause without a full stop ("the path ... is not used: that Windows has no such drive").
   std::string Clause() const;
@@ -37,7 +37,7 @@ struct PathRefusal {
   std::string Sentence() const;
 };
 
-/// A path that has been checked: there is no WinPath to be had of one that was refused.
+/// A path that has been checked. A refused one gives no WinPath.
 class DiskPath {
  public:
   /// `path` is as it is stored (variables expanded) or was chosen.

@@ -11,7 +11,7 @@ namespace quillbox {
 /// True when the folder exists: when listing it, folders included, yields a first name.
 bool DirExists(FileSystem& files, const WinPath& path);
 
-/// What is wrong with a folder that DirExists does not find, after its name: "does not exist", or why it is refused.
+/// Why DirExists does not find a folder, to follow the folder's name: "does not exist", or why it is refused.
 std::string WhyNoFolder(FileSystem& files, const WinPath& path);
 
 /// The names of the files that match a pattern (folder plus wildcard), in the file system's order; folders, hidden and

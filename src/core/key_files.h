@@ -1,4 +1,4 @@
-// Keys as hive files: saving a key with everything below it, and having a key hold what such a file holds.
+// Keys as hive files: saving a key with everything below it, and replacing what a key holds by such a file.
 #pragma once
 
 #include "platform/platform.h"
@@ -12,7 +12,7 @@ class KeyFiles {
 
   struct Outcome {
     Status opened = Status::Success;  ///< what opening the key answered
-    Status status = Status::Success;  ///< what the whole answered
+    Status status = Status::Success;  ///< the outcome of all steps
   };
   /// Writes a key as a hive file, whole or not at all, in place of a file of that name. For a key that does not exist
   /// that file is deleted. Without the privilege nothing is done, which is a success.

@@ -9,7 +9,7 @@ const RegistryPath kWindowsVersion{RegistryRoot::LocalMachine, "Software\\Micros
 const RegistryPath kNtVersion{RegistryRoot::LocalMachine, "Software\\Microsoft\\Windows NT\\CurrentVersion"};
 constexpr const char* kProductName = "ProductName";
 
-/// Asks with full access: who may not write to the machine's registry gets no OS code.
+/// Opens with full access, so that a user who may not write to the machine's registry gets no OS code.
 bool HasProductName(Registry& registry, const RegistryPath& path) {
   const OpenResult opened = registry.Open(path, Access::Full);
   return opened.status == Status::Success &&

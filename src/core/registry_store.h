@@ -18,7 +18,7 @@
 
 namespace quillbox {
 
-/// Whether the person reads why a key's file could not be written or used. The log has it in any case.
+/// Whether the user sees why a key's file could not be written or used. The log has it in any case.
 enum class OnFailure { Tell, LogOnly };
 
 class RegistryStore {

@@ -1,5 +1,4 @@
-// Tells those who asked that something has changed. What changed is read from where it is kept, so that nobody holds a
-// copy of it.
+// Notifies its receivers of a change. They read what changed from where it is kept, so that there is one copy of it.
 #pragma once
 
 #include <functional>

@@ -14,7 +14,7 @@ constexpr StatusRow kRows[] = {
     {Status::DiskFull, "the disk is full"},
     {Status::FileExists, "a file of that name is in the way"},
     {Status::InvalidParameter, "Windows allows nothing of that name"},
-    {Status::BadRegistry, "it is no usable hive file"},
+    {Status::BadRegistry, "it is not a usable hive file"},
     {Status::RegistryIo, "a file could not be read or written (the log says more)"},
     {Status::KeyDeleted, "it was deleted meanwhile"},
     {Status::NoResources, "it is larger than the registry can hold (the log says more)"},

@@ -24,7 +24,7 @@ bool IsOwnName(std::string_view name) {
                      [name](std::string_view own) { return EqualIgnoreCase(own, name); });
 }
 
-/// Reads a file of which every line is wanted: the registry editor wrote it a moment ago.
+/// Reads a file that must be understood to the last line: the registry editor has just written it.
 class WholeFileVisitor : public RegFileVisitor {
  public:
   explicit WholeFileVisitor(const RegText& file) : file_(file) {}
@@ -77,7 +77,7 @@ class IdentityCopier : public Copier {
         own_(own) {}
 
   void OnKey(std::string_view fullName, std::size_t line) override {
-    if (fullName.find(source_) == fullName.npos) Refuse(line, "it is no export of " + source_);
+    if (fullName.find(source_) == fullName.npos) Refuse(line, "it is not an export of " + source_);
     inIdentity_ = EqualIgnoreCase(fullName, identity_);
     inSettings_ = EqualIgnoreCase(fullName, settings_);
     writer_.Key(Moved(fullName));
@@ -109,7 +109,7 @@ class AccountsCopier : public Copier {
   AccountsCopier(const RegText& file, RegFileWriter& writer, const std::string& destination)
       : Copier(file, writer), software_(FullName(CurrentUser(IdentityKey(destination))) + "\\Software") {}
   void OnKey(std::string_view fullName, std::size_t line) override {
-    if (!fullName.starts_with(kSoftware)) Refuse(line, "it is no export of the accounts");
+    if (!fullName.starts_with(kSoftware)) Refuse(line, "it is not an export of the accounts");
     writer_.Key(software_ + std::string(fullName.substr(kSoftware.size())));
   }
   void OnValue(std::string_view name, std::uint32_t type, ByteView data, std::size_t /*line*/) override {
@@ -120,8 +120,8 @@ class AccountsCopier : public Copier {
   std::string software_;
 };
 
-/// What `makeCopier`'s visitor writes of the file: in the file's own form, or in the Unicode form where that cannot
-/// hold everything.
+/// What the visitor of `makeCopier` writes for the file: in the file's own form, or in the Unicode form where the
+/// file's own cannot hold everything.
 std::string Rewrite(const RegText& file, const CodePage& codePage,
                     const std::function<std::unique_ptr<Copier>(RegFileWriter&)>& makeCopier) {
   const auto write = [&](RegFileForm form, bool& whole) {

@@ -1,5 +1,5 @@
 // The registry files of a clone: what the source's and the accounts' exports become for the destination. The files are
-// read and written as what they say, not as lines, so that values of any length and texts of several lines stay whole.
+// parsed and written anew, not edited line by line, so that values of any length and texts of several lines stay whole.
 // A file that the 8-bit form cannot hold is written in the Unicode form.
 #pragma once
 

@@ -71,7 +71,7 @@ void IdentityClone::CloneSettings() {
     ~FilesGuard() { clone.RemoveFiles(); }
   };
   const FilesGuard guard{*this};
-  // What an earlier clone has left must not be taken for this one's.
+  // A file that an earlier clone left behind must not pass for one of this clone.
   for (const char* name : kExports) platform_.GetFiles().DeleteFile(File(name));
   Export(kSourceFile, " " + FullName(CurrentUser(IdentityKey(request_.source))));
   Export(kDestinationFile, " " + FullName(CurrentUser(IdentityKey(request_.destination))));

@@ -19,7 +19,7 @@ struct CloneRequest {
   bool keepFiles = false;   ///< whether the temporary files stay
 };
 
-/// Why something of a clone was not done, as a message to the person.
+/// Why a clone, or a part of it, was not made: a message to the user.
 struct CloneRefusal {
   std::string message;
 };

@@ -73,7 +73,7 @@ std::optional<NewIdentity> IdentityMaker::Run(const CreationSteps& steps) {
   if (dialogs.Show({.text = kConfirm, .buttons = MessageButtons::YesNo}) != MessageAnswer::Yes) return std::nullopt;
   const std::uint32_t ordinal = NextOrdinal();
   if (!CreateNewGUID()) return std::nullopt;
-  // A copy: whatever a dialog lets happen, this command goes on with its own.
+  // A copy: another window may make a {USER_ID} while a dialog of this command is open.
   NewIdentity identity{newUserId_, {}};
   dialogs.Show({.text = "The new Identity: \n" + identity.userId + "\nwill be created."});
   if (steps.onUserId) steps.onUserId(identity.userId);

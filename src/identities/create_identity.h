@@ -41,7 +41,7 @@ class IdentityMaker {
  public:
   IdentityMaker(Platform& platform, RegistryStore& store) : platform_(platform), store_(store) {}
 
-  /// Makes a new {USER_ID}, from then on the current one. False, after telling the person, when none could be made.
+  /// Makes a new {USER_ID}, from then on the current one. False, after a message, when none could be made.
   bool CreateNewGUID();
   const std::string& NewUserID() const { return newUserId_; }
 
@@ -50,7 +50,7 @@ class IdentityMaker {
   std::optional<NewIdentity> Run(const CreationSteps& steps);
 
   /// Writes the keys and values of an identity with the ordinal `ordinal` and makes its folder. What the registry
-  /// refuses is left out; a folder that cannot be made is told to the log.
+  /// refuses is left out; a folder that cannot be made is logged.
   void Create(const NewIdentity& identity, std::uint32_t ordinal);
   /// The ordinal that the next identity gets.
   std::uint32_t NextOrdinal();

@@ -1,4 +1,4 @@
-// Changes of the identities that there are: removing one, its username, the default one and the one to start as.
+// Changes of existing identities: removing one, its username, the default one and the one to start as.
 #pragma once
 
 #include <string>

@@ -9,14 +9,14 @@ namespace quillbox {
 
 enum class Case { Ignore, Match };
 
-/// Whether two characters are one letter; letters beyond ASCII have to be the same.
+/// Whether two characters are equal without regard to case; the case of letters beyond ASCII counts.
 template <class Unit>
 bool IsSameLetter(Unit a, Unit b) {
   const auto lower = [](Unit c) { return c >= 'A' && c <= 'Z' ? static_cast<Unit>(c | 0x20) : c; };
   return lower(a) == lower(b);
 }
 
-/// The position of `search` in `text` at or after `from`, or npos. The text must not be empty that is searched for.
+/// The position of `search` in `text` at or after `from`, or npos. `search` must not be empty.
 template <class Unit>
 std::size_t FindString(std::basic_string_view<Unit> text, std::basic_string_view<Unit> search, std::size_t from,
                        Case matchCase) {

@@ -29,7 +29,7 @@ struct Mark {
 };
 constexpr Mark kMarks[] = {{Encoding::Utf16, kUtf16Mark}, {Encoding::Utf8, kUtf8Mark}};
 
-/// A file's lines as they stand in it, in pieces of whole lines.
+/// A file's lines, unchanged, in pieces of whole lines.
 template <class Unit>
 class Pieces {
  public:
@@ -197,7 +197,7 @@ class Source {
   }
   std::string FindOld() { return IsUtf16() ? FindOldIn<char16_t>() : FindOldIn<char>(); }
 
-  /// `text` as it stands in this file.
+  /// `text` in this file's encoding.
   std::string Encoded(const std::string& text) const {
     if (encoding_ != Encoding::EightBit || IsAscii(text)) return text;
     if (std::optional<std::string> bytes = codePage_.Encode(text)) return *bytes;
@@ -212,7 +212,7 @@ class Source {
     return ToUtf16(encoding_ == Encoding::EightBit ? codePage_.Decode(line) : std::string(line));
   }
 
-  /// A byte "{" may be the second half of a double-byte character, so the line is decoded before it is believed.
+  /// A byte "{" may be the second half of a double-byte character, so the line is decoded before the find counts.
   template <class Unit>
   std::string FindOldIn() {
     static constexpr Unit kEnds[] = {'\r', '\n'};

@@ -9,7 +9,7 @@
 
 namespace quillbox {
 
-/// Lines up to this length are judged whole; a longer one is taken for several, each judged by itself.
+/// Lines up to this length are searched whole; a longer one is treated as several lines.
 inline constexpr std::size_t kMaxLineBytes = std::size_t{1} << 20;
 
 /// The file that a replacement makes of `input`: "New", the name up to its first full stop and ".reg", in

@@ -6,7 +6,7 @@
 
 #include "ui/wx/wx_runtime.h"
 
-// What the toolkit's libraries keep for the whole run is no leak of the program.
+// What the toolkit's libraries keep for the whole run is not a leak of the program.
 extern "C" const char* __lsan_default_suppressions();   // NOLINT(bugprone-reserved-identifier)
 extern "C" const char* __lsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier)
   return "leak:libfontconfig\nleak:libgtk-3\nleak:libgdk-3\nleak:libglib-2\nleak:libgobject-2\nleak:libpango\n"

@@ -49,7 +49,7 @@ class Form4 : public Form {
   void ShowUsername(Label& label, const std::string& userId);
   /// The destination's {USER_ID}; nothing after a message that says what is wrong with the choice.
   std::optional<std::string> ChooseDestination();
-  /// False after telling the person what failed and what was done before.
+  /// False after a message that says what failed and what was done before.
   bool CloneSettings(IdentityClone& clone);
   void CopyMessages(IdentityClone& clone);
   void Tell(const std::string& text, MessageIcon icon = MessageIcon::Exclamation);

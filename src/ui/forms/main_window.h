@@ -107,7 +107,7 @@ class Form1 : public Form {
   void ShowRunning();
   /// The selected identity; an empty one when nothing is selected.
   IdentityInfo Selected() const { return session_.Selected().value_or(IdentityInfo()); }
-  /// True for an identity without a message store, which is reported with `advice`.
+  /// True, after `message`, when the selected identity has no message store.
   bool RefusesEmptyIdentity(const std::string& message);
 
   void cmbUserNames_Click();

@@ -1,4 +1,4 @@
-// "Odds and Ends": switches and title bars of Outlook Express and Internet Explorer that no dialog of theirs offers.
+// "Odds and Ends": switches and title bars of Outlook Express and Internet Explorer that their own dialogs do not offer.
 #pragma once
 
 #include "session/session.h"

@@ -139,7 +139,7 @@ std::vector<LayoutNode> SettingControls::Cells(const Row& row) const {
     entry.grow = 1;
     entry = quillbox::Row({std::move(entry), Item(*row.button)});
   } else if (!IsLong(*row.setting)) {
-    entry = Column({std::move(entry)});  // of its own, it asks for no more width than short texts need
+    entry = Column({std::move(entry)});  // alone in a column it takes only the width that short texts need
   }
   std::vector<LayoutNode> cells{Item(*row.label), std::move(entry)};
   if (row.note) {

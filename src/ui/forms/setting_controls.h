@@ -15,8 +15,8 @@ namespace quillbox {
 
 class SettingControls {
  public:
-  /// Adds the controls of `tab` to `form`, in the order in which they are seen. `userId` tells the identity that is
-  /// edited when a person acts.
+  /// Adds the controls of `tab` to `form`, in the order in which they are seen. `userId` gives the identity that is
+  /// edited when the user acts.
   SettingControls(Form& form, const SettingsTab& tab, SettingsEditor& editor, Dialogs& dialogs,
                   std::function<std::string()> userId);
 

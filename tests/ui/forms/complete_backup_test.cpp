@@ -199,7 +199,7 @@ TEST_F(CompleteBackupTest, IdentitiesOfOneNameShareAFolderAndLoseNothingUnasked)
   CancelAddressBookRestore();
   form->cmdRestore.click();
   EXPECT_EQ(FilesIn(messages)["Inbox.dbx"], before.at("Inbox.dbx"));
-  EXPECT_THAT(dialogs.messages[dialogs.messages.size() - 2].text, HasSubstr("nothing tells whose files"));
+  EXPECT_THAT(dialogs.messages[dialogs.messages.size() - 2].text, HasSubstr("nothing says whose files"));
 }
 
 TEST_F(CompleteBackupTest, TheTallyOfAllItsStepsFollowsThePrescribedCount) {

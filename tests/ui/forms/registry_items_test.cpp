@@ -132,7 +132,7 @@ TEST_F(RegistryItemsTest, TheKindOfWindowsChoosesTheFormAndTheNameOfSignatures) 
   Store().DeleteKey(nt);
   EXPECT_EQ(signatures(), "Signatures.reg regedit /s /e ");
 
-  // Started anew with no kind of Windows to be told: nothing is exported, and all items but one say that they are done.
+  // Started anew on a registry that does not say which Windows it is: nothing is exported, and all items but one say that they are done.
   Store().DeleteKey({RegistryRoot::LocalMachine, windows98});
   platform->EndCommand();
   OpenDisk();
