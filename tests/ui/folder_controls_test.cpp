@@ -46,8 +46,8 @@ struct FixedFiles : FileSystem {
         {.name = "zoo", .isDirectory = true},
         {.name = "Mail", .isDirectory = true},
         {.name = "System", .isDirectory = true, .isSystem = true},
-        {.name = "b.txt"},
-        {.name = "A.dbx"},
+        {.name = "B.dbx"},
+        {.name = "a.txt"},
         {.name = "thumbs.db", .isHidden = true}}},
   };
 };
@@ -92,7 +92,7 @@ TEST_F(FolderControlsTest, TheListsShowTheWayDownTheFoldersInsideAndTheFiles) {
   EXPECT_EQ(ran, 0);
 
   form.names.SetPath(files, WinPath("C:\\Data"));
-  EXPECT_THAT(form.names.items.Get(), ElementsAre("A.dbx", "b.txt"));
+  EXPECT_THAT(form.names.items.Get(), ElementsAre("a.txt", "B.dbx"));
   form.names.SetPath(files, WinPath("C:\\Gone"));
   EXPECT_THAT(form.names.items.Get(), IsEmpty());
 }
