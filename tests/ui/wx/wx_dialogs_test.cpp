@@ -9,8 +9,6 @@
 #include <wx/textctrl.h>
 #include <wx/timer.h>
 
-#include <fstream>
-
 #include "platform/offline/offline_drives.h"
 #include "support/temp_folder.h"
 #include "support/window_test.h"
@@ -118,12 +116,7 @@ TEST_F(WxDialogsTest, OverwriteQuestionShowsBothFilesAndGivesEveryAnswer) {
 
 TEST_F(WxDialogsTest, FileDialogsAnswerInWindowsPaths) {
   std::filesystem::create_directories(folder.Path() / "Backup");
-  std::ofstream(folder.Path() / "Backup" / "Main.reg") << "REGEDIT4";
-  FileDialog dialog{.title = "",
-                    .folder = WinPath("C:\\Backup"),
-                    .name = "New.reg",
-                    .filter = "Registration Files (*.reg) | *.reg",
-                    .askOverwrite = false};
+  const FileDialog dialog{"", WinPath("C:\\Backup"), "New.reg", "Registration Files (*.reg) | *.reg", false};
   AnswerWith(WXK_RETURN);
   EXPECT_EQ(dialogs.SaveFile(dialog), WinPath("C:\\Backup\\New.reg"));
   AnswerWith(WXK_ESCAPE);
