@@ -65,7 +65,7 @@ void TryPaths(const std::string& text) {
   const RegistryPath key = ParseRegistryPath(text).value_or(RegistryPath{});
   Require(ParseRegistryPath(FullName(key)) == key, "a key's full name leads to it");
   static_cast<void>(DirectoryFromFile(text) + NameFromFullPath(text) + GetFileName(text));
-  if (!FileNameFault(text).empty()) return;
+  if (FileNameFault(text)) return;
   Require(directory.Join(text).Parent() == directory && directory.Join(text).Name() == text,
           "a good name stays in its folder");
   Require(Resolve(WinPath(text), directory) == directory.Join(text), "a good name is itself in its folder");

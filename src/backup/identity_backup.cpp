@@ -6,7 +6,7 @@
 #include "backup/registry_items.h"
 #include "core/disk_path.h"
 #include "core/file_helpers.h"
-#include "core/status_text.h"
+#include "platform/status_text.h"
 #include "text/error.h"
 #include "text/message_text.h"
 #include "text/unicode.h"
@@ -49,8 +49,7 @@ std::optional<WinPath> IdentityBackup::EnterIdentityFolder(const WinPath& backup
                                  .icon = MessageIcon::Exclamation});
     return std::nullopt;
   };
-  const std::string fault = FileNameFault(username);
-  if (!fault.empty()) return refuse(target, fault);
+  if (const auto fault = FileNameFault(username)) return refuse(target, fault->reason);
   // A folder above the disk's may be the backup folder; that of an identity is then perhaps the disk's.
   if (const auto refusal = folder_.RefusalOf(target)) return refuse(target, refusal->Reason());
   try {

@@ -5,7 +5,7 @@
 #include "backup/identity_backup.h"
 #include "core/disk_path.h"
 #include "core/file_helpers.h"
-#include "core/status_text.h"
+#include "platform/status_text.h"
 #include "text/error.h"
 #include "text/message_text.h"
 #include "text/unicode.h"
@@ -32,8 +32,8 @@ void StoreRestore::RestoreAll(const WinPath& backupFolder, const IdentityCatalog
   std::vector<std::string> skipped;
   for (const IdentityInfo& identity : catalogue.identities) {
     std::optional<Skipped> reason;
-    if (const std::string fault = FileNameFault(identity.username); !fault.empty()) {
-      reason = Skipped{"no folder can have its name: " + fault};
+    if (const auto fault = FileNameFault(identity.username)) {
+      reason = Skipped{"no folder can have its name: " + fault->reason};
     } else if (DirExists(platform_.GetFiles(), WinPath(identity.username))) {
       const bool mayReplace = overwrite && !Holds(shared, identity.username);
       reason = Restore(identity, backupFolder.Join(identity.username), mayReplace);
@@ -48,7 +48,7 @@ std::vector<std::string> StoreRestore::TellSharedFolders(const WinPath& backupFo
                                                          const IdentityCatalogue& catalogue) {
   std::vector<std::string> shared = SharedUsernames(catalogue.identities);
   for (const std::string& username : shared) {
-    if (!FileNameFault(username).empty() || !DirExists(platform_.GetFiles(), WinPath(username))) continue;
+    if (FileNameFault(username) || !DirExists(platform_.GetFiles(), WinPath(username))) continue;
     platform_.GetDialogs().Show({.text = "Several identities are named \"" + OneLine(username) +
                                          "\", and nothing says whose files the folder \"" +
                                          OneLine(backupFolder.Join(username).Text()) +

@@ -3,7 +3,7 @@
 #include <exception>
 #include <new>
 
-#include "core/status_text.h"
+#include "platform/status_text.h"
 
 namespace quillbox {
 namespace {
@@ -74,8 +74,8 @@ void RegistryStore::ShowRegistryReadError(Status code, const std::string& suffix
 
 /// The refusal in words, which the log has afterwards.
 std::string RegistryStore::LogRefusal(const std::string& what, const RegistryPath& path, Status status) {
-  const std::string why = registry_.WhyRefused();
-  std::string words = FullName(path) + ": " + what + " because " + (why.empty() ? StatusReason(status) : why);
+  std::string words =
+      FullName(path) + ": " + what + " because " + registry_.WhyRefused().value_or(StatusReason(status));
   platform_.GetLog().Write(words);
   return words;
 }

@@ -119,8 +119,8 @@ class Registry {
   virtual Status RestoreKey(const Key& key, const WinPath& file, std::uint32_t flags) = 0;
   virtual bool EnablePrivilege(std::string_view name) = 0;
 
-  /// Why the call before this one was refused, as a clause for a message; empty when its status says all there is.
-  virtual std::string WhyRefused() const = 0;
+  /// Why the call before this one was refused, as a clause for a message; nothing when its status says all there is.
+  virtual std::optional<std::string> WhyRefused() const = 0;
 
   // For the registry editor, which must carry data as they are stored.
 

@@ -3,7 +3,7 @@
 #include <utility>
 #include <vector>
 
-#include "regedit/outcome.h"
+#include "platform/status_text.h"
 #include "text/error.h"
 
 namespace quillbox {
@@ -18,7 +18,7 @@ struct Level {
 };
 
 void Check(Status status, const RegistryPath& path) {
-  if (status != Status::Success) throw Error("exporting a key", {FullName(path), {}, {}}, ReasonOf(status));
+  if (status != Status::Success) throw Error("exporting a key", {FullName(path), {}, {}}, KeyStatusReason(status));
 }
 
 class Exporter {

@@ -3,7 +3,7 @@
 #include <optional>
 #include <utility>
 
-#include "regedit/outcome.h"
+#include "platform/status_text.h"
 #include "registry/reg_file.h"
 #include "text/message_text.h"
 
@@ -77,9 +77,8 @@ class Merger : public RegFileVisitor {
   }
 
   void Refuse(std::size_t line, std::string_view name, Status status) {
-    const std::string why = registry_.WhyRefused();
-    OnProblem(line,
-              (name.empty() ? "the default value" : Quoted(name)) + ": " + (why.empty() ? ReasonOf(status) : why));
+    const std::string why = registry_.WhyRefused().value_or(KeyStatusReason(status));
+    OnProblem(line, (name.empty() ? "the default value" : Quoted(name)) + ": " + why);
   }
 
   Registry& registry_;

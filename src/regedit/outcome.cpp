@@ -1,42 +1,15 @@
 #include "regedit/outcome.h"
 
-#include <algorithm>
-#include <array>
-
 #include "text/error.h"
 
 namespace quillbox {
 namespace {
-
-struct Reason {
-  Status status;
-  const char* words;
-};
-
-constexpr std::array<Reason, 9> kReasons{{
-    {Status::FileNotFound, "there is no such key on this disk"},
-    {Status::PathNotFound, "there is no such key on this disk"},
-    {Status::AccessDenied, "access is denied: its hive is not on this disk or cannot be written"},
-    {Status::InvalidParameter, "the registry cannot hold such a name"},
-    {Status::DiskFull, "the disk is full"},
-    {Status::BadRegistry, "its hive cannot be used"},
-    {Status::RegistryIo, "its hive cannot be read or written"},
-    {Status::KeyDeleted, "the key was deleted meanwhile"},
-    {Status::NoResources, "it is larger than the registry can hold"},
-}};
 
 std::string Counted(std::size_t count, const char* thing) {
   return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
 }
 
 }  // namespace
-
-std::string ReasonOf(Status status) {
-  const auto* found =
-      std::find_if(kReasons.begin(), kReasons.end(), [status](const Reason& r) { return r.status == status; });
-  if (found != kReasons.end()) return found->words;
-  return "the registry refuses it (code " + std::to_string(static_cast<std::uint32_t>(status)) + ")";
-}
 
 std::string ExportSummary(const ExportResult& result, const std::string& key, const std::string& file) {
   return key + ": " + Counted(result.keys, "key") + " and " + Counted(result.values, "value") + " exported to " + file +

@@ -3,14 +3,10 @@
 
 #include <string>
 
-#include "platform/status.h"
 #include "regedit/export.h"
 #include "regedit/merge.h"
 
 namespace quillbox {
-
-/// Why the registry refused something, as a clause.
-std::string ReasonOf(Status status);
 
 /// One line each, line end included. `file` is the file as the person named it.
 std::string ExportSummary(const ExportResult& result, const std::string& key, const std::string& file);

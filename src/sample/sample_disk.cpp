@@ -192,8 +192,9 @@ class Workshop {
 }  // namespace
 
 SampleDisk MakeSampleDisk(const fs::path& folder, const SampleOptions& options) {
-  if (const std::string fault = FileNameFault(options.profile); !fault.empty()) {
-    throw Error("making the sample disk", {options.profile, {}, {}}, "the profile's name can't be a folder: " + fault);
+  if (const auto fault = FileNameFault(options.profile)) {
+    throw Error("making the sample disk", {options.profile, {}, {}},
+                "the profile's name can't be a folder: " + fault->reason);
   }
   fs::path target = fs::absolute(folder).lexically_normal();
   if (!target.has_filename()) target = target.parent_path();

@@ -142,18 +142,19 @@ std::string GetFileName(std::string_view path) {
   return std::string(name.substr(0, name.find('.')));
 }
 
-std::string FileNameFault(std::string_view name) {
-  if (name.empty()) return "it is empty";
-  if (name == "." || name == "..") return "it stands for a folder above or at the current one";
-  if (!IsInnerText(name)) return "it is not valid text";
+std::optional<NameFault> FileNameFault(std::string_view name) {
+  if (name.empty()) return NameFault{"it is empty"};
+  if (name == "." || name == "..") return NameFault{"it stands for a folder above or at the current one"};
+  if (!IsInnerText(name)) return NameFault{"it is not valid text"};
   for (const char c : name) {
-    if (static_cast<unsigned char>(c) < 0x20) return "it contains a control character";
-    if (kForbiddenCharacters.find(c) != std::string_view::npos) return std::string("it contains \"") + c + "\"";
+    if (static_cast<unsigned char>(c) < 0x20) return NameFault{"it contains a control character"};
+    if (kForbiddenCharacters.find(c) != std::string_view::npos)
+      return NameFault{std::string("it contains \"") + c + "\""};
   }
-  if (name.ends_with(' ') || name.ends_with('.')) return "it ends with a blank or a full stop";
-  if (IsDeviceName(name)) return std::string(name) + " is a device name";
-  if (ToUtf16(name).size() > kMaxFileNameUnits) return "it is longer than 255 characters";
-  return {};
+  if (name.ends_with(' ') || name.ends_with('.')) return NameFault{"it ends with a blank or a full stop"};
+  if (IsDeviceName(name)) return NameFault{std::string(name) + " is a device name"};
+  if (ToUtf16(name).size() > kMaxFileNameUnits) return NameFault{"it is longer than 255 characters"};
+  return std::nullopt;
 }
 
 Wildcard::Wildcard(std::string_view pattern)

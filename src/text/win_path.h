@@ -3,6 +3,7 @@
 #pragma once
 
 #include <compare>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -49,9 +50,13 @@ std::string NameFromFullPath(std::string_view path);
 /// The text after the last backslash (the whole text without one), cut before its first full stop.
 std::string GetFileName(std::string_view path);
 
-/// Why `name` cannot be one file or folder name on Windows ("it contains \":\"", "CON is a device name"), or an empty
-/// text when it can. A name that leaves its folder ("..", "a\b") is refused too.
-std::string FileNameFault(std::string_view name);
+/// Why a name is impossible, as a clause: "it contains \":\"", "CON is a device name".
+struct NameFault {
+  std::string reason;
+};
+/// Why `name` cannot be one file or folder name on Windows; nothing when it can. A name that leaves its folder ("..",
+/// "a\b") is refused too.
+std::optional<NameFault> FileNameFault(std::string_view name);
 
 /// A wildcard pattern as Windows' file search takes it: "*" and "?", without regard to case; "*.*" matches every name.
 class Wildcard {

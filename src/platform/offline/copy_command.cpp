@@ -72,9 +72,8 @@ std::optional<std::string> RefusalOf(const PlaceResult& place) {
 }
 
 bool IsFull(const CopyFault& fault) {
-  const std::error_code& code = fault.Code();
-  return fault.End() == CopyFault::At::Target && code.category() == std::generic_category() &&
-         (code.value() == ENOSPC || code.value() == EDQUOT);
+  const int code = ErrnoOf(fault.Code());
+  return fault.End() == CopyFault::At::Target && (code == ENOSPC || code == EDQUOT);
 }
 
 }  // namespace
@@ -149,8 +148,8 @@ std::optional<CopyCommand::Fault> CopyCommand::FaultOf(const Job& job) const {
     return Fault{FaultKind::Place, job.target.Parent().Text(), "there is no such folder"};
   }
   if (IsFolder(*job.to)) return file(job.target, "a folder of that name is in the way");
-  if (const std::string name = FileNameFault(job.target.Name()); !name.empty()) {
-    return file(job.target, "no file can have that name: " + name);
+  if (const auto fault = FileNameFault(job.target.Name())) {
+    return file(job.target, "no file can have that name: " + fault->reason);
   }
   if (SameEntry(*job.from, *job.to)) return file(job.target, "the source and the target are the same file");
   return std::nullopt;
@@ -166,8 +165,7 @@ CopyCommand::Fault CopyCommand::TargetFault(const Job& job, const std::error_cod
   const auto place = [](std::string about, std::string why) {
     return Fault{FaultKind::Place, std::move(about), std::move(why)};
   };
-  const int number = code.category() == std::generic_category() ? code.value() : 0;
-  switch (number) {
+  switch (ErrnoOf(code)) {
     case ENOSPC:
       return place(job.target.Text(), "the disk is full");
     case EDQUOT:

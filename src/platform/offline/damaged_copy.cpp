@@ -5,11 +5,12 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstdio>
 #include <numeric>
 #include <span>
 #include <system_error>
+
+#include "platform/offline/host_io.h"
 
 namespace quillbox {
 
@@ -21,19 +22,6 @@ constexpr std::size_t kCompareChunk = std::size_t{256} * 1024;
 std::size_t EndingOf(std::string_view name) {
   const std::size_t dot = name.rfind('.');
   return dot == std::string_view::npos || dot == 0 ? name.size() : dot;
-}
-
-/// Fills `buffer` unless the file ends first. False when it cannot be read.
-bool ReadAt(int fd, std::uint64_t offset, std::span<char> buffer, std::size_t& length) {
-  length = 0;
-  while (length < buffer.size()) {
-    const ssize_t got = pread(fd, buffer.data() + length, buffer.size() - length, static_cast<off_t>(offset + length));
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) return false;
-    if (got == 0) break;
-    length += static_cast<std::size_t>(got);
-  }
-  return true;
 }
 
 }  // namespace
@@ -67,13 +55,8 @@ std::string MissingList(std::string_view damagedName, std::string_view source, s
   return text;
 }
 
-bool HoldsTheSame(NewFile& file, const HostPlace& other) {
-  HostFd fd;
-  try {
-    fd = OpenForReading(other);
-  } catch (const std::system_error&) {
-    return false;
-  }
+bool HoldsTheSame(NewFile& file, const HostPlace& other) try {
+  const HostFd fd = OpenForReading(other);
   struct stat ours = {};
   struct stat theirs = {};
   if (fstat(file.Fd(), &ours) != 0 || fstat(fd.Get(), &theirs) != 0) return false;
@@ -81,14 +64,13 @@ bool HoldsTheSame(NewFile& file, const HostPlace& other) {
   std::vector<char> a(kCompareChunk);
   std::vector<char> b(kCompareChunk);
   for (std::uint64_t offset = 0; offset < static_cast<std::uint64_t>(ours.st_size); offset += kCompareChunk) {
-    std::size_t lengthA = 0;
-    std::size_t lengthB = 0;
-    if (!ReadAt(file.Fd(), offset, a, lengthA) || !ReadAt(fd.Get(), offset, b, lengthB)) return false;
-    if (lengthA != lengthB || !std::equal(a.begin(), a.begin() + static_cast<std::ptrdiff_t>(lengthA), b.begin())) {
-      return false;
-    }
+    const std::size_t length = ReadUpToAt(file.Fd(), offset, a);
+    if (length != ReadUpToAt(fd.Get(), offset, b)) return false;
+    if (!std::equal(a.begin(), a.begin() + static_cast<std::ptrdiff_t>(length), b.begin())) return false;
   }
   return true;
+} catch (const std::system_error&) {
+  return false;
 }
 
 }  // namespace quillbox

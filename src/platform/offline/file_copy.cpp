@@ -21,8 +21,7 @@ constexpr std::uint64_t kWriteBackPiece = std::uint64_t{8} * 1024 * 1024;
 constexpr std::array kUnreadable = {EIO, ENODATA, EREMOTEIO, EBADMSG, EUCLEAN, ETIMEDOUT};
 
 bool IsUnreadable(const std::error_code& code) {
-  return code.category() == std::generic_category() &&
-         std::find(kUnreadable.begin(), kUnreadable.end(), code.value()) != kUnreadable.end();
+  return std::find(kUnreadable.begin(), kUnreadable.end(), ErrnoOf(code)) != kUnreadable.end();
 }
 
 /// Does `act`, whose failures are about the end `at`.

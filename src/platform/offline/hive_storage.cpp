@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "platform/offline/host_file.h"
+#include "platform/offline/host_io.h"
 #include "platform/offline/host_streams.h"
 
 namespace quillbox {
@@ -93,8 +94,7 @@ bool ForbidsWriting(int code) {
 /// True for failures that do not say that writing is forbidden: the next try may do better.
 bool MayPass(const std::error_code& code) {
   constexpr std::array kPassing = {EIO, ENOMEM, EMFILE, ENFILE, ENOSPC, EDQUOT};
-  return code.category() == std::generic_category() &&
-         std::find(kPassing.begin(), kPassing.end(), code.value()) != kPassing.end();
+  return std::find(kPassing.begin(), kPassing.end(), ErrnoOf(code)) != kPassing.end();
 }
 
 }  // namespace
@@ -106,10 +106,10 @@ HostFileError::HostFileError(std::string doing, const HostPlace& file, const std
       inPlace_(inPlace) {}
 
 HostFileError::HostFileError(std::string doing, const HostPlace& file, int code)
-    : HostFileError(std::move(doing), file, std::error_code(code, std::generic_category())) {}
+    : HostFileError(std::move(doing), file, SystemCode(code)) {}
 
 bool HostFileError::IsReadOnly() const {
-  return code_.category() == std::generic_category() && ForbidsWriting(code_.value());
+  return ForbidsWriting(ErrnoOf(code_));
 }
 
 FileState StateOf(const HostPlace& file) {
@@ -142,13 +142,8 @@ Bytes ReadHostFile(const HostPlace& file, const std::string& doing) try {
     throw Error(doing, {file.Path().string(), {}, {}}, "it is larger than 2 GB, and no hive or log has more");
   }
   Bytes bytes(static_cast<std::size_t>(info.st_size));
-  std::size_t length = 0;
-  while (length < bytes.size()) {
-    const ssize_t got = read(fd.Get(), bytes.data() + length, bytes.size() - length);
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) ThrowErrno(errno);
-    if (got == 0) throw Error(doing, {file.Path().string(), {}, {}}, "it became shorter while it was read");
-    length += static_cast<std::size_t>(got);
+  if (ReadUpTo(fd.Get(), {reinterpret_cast<char*>(bytes.data()), bytes.size()}) < bytes.size()) {
+    throw Error(doing, {file.Path().string(), {}, {}}, "it became shorter while it was read");
   }
   return bytes;
 } catch (const std::system_error& error) {

@@ -2,8 +2,6 @@
 
 #include <cerrno>
 
-#include "text/error.h"
-
 namespace quillbox {
 
 namespace {
@@ -45,8 +43,16 @@ std::error_code make_error_code(HostFault fault) {
   return {static_cast<int>(fault), Faults()};
 }
 
+std::error_code SystemCode(int code) {
+  return {code, std::generic_category()};
+}
+
+int ErrnoOf(const std::error_code& fault) {
+  return fault.category() == std::generic_category() ? fault.value() : 0;
+}
+
 void ThrowErrno(int code) {
-  throw std::system_error(code, std::generic_category());
+  throw std::system_error(SystemCode(code));
 }
 
 void ThrowFault(const std::error_code& fault) {

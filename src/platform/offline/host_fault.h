@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "platform/status.h"
+#include "text/error.h"
 
 namespace quillbox {
 
@@ -22,6 +23,10 @@ enum class HostFault {
 };
 std::error_code make_error_code(HostFault fault);  // NOLINT(readability-identifier-naming): the library's name
 
+/// An errno as an error code, and back: 0 for a reason of another kind.
+std::error_code SystemCode(int code);
+int ErrnoOf(const std::error_code& fault);
+
 /// Throws std::system_error for an errno, or for another reason.
 [[noreturn]] void ThrowErrno(int code);
 [[noreturn]] void ThrowFault(const std::error_code& fault);
@@ -32,6 +37,16 @@ std::string ReasonOf(const std::error_code& fault);
 /// The platform's status for an errno, or for another reason.
 Status StatusOfErrno(int code);
 Status StatusOf(const std::error_code& fault);
+
+/// Runs `work`; a std::system_error becomes an Error about the file `name`. `doing` is the Error's.
+template <class Work>
+auto WithName(const char* doing, const std::string& name, const Work& work) {
+  try {
+    return work();
+  } catch (const std::system_error& failure) {
+    throw Error(doing, {name, {}, {}}, ReasonOf(failure.code()));
+  }
+}
 
 }  // namespace quillbox
 

@@ -12,6 +12,7 @@
 #include <system_error>
 
 #include "platform/offline/folder_names.h"
+#include "platform/offline/host_io.h"
 
 namespace quillbox {
 
@@ -70,7 +71,7 @@ void FlushFolder(int folder) {
   if (fsync(folder) == 0) return;
   // A folder that may not be read is open for its names only (EBADF).
   if (errno == EINVAL || errno == ENOTSUP || errno == EBADF || errno == ENOSYS) return;
-  throw FolderFlushError(errno, std::generic_category());
+  throw FolderFlushError(SystemCode(errno));
 }
 
 NewFile::NewFile(const HostPlace& given) {
@@ -130,15 +131,6 @@ bool IsStream(const HostPlace& file) {
   return existing && !S_ISREG(existing->st_mode) && !S_ISDIR(existing->st_mode);
 }
 
-void WriteAll(int fd, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = write(fd, bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) ThrowErrno(written < 0 ? errno : EIO);
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-}
-
 void RemoveAbandonedFiles(int folder) {
   EachName(folder, [folder](const char* stored) {
     const std::string_view name = stored;
@@ -169,11 +161,9 @@ std::string ReadWholeFile(const HostPlace& file) {
   for (;;) {
     const std::size_t length = content.size();
     content.resize(length + kReadChunk);
-    const ssize_t got = read(fd.Get(), content.data() + length, kReadChunk);
-    content.resize(length + (got > 0 ? static_cast<std::size_t>(got) : 0));
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) ThrowErrno(errno);
-    if (got == 0) return content;
+    const std::size_t got = ReadUpTo(fd.Get(), std::span(content).subspan(length));
+    content.resize(length + got);
+    if (got < kReadChunk) return content;
   }
 }
 

@@ -60,8 +60,6 @@ class NewFile {
 
 /// True for a device, pipe or socket, which is written to and never replaced. There are none beneath a drive.
 bool IsStream(const HostPlace& file);
-/// Writes all of `bytes`. Throws std::system_error.
-void WriteAll(int fd, std::string_view bytes);
 
 /// Removes what killed programs have left in a folder: temporary files of NewFile that nobody is writing any more.
 void RemoveAbandonedFiles(int folder);

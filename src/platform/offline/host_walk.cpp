@@ -22,10 +22,6 @@ namespace {
 constexpr std::size_t kMaxOpen = 100;
 constexpr int kOpenFlags = O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC;
 
-std::error_code LastErrno() {
-  return {errno, std::generic_category()};
-}
-
 HostFd OpenBelow(int parent, const std::string& name) {
   return HostFd(openat(parent, name.c_str(), kOpenFlags | O_NOFOLLOW));
 }
@@ -74,7 +70,7 @@ bool HostWalk::EnterNext(WalkStep& step) {
     HostFd fd;
     if (top.fd || Reopen(levels_.size() - 1)) fd = OpenBelow(top.fd.Get(), name);
     if (!fd) {
-      TellUnread(name, LastErrno(), step);
+      TellUnread(name, SystemCode(errno), step);
       continue;
     }
     Enter(std::move(fd), name);
@@ -125,7 +121,7 @@ bool HostWalk::Reopen(std::size_t depth) {
 void HostWalk::Read(WalkStep& step) {
   Level& top = levels_.back();
   const ssize_t size = getdents64(top.fd.Get(), buffer_.data(), buffer_.size());
-  if (size < 0) TellUnread({}, LastErrno(), step);
+  if (size < 0) TellUnread({}, SystemCode(errno), step);
   reading_ = size > 0;
   for (ssize_t at = 0; at < size;) {
     const auto& stored = *reinterpret_cast<const dirent64*>(buffer_.data() + at);

@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <climits>
+#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -43,29 +44,20 @@ bool IsRoot(const WinPath& absolute) {
   return absolute.IsAbsolute() && absolute.Text().size() == 3;
 }
 
-/// Runs `work`; what the host or the disk's bounds refuse becomes an Error about `path`.
-template <class Work>
-auto About(const char* doing, const WinPath& path, const Work& work) {
-  try {
-    return work();
-  } catch (const std::system_error& failure) {
-    throw Error(doing, {path.Text(), {}, {}}, ReasonOf(failure.code()));
-  }
-}
-
 /// A walk that only says why it is none.
 class RefusedWalk : public FolderWalk {
  public:
-  explicit RefusedWalk(std::string why) : why_(std::move(why)) {}
+  /// Nothing for a folder that is only not there.
+  explicit RefusedWalk(std::optional<std::string> why) : why_(std::move(why)) {}
   bool Step(WalkStep& step) override {
     step = {};
-    if (why_.empty()) return false;
-    step.unread.push_back(std::exchange(why_, {}));
+    if (!why_) return false;
+    step.unread.push_back(*std::exchange(why_, std::nullopt));
     return true;
   }
 
  private:
-  std::string why_;
+  std::optional<std::string> why_;
 };
 
 }  // namespace
@@ -86,12 +78,13 @@ std::unique_ptr<FileFinder> OfflineFiles::Find(const WinPath& pattern) {
 }
 
 std::unique_ptr<FolderWalk> OfflineFiles::Walk(const WinPath& root, const std::string& pattern) {
-  if (root.Empty()) return std::make_unique<RefusedWalk>("");
+  if (root.Empty()) return std::make_unique<RefusedWalk>(std::nullopt);
   const PlaceResult place = drives_.PlaceOf(root);
   const std::string shown = WithBackslash(root.Text());
   if (place) return std::make_unique<HostWalk>(*place, shown, pattern);
-  const std::optional<std::string> refusal = RefusalOf(root);
-  return std::make_unique<RefusedWalk>(refusal ? shown + ": " + *refusal : "");
+  std::optional<std::string> refusal = RefusalOf(root);
+  if (refusal) refusal = shown + ": " + *refusal;
+  return std::make_unique<RefusedWalk>(std::move(refusal));
 }
 
 std::optional<FileEntry> OfflineFiles::Stat(const WinPath& path) {
@@ -127,7 +120,7 @@ Status OfflineFiles::MakeDirectory(const WinPath& path) {
   if (!place) return StatusOf(place.Fault());
   if (place->IsRoot() || StatPlace(*place)) return Status::FileExists;
   if (!IsFolder(place->Folder())) return Status::PathNotFound;
-  if (!FileNameFault(absolute.Name()).empty()) return Status::InvalidParameter;
+  if (FileNameFault(absolute.Name())) return Status::InvalidParameter;
   if (drives_.Map().IsLeftAlone(absolute.Drive())) return Status::AccessDenied;
   try {
     const OpenPlace made = OpenFolderOf(*place);
@@ -161,7 +154,7 @@ Status OfflineFiles::DeleteFile(const WinPath& path) {
 }
 
 std::string OfflineFiles::ReadFile(const WinPath& path) {
-  return About(kReading, path, [&] { return ReadWholeFile(drives_.PlaceOf(path).OrThrow()); });
+  return WithName(kReading, path.Text(), [&] { return ReadWholeFile(drives_.PlaceOf(path).OrThrow()); });
 }
 
 void OfflineFiles::WriteFile(const WinPath& path, std::string_view bytes) {
@@ -171,15 +164,15 @@ void OfflineFiles::WriteFile(const WinPath& path, std::string_view bytes) {
 }
 
 std::unique_ptr<FileReader> OfflineFiles::OpenForReading(const WinPath& path) {
-  return OpenHostFile(About(kReading, path, [&] { return drives_.PlaceOf(path).OrThrow(); }), path.Text());
+  return OpenHostFile(WithName(kReading, path.Text(), [&] { return drives_.PlaceOf(path).OrThrow(); }), path.Text());
 }
 
 std::unique_ptr<FileWriter> OfflineFiles::StartFile(const WinPath& path) {
   const WinPath absolute = drives_.Absolute(path);
   const HostPlace place =
-      About(kWriting, absolute, [&] { return drives_.PlaceOf(absolute, LastStep::NoLink).OrThrow(); });
-  if (const std::string fault = FileNameFault(absolute.Name()); !fault.empty() && !StatPlace(place)) {
-    throw Error(kWriting, {absolute.Text(), {}, {}}, "no file can have that name: " + fault);
+      WithName(kWriting, absolute.Text(), [&] { return drives_.PlaceOf(absolute, LastStep::NoLink).OrThrow(); });
+  if (const auto fault = FileNameFault(absolute.Name()); fault && !StatPlace(place)) {
+    throw Error(kWriting, {absolute.Text(), {}, {}}, "no file can have that name: " + fault->reason);
   }
   if (!IsStream(place)) Sweep(place.Folder());
   return StartHostFile(place, absolute.Text());

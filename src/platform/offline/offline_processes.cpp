@@ -1,8 +1,6 @@
 #include "platform/offline/offline_processes.h"
 
 #include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
@@ -11,8 +9,10 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/offline/host_file.h"
-#include "text/error.h"
+#include "platform/offline/host_fault.h"
+#include "platform/offline/host_fd.h"
+#include "platform/offline/host_io.h"
+#include "platform/offline/host_program.h"
 #include "text/unicode.h"
 
 namespace quillbox {
@@ -32,61 +32,29 @@ bool IsEditorCommand(std::string_view commandLine) {
   return commandLine.empty() || commandLine.front() == ' ' || commandLine.front() == '/';
 }
 
-struct ProgramRun {
-  int startError = 0;  ///< an errno when it could not be started
-  ProcessEnd end;      ///< the exit code is 128 and the signal's number when a signal ended it
-};
-
 /// Everything that comes out of a pipe, of which the first part is kept.
-std::string Drain(int fd) {
+std::string Drain(int fd) try {
   std::string kept;
   std::array<char, 4096> buffer = {};
-  for (;;) {
-    const ssize_t got = read(fd, buffer.data(), buffer.size());
-    if (got < 0 && errno == EINTR) continue;
-    if (got <= 0) return kept;
-    if (kept.size() < kMaxLoggedOutput) kept.append(buffer.data(), static_cast<std::size_t>(got));
+  while (const std::size_t got = ReadUpTo(fd, buffer)) {
+    if (kept.size() < kMaxLoggedOutput) kept.append(buffer.data(), got);
   }
+  return kept;
+} catch (const std::system_error& failure) {
+  return "(what it wrote cannot be read: " + ReasonOf(failure.code()) + ")";
 }
 
-int WaitFor(pid_t child) {
-  int status = 0;
-  while (waitpid(child, &status, 0) < 0) {
-    if (errno != EINTR) return -1;
-  }
-  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-}
-
-/// Runs a program to its end. `passedFds` stay open in it under their own numbers.
-ProgramRun RunProgram(const fs::path& program, std::vector<std::string> arguments, const std::vector<int>& passedFds) {
+/// Runs a program to its end. Throws std::system_error when it cannot be started.
+ProcessEnd RunProgram(HostProgram program) {
   std::array<int, 2> ends = {-1, -1};
-  if (pipe2(ends.data(), O_CLOEXEC) != 0) return {errno, {}};
+  if (pipe2(ends.data(), O_CLOEXEC) != 0) ThrowErrno(errno);
   const HostFd readEnd(ends[0]);
   HostFd writeEnd(ends[1]);
-
-  arguments.insert(arguments.begin(), program.string());
-  std::vector<char*> argv;
-  argv.reserve(arguments.size() + 1);
-  for (std::string& argument : arguments) argv.push_back(argument.data());
-  argv.push_back(nullptr);
-
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-  posix_spawn_file_actions_adddup2(&actions, writeEnd.Get(), STDERR_FILENO);
-  // Duplicating a descriptor onto itself keeps it open across the exec.
-  for (const int fd : passedFds) posix_spawn_file_actions_adddup2(&actions, fd, fd);
-  ProgramRun run;
-  pid_t child = 0;
-  run.startError = posix_spawn(&child, program.c_str(), &actions, nullptr, argv.data(), environ);
-  posix_spawn_file_actions_destroy(&actions);
-  if (run.startError != 0) return run;
-
+  program.standardError = writeEnd.Get();
+  const pid_t process = StartProgram(std::move(program));
   writeEnd.Close();
-  run.end.started = true;
-  run.end.errors = Drain(readEnd.Get());
-  run.end.exitCode = WaitFor(child);
-  return run;
+  std::string errors = Drain(readEnd.Get());
+  return {.started = true, .exitCode = WaitForEnd(process), .errors = std::move(errors)};
 }
 
 }  // namespace
@@ -110,15 +78,20 @@ ProcessEnd OfflineProcesses::RunEditor(const std::string& commandLine) {
   for (const int fd : editor_.lockFds) arguments.insert(arguments.end(), {"--lock-fd", std::to_string(fd)});
   arguments.insert(arguments.end(), {"--directory", drives_.CurrentDirectory().Text(), "--command-line", commandLine});
 
-  ProgramRun run = RunProgram(editor_.program, std::move(arguments), editor_.lockFds);
-  if (run.startError != 0) {
-    log_.Write(editor_.program.string() + " could not be started: " + SystemReason(run.startError));
-  } else if (run.end.exitCode != 0) {
-    log_.Write(commandLine + ": ended with code " + std::to_string(run.end.exitCode) + ": " + run.end.errors);
-  } else if (!run.end.errors.empty()) {
-    log_.Write(commandLine + ": " + run.end.errors);
+  ProcessEnd end;
+  try {
+    end = RunProgram(
+        {.program = fs::absolute(editor_.program), .arguments = std::move(arguments), .passedFds = editor_.lockFds});
+  } catch (const std::system_error& failure) {
+    log_.Write(editor_.program.string() + " could not be started: " + ReasonOf(failure.code()));
+    return {};
   }
-  return std::move(run.end);
+  if (end.exitCode != 0) {
+    log_.Write(commandLine + ": ended with code " + std::to_string(end.exitCode) + ": " + end.errors);
+  } else if (!end.errors.empty()) {
+    log_.Write(commandLine + ": " + end.errors);
+  }
+  return end;
 }
 
 fs::path RegistryEditorBesideProgram() {

@@ -191,7 +191,7 @@ void OfflineRegistry::NoteMissing(const RegistryPath& at, std::string why) {
 }
 
 std::optional<OfflineRegistry::Place> OfflineRegistry::Locate(const RegistryPath& path) {
-  refusal_.clear();
+  refusal_.reset();
   const std::string names = Normalised(path.subkey);
   bool isRoot = false;
   for (MountPoint& mount : mounts_) {
@@ -215,7 +215,7 @@ Key OfflineRegistry::MakeKey(const Place& place, HiveKey key, Access access) {
 }
 
 OfflineRegistry::Use OfflineRegistry::Check(const Key& key, Need need) {
-  refusal_.clear();
+  refusal_.reset();
   auto* open = dynamic_cast<OpenKey*>(key.Handle());
   if (open == nullptr || !open->BelongsTo(openKeys_)) return {Status::InvalidHandle, nullptr, nullptr};
   if (open->deleted) return {Status::KeyDeleted, nullptr, nullptr};

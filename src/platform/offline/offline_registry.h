@@ -48,7 +48,7 @@ class OfflineRegistry : public Registry {
   Status SaveKey(const Key& key, const WinPath& file) override;
   Status RestoreKey(const Key& key, const WinPath& file, std::uint32_t flags) override;
   bool EnablePrivilege(std::string_view name) override;
-  std::string WhyRefused() const override { return refusal_; }
+  std::optional<std::string> WhyRefused() const override { return refusal_; }
   ValueResult EnumStoredValue(const Key& key, std::uint32_t index) override;
   Status SetStoredValue(const Key& key, std::string_view name, ValueType type, ByteView data) override;
 
@@ -78,7 +78,7 @@ class OfflineRegistry : public Registry {
   Log& log_;
   std::deque<MountPoint> mounts_;
   std::vector<std::pair<RegistryPath, std::string>> missing_;  ///< hives that could not be mounted, and why
-  std::string refusal_;                                        ///< why the last call was refused
+  std::optional<std::string> refusal_;                         ///< why the last call was refused
   HiveCommit commit_;
   std::shared_ptr<OpenKeys> openKeys_;  ///< shared with the keys, which may outlive the registry
   std::set<std::string> privileges_;

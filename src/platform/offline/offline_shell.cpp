@@ -1,14 +1,13 @@
 #include "platform/offline/offline_shell.h"
 
-#include <spawn.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <string_view>
+#include <system_error>
 
-#include "text/error.h"
+#include "platform/offline/host_program.h"
 #include "text/message_text.h"
 #include "text/unicode.h"
 
@@ -69,23 +68,13 @@ void OfflineShell::OpenUrl(const std::string& url) {
 }
 
 /// Starts the opener detached from this program, which it outlives. False when it isn't there.
-bool OfflineShell::Start(const std::string& argument) {
+bool OfflineShell::Start(const std::string& argument) try {
   ReapEnded();
-  posix_spawnattr_t attributes;
-  posix_spawnattr_init(&attributes);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
-  std::string program = opener_;
-  std::string copy = argument;
-  std::array<char*, 3> arguments = {program.data(), copy.data(), nullptr};
-  pid_t child = 0;
-  const int code = posix_spawnp(&child, opener_.c_str(), nullptr, &attributes, arguments.data(), environ);
-  posix_spawnattr_destroy(&attributes);
-  if (code != 0) {
-    log_.Write(opener_ + " could not be started: " + SystemReason(code));
-    return false;
-  }
-  started_.push_back(child);
+  started_.push_back(StartProgram({.program = opener_, .arguments = {argument}, .ownSession = true}));
   return true;
+} catch (const std::system_error& failure) {
+  log_.Write(opener_ + " could not be started: " + ReasonOf(failure.code()));
+  return false;
 }
 
 void OfflineShell::ReapEnded() {

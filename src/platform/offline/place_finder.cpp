@@ -67,7 +67,7 @@ class Finder {
     if (at_.IsRoot()) {
       fault_ = HostFault::LeadsOut;
     } else if (!exists_) {
-      fault_ = std::error_code(ENOENT, std::generic_category());
+      fault_ = SystemCode(ENOENT);
     } else {
       MoveTo(at_.Folder());
     }

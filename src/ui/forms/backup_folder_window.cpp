@@ -4,7 +4,7 @@
 
 #include "core/file_helpers.h"
 #include "core/refusal_message.h"
-#include "core/status_text.h"
+#include "platform/status_text.h"
 #include "ui/forms/program_windows.h"
 
 namespace quillbox {

@@ -18,7 +18,7 @@ TEST(WindowsName, NamesThatWindowsCannotHoldSurviveBothWays) {
                                ".hidden"};
   for (const std::string& name : names) {
     const std::string shown = WindowsName(name);
-    EXPECT_EQ(FileNameFault(shown), "") << name;
+    EXPECT_FALSE(FileNameFault(shown)) << name;
     EXPECT_EQ(HostName(shown), name);
   }
   EXPECT_EQ(WindowsName("a:b"),

@@ -9,5 +9,7 @@ namespace quillbox {
 
 /// The reason that a status gives, as a clause: "the disk is full".
 std::string StatusReason(Status status);
+/// The same for a key of the disk's registry, as the registry editor says it.
+std::string KeyStatusReason(Status status);
 
 }  // namespace quillbox
