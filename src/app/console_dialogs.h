@@ -1,5 +1,5 @@
-// The dialogs of a program at a terminal, which asks nothing: messages go to standard error, and a question is answered
-// in the way that changes nothing.
+// The dialogs of a program at a terminal: messages go to standard error, and questions are not asked but answered so
+// that nothing changes.
 #pragma once
 
 #include "platform/dialogs.h"

@@ -11,7 +11,7 @@
 
 namespace quillbox {
 
-/// Which disk to open, and as whom.
+/// Which disk and profile to open.
 struct DiskChoice {
   std::filesystem::path folder;                  ///< C:\ on the host; empty: none named
   std::string profile;                           ///< empty: the only one
@@ -44,7 +44,7 @@ std::variant<Options, CommandFault> ParseOptions(const std::vector<std::string>&
 
 /// The disk opened last, kept in the state folder; empty when there is none.
 DiskChoice LoadLastDisk(const std::filesystem::path& stateFolder);
-/// Remembers `disk`. A failure is no reason to stop: it throws Error for the log.
+/// Remembers `disk`. A failure is not a reason to stop: it throws Error for the log.
 void SaveLastDisk(const std::filesystem::path& stateFolder, const DiskChoice& disk);
 
 }  // namespace quillbox

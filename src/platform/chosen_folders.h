@@ -1,6 +1,5 @@
-// What the person chose on this computer for the system that is open. That system's registry may name any folder of
-// this computer as the place for backups; only the person can say that it is one, and the registry has no part in
-// remembering it.
+// What the user chose on this computer for the system that is open. That system's registry may name any folder of this
+// computer as the place for backups; only the user can confirm it, and the answer is not kept in that registry.
 #pragma once
 
 #include <optional>
@@ -9,9 +8,9 @@
 
 namespace quillbox {
 
-/// Why no folder of the person's can be at a place.
+/// Why a folder cannot be used for backups.
 enum class FolderFault {
-  NoSuchPlace,   ///< this computer has no such path
+  NoSuchPlace,   ///< the path does not exist on this computer
   SystemFolder,  ///< it is in /proc, /sys or /dev
   OfTheSystem,   ///< it belongs to the system that is open, which has drives of its own
 };
@@ -19,7 +18,7 @@ enum class FolderFault {
 class ChosenFolders {
  public:
   virtual ~ChosenFolders() = default;
-  /// What speaks against `folder`, a full path on a drive that shows this computer. Links are followed.
+  /// Why `folder` cannot be used: a full path on a drive that shows this computer. Links are followed.
   virtual std::optional<FolderFault> FaultOf(const WinPath& folder) const = 0;
   /// True when the person chose `folder` for backups of the system and profile that are open, and no other since. Once
   /// true, it stays so in this run whatever happens to the profile.

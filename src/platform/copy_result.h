@@ -1,5 +1,5 @@
-// What a command asks the shell to copy, and what became of it. A type of its own, since "not copied" has many reasons
-// and a person is owed the right one.
+// What a command asks the shell to copy, and the outcome. A type of its own, since "not copied" has many reasons and
+// the user must see the right one.
 #pragma once
 
 #include <string>
@@ -20,7 +20,7 @@ struct CopyRequest {
 
 enum class CopyEnd {
   Copied,
-  KeptDamaged,  ///< parts could not be read; what could is in a file of its own
+  KeptDamaged,  ///< parts could not be read; the rest is in a separate file
   LeftOut,      ///< parts could not be read, and the person wants no such copies
   NotReplaced,  ///< the person said No to the overwrite question
   Cancelled,    ///< the person stopped this copy or an earlier one of the command

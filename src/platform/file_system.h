@@ -27,12 +27,12 @@ struct FileEntry {
 class FileFinder {
  public:
   virtual ~FileFinder() = default;
-  /// The next entry in the order that the file system gives, or nothing at the end. "." and ".." come first below a
-  /// root's own level, as on the platform.
+  /// The next entry in the order that the file system gives, or nothing at the end. As on the platform, "." and ".."
+  /// come first in every folder but a root.
   virtual std::optional<FileEntry> Next() = 0;
 };
 
-/// What a step of a walk has come to.
+/// The result of one step of a walk.
 struct WalkStep {
   std::string folder;               ///< with its final backslash
   std::vector<std::string> files;   ///< names of files in it that match the pattern
@@ -45,7 +45,7 @@ struct WalkStep {
 class FolderWalk {
  public:
   virtual ~FolderWalk() = default;
-  /// Goes on by a piece of work that takes no noticeable time, with or without a find. False at the end.
+  /// Does a piece of work that takes no noticeable time, whether or not it finds a file. False at the end.
   virtual bool Step(WalkStep& step) = 0;
 };
 
@@ -55,7 +55,7 @@ class FileReader {
   virtual ~FileReader() = default;
   /// Fills `buffer` from its start, whole unless the file ends first; the bytes read. Throws Error.
   virtual std::size_t Read(std::span<char> buffer) = 0;
-  /// The next Read starts at `offset` bytes from the file's start. Throws Error; a pipe has no way back.
+  /// The next Read starts at `offset` bytes from the file's start. Throws Error; a pipe cannot go back.
   virtual void GoTo(std::uint64_t offset) = 0;
 };
 
@@ -76,7 +76,8 @@ class FileSystem {
   /// Entries of the pattern's folder whose names match its last component ("*.dbx", "*.*"), folders, hidden and
   /// system entries included. An unreadable or missing folder gives an enumeration without entries.
   virtual std::unique_ptr<FileFinder> Find(const WinPath& pattern) = 0;
-  /// Walks the folder `root` for files whose names match `pattern` (without a folder). Paths are told as `root` reads.
+  /// Walks the folder `root` for files whose names match `pattern` (without a folder). Paths are reported below `root`
+  /// as it is written.
   virtual std::unique_ptr<FolderWalk> Walk(const WinPath& root, const std::string& pattern) = 0;
   /// The entry itself, or nothing when it does not exist.
   virtual std::optional<FileEntry> Stat(const WinPath& path) = 0;

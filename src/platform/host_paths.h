@@ -1,5 +1,5 @@
-// Where the host keeps what a Windows path names. Only the places that must speak to the host's own dialogs and
-// programs need it; everything else works on WinPaths.
+// Where the host keeps what a Windows path names. Only code that works with the host's own dialogs and
+// programs needs it; everything else works on WinPaths.
 #pragma once
 
 #include <filesystem>

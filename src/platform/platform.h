@@ -16,7 +16,7 @@
 
 namespace quillbox {
 
-/// The shell: what a person sees of files. It reports its failures itself, in messages of its own.
+/// The shell: copies files and shows folders and pages. It reports its failures to the user itself.
 class Shell {
  public:
   virtual ~Shell() = default;
@@ -24,22 +24,22 @@ class Shell {
   virtual void Explore(const std::string& folder, const std::string& parameters) = 0;
   /// Opens a page in the person's browser.
   virtual void OpenUrl(const std::string& url) = 0;
-  /// Begins to copy one file: whole or not at all, times kept. Asks before it replaces a file unless told otherwise;
-  /// every answer that is about more than one file, and Cancel, hold until the running command ends. The bytes may
+  /// Begins to copy one file: whole or not at all, times kept. Asks before it replaces a file unless the request
+  /// says otherwise; an answer about more than one file, and Cancel, hold until the running command ends. The bytes may
   /// still be on their way to the disk when this returns, and the file has its name only when they are there.
   virtual void CopyFile(const CopyRequest& request) = 0;
-  /// Waits until every copy is on the disk or has failed. What became of all copies of the running command, in the
-  /// order in which they were asked for.
+  /// Waits until every copy is on the disk or has failed. The results of all copies of the running command, in the
+  /// order of the requests.
   virtual std::vector<CopyResult> FinishCopies() = 0;
 };
 
 enum class ShowStyle { Normal = 1, MinimisedWithFocus = 2 };
 
-/// How a process ended that was started and waited for.
+/// The end of a process that was waited for.
 struct ProcessEnd {
   bool started = false;  ///< false: the rest means nothing
   int exitCode = 0;
-  std::string errors;  ///< what it wrote to standard error, where the platform can tell
+  std::string errors;  ///< what it wrote to standard error, where the platform knows
 };
 
 class Processes {
@@ -69,7 +69,7 @@ class Clipboard {
   virtual void Clear() = 0;
 };
 
-/// Where reasons go that no window shows.
+/// For what a window does not show.
 class Log {
  public:
   virtual ~Log() = default;
@@ -92,8 +92,8 @@ struct Platform {
   virtual ChosenFolders& GetChosenFolders() = 0;
 
   /// Ends a command of the person: copies and registry changes reach the disk, and answers that held for the whole
-  /// command ("Yes to All") are forgotten. Throws Error when registry
-  /// changes could not be written; they stay in memory and are tried again at the next end.
+  /// command ("Yes to All") are forgotten. Throws Error when registry changes could not be written; they stay in memory
+  /// and are tried again at the next end.
   virtual void EndCommand() = 0;
   /// One line on the system that is being worked on, for the window's title: the disk's folder and profile.
   virtual std::string SystemDescription() = 0;

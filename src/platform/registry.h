@@ -91,7 +91,7 @@ class Registry {
  public:
   virtual ~Registry() = default;
 
-  /// FileNotFound when the key does not exist, AccessDenied when `access` is not to be had.
+  /// FileNotFound when the key does not exist, AccessDenied when `access` is not granted.
   virtual OpenResult Open(const RegistryPath& path, Access access) = 0;
   /// Opens with full access, making the key and every missing parent.
   virtual OpenResult Create(const RegistryPath& path) = 0;
@@ -109,8 +109,8 @@ class Registry {
   virtual Status SetValue(const Key& key, std::string_view name, ValueType type, ByteView data) = 0;
   virtual Status DeleteValue(const Key& key, std::string_view name) = 0;
 
-  /// Deletes a key with everything below it. FileNotFound when there is none; AccessDenied when nobody can tell, since
-  /// what would hold it is not there.
+  /// Deletes a key with everything below it. FileNotFound when there is none; AccessDenied when that cannot be
+  /// known, since the hive that would hold it is not there.
   virtual Status DeleteTree(const RegistryPath& path) = 0;
   /// Writes the key and everything below it as a new hive file; FileExists when there is one. Needs the privilege
   /// "SeBackupPrivilege".

@@ -1,4 +1,4 @@
-// What a program asks the worked-on Windows about itself.
+// Facts about the Windows that is worked on.
 #pragma once
 
 #include <string>

@@ -20,7 +20,7 @@ const std::string_view kRegeditUsage =
     "  --profile NAME      whose registry, where the disk has several profiles\n"
     "  --drive D=FOLDER    the folder of a further drive (may be repeated)\n"
     "  --salvage           open a damaged registry without its damaged parts (changes go to a private copy), and one\n"
-    "                      that was not closed cleanly as it stands where its logs cannot be used\n"
+    "                      that was not closed cleanly as it is where its logs cannot be used\n"
     "  /s                  say nothing but what went wrong\n"
     "KEY is a full name such as \"HKEY_CURRENT_USER\\Identities\".\n";
 

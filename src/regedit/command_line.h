@@ -1,5 +1,5 @@
-// The registry editor's command line. It comes in two ways: as the one text with which a Windows program starts the
-// platform's editor, quirks included, and as the arguments of a person at a terminal.
+// The registry editor's command line. It has two forms: the single text with which a Windows program starts the
+// platform's editor, quirks included, and the arguments of a user at a terminal.
 #pragma once
 
 #include <map>
@@ -54,10 +54,10 @@ struct RegeditRequest {
 RegeditRequest ParseCommandLine(std::string_view line);
 
 /// Takes apart the arguments of the host's command line (without the program's name). A file is a host path unless it
-/// begins with a drive and a backslash; what begins with a slash and is no switch is a file.
+/// begins with a drive and a backslash; what begins with a slash and is not a switch is a file.
 RegeditRequest ParseArguments(const std::vector<std::string>& arguments);
 
-/// What a person reads who gave a wrong command.
+/// Shown after a wrong command.
 extern const std::string_view kRegeditUsage;
 
 }  // namespace quillbox

@@ -1,8 +1,8 @@
-// Exports: a key with everything below it as the bytes of a registry file, which is never held whole.
+// Exports: a key with everything below it as the bytes of a registry file, which is never in memory as a whole.
 //
 // Text that the 8-bit form cannot hold is never turned into question marks: where one name or text of the exported
 // keys does not fit into the system's code page, the whole file is written in the Unicode form, which the editor reads
-// just as well, and the result says where the first such text stands.
+// just as well, and the result says where the first such text is.
 #pragma once
 
 #include <cstddef>

@@ -39,7 +39,7 @@ class Merger : public RegFileVisitor {
     if (path) Count(registry_.DeleteTree(*path), report_.keysDeleted, fullName, line);
   }
 
-  // Without an open key its line was told already.
+  // Without an open key its line was reported already.
   void OnValue(std::string_view name, std::uint32_t type, ByteView data, std::size_t line) override {
     if (!key_.IsOpen()) return;
     const Status status = registry_.SetStoredValue(key_, name, static_cast<ValueType>(type), data);

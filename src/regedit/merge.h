@@ -1,4 +1,4 @@
-// Merges: what a registry file says is done to a registry. A line that cannot be merged is told and left out; the
+// Merges: what a registry file says is done to a registry. A line that cannot be merged is reported and left out; the
 // rest is merged.
 #pragma once
 
@@ -29,8 +29,8 @@ struct MergeReport {
   std::size_t problemCount = 0;
 };
 
-/// Merges what `source`, the file `name`, says into `registry`. What the file deletes and is not there is no problem.
-/// Throws Error when it is no registry file, with nothing changed, and when it cannot be read to its end: then the
+/// Merges what `source`, the file `name`, says into `registry`. Deleting what is not there is not a problem.
+/// Throws Error when it is not a registry file, with nothing changed, and when it cannot be read to its end: then the
 /// registry must not be committed.
 MergeReport MergeFile(Registry& registry, ByteSource& source, const std::string& name, const CodePage& codePage);
 

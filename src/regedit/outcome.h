@@ -1,4 +1,4 @@
-// The words in which the registry editor tells what came of a command, in one place.
+// The registry editor's words for the outcome of a command, in one place.
 #pragma once
 
 #include <string>

@@ -50,7 +50,7 @@ std::uint32_t Offset(std::size_t position) {
 
 enum class FieldId : std::uint8_t {};
 
-/// One record's fields: small numbers stand in the index itself, everything else in the data after it.
+/// One record's fields: small numbers are in the index itself, everything else in the data after it.
 class Record {
  public:
   void Number(FieldId field, std::uint32_t number) {
@@ -77,7 +77,7 @@ class Record {
     ++count_;
   }
 
-  /// The record as it stands at `offset` of the file.
+  /// The record as it is written at `offset` of the file.
   Bytes At(std::size_t offset) const {
     const std::size_t padded = (data_.size() + 3) / 4 * 4;
     Bytes bytes;
@@ -160,7 +160,7 @@ class Store {
     Put(headerField + 8, Offset(file_.size() - start));
   }
 
-  // All records in one node, or a root whose entries stand between the leaves.
+  // All records in one node, or a root whose entries are between the leaves.
   void WriteTree() {
     const std::size_t root = file_.size();
     const std::size_t total = records_.size();

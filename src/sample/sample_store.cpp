@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kSmallStore = 3;
 
-// Folders that stand above those with messages, by their numbers.
+// Folders above those with messages, by their numbers.
 constexpr std::uint32_t kTop = 1;
 constexpr std::uint32_t kLocal = 2;
 constexpr std::uint32_t kNewsServer = 3;

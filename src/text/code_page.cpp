@@ -155,7 +155,7 @@ std::string CodePage::Decode(std::string_view bytes) const {
     const auto trail = i + 1 < bytes.size() ? static_cast<std::uint8_t>(bytes[i + 1]) : std::uint8_t{0};
     const char16_t character = tables_->pairs[static_cast<std::size_t>(byte) << 8 | trail];
     units += character == Tables::kNothing ? char16_t{0xFFFD} : character;
-    // What can be no second byte (the end of a line, say) is not swallowed.
+    // A byte that cannot be a second one (the end of a line, say) is not swallowed.
     if (trail >= kLeastTrailByte) ++i;
   }
   return ToUtf8(units);

@@ -27,7 +27,7 @@ class CodePage {
   /// How many of `bytes`, which begin with a whole character, make whole characters: all, or all but the first byte of
   /// a pair whose second one has yet to come.
   std::size_t WholeCharacters(std::string_view bytes) const;
-  /// `text` in this code page, or nothing when a character of it has no byte here (no best fits, no question marks).
+  /// `text` in this code page, or nothing when a character of it has no byte in it (no best fits, no question marks).
   std::optional<std::string> Encode(std::string_view text) const;
   /// `text` in this code page, with '?' for every character that it cannot hold.
   std::string EncodeLossy(std::string_view text) const;

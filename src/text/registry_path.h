@@ -35,7 +35,7 @@ std::string_view RootName(RegistryRoot root);
 /// The full name as the registry editor writes it: `HKEY_CURRENT_USER\Identities`.
 std::string FullName(const RegistryPath& path);
 /// The path of a full key name. Roots match without regard to case, "HKCU" and the like are understood, a trailing
-/// backslash is dropped. Nothing when the name begins with no known root.
+/// backslash is dropped. Nothing when the name does not begin with a known root.
 std::optional<RegistryPath> ParseRegistryPath(std::string_view fullName);
 
 }  // namespace quillbox

@@ -16,7 +16,7 @@ namespace quillbox {
 using Bytes = std::vector<std::uint8_t>;
 using ByteView = std::span<const std::uint8_t>;
 
-/// `text` as UTF-16 units. Bytes that are no UTF-8 become U+FFFD each.
+/// `text` as UTF-16 units. Bytes that are not UTF-8 become U+FFFD each.
 std::u16string ToUtf16(std::string_view text);
 /// `units` as inner text; lone surrogates are kept (see above).
 std::string ToUtf8(std::u16string_view units);

@@ -22,7 +22,7 @@ bool HasDrive(std::string_view text) {
   return text.size() >= 2 && IsLetter(text[0]) && text[1] == ':';
 }
 
-/// Takes up the components of `text` after those in `components`.
+/// Appends the components of `text` to `components`, resolving "..".
 void Walk(std::string_view text, std::vector<std::string>& components) {
   while (!text.empty()) {
     const std::size_t end = std::min(text.find('\\'), text.size());
@@ -49,7 +49,7 @@ bool IsDeviceName(std::string_view name) {
                      [base](std::string_view device) { return EqualIgnoreCase(base, device); });
 }
 
-/// Whether `text`, put through `upper`, is what the upper-case `mask` with its "*" and "?" stands for.
+/// True when `text`, put through `upper`, matches the upper-case `mask` with its "*" and "?".
 template <class Text, class Mask, class Upper>
 bool MatchesMask(const Text& text, const Mask& mask, Upper upper) {
   std::size_t t = 0;

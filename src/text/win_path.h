@@ -66,7 +66,7 @@ class Wildcard {
 
  private:
   bool matchesAll_;
-  std::string plain_;  ///< in upper case; empty for a pattern that is no ASCII
+  std::string plain_;  ///< in upper case; empty for a pattern that is not ASCII
   std::u16string units_;
 };
 

@@ -1,4 +1,4 @@
-// The record that is on the disk while several hives are put in place together. See hive_commit.h for what it is for.
+// The record that is on the disk while several hives are put in place together. hive_commit.h explains it.
 #pragma once
 
 #include <optional>
@@ -23,7 +23,7 @@ std::string NameInRecord(const HostPlace& disk, const HostPlace& machineFolder);
 
 /// Makes or replaces the record, flushed. Throws HostFileError.
 void WriteRecord(const HostPlace& file, const CommitRecord& record);
-/// Nothing when there is none, and when it is not a record of ours.
+/// Nothing when there is none, and when it is not such a record.
 std::optional<CommitRecord> ReadRecord(const HostPlace& file);
 
 }  // namespace quillbox

@@ -73,7 +73,7 @@ void PutInPlace(const Part& part, Log& log) {
   log.Write(part.target.Path().string() + ": replaced by what an interrupted command had made of it");
 }
 
-/// Finishes or drops the commit; a sentence when half of it is what stays.
+/// Finishes or drops the commit. Returns a sentence when it stays half done.
 std::optional<std::string> Finish(const std::vector<Part>& parts, Log& log) {
   const auto are = [&](Part::State state) {
     return std::count_if(parts.begin(), parts.end(), [&](const Part& part) { return part.state == state; });

@@ -160,7 +160,7 @@ CopyCommand::Fault CopyCommand::FaultOf(const Job& job, const CopyFault& fault) 
   return {FaultKind::File, job.source.Text(), fault.what()};
 }
 
-/// What keeps the person from writing anything to that place is not told file by file.
+/// What keeps the user from writing anything to that place is not reported file by file.
 CopyCommand::Fault CopyCommand::TargetFault(const Job& job, const std::error_code& code) const {
   const auto place = [](std::string about, std::string why) {
     return Fault{FaultKind::Place, std::move(about), std::move(why)};
@@ -259,7 +259,7 @@ void CopyCommand::SettleAll() {
   while (!flights_.empty()) SettleFirst();
 }
 
-/// A flush cannot be stopped: Cancel meanwhile is about the copies that follow.
+/// A flush cannot be stopped: Cancel during it applies to the copies that follow.
 std::error_code CopyCommand::Await(CopyFlush& flush, const std::string& name) {
   while (!flush.EndsWithin(kShownEvery)) {
     if (!Report(name + "  (waiting for the disk)", 0, 0)) Stop(kCancelled);
@@ -268,7 +268,7 @@ std::error_code CopyCommand::Await(CopyFlush& flush, const std::string& name) {
 }
 
 /// Gives what could be read a name of its own, with the list of what is missing beside it. A copy that an earlier
-/// command has kept and that is no different is kept once.
+/// command has kept and that is not different is kept once.
 void CopyCommand::KeepDamaged(Job job, FilledFile filled) {
   SettleAll();
   const WinPath folder = job.target.Parent();
@@ -291,7 +291,7 @@ void CopyCommand::KeepDamaged(Job job, FilledFile filled) {
   End(job, CopyEnd::KeptDamaged);
 }
 
-/// False after the failure was told; then the list goes too.
+/// False after the failure was reported; then the list goes too.
 bool CopyCommand::NameDamaged(const Job& job, std::unique_ptr<NewFile> file) {
   file->SetName(job.to->Name());
   CopyFlush flush(std::move(file), io_);
@@ -341,8 +341,8 @@ bool CopyCommand::Report(const std::string& text, std::uint64_t done, std::uint6
   return progress_->Update(text, done, total);
 }
 
-/// A failure of the only file is told. Of several files, the first failure of each kind is a question; whoever goes on
-/// finds the others in the log and counted at the end.
+/// A failure of the only file is reported. Of several files, the first failure of each kind is a question; after
+/// "go on" the others are logged, and counted at the end.
 void CopyCommand::Fail(const Job& job, const Fault& fault) {
   log_.Write("copying failed: " + job.source.Text() + ": " + fault.about + ": " + fault.why);
   End(job, CopyEnd::Failed, fault.why);

@@ -1,4 +1,4 @@
-// The copies of one command: what was asked once and holds for all of them, how far they are, and what became of each.
+// The copies of one command: answers that hold for all of them, progress, and the result of each.
 #pragma once
 
 #include <cstdint>
@@ -29,7 +29,7 @@ class CopyCommand {
   CopyCommand& operator=(const CopyCommand&) = delete;
 
   void Copy(const CopyRequest& request);
-  /// Waits for all copies; what became of each, in order.
+  /// Waits for all copies; the result of each, in order.
   const std::vector<CopyResult>& Finish();
 
  private:

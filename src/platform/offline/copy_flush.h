@@ -1,5 +1,4 @@
-// The end of a copy on a thread of its own: the flush to the disk takes most of a copy's time, in which the next file
-// can be read.
+// Flushes a copy on a second thread: the flush takes most of a copy's time, and the next file can be read meanwhile.
 #pragma once
 
 #include <chrono>
@@ -23,7 +22,7 @@ class CopyFlush {
 
   /// True when the flush has ended, after at most `time`.
   bool EndsWithin(std::chrono::milliseconds time) const;
-  /// Waits for the end; why the file did not get there, or no error. To be asked once.
+  /// Waits for the end; the error, if any. To be called once.
   std::error_code Result() { return end_.get(); }
 
  private:

@@ -1,4 +1,4 @@
-// The host's calls of a copy, behind an interface: a test makes those fail that no test can make a disk fail.
+// The host's calls of a copy, behind an interface so that tests can make them fail.
 #pragma once
 
 #include <cstddef>
@@ -19,7 +19,7 @@ class CopyIo {
   /// Reads from `offset`, at most as much as `buffer` holds; the bytes read, 0 at the file's end.
   virtual std::size_t Read(int from, std::uint64_t offset, std::span<char> buffer);
   /// Appends up to `count` bytes from `offset` without bringing them here; the bytes copied. 0 when the kernel cannot
-  /// copy between these files, or cannot read there: Read then tells the reason.
+  /// copy between these files, or cannot read there: Read then reports the reason.
   virtual std::size_t CopyInKernel(int from, std::uint64_t offset, NewFile& to, std::size_t count);
   virtual void Write(NewFile& to, std::string_view bytes);
   /// Flushes the file to the disk. Called on another thread than the rest.

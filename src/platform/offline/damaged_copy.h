@@ -1,4 +1,4 @@
-// What a copy is called that could not be read in full, and the list of what it lacks.
+// The name of a copy that could not be read in full, and the list of what it lacks.
 #pragma once
 
 #include <cstdint>

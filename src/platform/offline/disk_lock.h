@@ -1,4 +1,4 @@
-// One program a disk: an exclusive lock on the folders whose hives are open for writing. It stands on the folder
+// One program per disk: an exclusive lock on the folders whose hives are open for writing. It is on the folder
 // itself, so nothing is left on the disk, and it ends with the processes that hold it.
 #pragma once
 
@@ -13,7 +13,7 @@ namespace quillbox {
 class DiskLock {
  public:
   /// Locks every folder (the same one twice is locked once). `inherited` are descriptors that the starting process got
-  /// from Descriptors(): with the folder's own among them its lock is shared; those that fit are closed with this
+  /// from Descriptors(): if the folder's is among them, its lock is shared, and it is closed with this
   /// object. Throws Error that says which program has the folder. Where the file system has no locks, the folder
   /// stays unlocked and the log says so.
   DiskLock(const std::vector<std::filesystem::path>& folders, const std::vector<int>& inherited, Log& log);

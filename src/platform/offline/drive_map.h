@@ -17,7 +17,8 @@ class DriveMap {
   static constexpr char kSystemDrive = 'C';
   static constexpr char kHostDrive = 'Z';  ///< the host's own root folder
 
-  /// `cFolder` is C:\ ; `more` are further drives by upper-case letter. Z is the host's root unless `more` says else.
+  /// `cFolder` is C:\ ; `more` are further drives by upper-case letter. Z is the host's root unless `more` has another
+  /// folder for it.
   explicit DriveMap(const std::filesystem::path& cFolder, const std::map<char, std::filesystem::path>& more = {});
 
   /// The host folder of a drive, or null when there is no such drive. Letters in upper case.
@@ -26,13 +27,14 @@ class DriveMap {
   bool IsHostDrive(char letter) const;
 
   /// The place of an absolute path without "." and "..", as FindPlace finds it below the drive's folder. The host's
-  /// drive is anywhere on the host, all others are beneath their folders. Refused for a path without a drive of ours,
+  /// drive is anywhere on the host, all others are beneath their folders. Refused for a path without a known drive,
   /// one with a name that would leave its folder, and one that leads out of the disk.
   PlaceResult PlaceOf(const WinPath& path, LastStep last = LastStep::Follow) const;
-  /// From now on no place is given out for writing (LastStep::NoLink) on any drive but the host's.
+  /// From now on PlaceOf refuses places for writing (LastStep::NoLink) on any drive but the host's.
   void LeaveDiskAlone() { leftAlone_ = true; }
   bool IsLeftAlone(char letter) const;
-  /// The Windows path of a host path: in the drive whose folder holds it most closely. Nothing when no drive does.
+  /// The Windows path of a host path: on the drive with the deepest folder that contains it. Nothing when no drive
+  /// contains it.
   std::optional<WinPath> WindowsPathOf(const std::filesystem::path& hostPath) const;
 
  private:

@@ -21,7 +21,7 @@ const RegistryPath kProfileList = {RegistryRoot::LocalMachine,
                                    "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\ProfileList"};
 const RegistryPath kExplorer = {RegistryRoot::CurrentUser, "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer"};
 
-/// Since Windows Vista, profiles lie in C:\Users and are laid out anew.
+/// Since Windows Vista, profiles are in C:\Users and have another layout.
 bool IsNewLayout(const EnvironmentPlaces& places) {
   return EqualIgnoreCase(places.profile.Parent().Name(), "Users");
 }

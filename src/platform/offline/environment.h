@@ -18,11 +18,11 @@ class Environment {
   /// The longest value, and the longest expansion, in bytes; Windows' own limit in characters.
   static constexpr std::size_t kMaxLength = 32767;
 
-  /// Sets a variable; names are without regard to case. A value that is too long is not set.
+  /// Sets a variable; names have no case. A value that is too long is not set.
   void Set(std::string_view name, std::string value);
   std::optional<std::string> Get(std::string_view name) const;
-  /// `text` with its %VARIABLES% replaced, once: what is put in is not looked at again. One that is not set stays as
-  /// it reads; so does the whole text when its expansion would be too long.
+  /// `text` with its %VARIABLES% replaced, once: replacements are not expanded again. One that is not set stays as
+  /// it is written, and so does the whole text when its expansion would be too long.
   std::string Expand(std::string_view text) const;
 
  private:
@@ -41,7 +41,7 @@ struct EnvironmentPlaces {
 Environment ReadEnvironment(Registry& registry, const EnvironmentPlaces& places);
 
 /// A text value as a program reads it: up to its first NUL, not expanded. Nothing when the key or the value is missing
-/// or is no text.
+/// or is not text.
 std::optional<std::string> ReadText(Registry& registry, const RegistryPath& path, std::string_view name);
 
 }  // namespace quillbox

@@ -20,8 +20,8 @@ namespace quillbox {
 
 using RawAttributes = std::uint32_t;
 
-/// One way in which a file system keeps attributes. `read` gives nothing where the way is not known at all, and 0 for
-/// an entry that has none.
+/// One way in which a file system keeps attributes. `read` returns nothing where the file system does not have it, and
+/// 0 for an entry without attributes.
 struct AttributeSource {
   std::optional<RawAttributes> (*read)(const char* path);
 };

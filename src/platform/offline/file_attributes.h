@@ -11,8 +11,8 @@ struct FileAttributes {
   bool isSystem = false;
 };
 
-/// Reads attributes of the entries of one folder. Making one finds out which way the folder's file system has, so that
-/// entries cost nothing where it has none.
+/// Reads attributes of the entries of one folder. The constructor finds out how the folder's file system keeps them, so
+/// that entries cost nothing where it does not.
 class AttributeReader {
  public:
   /// `folder` is a descriptor of the folder, which must stay open.

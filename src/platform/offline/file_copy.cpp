@@ -141,7 +141,7 @@ class Pass {
   void Advance(std::uint64_t length) {
     done_ += length;
     if (done_ - writtenBack_ < kWriteBackPiece) return;
-    // A start that fails is made good by the flush.
+    // If this fails, the flush at the end does it.
     sync_file_range(to_.Fd(), static_cast<off64_t>(writtenBack_), static_cast<off64_t>(done_ - writtenBack_),
                     SYNC_FILE_RANGE_WRITE);
     writtenBack_ = done_;

@@ -1,5 +1,5 @@
-// Reads one file of the host into a file in the making: whole, and only what the source held at one moment. Places that
-// the disk cannot read become zeros where the person wants what is left; a bad sector then costs a sector.
+// Reads one file of the host into a file in the making: whole, and only what the source held at one moment. Where the
+// user agrees, places that the disk cannot read become zeros; a bad sector then costs one sector.
 #pragma once
 
 #include <cstdint>
@@ -68,7 +68,7 @@ struct FilledFile {
   std::vector<ByteRange> unreadable = {};  ///< in order; zeros in the file
 };
 
-/// How often a copy is begun when the source changes while it is read.
+/// How often a copy is tried when the source changes while it is read.
 inline constexpr int kCopyAttempts = 3;
 
 /// Throws CopyFault. A file of which nothing can be read is left out whatever the answer was.

@@ -52,7 +52,7 @@ class FolderFinder : public FileFinder {
   std::unique_ptr<DIR, Close> dir_;
   Wildcard pattern_;
   bool namesOnly_;
-  int dotsGiven_;  ///< 2 when "." and ".." are done with
+  int dotsGiven_;  ///< of "." and ".."
   std::optional<AttributeReader> attributes_;
 };
 

@@ -1,5 +1,5 @@
 // The backup folder that the person chose for a disk and profile, remembered in the state folder: a small file of its
-// own for each disk and profile, so that programs on different disks do not get in each other's way.
+// own for each disk and profile, so that programs on different disks do not overwrite each other's.
 #pragma once
 
 #include <filesystem>
@@ -24,7 +24,7 @@ class FolderMemory : public ChosenFolders {
   void Choose(const WinPath& folder) override;
 
  private:
-  /// Where a folder is once all links are followed; nothing when it is nowhere.
+  /// Where a folder is once all links are followed; nothing when it is not on the host.
   std::optional<std::filesystem::path> PlaceOf(const WinPath& folder) const;
   bool IsOfTheSystem(const std::filesystem::path& place) const;
   bool IsRemembered(const std::filesystem::path& place) const;

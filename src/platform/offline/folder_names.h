@@ -7,8 +7,8 @@ namespace quillbox {
 
 bool IsDots(const char* name);
 
-/// Gives `see` each name in the open folder (any descriptor of it) but "." and "..", in the order in which the file
-/// system has them, until it returns true. False with errno when the folder cannot be read.
+/// Calls `see` with each name in the open folder (any descriptor of it) but "." and "..", in the order in which the
+/// file system has them, until it returns true. False with errno when the folder cannot be read.
 bool EachName(int folder, const std::function<bool(const char* name)>& see);
 
 }  // namespace quillbox

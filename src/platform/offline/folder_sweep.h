@@ -1,4 +1,4 @@
-// Frees the folders that are written of what killed programs have left in them: each once a command.
+// Removes what killed programs have left in the folders that are written: in each folder once per command.
 #pragma once
 
 #include <filesystem>

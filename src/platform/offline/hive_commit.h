@@ -6,7 +6,7 @@
 //
 // The record is beside the last hive, the machine's one, which all profiles of a disk share: whoever opens the disk
 // next finds it, as another profile and on another computer too. A record in the program's own folder would be missed
-// there. A record that somebody else has made gains nothing: it names no files. It says which of the disk's hives it
+// there. A forged record gains nothing: it does not name files. It says which of the disk's hives it
 // means, in words that are compared and never used as paths; only the file with the one fixed name beside such a hive
 // can take its place, only while the old hive is the one that the record means, and only if it is whole.
 #pragma once
@@ -44,7 +44,7 @@ class HiveCommit {
 };
 
 /// Finishes what a kill has interrupted of a HiveCommit of `machine` and one of `profiles`, or drops it where nothing
-/// of it was done yet. The caller has the lock of the disk. What could not be mended is given back as sentences.
+/// of it was done yet. The caller has the lock of the disk. Returns what could not be repaired, as sentences.
 std::vector<std::string> FinishInterruptedCommit(const HivePlaces& machine, const std::vector<HivePlaces>& profiles,
                                                  Log& log);
 

@@ -28,7 +28,7 @@ std::string ConsentQuestion(const Hive& hive, const std::string& registry) {
   if (hive.Origin() == HiveOrigin::DirtyUnusedLogs) {
     text = registry + " " + kNotClosed + ", and its logs cannot be used:\n\n" + LogReasons(hive, "\n") + "\n\n" +
            kMightApply + ". ";
-    if (hive.Damage().empty()) return text + "Go on with the registry as it stands?";
+    if (hive.Damage().empty()) return text + "Go on with the registry as it is?";
     text += "\n\n";
   }
   return text + registry + " is " + DamagedIn(hive.DamageCount()) +

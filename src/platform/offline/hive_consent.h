@@ -1,5 +1,5 @@
-// Hives that open only if the person agrees: those with damaged parts, and those whose logs cannot be used. What is
-// asked and what the log gets is worded here.
+// Hives that open only if the person agrees: those with damaged parts, and those whose logs cannot be used. The
+// question and the lines of the log are worded here.
 #pragma once
 
 #include <cstddef>
@@ -25,10 +25,10 @@ class HiveRefused : public Error {
 /// that cannot be used.
 bool NeedsConsent(const Hive& hive);
 
-/// The question, in the order in which a person reads it. `registry` is "The registry of Ann Miller".
+/// The question. `registry` is "The registry of Ann Miller".
 std::string ConsentQuestion(const Hive& hive, const std::string& registry);
 
-/// Why a hive is refused whose logs cannot be used, as a clause: each log, and why it was not used.
+/// The refusal of a hive whose logs cannot be used, as a clause: each log, and why it was not used.
 std::string UnusedLogsFault(const Hive& hive);
 
 /// "damaged in 3 places", "damaged in 1 place".

@@ -25,7 +25,7 @@ Hive LoadHive(const HostPlace& file, DamagedParts damaged) {
       ReadHostFile(file, kOpening), Shown(file), [&] { return ReadLogsOf(file); }, damaged);
 }
 
-/// What can be read of a hive that is refused with `refusal`, which is thrown when that is nothing.
+/// Reads what can be read of a damaged hive. Throws `refusal` when nothing can.
 Hive LoadDamaged(const HostPlace& file, const Error& refusal) {
   try {
     return LoadHive(file, DamagedParts::LeaveOut);
@@ -97,7 +97,7 @@ const HostPlace& HiveFile::Source() const {
 }
 
 void HiveFile::Read(const HostPlace& file, const HiveConsent& consent) {
-  // The state first: a change while it is read then shows as one later.
+  // The state first: a change during the read is then noticed later.
   const FileState state = StateOf(file);
   const bool isCopy = file == copy_.File();
   hive_ = LoadAgreed(file, consent);
@@ -109,7 +109,7 @@ void HiveFile::Read(const HostPlace& file, const HiveConsent& consent) {
   damagedPlaces_ = hive_->DamageCount() + (isCopy ? copy_.DamagedPlaces() : 0);
   if (hive_->Origin() == HiveOrigin::Recovered) log_.Write(Shown(file) + ": not closed cleanly; its log was applied");
   if (hive_->Origin() == HiveOrigin::DirtyNoLog) {
-    log_.Write(Shown(file) + ": not closed cleanly, and no log to recover it from; taken as it stands");
+    log_.Write(Shown(file) + ": not closed cleanly, and no log to recover it from; taken as it is");
   }
   if (isCopy) log_.Write(Shown(disk_) + ": its private copy " + Shown(file) + " is used in its place");
   private_ = private_ || isCopy || damagedPlaces_ > 0;
@@ -209,7 +209,7 @@ void HiveFile::Write(const Bytes& image, const char* suffix) {
   ReplaceHostFile(file, image, kWriting, target);
 }
 
-/// The target holds what the last image was.
+/// Notes that the target holds the last image.
 void HiveFile::NoteWritten() {
   readFrom_ = TargetFile();
   readState_ = StateOf(readFrom_);
@@ -218,7 +218,7 @@ void HiveFile::NoteWritten() {
 
 void HiveFile::KeepOriginals() {
   KeepBeside(disk_, Beside(disk_, kKeptSuffix), KeepHow::SecondName);
-  // What the logs hold is of use only as long as the hive looks as it did, and is then the only way back to it.
+  // The logs only fit the hive as it was; together they are the only way back to that state.
   KeepLogsOf(disk_, kKeptSuffix, log_);
 }
 

@@ -29,10 +29,10 @@ enum class HiveMode {
 
 class HiveFile {
  public:
-  /// What the first change keeps beside the hive: its name with this at the end.
+  /// The suffix of the original that the first change keeps beside the hive.
   static constexpr const char* kKeptSuffix = ".before-quillbox";
 
-  /// What a hive's name ends with that is to replace it when all hives of a command are ready.
+  /// The suffix of a new hive that waits for the other hives of a command.
   static constexpr const char* kStagedSuffix = ".quillbox-new";
 
   /// Opens and reads the hive. `stateFolder` is the program's (StateFolder()); private copies are below it. Throws
@@ -52,9 +52,9 @@ class HiveFile {
   bool IsPrivateCopy() const { return private_; }
   /// Has changes go to the private copy from now on.
   void LeaveDiskAlone();
-  /// In how many places the disk's hive is damaged; what cannot be read there is left out.
+  /// The number of damaged places of the disk's hive; what cannot be read there is left out.
   std::size_t DamagedPlaces() const { return damagedPlaces_; }
-  /// True when the hive was used only since the person agreed.
+  /// True when the user had to agree to the use of this hive.
   bool NeededConsent() const { return agreed_; }
   HivePlaces Places() const { return {disk_, copy_.File()}; }
   /// The hive on the disk, links resolved.
@@ -76,13 +76,13 @@ class HiveFile {
   void Unstage() noexcept;
   bool IsStaged() const { return staged_ == Staged::Ready; }
 
-  /// Removes what killed programs have left where the hive is written. The caller has finished what can be finished of
-  /// it.
+  /// Removes what killed programs have left where the hive is written. The caller has run FinishInterruptedCommit
+  /// before.
   void RemoveLeftovers() const;
 
-  /// Reads afresh when the file changed since it was last read or written; changes in memory are then lost, and the
-  /// log says so. True when it was read, and every HiveKey is void. Throws Error and keeps what there was. Nobody is
-  /// asked again; a hive that was sound and is not any more is an Error.
+  /// Reads the file again when it changed since it was last read or written; changes in memory are then lost, and the
+  /// log says so. True when it was read: every HiveKey is then invalid. Throws Error and keeps the old state. The user
+  /// is not asked again; a hive that was sound and is now damaged is an Error.
   bool Reload();
 
  private:

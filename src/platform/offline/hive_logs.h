@@ -11,7 +11,7 @@
 
 namespace quillbox {
 
-/// A log holds pages of its hive, and no hive that Windows loads has logs of this size.
+/// Logs hold pages of their hive; none that Windows would load is larger than this.
 inline constexpr std::uint64_t kMaxHiveLogMegabytes = 256;
 
 /// The logs beside `hive`, whatever the case of their names: that of the old form first, then the two of the new one.

@@ -59,7 +59,7 @@ void CopyExtendedAttributes(int from, int to) {
   for (const char* name : kNtfsAttributes) CopyAttribute(from, to, name);
 }
 
-/// Gives the open file `to` what hangs on `like`; what a file system refuses, its files do without.
+/// Copies owner, permissions and attributes of `like` to the open file `to`, as far as the file system has them.
 void CopyFileAttributes(const HostPlace& like, int to) try {
   const HostFd from = OpenForReading(like);
   struct stat info = {};
@@ -91,7 +91,7 @@ bool ForbidsWriting(int code) {
   return code == EROFS || code == EACCES || code == EPERM;
 }
 
-/// True for failures that do not say that writing is forbidden: the next try may do better.
+/// True for failures that do not mean that writing is forbidden: the next try may succeed.
 bool MayPass(const std::error_code& code) {
   constexpr std::array kPassing = {EIO, ENOMEM, EMFILE, ENFILE, ENOSPC, EDQUOT};
   return std::find(kPassing.begin(), kPassing.end(), ErrnoOf(code)) != kPassing.end();
@@ -205,7 +205,7 @@ bool CanWriteFolder(const HostPlace& place) try {
   const HostFd folder = OpenFolder(place);
   if (HostFd(openat(folder.Get(), ".", O_TMPFILE | O_RDWR | O_CLOEXEC, 0600))) return true;
   if (ForbidsWriting(errno)) return false;
-  // The file system knows no nameless files.
+  // The file system does not know files without a name.
   struct statvfs info = {};
   if (fstatvfs(folder.Get(), &info) != 0 || (info.f_flag & ST_RDONLY) != 0) return false;
   return faccessat(folder.Get(), ".", W_OK | X_OK, AT_EACCESS) == 0;

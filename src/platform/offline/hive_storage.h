@@ -1,5 +1,5 @@
-// What a hive file needs of the host's disk beyond reading and writing: to be replaced with everything that hangs on
-// it, to keep its original beside it, and to know whether it can be written or has changed.
+// Calls on the host's disk for hive files: replace a file and keep its owner, permissions and attributes, keep the
+// original beside it, find out whether it can be written or has changed.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@
 
 namespace quillbox {
 
-/// An Error of a call on a host file, with its code for callers that choose by it.
+/// An Error of a call on a host file, with its code.
 class HostFileError : public Error {
  public:
   HostFileError(std::string doing, const HostPlace& file, const std::error_code& code, bool inPlace = false);
@@ -28,7 +28,7 @@ class HostFileError : public Error {
   bool inPlace_;
 };
 
-/// What tells one state of a file from another. All zero for a file that is not there.
+/// What distinguishes one state of a file from another. All zero for a file that is not there.
 struct FileState {
   std::uint64_t device = 0;
   std::uint64_t inode = 0;
@@ -46,7 +46,7 @@ std::string HiveStamp(const HostPlace& hive);
 /// The whole file, which must be an ordinary one, and no larger than any hive. Throws Error; `doing` as there.
 Bytes ReadHostFile(const HostPlace& file, const std::string& doing);
 
-/// Makes `file` hold `bytes`, or replaces it by them, whole or not at all. Owner, permissions, extended attributes
+/// Writes `file` with `bytes` as its content, whole or not at all. Owner, permissions, extended attributes
 /// (Windows' own ones and the time of creation among them) are taken from `like`, where it exists, as far as the system
 /// lets them. Throws HostFileError, with no temporary file left, and with the file as it was unless IsInPlace().
 void ReplaceHostFile(const HostPlace& file, ByteView bytes, const std::string& doing, const HostPlace& like);
@@ -70,9 +70,9 @@ bool KeepBeside(const HostPlace& file, const HostPlace& kept, KeepHow how);
 
 /// True when new files can be made in `folder`. Leaves nothing behind, not even a changed time.
 bool CanWriteFolder(const HostPlace& folder);
-/// True when `file` may be written and replaced. Asks the file system and not only the permissions, which an
-/// administrator passes over. A failing disk does not make it false, or one bad moment would turn all changes to a
-/// private copy: there the write itself says what is wrong.
+/// True when `file` may be written and replaced. Asks the file system, not only the permissions, since an
+/// administrator may ignore those. A failing disk does not make it false, or one bad moment would send all changes to a
+/// private copy; the write itself then reports what is wrong.
 bool CanReplaceFile(const HostPlace& file);
 
 }  // namespace quillbox

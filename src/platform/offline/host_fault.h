@@ -1,5 +1,5 @@
-// Why something on the host is refused: the system's own errors and the rules of this program, which have words of
-// their own, in one type. An errno would say "Invalid cross-device link" where a disk's link leads out of the disk.
+// Why something on the host is refused: the system's errors and this program's own rules, in one type, with words for
+// both. An errno would say "Invalid cross-device link" where a disk's link leads out of the disk.
 #pragma once
 
 #include <string>
@@ -19,7 +19,7 @@ enum class HostFault {
   IsLink,          ///< what would be written is a link
   Changed,         ///< a link has come into the path since the place was looked up
   NotOrdinary,     ///< a device, pipe or socket
-  LeftAlone,       ///< it would be written to a disk of which the person was told that it is not
+  LeftAlone,       ///< the disk is not written: its registry is damaged, and the user knows it
 };
 std::error_code make_error_code(HostFault fault);  // NOLINT(readability-identifier-naming): the library's name
 

@@ -1,4 +1,4 @@
-// An open file of the host that closes itself: what every call of this folder on the host's files works with.
+// An open file of the host that closes itself.
 #pragma once
 
 #include <unistd.h>
@@ -24,7 +24,7 @@ class HostFd {
 
   explicit operator bool() const { return fd_ >= 0; }
   int Get() const { return fd_; }
-  /// Gives the descriptor away: whoever takes it closes it.
+  /// Gives the descriptor away; the caller closes it.
   int Release() { return std::exchange(fd_, -1); }
   void Close() {
     if (fd_ >= 0) close(std::exchange(fd_, -1));

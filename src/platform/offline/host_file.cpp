@@ -59,7 +59,7 @@ std::optional<struct stat> ReplacedBy(const HostPlace& place, const OpenPlace& t
   }
   if (S_ISLNK(existing.st_mode)) ThrowAbout(place, ELOOP, LastStep::NoLink);
   if (S_ISDIR(existing.st_mode)) ThrowErrno(EISDIR);
-  // A device, pipe or socket has a place of its own: a file put there would take it away from everybody.
+  // Replacing a device, pipe or socket by a file would take it away from everybody.
   if (!S_ISREG(existing.st_mode)) ThrowFault(HostFault::NotOrdinary);
   if (faccessat(target.folder.Get(), target.name.c_str(), W_OK, AT_EACCESS) != 0) ThrowErrno(errno);
   return existing;
@@ -90,9 +90,9 @@ NewFile::NewFile(const HostPlace& given) {
     temporary_.clear();
     ThrowErrno(code);
   }
-  // The lock tells RemoveAbandonedFiles that the file is in use.
+  // The lock lets RemoveAbandonedFiles see that the file is in use.
   flock(fd_.Get(), LOCK_EX | LOCK_NB);
-  // File systems without modes refuse this, and their files need none.
+  // File systems without modes refuse this.
   static_cast<void>(fchmod(fd_.Get(), replaced ? replaced->st_mode & kAllModeBits : kNewFileMode & ~ProcessUmask()));
 }
 

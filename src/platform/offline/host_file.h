@@ -37,7 +37,7 @@ class NewFile {
   NewFile(const NewFile&) = delete;
   NewFile& operator=(const NewFile&) = delete;
 
-  /// For calls that write without Write(); asked for anew after a Flush(), or the next one does nothing.
+  /// For calls that write without Write(). Call it again after a Flush(), or the next Flush() does nothing.
   int Fd() {
     flushed_ = false;
     return fd_.Get();

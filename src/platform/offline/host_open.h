@@ -17,7 +17,7 @@ namespace quillbox {
 /// Opens a folder, for reading its entries where its permissions allow that, else for working on them by name.
 HostFd OpenFolder(const HostPlace& folder);
 
-/// An entry as the calls on entries take it: its folder, open, and its name there.
+/// An entry for calls like openat: its folder, open, and its name there.
 struct OpenPlace {
   HostFd folder;
   std::string name;

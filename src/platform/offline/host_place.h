@@ -1,7 +1,6 @@
 // Where something is on the host. What a Windows disk names must stay on that disk: a place beneath a drive's folder
 // carries the disk's bounds with it, so that nothing can be opened there by a plain path. Only what belongs to the
-// person or to this program (drive Z:, the state folder) is anywhere on the host, where links are followed as the host
-// does.
+// person or to this program (drive Z:, the state folder) is anywhere on the host, where links are followed as usual.
 #pragma once
 
 #include <cstddef>
@@ -40,7 +39,8 @@ class DiskBounds {
     std::filesystem::path below;
   };
   const DriveFolder& Drive(std::size_t drive) const { return drives_.at(drive); }
-  /// The drive that holds the absolute host path most closely, and the rest of the path. Nothing outside the disk.
+  /// The drive with the deepest folder that contains the absolute host path, and the rest of the path. Nothing outside
+  /// the disk.
   std::optional<Inside> Find(const std::filesystem::path& absolute) const;
 
  private:
@@ -73,7 +73,7 @@ class HostPlace {
   /// The entry `hostName` of this folder; the name must be one that cannot leave it.
   HostPlace Join(const std::string& hostName) const;
 
-  /// As a host path: for words, and for programs of the host that a person starts. Never for opening.
+  /// As a host path: for messages, and for programs of the host that the user starts. Never for opening.
   std::filesystem::path Path() const;
 
   friend bool operator==(const HostPlace& a, const HostPlace& b) {

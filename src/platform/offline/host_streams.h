@@ -1,5 +1,4 @@
-// Files of the host as the platform's readers and writers: piece by piece, with failures that name the file as a person
-// knows it.
+// Files of the host as the platform's readers and writers: piece by piece; errors name the file as the user knows it.
 #pragma once
 
 #include <memory>
@@ -10,14 +9,14 @@
 
 namespace quillbox {
 
-/// What these do, as their errors say it.
+/// For the errors: what was being done.
 inline constexpr const char* kReading = "reading a file";
 inline constexpr const char* kWriting = "writing a file";
 
 /// `name` is what errors call the file. Throws Error.
 std::unique_ptr<FileReader> OpenHostFile(const HostPlace& file, std::string name);
-/// The file is made whole or not at all; a device or pipe, which only the host's own drive has, is written to as it
-/// stands. Throws Error.
+/// The file is made whole or not at all; a device or pipe, which only the host's own drive has, is written to
+/// directly. Throws Error.
 std::unique_ptr<FileWriter> StartHostFile(const HostPlace& file, std::string name);
 
 }  // namespace quillbox

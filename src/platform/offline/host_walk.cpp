@@ -117,7 +117,7 @@ bool HostWalk::Reopen(std::size_t depth) {
   return folder >= 0;
 }
 
-/// Takes up the entries that one call gives.
+/// Handles the entries that one call returns.
 void HostWalk::Read(WalkStep& step) {
   Level& top = levels_.back();
   const ssize_t size = getdents64(top.fd.Get(), buffer_.data(), buffer_.size());
@@ -158,7 +158,7 @@ bool HostWalk::IsAbove(dev_t device, ino_t node) const {
                      [=](const Level& level) { return level.node == node && level.device == device; });
 }
 
-/// Tells that the deepest level, or the entry `hostName` in it, could not be read, unless it is gone.
+/// Reports that the deepest level, or the entry `hostName` in it, could not be read, unless it is gone.
 void HostWalk::TellUnread(const std::string& hostName, const std::error_code& fault, WalkStep& step) const {
   if (fault == std::errc::no_such_file_or_directory || fault == std::errc::not_a_directory) return;
   step.unread.push_back(path_ + WindowsName(hostName) + ": " + ReasonOf(fault));

@@ -20,7 +20,7 @@ namespace quillbox {
 
 class HostWalk : public FolderWalk {
  public:
-  /// Walks `host`, which is told as `root` (final backslash included).
+  /// Walks `host`, which is reported as `root` (final backslash included).
   HostWalk(HostPlace host, std::string root, const std::string& pattern);
 
   bool Step(WalkStep& step) override;
@@ -28,7 +28,7 @@ class HostWalk : public FolderWalk {
  private:
   /// A folder between the root and the one that is being read.
   struct Level {
-    HostFd fd;  ///< none when it had to be closed to keep the number of open folders small
+    HostFd fd;  ///< closed while too many folders are open
     std::string hostName;
     std::size_t pathLength = 0;  ///< how much of path_ is this folder's
     dev_t device = 0;

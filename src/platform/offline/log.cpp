@@ -24,7 +24,7 @@ std::string LocalTime() {
   return {text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S %z", &local)};
 }
 
-/// In one call, so that lines of several programs do not mix; what a full disk takes away is lost.
+/// In one call, so that lines of several programs do not mix; what does not fit on a full disk is lost.
 void WriteLine(int fd, const std::string& line) {
   static_cast<void>(!write(fd, line.data(), line.size()));
 }
@@ -40,7 +40,7 @@ FileLog::FileLog(const fs::path& stateFolder) {
 }
 
 void FileLog::Write(std::string_view text) try {
-  // Lines of one text become one line; signs for them would only make it harder to read.
+  // Several lines become one: signs for line ends would be hard to read.
   std::string line = LocalTime() + "  " + std::string(text);
   std::replace(line.begin(), line.end(), '\n', ' ');
   line = OneLine(line) + '\n';

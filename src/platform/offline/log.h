@@ -1,4 +1,5 @@
-// The log of a desktop program: what no window shows goes to standard error and to a file that a person can send along.
+// The log of a desktop program: what a window does not show goes to standard error and to a file that the user can
+// send.
 #pragma once
 
 #include <filesystem>
@@ -13,7 +14,7 @@ class FileLog : public Log {
   /// A log larger than this when it is opened is put aside as `quillbox.log.old`.
   static constexpr std::uintmax_t kMaxBytes = 1u << 20;
 
-  /// Logs to `quillbox.log` in `stateFolder`, made when missing. Where that fails, standard error alone is left.
+  /// Logs to `quillbox.log` in `stateFolder`, made when missing. Where that fails, it logs to standard error only.
   explicit FileLog(const std::filesystem::path& stateFolder);
 
   /// One line with the local time. Line ends become blanks, other control characters signs. Never throws.

@@ -23,8 +23,8 @@ class OfflineDrives : public Drives, public HostPaths {
   void LeaveDiskAlone() { map_.LeaveDiskAlone(); }
   /// `path` made absolute with the current drive and directories.
   WinPath Absolute(const WinPath& path) const;
-  /// Where `path` is on the host, whether it exists or not; why not, when it is on no drive of ours or leads out of the
-  /// disk.
+  /// Where `path` is on the host, whether it exists or not; why not, when it is not on a known drive or leads out of
+  /// the disk.
   PlaceResult PlaceOf(const WinPath& path, LastStep last = LastStep::Follow) const;
   std::filesystem::path HostPath(const WinPath& path) const override;
   WinPath WindowsPathOf(const std::filesystem::path& path) const override;

@@ -44,7 +44,7 @@ bool IsRoot(const WinPath& absolute) {
   return absolute.IsAbsolute() && absolute.Text().size() == 3;
 }
 
-/// A walk that only says why it is none.
+/// The walk through a folder that is refused or not there: reports why, and ends.
 class RefusedWalk : public FolderWalk {
  public:
   /// Nothing for a folder that is only not there.

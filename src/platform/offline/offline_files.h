@@ -15,7 +15,7 @@ class OfflineFiles : public FileSystem {
   explicit OfflineFiles(OfflineDrives& drives);
 
   OfflineDrives& OnDrives() const { return drives_; }
-  /// Frees a host folder, into which a file is about to be written, of abandoned temporary files.
+  /// Removes abandoned temporary files from a host folder into which a file is about to be written.
   void Sweep(const HostPlace& folder) { sweep_.Sweep(folder); }
   void EndCommand() { sweep_.Forget(); }
 

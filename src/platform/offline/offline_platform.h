@@ -24,11 +24,11 @@
 
 namespace quillbox {
 
-/// What is done about hives that are damaged or whose logs cannot be used.
+/// Whether hives are used that are damaged or whose logs cannot be used.
 enum class Salvage {
-  Ask,           ///< the person is asked for each
-  Agreed,        ///< the person has asked for it; the log gets what is missing
-  AgreedBefore,  ///< the program that started this one has asked, and has told the log
+  Ask,           ///< ask the user for each
+  Agreed,        ///< the user has asked for it; what is missing is logged
+  AgreedBefore,  ///< the program that started this one has asked, and has logged it
 };
 
 struct OfflineOptions {
@@ -47,8 +47,8 @@ class OfflinePlatform : public Platform {
  public:
   /// Throws Error when the disk, the profile or its hive cannot be opened, when several profiles are there and none is
   /// named, when a drive's folder is not there, and when another program has the disk. A machine hive that cannot be
-  /// used is a warning. HiveRefused when the person does not want a hive used that is damaged or lacks what is in its
-  /// logs; nothing has been written to the disk until then. `dialogs` and `clipboard` must outlive the platform.
+  /// used is a warning. HiveRefused when the user does not want a hive used that is damaged or whose logs cannot be
+  /// used; nothing has been written to the disk until then. `dialogs` and `clipboard` must outlive the platform.
   OfflinePlatform(const OfflineOptions& options, Dialogs& dialogs, Clipboard* clipboard = nullptr);
   ~OfflinePlatform() override;
   OfflinePlatform(const OfflinePlatform&) = delete;
@@ -69,7 +69,7 @@ class OfflinePlatform : public Platform {
   void EndCommand() override;
   std::string SystemDescription() override;
 
-  /// What was wrong with the disk and did not keep it from being opened, a sentence each.
+  /// Problems of the disk that did not prevent its opening, a sentence each.
   const std::vector<std::string>& Warnings() const { return warnings_; }
   /// True when a hive's changes go to a private copy in the state folder, since the disk cannot or must not be written.
   bool UsesPrivateCopy() const;

@@ -1,4 +1,4 @@
-// Starts the one Windows program that this platform has: the registry editor, as a host program of ours that works on
+// Starts the one Windows program that this platform has: the registry editor, as our own host program that works on
 // the same disk.
 #pragma once
 

@@ -109,8 +109,7 @@ struct OfflineRegistry::Place {
   std::string path;  ///< below the hive's root, normalised
 };
 
-/// An open key. All are known to the registry, so that one whose key is deleted is never taken for the key that gets
-/// its cell next.
+/// An open key. The registry knows all of them, so that a deleted key is never mistaken for the next one in its cell.
 class OfflineRegistry::OpenKey final : public KeyHandle {
  public:
   OpenKey(std::shared_ptr<OpenKeys> all, Place where, HiveKey hiveKey, Access granted)

@@ -63,7 +63,7 @@ void OfflineShell::OpenUrl(const std::string& url) {
   if (isPage && Start(url)) return;
   log_.Write("the page was not opened: " + url);
   dialogs_.Show(
-      {isPage ? "No browser could be started. The page is:\n\n" + url : "This is no address of a page:\n\n" + url,
+      {isPage ? "No browser could be started. The page is:\n\n" + url : "This is not the address of a page:\n\n" + url,
        kProgramName, MessageButtons::Ok, MessageIcon::Information});
 }
 

@@ -1,5 +1,5 @@
-// Opens what is beneath an open folder without following any link on the way: the one call on which the promise rests
-// that nothing on a disk leads out of it.
+// Opens what is beneath an open folder without following any link on the way: this call is what
+// guarantees that nothing on a disk leads out of it.
 #pragma once
 
 #include <filesystem>
@@ -12,7 +12,7 @@ namespace quillbox {
 /// as for open. None with errno when it fails: ELOOP for a link anywhere in `names`, the last name included.
 HostFd OpenBeneath(int root, const std::filesystem::path& names, int flags);
 
-/// Has OpenBeneath go name by name, as it does by itself where the kernel lacks openat2 or a sandbox forbids it.
+/// False makes OpenBeneath go name by name, as it does where the kernel lacks openat2 or a sandbox forbids it.
 void UseOpenat2(bool use);
 
 }  // namespace quillbox

@@ -19,7 +19,7 @@ enum class LastStep {
 /// How many links a path may go through, as on the host.
 inline constexpr int kMaxLinks = 40;
 
-/// The place that `windowsNames` lead to from the folder `from`. Each name is taken as it stands where there is such an
+/// The place that `windowsNames` lead to from the folder `from`. Each name is taken as it is where there is such an
 /// entry, else as the first entry that equals it without regard to case; from the first name on that has none, names
 /// are taken as given. Beneath a drive, links are followed as far as they stay on the disk: relative ones, and absolute
 /// ones that lead to or below a drive's folder; anything else is LeadsOut, ".." above a drive's folder among it.

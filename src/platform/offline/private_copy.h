@@ -1,5 +1,5 @@
-// Where the changes to a hive go whose disk cannot be written: a copy in the user's state folder, which holds good as
-// long as the disk's own hive stays what it was when the copy was begun.
+// Where changes to a hive go when its disk cannot be written: a copy in the user's state folder, which is valid as long
+// as the disk's own hive has not changed since the copy was begun.
 #pragma once
 
 #include <cstddef>
@@ -22,7 +22,7 @@ class PrivateCopy {
   bool IsOutdated() const;
   /// True when the copy's folder is there, or could be made, and can be written.
   bool CanWrite() const;
-  /// In how many places the hive is damaged that a current copy was made from.
+  /// The number of damaged places of the hive that a current copy was made from.
   std::size_t DamagedPlaces() const;
   /// Notes the disk's hive as it is now, ahead of writing File(), and in how many places it is damaged.
   /// An outdated copy is kept under another name, which is returned; else an empty path. Throws Error.

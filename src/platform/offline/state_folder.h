@@ -1,4 +1,4 @@
-// Where the program keeps what it has to remember about disks, out of those disks' way.
+// Where the program keeps what it remembers about disks: never on those disks.
 #pragma once
 
 #include <filesystem>

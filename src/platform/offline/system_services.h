@@ -1,4 +1,4 @@
-// The host's small services under the platform's interfaces.
+// Small services: the clock, GUIDs, facts of the registry, a clipboard for programs without a window.
 #pragma once
 
 #include <string>

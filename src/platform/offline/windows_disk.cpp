@@ -51,7 +51,7 @@ std::optional<HostPlace> FindBelow(const HostPlace& folder, std::string_view rel
   return found && StatPlace(*found) ? std::optional(*found) : std::nullopt;
 }
 
-/// A hive, or a link of its name that leads out of the disk: that one is found and says so when it is opened.
+/// A hive, or a link of its name that leads out of the disk; opening that one reports it.
 std::optional<FoundHive> FindHive(const HostPlace& folder, const std::string& name) {
   const PlaceResult place = PlaceBelow(folder, name);
   if (place && !StatPlace(*place)) return std::nullopt;
@@ -153,7 +153,7 @@ bool IsOldWindows(const HostPlace& disk) {
   return FindBelow(*windows, kOldUserHive) || FindBelow(*windows, "SYSTEM.DAT");
 }
 
-/// Where the disk begins when `folder` is a part of one; empty when it is none that we know.
+/// Where the disk begins when `folder` is a part of one; empty when the part is not known.
 fs::path DiskAround(const fs::path& folder) {
   const fs::path root = folder.parent_path();
   if (FindBelow(HostPlace::DiskRoot(folder), kConfigFolder)) return root;

@@ -1,5 +1,5 @@
-// Finds Windows on a folder of the host: the people whose profiles are on it and where their registry is. Everything
-// that can be wrong with a chosen folder is said here, in words that help to choose the right one.
+// Finds Windows on a folder of the host: the people whose profiles are on it and where their registry is. The
+// messages for a wrong folder help to choose the right one.
 #pragma once
 
 #include <cstddef>
@@ -45,7 +45,7 @@ struct WindowsDisk {
   std::vector<ProfileFolder> profiles;  ///< at least one, sorted by name
 };
 
-/// Looks at `folder` as at C:\ of a Windows that isn't running, whose further drives are `drives`: links that lead to
+/// Examines `folder` as C:\ of a Windows that isn't running, whose further drives are `drives`: links that lead to
 /// one of them are followed, others that leave `folder` are not. Throws Error when there is no such folder, no Windows
 /// on it, or nobody's registry.
 WindowsDisk FindWindowsDisk(const std::filesystem::path& folder,
@@ -62,7 +62,7 @@ struct IdentityCount {
   bool lacksLogs = false;         ///< the registry was not closed cleanly, and its logs cannot be used
 };
 
-/// How many identities a profile's registry holds, as far as it can be read. Only reads, and asks nobody.
+/// How many identities a profile's registry holds, as far as it can be read. Only reads, without questions.
 IdentityCount CountIdentities(const ProfileFolder& profile);
 
 }  // namespace quillbox

@@ -57,7 +57,7 @@ std::size_t SequenceLength(std::string_view text, std::size_t at) {
   return overlong || surrogate || tooLarge ? 0 : length;
 }
 
-/// The code point of the three bytes at `at`, or 0 when they are no three-byte sequence.
+/// The code point of the three bytes at `at`, or 0 when they are not a three-byte sequence.
 char32_t ThreeByteCodePoint(std::string_view text, std::size_t at) {
   if (at + 3 > text.size() || (ByteAt(text, at) & 0xF0) != 0xE0) return 0;
   return (ByteAt(text, at) & 0x0Fu) << 12 | (ByteAt(text, at + 1) & 0x3Fu) << 6 | (ByteAt(text, at + 2) & 0x3Fu);

@@ -187,7 +187,7 @@ TEST_F(SalvageTest, ARegistryWhoseLogsCannotBeUsedIsWrittenOnlyIfThePersonSaysYe
   EXPECT_THAT(dialogs.LastMessage(),
               testing::MatchesRegex("The registry of Anna was not closed cleanly, and its logs cannot be used:\n\n"
                                     "ntuser.dat.LOG: [^\n]+\n\nWindows might still apply them. "
-                                    "Go on with the registry as it stands\\?"));
+                                    "Go on with the registry as it is\\?"));
   EXPECT_EQ(Everything(), before);
   dialogs.messageAnswers = {MessageAnswer::Yes};
   {
