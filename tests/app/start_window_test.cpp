@@ -4,11 +4,11 @@
 #include <gtest/gtest.h>
 
 #include "platform/offline/offline_platform.h"
-#include "platform/platform.h"
 #include "sample/sample_disk.h"
 #include "support/damaged_hive.h"
 #include "support/scripted_dialogs.h"
 #include "support/temp_folder.h"
+#include "support/test_log.h"
 
 namespace quillbox {
 namespace {
@@ -16,17 +16,13 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-struct SilentLog : Log {
-  void Write(std::string_view) override {}
-};
-
 class StartWindowTest : public ::testing::Test {
  protected:
   std::string Wherever(const char* below) { return paths.WindowsPathOf(temp / below).Text(); }
 
   TempFolder temp;
   HostOnlyPaths paths;
-  SilentLog log;
+  TestLog log;
   ScriptedDialogs dialogs;
   HandlerGuard guard{log, dialogs};
   std::vector<DiskChoice> opened;
@@ -54,27 +50,23 @@ TEST_F(StartWindowTest, AFolderThatIsNoDiskSaysWhy) {
   EXPECT_TRUE(opened.empty());
 }
 
-TEST_F(StartWindowTest, ADamagedHiveIsNamedBesideItsProfile) {
+TEST_F(StartWindowTest, AHiveThatIsNotWholeSaysSoBesideItsProfile) {
   MakeSampleDisk(temp / "disk", {.smallStores = true});
-  temp.File("disk/C/Documents and Settings/Ann Miller/NTUSER.DAT", "no hive");
-  window.Look({.folder = temp / "disk/C", .profile = {}, .drives = {}});
-  EXPECT_THAT(window.lstProfiles.items.Get(), ElementsAre(HasSubstr("Ann Miller — cannot be read: ")));
-}
-
-TEST_F(StartWindowTest, ARegistryThatCanBeReadInPartSaysSoBesideItsProfile) {
-  MakeSampleDisk(temp / "disk", {.smallStores = true});
-  const std::filesystem::path hive = temp / "disk/C/Documents and Settings/Ann Miller/NTUSER.DAT";
-  const std::string content = temp.Read("disk/C/Documents and Settings/Ann Miller/NTUSER.DAT");
-  LeaveUnclosed(hive);
-  std::ofstream(hive.string() + ".LOG") << "no log";
-  window.Look({.folder = temp / "disk/C", .profile = {}, .drives = {}});
-  EXPECT_THAT(window.lstProfiles.items.Get(),
+  constexpr const char* kHive = "disk/C/Documents and Settings/Ann Miller/NTUSER.DAT";
+  const std::string content = temp.Read(kHive);
+  const auto shown = [&] {
+    window.Look({.folder = temp / "disk/C", .profile = {}, .drives = {}});
+    return window.lstProfiles.items.Get();
+  };
+  LeaveUnclosed(temp / kHive);
+  temp.File(std::string(kHive) + ".LOG", "no log");
+  EXPECT_THAT(shown(),
               ElementsAre("Ann Miller — 3 identities (registry not closed cleanly, and its logs cannot be used)"));
-
-  std::ofstream(hive, std::ios::binary) << content;
-  DamageKeys(hive, {"Environment", "Software\\Microsoft\\WAB\\WAB4\\Wab File Name"});
-  window.Look({.folder = temp / "disk/C", .profile = {}, .drives = {}});
-  EXPECT_THAT(window.lstProfiles.items.Get(), ElementsAre("Ann Miller — 3 identities (registry damaged in 2 places)"));
+  temp.File(kHive, content);
+  DamageKeys(temp / kHive, {"Environment", "Software\\Microsoft\\WAB\\WAB4\\Wab File Name"});
+  EXPECT_THAT(shown(), ElementsAre("Ann Miller — 3 identities (registry damaged in 2 places)"));
+  temp.File(kHive, "no hive");
+  EXPECT_THAT(shown(), ElementsAre(HasSubstr("Ann Miller — cannot be read: ")));
 }
 
 TEST_F(StartWindowTest, AnAnswerOfNoLeavesTheWindowWithTheReason) {

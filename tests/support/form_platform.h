@@ -8,16 +8,15 @@
 
 #include "platform/platform.h"
 #include "support/scripted_dialogs.h"
+#include "support/test_log.h"
 
 namespace quillbox {
 
-struct FormPlatform : Platform, Log {
+struct FormPlatform : Platform {
   ScriptedDialogs dialogs;
-  std::vector<std::string> logged;
+  TestLog log;
   std::function<void()> onEndCommand;
   int commandsEnded = 0;
-
-  void Write(std::string_view text) override { logged.emplace_back(text); }
 
   Registry& GetRegistry() override { return Missing<Registry>(); }
   FileSystem& GetFiles() override { return Missing<FileSystem>(); }
@@ -29,7 +28,7 @@ struct FormPlatform : Platform, Log {
   Clock& GetClock() override { return Missing<Clock>(); }
   Guids& GetGuids() override { return Missing<Guids>(); }
   Clipboard& GetClipboard() override { return Missing<Clipboard>(); }
-  Log& GetLog() override { return *this; }
+  Log& GetLog() override { return log; }
   ChosenFolders& GetChosenFolders() override { return Missing<ChosenFolders>(); }
   void EndCommand() override {
     ++commandsEnded;

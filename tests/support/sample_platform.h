@@ -15,6 +15,7 @@
 #include "sample/sample_disk.h"
 #include "support/scripted_dialogs.h"
 #include "support/temp_folder.h"
+#include "support/test_log.h"
 
 namespace quillbox {
 
@@ -43,11 +44,6 @@ struct RecordingShell : Shell {
   Shell* inner;
   std::vector<std::string> explored;
   std::vector<std::string> urls;
-};
-
-struct RecordingLog : Log {
-  void Write(std::string_view text) override { lines.emplace_back(text); }
-  std::vector<std::string> lines;
 };
 
 struct RecordingPlatform : Platform {
@@ -82,7 +78,7 @@ struct RecordingPlatform : Platform {
   OfflinePlatform offline;
   RecordingProcesses processes;
   RecordingShell shell;
-  RecordingLog log;
+  TestLog log;
   std::unique_ptr<OfflineShell> faultyShell;
   int commandsEnded = 0;
 };

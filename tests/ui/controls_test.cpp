@@ -105,12 +105,12 @@ TEST_F(ControlsTest, FailuresAreLoggedAndTheCommandEndsOnce) {
   };
   form.cmdOk.click();
   EXPECT_EQ(TakeActs(), "inner ");
-  EXPECT_THAT(platform.logged, testing::ElementsAre("EveryControl.cmdOk_Click ended early: the folder is gone"));
+  EXPECT_THAT(platform.log.lines, testing::ElementsAre("EveryControl.cmdOk_Click ended early: the folder is gone"));
   EXPECT_EQ(platform.commandsEnded, 1);
   platform.onEndCommand = [] { throw std::runtime_error("the disk is full"); };
   form.cmdInner.click();
   EXPECT_THAT(platform.dialogs.LastMessage(), testing::HasSubstr("the disk is full"));
-  EXPECT_EQ(platform.logged.size(), 2U);
+  EXPECT_EQ(platform.log.lines.size(), 2U);
 }
 
 TEST_F(ControlsTest, ClosingPressesTheCancelButtonAndMenusRunTheirItems) {

@@ -6,7 +6,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <future>
@@ -15,7 +14,7 @@
 #include "offline_fixture.h"
 #include "platform/offline/offline_shell.h"
 #include "support/faulty_copy_io.h"
-#include "support/scripted_dialogs.h"
+#include "support/ordinary_user.h"
 
 namespace quillbox {
 namespace {
@@ -34,12 +33,11 @@ std::string Pattern(char first = 'A') {
   return text;
 }
 
-struct CopyCommandTest : testing::Test {
+struct CopyCommandTest : CopyFixture {
   CopyCommandTest() {
     disk.File("Mail/Inbox.dbx", Pattern());
     disk.File("Mail/Sent.dbx", "sent");
     disk.File("Mail/Drafts.dbx", "drafts");
-    disk.Folder("bk");
   }
   void Copy(const char* name) {
     shell.CopyFile({.source = WinPath("C:\\Mail").Join(name), .target = WinPath("C:\\bk"), .noConfirm = true});
@@ -60,19 +58,7 @@ struct CopyCommandTest : testing::Test {
     for (const char* name : {"Inbox.dbx", "Sent.dbx", "Drafts.dbx"}) Copy(name);
     return EndCommand();
   }
-  std::vector<std::string> Backups() const {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(disk / "bk")) names.push_back(entry.path().filename());
-    std::sort(names.begin(), names.end());
-    return names;
-  }
 
-  TempFolder disk;
-  OfflineDrives drives{DriveMap(disk.Path())};
-  OfflineFiles files{drives};
-  RegistryFacts facts;
-  ScriptedDialogs dialogs;
-  KeptLog log;
   FaultyCopyIo& io = *new FaultyCopyIo;
   OfflineShell shell{files, facts, dialogs, log, "", std::unique_ptr<CopyIo>(&io)};
 };
@@ -105,7 +91,7 @@ TEST_F(CopyCommandTest, WhatCanBeReadIsKeptBesideTheGoodCopyAfterOneQuestion) {
   EXPECT_EQ(disk.Read("bk/Inbox.dbx"), "a good copy");
   EXPECT_THAT(Backups(), ElementsAre("Drafts.dbx", "Inbox (damaged).dbx", "Inbox (damaged).txt", "Inbox.dbx",
                                      "Sent (damaged).dbx", "Sent (damaged).txt"));
-  EXPECT_THAT(log.text, HasSubstr("C:\\bk\\Inbox (damaged).dbx; 1808 of 10000 bytes are missing"));
+  EXPECT_THAT(log.Text(), HasSubstr("C:\\bk\\Inbox (damaged).dbx; 1808 of 10000 bytes are missing"));
 }
 
 TEST_F(CopyCommandTest, ADamagedCopyReplacesNoneThatIsDifferent) {
@@ -174,7 +160,7 @@ TEST_F(CopyCommandTest, APlaceThatTakesNothingIsOneQuestion) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.reason);
     dialogs.messages.clear();
-    log.text.clear();
+    log.lines.clear();
     io.createError = row.createError;
     io.writeError = row.writeError;
     const std::string because = std::string(": ") + row.reason;
@@ -189,7 +175,7 @@ TEST_F(CopyCommandTest, APlaceThatTakesNothingIsOneQuestion) {
     EXPECT_THAT(CopyAll(),
                 ElementsAre("Inbox.dbx Failed" + because, "Sent.dbx Failed" + because, "Drafts.dbx Failed" + because));
     EXPECT_EQ(dialogs.messages.size(), 2u);
-    EXPECT_THAT(log.text, HasSubstr("C:\\Mail\\Drafts.dbx: C:\\bk\\Drafts.dbx" + because));
+    EXPECT_THAT(log.Text(), HasSubstr("C:\\Mail\\Drafts.dbx: C:\\bk\\Drafts.dbx" + because));
     EXPECT_THAT(Backups(), ElementsAre());
   }
   // Somebody who went on after a missing file is asked again when the disk is full, and not about the next file.
@@ -205,23 +191,11 @@ TEST_F(CopyCommandTest, APlaceThatTakesNothingIsOneQuestion) {
                   "Lost.dbx Failed: the file cannot be found", "Drafts.dbx Failed: the disk is full"));
 }
 
-/// A person who may not write everywhere, whoever runs the test.
-struct OrdinaryPerson {
-  static constexpr uid_t kNobody = 65534;
-  OrdinaryPerson() { changed = geteuid() == 0 && seteuid(kNobody) == 0; }
-  ~OrdinaryPerson() {
-    if (changed && seteuid(0) != 0) abort();
-  }
-  OrdinaryPerson(const OrdinaryPerson&) = delete;
-  OrdinaryPerson& operator=(const OrdinaryPerson&) = delete;
-  bool changed = false;
-};
-
 TEST_F(CopyCommandTest, AFolderWithoutTheRightToWriteIsNamed) {
   chmod(disk.Path().c_str(), 0755);
   chmod((disk / "bk").c_str(), 0555);
   {
-    const OrdinaryPerson person;
+    const OrdinaryUser user;
     dialogs.messageAnswers = {MessageAnswer::No};
     EXPECT_THAT(CopyAll(), ElementsAre("Inbox.dbx Failed: you may not write to the folder",
                                        "Sent.dbx Cancelled: you may not write to the folder",

@@ -24,7 +24,7 @@ int LockInAnotherProcess(const std::vector<fs::path>& folders, const std::vector
     std::string name;
     std::getline(std::ifstream("/proc/self/comm"), name);
     const std::string who = name + " (process " + std::to_string(getppid()) + ")";
-    KeptLog log;
+    TestLog log;
     try {
       const DiskLock lock(folders, inherited, log);
       _exit(LetIn);
@@ -41,7 +41,7 @@ TEST(DiskLock, LetsInOneProgramAndThoseItHandsTheLockTo) {
   const TempFolder disk;
   const std::vector<fs::path> folders = {disk.Folder("profile"), disk.Folder("config"), disk / "profile/../profile"};
   {
-    KeptLog log;
+    TestLog log;
     const DiskLock lock(folders, {}, log);
     const std::vector<int> numbers = lock.Descriptors();
     ASSERT_EQ(numbers.size(), 2u);
@@ -50,7 +50,7 @@ TEST(DiskLock, LetsInOneProgramAndThoseItHandsTheLockTo) {
     EXPECT_EQ(LockInAnotherProcess(folders, {}), ToldWho) << "the end of that process must not have ended the lock";
     EXPECT_EQ(LockInAnotherProcess(folders, {numbers[0]}), ToldWho);
     EXPECT_EQ(LockInAnotherProcess(folders, {STDIN_FILENO, 999}), ToldWho);
-    EXPECT_EQ(log.text, "");
+    EXPECT_TRUE(log.lines.empty());
   }
   EXPECT_EQ(LockInAnotherProcess(folders, {}), LetIn);
   EXPECT_TRUE(fs::is_empty(folders[0]));

@@ -32,7 +32,7 @@ struct FolderMemoryTest : testing::Test {
   std::filesystem::path d = temp.Folder("disk/d");
   std::filesystem::path home = temp.Folder("home/backup");
   std::filesystem::path state = temp / "state";
-  KeptLog log;
+  TestLog log;
   FixedClock clock;
   OfflineDrives drives{DriveMap(c, {{'D', d}})};
   OfflineFiles files{drives};

@@ -1,7 +1,6 @@
 #include "platform/offline/hive_file.h"
 
 #include <gmock/gmock.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -13,7 +12,9 @@
 #include "platform/offline/offline_fixture.h"
 #include "registry/hive_tools.h"
 #include "support/damaged_hive.h"
+#include "support/file_size_limit.h"
 #include "support/host_calls.h"
+#include "support/ordinary_user.h"
 #include "text/error.h"
 
 namespace quillbox {
@@ -41,34 +42,36 @@ class HiveFileTest : public testing::Test, protected OfflineFixture {
     Set(file, value);
     file.Commit(kTestTime + 1);
   }
+  /// Opens the hive for a user who agrees to everything.
+  HiveFile OpenAgreeing() {
+    return {HostPlace::Anywhere(disk / kHive), HiveMode::Write, disk / "state", log,
+            [this](const Hive&) { return ++asked > 0; }};
+  }
+  int asked = 0;
   std::ptrdiff_t FilesInProfile() const {
     return std::distance(fs::directory_iterator(disk / "profile"), fs::directory_iterator());
   }
 };
 
-/// A folder and the files in it that cannot be written, for an administrator too: the test gives up that right.
+/// A folder and the files in it that cannot be written, for an administrator too.
 class ReadOnlyDisk {
  public:
   explicit ReadOnlyDisk(const TempFolder& disk) : profile_(disk / "profile") {
     fs::permissions(disk.Path(), fs::perms::group_exec | fs::perms::others_exec, fs::perm_options::add);
     fs::permissions(disk.Folder("state"), fs::perms::all);
     fs::permissions(profile_, fs::perms{0555});
-    if (administrator_) Become(kNobody);
+    user_.emplace();
   }
   ~ReadOnlyDisk() {
-    if (administrator_) Become(0);
+    user_.reset();
     fs::permissions(profile_, fs::perms{0755});
   }
   ReadOnlyDisk(const ReadOnlyDisk&) = delete;
   ReadOnlyDisk& operator=(const ReadOnlyDisk&) = delete;
 
  private:
-  static constexpr uid_t kNobody = 65534;
-  static void Become(uid_t user) {
-    if (seteuid(user) != 0) ADD_FAILURE() << "cannot become user " << user;
-  }
-  const bool administrator_ = geteuid() == 0;
   fs::path profile_;
+  std::optional<OrdinaryUser> user_;
 };
 
 TEST_F(HiveFileTest, TheFirstChangeKeepsTheOriginal) {
@@ -88,14 +91,10 @@ TEST_F(HiveFileTest, AFailedWriteLeavesTheFileAndTheChanges) {
   const std::string original = disk.Read(kHive);
   HiveFile file = Open(kHive);
   Set(file, "new");
-  rlimit before = {};
-  getrlimit(RLIMIT_FSIZE, &before);
-  const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-  const rlimit small = {1000, before.rlim_max};
-  setrlimit(RLIMIT_FSIZE, &small);  // as a disk with 1000 bytes left
-  EXPECT_THROW(file.Commit(kTestTime + 1), Error);
-  setrlimit(RLIMIT_FSIZE, &before);
-  std::signal(SIGXFSZ, oldHandler);
+  {
+    const FileSizeLimit full(1000);
+    EXPECT_THROW(file.Commit(kTestTime + 1), Error);
+  }
   EXPECT_EQ(disk.Read(kHive), original);
   EXPECT_EQ(FilesInProfile(), 2) << "the hive and what was kept of it";
   file.Commit(kTestTime + 2);
@@ -166,7 +165,7 @@ TEST_F(HiveFileTest, AReadOnlyDiskGetsAPrivateCopy) {
   EXPECT_EQ(Value(Open(kHive)), "private again");
   EXPECT_EQ(Value(HiveFile(HostPlace::Anywhere(copy.string() + ".older-1"), HiveMode::Read, disk / "state", log)),
             "private");
-  EXPECT_THAT(log.text, HasSubstr(".older-1"));
+  EXPECT_THAT(log.Text(), HasSubstr(".older-1"));
 }
 
 TEST_F(HiveFileTest, NothingOutsideTheDiskIsReadOrReplaced) {
@@ -182,7 +181,7 @@ TEST_F(HiveFileTest, NothingOutsideTheDiskIsReadOrReplaced) {
     LogWhatIsMissing(hive, kHive, log);
     return true;
   });
-  EXPECT_THAT(log.text, HasSubstr("ntuser.dat.log: not used, since it could not be read: it leads out of the disk"));
+  EXPECT_THAT(log.Text(), HasSubstr("ntuser.dat.log: not used, since it could not be read: it leads out of the disk"));
 
   Set(file, "new");
   fs::rename(disk / kHive, disk / "profile/moved");
@@ -190,12 +189,8 @@ TEST_F(HiveFileTest, NothingOutsideTheDiskIsReadOrReplaced) {
   EXPECT_THROW(file.Commit(kTestTime + 1), Error);
   EXPECT_EQ(outside.Read("hive"), "the host's own");
   EXPECT_TRUE(fs::is_symlink(disk / kHive));
-  try {
-    const HiveFile again(place, HiveMode::Read, disk / "state", log);
-    FAIL();
-  } catch (const Error& error) {
-    EXPECT_THAT(Describe(error), HasSubstr("NTUSER.DAT: it leads out of the disk"));
-  }
+  EXPECT_THAT(FaultOf([&] { HiveFile(place, HiveMode::Read, disk / "state", log); }),
+              HasSubstr("NTUSER.DAT: it leads out of the disk"));
 }
 
 TEST_F(HiveFileTest, WithoutAnyPlaceToWriteNothingCanBeChanged) {
@@ -227,20 +222,15 @@ TEST_F(HiveFileTest, LogsThatAreNoFilesDoNoHarm) {
   disk.File("profile/NTUSER.DAT.LOG2");
   fs::resize_file(disk / "profile/NTUSER.DAT.LOG2", (256u << 20) + 1);
   Change("first");
-  EXPECT_THAT(log.text, HasSubstr("NTUSER.DAT.LOG: not kept, since it is not an ordinary file"));
+  EXPECT_THAT(log.Text(), HasSubstr("NTUSER.DAT.LOG: not kept, since it is not an ordinary file"));
   EXPECT_EQ(FilesInProfile(), 5) << "the hive, what was kept of it, and three logs";
 
   LeaveUnclosed(disk / kHive);
-  std::string refusal;
-  try {
-    Open(kHive);
-  } catch (const HiveRefused& error) {
-    refusal = Describe(error);
-  }
-  EXPECT_THAT(refusal, HasSubstr("profile/NTUSER.DAT: it was not closed cleanly, and its logs cannot be used "
-                                 "(NTUSER.DAT.LOG: it could not be read: it is not an ordinary file; NTUSER.DAT.LOG1: "
-                                 "it could not be read: it is not an ordinary file; NTUSER.DAT.LOG2: it could not be "
-                                 "read: it is larger than 256 MB); Windows might still apply them"));
+  EXPECT_THAT(FaultOf([&] { Open(kHive); }),
+              HasSubstr("profile/NTUSER.DAT: it was not closed cleanly, and its logs cannot be used "
+                        "(NTUSER.DAT.LOG: it could not be read: it is not an ordinary file; NTUSER.DAT.LOG1: "
+                        "it could not be read: it is not an ordinary file; NTUSER.DAT.LOG2: it could not be "
+                        "read: it is larger than 256 MB); Windows might still apply them"));
 }
 
 TEST_F(HiveFileTest, AHiveWithoutItsLogsNeedsConsentOnce) {
@@ -248,9 +238,7 @@ TEST_F(HiveFileTest, AHiveWithoutItsLogsNeedsConsentOnce) {
   LeaveUnclosed(disk / kHive);
   const std::string original = disk.Read(kHive);
   EXPECT_THROW(Open(kHive), HiveRefused);
-  int asked = 0;
-  HiveFile file(HostPlace::Anywhere(disk / kHive), HiveMode::Write, disk / "state", log,
-                [&](const Hive&) { return ++asked > 0; });
+  HiveFile file = OpenAgreeing();
   EXPECT_EQ(disk.Read(kHive), original);
   EXPECT_TRUE(file.NeededConsent() && file.CanWrite() && !file.IsPrivateCopy());
   fs::last_write_time(disk / kHive, fs::file_time_type::clock::now() + std::chrono::seconds(5));
@@ -273,12 +261,8 @@ TEST_F(HiveFileTest, AFolderThatCannotBeFlushedIsToldAndTriedAgain) {
   };
   {
     const HostCallGuard guard(failing(EIO));
-    try {
-      file.Commit(kTestTime + 1);
-      ADD_FAILURE() << "nothing was told";
-    } catch (const Error& error) {
-      EXPECT_THAT(error.Why(), HasSubstr("its folder could not be flushed to the disk: Input/output error"));
-    }
+    EXPECT_THAT(FaultOf([&] { file.Commit(kTestTime + 1); }),
+                HasSubstr("its folder could not be flushed to the disk: Input/output error"));
     EXPECT_TRUE(file.NeedsWriting());
   }
   const HostCallGuard guard(failing(EINVAL));  // a file system that has no such flush
@@ -293,21 +277,16 @@ class DamagedHiveFileTest : public HiveFileTest {
     Hive hive = Hive::Create("root", kTestTime);
     hive.SetValue(hive.Root(), "v", 3, AsBytes("old"));
     for (const char* path : {"kept", "bad", "worse\\below"}) hive.CreatePath(hive.Root(), path);
-    WriteBytes(disk / kHive, hive.Image(kTestTime));
+    WriteHiveFile(disk / kHive, hive);
     DamageKeys(disk / kHive, {"bad", "worse\\below"});
   }
-  HiveFile OpenDamaged() {
-    return {HostPlace::Anywhere(disk / kHive), HiveMode::Write, disk / "state", log,
-            [this](const Hive&) { return ++asked > 0; }};
-  }
-  int asked = 0;
 };
 
 TEST_F(DamagedHiveFileTest, ItsChangesGoToAPrivateCopyThatIsSound) {
   const std::string original = disk.Read(kHive);
   EXPECT_THROW(Open(kHive), HiveRefused);
   {
-    HiveFile file = OpenDamaged();
+    HiveFile file = OpenAgreeing();
     EXPECT_EQ(file.DamagedPlaces(), 2u);
     EXPECT_TRUE(file.IsPrivateCopy() && file.CanWrite());
     EXPECT_TRUE(file.View().Find(file.View().Root(), "kept"));
@@ -325,9 +304,9 @@ TEST_F(DamagedHiveFileTest, ItsChangesGoToAPrivateCopyThatIsSound) {
 }
 
 TEST_F(DamagedHiveFileTest, AReloadAsksNobody) {
-  HiveFile file = OpenDamaged();
+  HiveFile file = OpenAgreeing();
   {
-    HiveFile editor = OpenDamaged();  // as the registry editor does
+    HiveFile editor = OpenAgreeing();  // as the registry editor does
     Set(editor, "by the editor");
     editor.Commit(kTestTime + 1);
   }
@@ -343,14 +322,14 @@ TEST_F(DamagedHiveFileTest, AReloadAsksNobody) {
 
 TEST_F(DamagedHiveFileTest, APrivateCopyThatIsDamagedItselfIsKept) {
   {
-    HiveFile file = OpenDamaged();
+    HiveFile file = OpenAgreeing();
     Set(file, "one");
     file.Commit(kTestTime + 1);
   }
   const fs::path copy = Open(kHive, HiveMode::Read).TargetFile().Path();
   DamageKeys(copy, {"kept"});
   const Bytes damaged = ReadBytes(copy);
-  HiveFile file = OpenDamaged();
+  HiveFile file = OpenAgreeing();
   EXPECT_EQ(file.DamagedPlaces(), 3u);
   Set(file, "two");
   file.Commit(kTestTime + 2);

@@ -9,8 +9,6 @@
 #include "platform/offline/host_file.h"
 #include "platform/offline/offline_shell.h"
 #include "platform/offline/open_beneath.h"
-#include "support/scripted_dialogs.h"
-#include "text/error.h"
 
 namespace quillbox {
 namespace {
@@ -20,7 +18,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 /// Runs with the kernel's openat2 and without it.
-struct HostileDiskTest : testing::TestWithParam<bool> {
+struct HostileDiskTest : testing::TestWithParam<bool>, TwoDrives {
   HostileDiskTest() {
     UseOpenat2(GetParam());
     temp.File("outside/bashrc", "secret");
@@ -35,32 +33,14 @@ struct HostileDiskTest : testing::TestWithParam<bool> {
 
   void Link(const fs::path& target, const char* entry) const { fs::create_symlink(target, c / entry); }
 
-  /// What `act` is refused with; empty when it went through.
-  template <class Act>
-  static std::string Fault(const Act& act) {
-    try {
-      act();
-    } catch (const Error& error) {
-      return Describe(error);
-    } catch (const std::system_error& error) {
-      return ReasonOf(error.code());
-    }
-    return {};
-  }
   std::string ReadFault(const std::string& path) {
-    const std::string fault = Fault([&] { files.ReadFile(WinPath(path)); });
-    EXPECT_EQ(fault, Fault([&] { files.OpenForReading(WinPath(path)); }));
+    const std::string fault = FaultOf([&] { files.ReadFile(WinPath(path)); });
+    EXPECT_EQ(fault, FaultOf([&] { files.OpenForReading(WinPath(path)); }));
     return fault;
   }
   std::string WriteFault(const std::string& path) {
-    return Fault([&] { files.WriteFile(WinPath(path), "replaced"); });
+    return FaultOf([&] { files.WriteFile(WinPath(path), "replaced"); });
   }
-
-  TempFolder temp;
-  fs::path c = temp.Folder("c");
-  fs::path d = temp.Folder("d");
-  OfflineDrives drives{DriveMap(c, {{'D', d}})};
-  OfflineFiles files{drives};
 };
 
 INSTANTIATE_TEST_SUITE_P(Openat2, HostileDiskTest, testing::Bool());
@@ -187,8 +167,8 @@ TEST_P(HostileDiskTest, ALinkPutInAfterTheLookupIsNotFollowed) {
   const HostPlace deep = *drives.PlaceOf(WinPath("C:\\Store\\deep\\Old.dbx"));
   const HostPlace fresh = *drives.PlaceOf(WinPath("C:\\Store\\bashrc"), LastStep::NoLink);
   const auto expectAllRefused = [&](const HostPlace& place, const std::string& why) {
-    EXPECT_EQ(Fault([&] { OpenForReading(place); }), why);
-    EXPECT_EQ(Fault([&] { NewFile(place).Commit(); }), why);
+    EXPECT_EQ(FaultOf([&] { OpenForReading(place); }), why);
+    EXPECT_EQ(FaultOf([&] { NewFile(place).Commit(); }), why);
   };
   fs::remove(c / "Store/Folders.dbx");
   Link("../../outside/bashrc", "Store/Folders.dbx");
@@ -198,7 +178,7 @@ TEST_P(HostileDiskTest, ALinkPutInAfterTheLookupIsNotFollowed) {
   fs::rename(c / "Store", c / "moved");
   fs::create_directory_symlink(temp / "outside", c / "Store");
   for (const HostPlace& place : {file, fresh}) expectAllRefused(place, "it leads out of the disk");
-  EXPECT_EQ(Fault([&] { OpenFolder(folder); }), "it leads out of the disk");
+  EXPECT_EQ(FaultOf([&] { OpenFolder(folder); }), "it leads out of the disk");
   EXPECT_EQ(StatPlace(fresh), std::nullopt);
 
   fs::remove(c / "Store");
@@ -230,7 +210,7 @@ TEST_P(HostileDiskTest, AFileGoesToTheFolderThatWasThereAtItsBeginning) {
 
 TEST_P(HostileDiskTest, ACopyNeitherTakesFromOutsideNorReplacesThere) {
   ScriptedDialogs dialogs;
-  KeptLog log;
+  TestLog log;
   RegistryFacts facts;
   OfflineShell shell{files, facts, dialogs, log, "none"};
   Link("../../outside/bashrc", "Store/Inbox.dbx");

@@ -7,11 +7,10 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include "offline_fixture.h"
 #include "platform/offline/folder_finder.h"
 #include "platform/offline/host_file.h"
 #include "support/file_size_limit.h"
-#include "support/temp_folder.h"
-#include "text/error.h"
 
 namespace quillbox {
 namespace {
@@ -21,13 +20,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
-struct OfflineFilesTest : testing::Test {
-  TempFolder temp;
-  std::filesystem::path c = temp.Folder("c");
-  std::filesystem::path d = temp.Folder("d");
-  OfflineDrives drives{DriveMap(c, {{'D', d}})};
-  OfflineFiles files{drives};
-
+struct OfflineFilesTest : testing::Test, TwoDrives {
   std::vector<std::string> Names(const std::string& pattern) { return Names(files.Find(WinPath(pattern))); }
   static std::vector<std::string> Names(const std::unique_ptr<FileFinder>& finder) {
     std::vector<std::string> names;
@@ -139,12 +132,7 @@ TEST_F(OfflineFilesTest, WritesAFileWholeOrNotAtAll) {
   for (const char* bad : {"C:\\none\\x", "C:\\a:b", "E:\\x", "C:\\", "C:\\con"}) {
     EXPECT_THROW(files.WriteFile(WinPath(bad), "x"), Error) << bad;
   }
-  try {
-    files.ReadFile(WinPath("C:\\gone"));
-    FAIL();
-  } catch (const Error& error) {
-    EXPECT_THAT(Describe(error), HasSubstr("C:\\gone: No such file or directory"));
-  }
+  EXPECT_THAT(FaultOf([&] { files.ReadFile(WinPath("C:\\gone")); }), HasSubstr("C:\\gone: No such file or directory"));
   EXPECT_EQ(files.DeleteFile(WinPath("c:\\keep.txt")), Status::Success);
   EXPECT_EQ(files.DeleteFile(WinPath("c:\\keep.txt")), Status::FileNotFound);
   EXPECT_EQ(files.DeleteFile(WinPath("c:\\none\\keep.txt")), Status::PathNotFound);

@@ -1,9 +1,13 @@
 // A hive on a disk of the test's own, and the small services that the offline platform asks for.
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "platform/offline/drive_map.h"
 #include "platform/offline/offline_files.h"
@@ -11,7 +15,9 @@
 #include "platform/offline/system_services.h"
 #include "platform/platform.h"
 #include "registry/hive.h"
+#include "support/scripted_dialogs.h"
 #include "support/temp_folder.h"
+#include "support/test_log.h"
 
 namespace quillbox {
 
@@ -22,28 +28,28 @@ struct FixedClock : Clock {
   std::uint64_t now = kTestTime;
 };
 
-struct KeptLog : Log {
-  void Write(std::string_view line) override { text.append(line).append("\n"); }
-  std::string text;
-};
-
 inline Bytes AsBytes(std::string_view text) {
   return {text.begin(), text.end()};
+}
+
+/// Writes `hive` as a file, its folders included.
+inline std::filesystem::path WriteHiveFile(const std::filesystem::path& file, Hive& hive) {
+  std::filesystem::create_directories(file.parent_path());
+  const Bytes image = hive.Image(kTestTime);
+  std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(image.data()), std::ssize(image));
+  return file;
 }
 
 /// Makes a hive file whose root has a value "v".
 inline std::filesystem::path MakeHiveFile(const std::filesystem::path& file, std::string_view value = "old") {
   Hive hive = Hive::Create("root", kTestTime);
   hive.SetValue(hive.Root(), "v", 3, AsBytes(value));
-  const Bytes image = hive.Image(kTestTime);
-  std::filesystem::create_directories(file.parent_path());
-  std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(image.data()), std::ssize(image));
-  return file;
+  return WriteHiveFile(file, hive);
 }
 
 struct OfflineFixture {
   TempFolder disk;
-  KeptLog log;
+  TestLog log;
   FixedClock clock;
   OfflineDrives drives{DriveMap(disk.Path())};
   OfflineFiles files{drives};
@@ -53,5 +59,40 @@ struct OfflineFixture {
     return {HostPlace::Anywhere(disk / hive), mode, disk / "state", log};
   }
 };
+
+/// A disk with messages in C:\Mail, an empty folder C:\bk for their backups, and what a shell needs.
+struct CopyFixture : testing::Test, OfflineFixture {
+  CopyFixture() { disk.Folder("bk"); }
+  std::vector<std::string> Backups() const {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(disk / "bk")) names.push_back(entry.path().filename());
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+  RegistryFacts facts;
+  ScriptedDialogs dialogs;
+};
+
+/// A disk with two drives.
+struct TwoDrives {
+  TempFolder temp;
+  std::filesystem::path c = temp.Folder("c");
+  std::filesystem::path d = temp.Folder("d");
+  OfflineDrives drives{DriveMap(c, {{'D', d}})};
+  OfflineFiles files{drives};
+};
+
+/// What `act` is refused with; "(done)" when it went through.
+template <class Act>
+std::string FaultOf(const Act& act) {
+  try {
+    act();
+  } catch (const Error& error) {
+    return Describe(error);
+  } catch (const std::system_error& error) {
+    return ReasonOf(error.code());
+  }
+  return "(done)";
+}
 
 }  // namespace quillbox

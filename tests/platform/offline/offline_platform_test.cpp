@@ -26,12 +26,7 @@ struct OfflinePlatformTest : testing::Test {
   OfflineOptions options = {.folder = disk.folder, .stateFolder = disk.temp / "state"};
 
   std::string WhyNot() {
-    try {
-      const OfflinePlatform platform(options, dialogs);
-    } catch (const Error& error) {
-      return Describe(error);
-    }
-    return "(opened)";
+    return FaultOf([&] { OfflinePlatform(options, dialogs); });
   }
 };
 
@@ -88,7 +83,7 @@ TEST_F(OfflinePlatformTest, RefusesWhatItCannotOpen) {
     const OfflinePlatform first(options, dialogs);
     EXPECT_THAT(WhyNot(), HasSubstr("Anna")) << "the disk is in use";
     options.readOnly = true;
-    EXPECT_EQ(WhyNot(), "(opened)") << "looking does no harm";
+    EXPECT_EQ(WhyNot(), "(done)") << "looking does no harm";
     options.readOnly = false;
   }
   options.drives = {{'D', disk.temp / "none"}};
@@ -197,7 +192,7 @@ TEST_F(SalvageTest, ARegistryWhoseLogsCannotBeUsedIsWrittenOnlyIfThePersonSaysYe
   }
   EXPECT_EQ(ReadBytes(kUser.string() + ".before-quillbox"), before.at(kUser));
   EXPECT_EQ(ReadBytes(kUser.string() + ".LOG.before-quillbox"), before.at(kUser.string() + ".LOG"));
-  EXPECT_EQ(WhyNot(), "(opened)");
+  EXPECT_EQ(WhyNot(), "(done)");
 }
 
 TEST_F(OfflinePlatformTest, FoldersThatAreWrittenAreFreedOfWhatWasLeft) {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <string_view>
 
@@ -25,9 +24,7 @@ inline void WriteHive(const std::filesystem::path& file, std::initializer_list<H
     const HiveKey key = hive.CreatePath(hive.Root(), row.key);
     hive.SetValue(key, row.name, row.type, Utf16Bytes(ToUtf16(row.text) + u'\0'));
   }
-  const Bytes image = hive.Image(kTestTime);
-  std::filesystem::create_directories(file.parent_path());
-  std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(image.data()), std::ssize(image));
+  WriteHiveFile(file, hive);
 }
 
 struct XpDisk {
@@ -54,9 +51,7 @@ struct XpDisk {
     system.SetValue(variables, "TEMP", 2, Utf16Bytes(u"%SystemRoot%\\TEMP"));
     system.SetValue(variables, "ComSpec", 2, Utf16Bytes(u"%SystemRoot%\\system32\\CMD.EXE"));
     system.SetValue(system.CreatePath(system.Root(), "Select"), "Current", 4, Bytes{2, 0, 0, 0});
-    const Bytes image = system.Image(kTestTime);
-    std::ofstream(folder / "WINDOWS/system32/config/system", std::ios::binary)
-        .write(reinterpret_cast<const char*>(image.data()), std::ssize(image));
+    WriteHiveFile(folder / "WINDOWS/system32/config/system", system);
     for (const char* nobody : {"All Users", "Default User", "LocalService"}) {
       temp.File(std::string("c/Documents and Settings/") + nobody + "/NTUSER.DAT");
     }
