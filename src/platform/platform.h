@@ -21,7 +21,7 @@ class Shell {
  public:
   virtual ~Shell() = default;
   /// Opens a folder in the file manager; `parameters` are the platform's ("/n,/e,/select name").
-  virtual void Explore(const std::string& folder, const std::string& parameters) = 0;
+  virtual void Explore(const WinPath& folder, const std::string& parameters) = 0;
   /// Opens a page in the person's browser.
   virtual void OpenUrl(const std::string& url) = 0;
   /// Begins to copy one file: whole or not at all, times kept. Asks before it replaces a file unless the request

@@ -35,8 +35,8 @@ struct RecordingProcesses : Processes {
 /// Keeps what would be opened in the host's file manager or browser; copies are real.
 struct RecordingShell : Shell {
   explicit RecordingShell(Shell& toInner) : inner(&toInner) {}
-  void Explore(const std::string& folder, const std::string& parameters) override {
-    explored.push_back(parameters.empty() ? folder : folder + "|" + parameters);
+  void Explore(const WinPath& folder, const std::string& parameters) override {
+    explored.push_back(parameters.empty() ? folder.Text() : folder.Text() + "|" + parameters);
   }
   void OpenUrl(const std::string& url) override { urls.push_back(url); }
   void CopyFile(const CopyRequest& request) override { inner->CopyFile(request); }

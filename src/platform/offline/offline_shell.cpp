@@ -43,11 +43,10 @@ void OfflineShell::EndCommand() {
   copies_.reset();
 }
 
-void OfflineShell::Explore(const std::string& folder, const std::string& /*parameters*/) {
-  const PlaceResult place =
-      folder.empty() ? PlaceResult(HostFault::NoSuchDrive) : files_.OnDrives().PlaceOf(WinPath(folder));
+void OfflineShell::Explore(const WinPath& folder, const std::string& /*parameters*/) {
+  const PlaceResult place = folder.Empty() ? PlaceResult(HostFault::NoSuchDrive) : files_.OnDrives().PlaceOf(folder);
   if (!place || !IsFolder(*place)) {
-    dialogs_.Show({"The path '" + OneLine(folder) + "' does not exist or is not a directory.", kProgramName,
+    dialogs_.Show({"The path '" + OneLine(folder.Text()) + "' does not exist or is not a directory.", kProgramName,
                    MessageButtons::Ok, MessageIcon::Error});
     return;
   }

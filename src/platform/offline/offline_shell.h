@@ -26,7 +26,7 @@ class OfflineShell : public Shell {
   OfflineShell(const OfflineShell&) = delete;
   OfflineShell& operator=(const OfflineShell&) = delete;
 
-  void Explore(const std::string& folder, const std::string& parameters) override;
+  void Explore(const WinPath& folder, const std::string& parameters) override;
   void OpenUrl(const std::string& url) override;
   void CopyFile(const CopyRequest& request) override;
   std::vector<CopyResult> FinishCopies() override;

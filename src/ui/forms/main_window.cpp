@@ -198,7 +198,7 @@ void Form1::loadup() {
 
 void Form1::OpenExplorer(const WinPath& folder) {
   sb1.panels[1] = "";
-  session_.platform.GetShell().Explore(folder.Text(), "");
+  session_.platform.GetShell().Explore(folder, "");
 }
 
 void Form1::OpenExplorer(const DiskPath& folder) {
@@ -209,7 +209,7 @@ void Form1::OpenExplorer(const DiskPath& folder) {
 
 void Form1::OpenExplorer2(const WinPath& folder, const std::string& selected) {
   sb1.panels[1] = "";
-  session_.platform.GetShell().Explore(folder.Text(), "/n,/e,/select " + selected);
+  session_.platform.GetShell().Explore(folder, "/n,/e,/select " + selected);
 }
 
 void Form1::OpenSearch() {

@@ -127,7 +127,7 @@ void Form1::opnbkfldr_Click() {
     session_.platform.GetDialogs().Show({.text = "Backup Folder Has Not Been Set"});
     return;
   }
-  session_.platform.GetShell().Explore(session_.backupFolder.Text(), "");
+  session_.platform.GetShell().Explore(WinPath(session_.backupFolder.Text()), "");
 }
 
 void Form1::qbk_Click() {

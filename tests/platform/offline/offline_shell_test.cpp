@@ -157,20 +157,20 @@ TEST_F(OfflineShellTest, AFileThatChangesMeanwhileIsCopiedAgainOrNotAtAll) {
 
 TEST_F(OfflineShellTest, ExploresOnlyFoldersAndNeverThroughAShell) {
   for (const char* missing : {"None Selected", "", "C:\\Mail\\Inbox.dbx", "Q:\\x"}) {
-    shell.Explore(missing, "");
+    shell.Explore(WinPath(missing), "");
     EXPECT_EQ(dialogs.LastMessage(), std::string("The path '") + missing + "' does not exist or is not a directory.");
   }
-  shell.Explore("C:\\a\n\nb", "");
+  shell.Explore(WinPath("C:\\a\n\nb"), "");
   EXPECT_EQ(dialogs.LastMessage(), "The path 'C:\\a\u240A\u240Ab' does not exist or is not a directory.");
   disk.Folder("$(touch x); it's");
-  shell.Explore("C:\\$(touch x); it's", "");
+  shell.Explore(WinPath("C:\\$(touch x); it's"), "");
   EXPECT_THAT(dialogs.LastMessage(), HasSubstr((disk / "$(touch x); it's").string())) << "there is no file manager";
 
   const auto opener = disk.File("opener", "#!/bin/sh\nprintf '%s' \"$#$1\" > " + (disk / "out.new").string() + "\nmv " +
                                               (disk / "out.new").string() + " " + (disk / "out").string() + "\n");
   std::filesystem::permissions(opener, std::filesystem::perms::owner_all);
   const std::size_t messages = dialogs.messages.size();
-  shell.Explore("c:\\$(TOUCH x); it's\\", "/n,/e,/select x");
+  shell.Explore(WinPath("c:\\$(TOUCH x); it's\\"), "/n,/e,/select x");
   for (int i = 0; i < 500 && disk.Read("out").empty(); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
   EXPECT_EQ(disk.Read("out"), "1" + (disk / "$(touch x); it's").string());
   shell.OpenUrl("file:///etc/passwd");
