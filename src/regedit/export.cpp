@@ -23,7 +23,7 @@ void Check(Status status, const RegistryPath& path) {
 
 class Exporter {
  public:
-  Exporter(Registry& registry, RegFileForm form, const CodePage& codePage, const WriteBytes& write)
+  Exporter(Registry& registry, RegFileForm form, const CodePage& codePage, const TakeBytes& write)
       : registry_(registry), write_(write), writer_(form, codePage) {
     result_.form = form;
   }
@@ -64,7 +64,7 @@ class Exporter {
   }
 
   Registry& registry_;
-  const WriteBytes& write_;
+  const TakeBytes& write_;
   RegFileWriter writer_;
   std::vector<Level> levels_;
   ExportResult result_;
@@ -73,10 +73,10 @@ class Exporter {
 }  // namespace
 
 ExportResult ExportKey(Registry& registry, const RegistryPath& path, RegFileForm form, const CodePage& codePage,
-                       const WriteBytes& write) {
+                       const TakeBytes& write) {
   std::string firstLoss;
   if (form == RegFileForm::Regedit4) {
-    const WriteBytes drop = [](std::string_view) {};
+    const TakeBytes drop = [](std::string_view) {};
     firstLoss = Exporter(registry, form, codePage, drop).Run(path).firstLoss;
     if (!firstLoss.empty()) form = RegFileForm::Unicode5;
   }

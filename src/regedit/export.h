@@ -15,7 +15,7 @@
 
 namespace quillbox {
 
-using WriteBytes = std::function<void(std::string_view bytes)>;
+using TakeBytes = std::function<void(std::string_view bytes)>;
 
 struct ExportResult {
   RegFileForm form = RegFileForm::Unicode5;  ///< the form that the file has
@@ -31,6 +31,6 @@ struct ExportResult {
 /// `write` gets the file piece by piece. The 8-bit form is composed twice, first without writing, to know whether it
 /// can hold everything.
 ExportResult ExportKey(Registry& registry, const RegistryPath& path, RegFileForm form, const CodePage& codePage,
-                       const WriteBytes& write);
+                       const TakeBytes& write);
 
 }  // namespace quillbox

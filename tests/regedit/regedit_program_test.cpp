@@ -5,8 +5,11 @@
 #include <sys/resource.h>
 #include <sys/wait.h>
 
+#include <algorithm>
+
 #include "platform/offline/offline_fixture.h"
 #include "platform/offline/offline_platform.h"
+#include "regedit/export.h"
 #include "registry/reg_file_recorder.h"
 #include "support/damaged_hive.h"
 #include "support/scripted_dialogs.h"
@@ -29,9 +32,11 @@ class RegeditProgram : public testing::Test {
     MakeHiveFile(kHive);
     MakeHiveFile(folder / "c/WINDOWS/system32/config/software");
     setenv("XDG_STATE_HOME", (folder / "state").c_str(), 1);
-    folder.File("start.reg",
-                "REGEDIT4\r\n[HKEY_CURRENT_USER\\Identities\\{1}]\r\n\"Username\"=\"Ann\"\r\n@=hex(2):25,41,25,00\r\n"
-                "\"list\"=hex(7):61,00,62,00,00\r\n\"n\"=dword:1\r\n\"b\"=hex:01,02\r\n");
+    folder.File(
+        "start.reg",
+        "REGEDIT4\r\n[HKEY_CURRENT_USER\\Identities\\{1}]\r\n\"Username\"=\"Ann\"\r\n@=hex(2):25,41,25,e9,00\r\n"
+        "\"list\"=hex(7):61,00,62,00,00\r\n\"n\"=dword:1\r\n\"b\"=hex:\r\n"
+        "[HKEY_CURRENT_USER\\Identities\\b\\deep]\r\n[HKEY_CURRENT_USER\\Identities\\A]\r\n");
   }
 
   /// Runs `command` in a shell, in the test's folder.
@@ -49,14 +54,79 @@ class RegeditProgram : public testing::Test {
 TEST_F(RegeditProgram, MergesAndExportsByHand) {
   const Outcome merged = Run("--disk c start.reg");
   EXPECT_EQ(merged.code, 0) << merged.err;
-  EXPECT_EQ(merged.out, "start.reg: 1 key added, 0 keys deleted, 5 values set, 0 values deleted\n");
+  EXPECT_EQ(merged.out, "start.reg: 3 keys added, 0 keys deleted, 5 values set, 0 values deleted\n");
   const Outcome exported = Run("--disk c --profile ann /e:A out.reg 'hkcu\\Identities'");
   EXPECT_EQ(exported.code, 0) << exported.err;
-  EXPECT_EQ(exported.out, "HKEY_CURRENT_USER\\Identities: 2 keys and 5 values exported to out.reg\n");
+  EXPECT_EQ(exported.out, "HKEY_CURRENT_USER\\Identities: 5 keys and 5 values exported to out.reg\n");
   EXPECT_EQ(folder.Read("out.reg"),
-            "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Identities]\r\n\r\n[HKEY_CURRENT_USER\\Identities\\{1}]\r\n"
-            "\"Username\"=\"Ann\"\r\n@=hex(2):25,41,25,00\r\n\"list\"=hex(7):61,00,62,00,00\r\n\"n\"=dword:00000001\r\n"
-            "\"b\"=hex:01,02\r\n\r\n");
+            "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Identities]\r\n\r\n[HKEY_CURRENT_USER\\Identities\\A]\r\n\r\n"
+            "[HKEY_CURRENT_USER\\Identities\\b]\r\n\r\n[HKEY_CURRENT_USER\\Identities\\b\\deep]\r\n\r\n"
+            "[HKEY_CURRENT_USER\\Identities\\{1}]\r\n\"Username\"=\"Ann\"\r\n@=hex(2):25,41,25,e9,00\r\n"
+            "\"list\"=hex(7):61,00,62,00,00\r\n\"n\"=dword:00000001\r\n\"b\"=hex:\r\n\r\n");
+}
+
+TEST_F(RegeditProgram, TextThatEightBitsCannotHoldGetsTheUnicodeForm) {
+  folder.File("wide.reg",
+              "\xEF\xBB\xBFREGEDIT4\n[HKEY_CURRENT_USER\\Identities\\Key]\n\"Username\"=\"\xE8\xA1\xA8\"\n");
+  ASSERT_EQ(Run("--disk c wide.reg").code, 0);
+  const Outcome exported = Run("--disk c /e:A out.reg HKEY_CURRENT_USER\\\\Identities");
+  EXPECT_THAT(exported.out + exported.err, HasSubstr("[HKEY_CURRENT_USER\\Identities\\Key] \"Username\""));
+  EXPECT_THAT(folder.Read("out.reg"), testing::StartsWith("\xFF\xFEW"));
+  EXPECT_THAT(ContentsOf(folder.Read("out.reg")), testing::IsSupersetOf(ContentsOf(folder.Read("wide.reg"))));
+
+  Hive system = Hive::Create("system", kTestTime);
+  system.SetValue(system.CreatePath(system.Root(), "Select"), "Current", 4, {{1, 0, 0, 0}});
+  system.SetValue(system.CreatePath(system.Root(), "ControlSet001\\Control\\Nls\\CodePage"), "ACP", 1,
+                  Utf16Bytes({u"932\0", 4}));
+  WriteBytes(folder / "c/WINDOWS/system32/config/system", system.Image(kTestTime));
+  EXPECT_EQ(Run("--disk c /e:A out.reg HKEY_CURRENT_USER\\\\Identities").code, 0);
+  EXPECT_THAT(folder.Read("out.reg"), AllOf(testing::StartsWith("REGEDIT4"), HasSubstr("\"Username\"=\"\x95\x5C\"")));
+}
+
+TEST_F(RegeditProgram, CountsWhatItMergesAndNamesWhatItCannot) {
+  folder.File("old.reg",
+              "REGEDIT4\n[HKEY_CURRENT_USER\\I\\Old\\Sub]\n\"v\"=\"x\"\n[HKEY_CURRENT_USER\\I\\Kept]\n\"v\"=\"x\"\n");
+  ASSERT_EQ(Run("--disk c old.reg").code, 0);
+  folder.File("x.reg",
+              "REGEDIT4\r\n"
+              "[-HKEY_CURRENT_USER\\I\\Old]\r\n[-HKEY_CURRENT_USER\\I\\Never]\r\n"
+              "[hkey_current_user\\I\\Kept]\r\n\"V\"=-\r\n\"never\"=-\r\n\"new\"=dword:2\r\n"
+              "[HKEY_CURRENT_USER\\I\\New\\Sub]\r\n@=\"y\"\r\nbroken\r\n"
+              "[HKEY_USERS\\S-1]\r\n\"lost\"=\"x\"\r\n[HKEY_NOWHERE\\S-1]\r\n\"lost\"=\"x\"\r\n"
+              "[-HKEY_CURRENT_USER]\r\n");
+  const Outcome merged = Run("--disk c x.reg");
+  EXPECT_EQ(merged.out, "x.reg: 1 key added, 1 key deleted, 2 values set, 1 value deleted\n");
+  EXPECT_THAT(merged.err, AllOf(HasSubstr("x.reg, line 10: "), HasSubstr("x.reg, line 11: \"HKEY_USERS\\S-1\": "),
+                                HasSubstr("x.reg, line 13: \"HKEY_NOWHERE\\S-1\" "), HasSubstr("x.reg, line 15: ")));
+  EXPECT_EQ(std::count(merged.err.begin(), merged.err.end(), '\n'), 4 + 1) << "and that SYSTEM is not there";
+  Run("--disk c /e:A out.reg HKEY_CURRENT_USER\\\\I");
+  EXPECT_EQ(
+      folder.Read("out.reg"),
+      "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\I]\r\n\r\n[HKEY_CURRENT_USER\\I\\Kept]\r\n\"new\"=dword:00000002\r\n\r\n"
+      "[HKEY_CURRENT_USER\\I\\New]\r\n\r\n[HKEY_CURRENT_USER\\I\\New\\Sub]\r\n@=\"y\"\r\n\r\n");
+
+  std::string many = "REGEDIT4\r\n";
+  for (int i = 0; i < 300; ++i) many += "[HKEY_USERS\\" + std::to_string(i) + "]\r\n@=\"x\"\r\n";
+  folder.File("many.reg", many);
+  EXPECT_THAT(Run("--disk c many.reg").err, EndsWith("many.reg: and 100 more lines that could not be merged\n"));
+}
+
+TEST(RegeditExport, LargeKeysAreWrittenInPieces) {
+  OfflineFixture system;
+  HiveFile file(HostPlace::Anywhere(MakeHiveFile(system.disk / "hive")), HiveMode::Write, system.disk / "state",
+                system.log);
+  const RegistryPath root = {RegistryRoot::CurrentUser, ""};
+  system.registry.Mount(root, file);
+  for (int i = 0; i < 8; ++i) {
+    const OpenResult key = system.registry.Create(root.Child(std::to_string(i)));
+    ASSERT_EQ(system.registry.SetStoredValue(key.key, "b", ValueType::Binary, Bytes(100'000, 0xAB)), Status::Success);
+  }
+  std::size_t pieces = 0;
+  std::string bytes;
+  ExportKey(system.registry, root, RegFileForm::Regedit4, CodePage(),
+            [&](std::string_view piece) { bytes += piece, ++pieces; });
+  EXPECT_GT(pieces, 4U);
+  EXPECT_EQ(ContentsOf(bytes).size(), 9U + 9U);
 }
 
 TEST_F(RegeditProgram, TakesTheProgramsCommandLines) {
