@@ -8,7 +8,7 @@
 #include "hive_mutation.h"
 #include "hive_reading.h"
 #include "hive_seeds.h"
-#include "registry/hive_tools.h"
+#include "registry/hive_log_tools.h"
 #include "registry/marvin.h"
 #include "text/error.h"
 
@@ -146,48 +146,6 @@ void MutateHiveLog(Bytes& input, std::size_t limit, Mutation& mutation) {
   input = files.Joined();
 }
 
-/// The sectors of `after` that differ from `before`, as a log of the old form.
-Bytes SectorLog(const Bytes& before, const Bytes& after) {
-  Bytes log(after.begin(), after.begin() + kSector);
-  SetBase(log, BaseField::kType, 1);
-  const Bytes tag = {'D', 'I', 'R', 'T'};
-  log.insert(log.end(), tag.begin(), tag.end());
-  Bytes map((after.size() - kHivePage) / kSector / 8);
-  Bytes sectors;
-  for (std::size_t sector = 0; sector < map.size() * 8; ++sector) {
-    const std::size_t at = kHivePage + sector * kSector;
-    if (at < before.size() && std::memcmp(&before[at], &after[at], kSector) == 0) continue;
-    map[sector / 8] = static_cast<std::uint8_t>(map[sector / 8] | 1U << (sector % 8));
-    sectors.insert(sectors.end(), &after[at], &after[at] + kSector);
-  }
-  log.insert(log.end(), map.begin(), map.end());
-  log.resize((log.size() + kSector - 1) / kSector * kSector);
-  log.insert(log.end(), sectors.begin(), sectors.end());
-  return log;
-}
-
-/// An entry of a newer log that holds `size` bytes of the bins from `first`.
-Bytes LogEntry(const Bytes& image, std::size_t first, std::size_t size) {
-  constexpr std::size_t kContent = 48;
-  Bytes entry((kContent + size + kSector - 1) / kSector * kSector);
-  std::memcpy(entry.data(), "HvLE", 4);
-  Store32(&entry[kEntrySize], static_cast<std::uint32_t>(entry.size()));
-  Store32(&entry[16], static_cast<std::uint32_t>(image.size() - kHivePage));
-  Store32(&entry[20], 1);
-  Store32(&entry[40], static_cast<std::uint32_t>(first));
-  Store32(&entry[44], static_cast<std::uint32_t>(size));
-  std::memcpy(&entry[kContent], &image[kHivePage + first], size);
-  return entry;
-}
-
-Bytes EntryLog(const Bytes& base, std::uint32_t sequence, const std::vector<Bytes>& entries) {
-  Bytes log(base.begin(), base.begin() + kSector);
-  SetBase(log, BaseField::kSequence1, sequence);
-  SetBase(log, BaseField::kType, 6);
-  for (const Bytes& entry : entries) log.insert(log.end(), entry.begin(), entry.end());
-  return log;
-}
-
 std::vector<Seed> HiveLogSeeds() {
   Hive hive = SeedHive(5);
   const Bytes before = hive.Image(kMonday);
@@ -196,14 +154,15 @@ std::vector<Seed> HiveLogSeeds() {
   const Bytes after = hive.Image(kMonday);
   const std::size_t size = after.size() - kHivePage;
   const std::uint32_t next = Load32(&before[BaseField::kSequence1]);
-  const Bytes first = LogEntry(after, 0, kHivePage);
-  const Bytes second = LogEntry(after, kHivePage, size - kHivePage);
+  const ByteView bins = ByteView(after).subspan(kHivePage);
+  const Bytes first = MakeLogEntry(next, size, {{0, bins.first(kHivePage)}});
+  const Bytes second = MakeLogEntry(next + 1, size, {{kHivePage, bins.subspan(kHivePage)}});
   const auto seed = [&](const char* name, std::array<Bytes, 3> logs) {
     return Seed{name, Files{Mend::kAll, {before, logs[0], logs[1], logs[2]}}.Joined()};
   };
-  return {seed("no-log", {}), seed("sectors", {SectorLog(before, after), {}, {}}),
-          seed("entries", {Bytes(), EntryLog(before, next, {first, second}), {}}),
-          seed("two-logs", {Bytes(), EntryLog(before, next + 1, {second}), EntryLog(before, next, {first})})};
+  return {seed("no-log", {}), seed("sectors", {MakeSectorLog(before, after), {}, {}}),
+          seed("entries", {Bytes(), MakeEntryLog(before, next, {first, second}), {}}),
+          seed("two-logs", {Bytes(), MakeEntryLog(before, next + 1, {second}), MakeEntryLog(before, next, {first})})};
 }
 
 }  // namespace

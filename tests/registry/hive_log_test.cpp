@@ -3,11 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <bit>
-#include <cstring>
 #include <limits>
 
-#include "registry/hive_tools.h"
+#include "registry/hive_log_tools.h"
 #include "registry/marvin.h"
 #include "text/error.h"
 
@@ -16,25 +14,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-
-/// The hash of log entries, written from its description and not with the program's own code or numbers, so that logs
-/// made with it say something about those that Windows writes.
-std::uint64_t HashOfLog(ByteView data) {
-  std::uint32_t low = 0x7A4E55C5;
-  std::uint32_t high = 0x82EF4D88;
-  Bytes padded(data.begin(), data.end());
-  padded.push_back(0x80);
-  padded.resize((padded.size() + 3) / 4 * 4 + 4);
-  for (std::size_t at = 0; at < padded.size(); at += 4) {
-    low += padded[at] + padded[at + 1] * 0x100U + padded[at + 2] * 0x10000U + padded[at + 3] * 0x1000000U;
-    high ^= low;
-    low = std::rotl(low, 20) + high;
-    high = std::rotl(high, 9) ^ low;
-    low = std::rotl(low, 27) + high;
-    high = std::rotl(high, 19);
-  }
-  return std::uint64_t{high} << 32 | low;
-}
 
 TEST(LogHash, IsThatOfWindowsLogs) {
   const struct {
@@ -80,71 +59,13 @@ Bytes WithBadChecksum(Bytes file) {
   return file;
 }
 
-void Append(Bytes& to, ByteView more) {
-  to.insert(to.end(), more.begin(), more.end());
-}
-
-/// The log of the older form that makes `after` of `before`.
-Bytes SectorLog(const Bytes& before, const Bytes& after, std::uint32_t cluster = 1) {
-  Bytes log(after.begin(), after.begin() + kSector);
-  SetBase(log, BaseField::kType, 1);
-  SetBase(log, BaseField::kCluster, cluster);
-  log.resize(cluster * kSector);
-  Append(log, Bytes{'D', 'I', 'R', 'T'});
-  const std::size_t sectors = (after.size() - kHivePage) / kSector;
-  Bytes map(sectors / 8);
-  Bytes content;
-  for (std::size_t sector = 0; sector < sectors; ++sector) {
-    const std::size_t at = kHivePage + sector * kSector;
-    if (at < before.size() && std::memcmp(&before[at], &after[at], kSector) == 0) continue;
-    map[sector / 8] |= static_cast<std::uint8_t>(1U << (sector % 8));
-    Append(content, ByteView(after).subspan(at, kSector));
-  }
-  Append(log, map);
-  log.resize((log.size() + kSector - 1) / kSector * kSector);
-  Append(log, content);
-  return log;
-}
-
-struct Page {
-  std::uint32_t offset;
-  ByteView content;
-};
-
-void PutHashes(Bytes& entry) {
-  Store64(&entry[24], HashOfLog(ByteView(entry).subspan(40)));
-  Store64(&entry[32], HashOfLog(ByteView(entry).first(32)));
-}
-
-Bytes Entry(std::uint32_t sequence, std::size_t binsSize, const std::vector<Page>& pages) {
-  Bytes entry(40 + pages.size() * 8);
-  std::memcpy(entry.data(), "HvLE", 4);
-  Store32(&entry[12], sequence);
-  Store32(&entry[16], static_cast<std::uint32_t>(binsSize));
-  Store32(&entry[20], static_cast<std::uint32_t>(pages.size()));
-  for (std::size_t at = 0; at < pages.size(); ++at) {
-    Store32(&entry[40 + 8 * at], pages[at].offset);
-    Store32(&entry[44 + 8 * at], static_cast<std::uint32_t>(pages[at].content.size()));
-    Append(entry, pages[at].content);
-  }
-  entry.resize((entry.size() + kSector - 1) / kSector * kSector);
-  Store32(&entry[4], static_cast<std::uint32_t>(entry.size()));
-  PutHashes(entry);
-  return entry;
-}
-
 Bytes StepEntry(std::uint32_t sequence, std::size_t step) {
   const Bytes image = Image(step);
-  return Entry(sequence, image.size() - kHivePage, {{0, ByteView(image).subspan(kHivePage)}});
+  return MakeLogEntry(sequence, image.size() - kHivePage, {{0, ByteView(image).subspan(kHivePage)}});
 }
 
-Bytes EntryLog(std::uint32_t begin, const std::vector<Bytes>& entries) {
-  Bytes log = Image(0);
-  log.resize(kSector);
-  SetBase(log, BaseField::kType, 6);
-  SetBase(log, BaseField::kSequence1, begin);
-  for (const Bytes& entry : entries) Append(log, entry);
-  return log;
+Bytes LogFrom(std::uint32_t begin, const std::vector<Bytes>& entries) {
+  return MakeEntryLog(Image(0), begin, entries);
 }
 
 /// Loads `file` with logs named log 0, log 1, ...
@@ -182,7 +103,7 @@ TEST(HiveLog, IsNotReadForACleanHive) {
 TEST(HiveLog, OfSectorsBringsAHiveUpToDate) {
   for (const auto& [from, to] : {std::pair(1U, 2U), {2U, 3U}, {3U, 4U}}) {  // larger, smaller and equal bins
     for (const std::uint32_t cluster : {1U, 8U}) {
-      const Bytes log = SectorLog(Image(from), Image(to), cluster);
+      const Bytes log = MakeSectorLog(Image(from), Image(to), cluster);
       Hive hive = LoadWith(Dirty(Image(from)), {Bytes(), log});
       EXPECT_EQ(StepOf(hive), to);
       EXPECT_EQ(hive.Origin(), HiveOrigin::Recovered);
@@ -196,7 +117,7 @@ TEST(HiveLog, OfSectorsBringsAHiveUpToDate) {
 }
 
 TEST(HiveLog, OfSectorsRestoresABaseBlockByEitherTime) {
-  const Bytes log = SectorLog(Image(1), Image(2));
+  const Bytes log = MakeSectorLog(Image(1), Image(2));
   const Bytes noBase = WithBadChecksum(Dirty(Image(1)));
   const auto otherTime = [](std::size_t at) { return [at](Bytes& file) { Store64(&file[at], kTuesday); }; };
   const Bytes byBin = Changed(noBase, otherTime(BaseField::kTime));
@@ -216,8 +137,8 @@ TEST(HiveLog, OfSectorsRestoresABaseBlockByEitherTime) {
 
 TEST(HiveLog, SaysWhyItIsNotUsed) {
   const Bytes dirty = Dirty(Image(0));
-  const Bytes sectors = SectorLog(Image(0), Image(3));
-  const Bytes entries = EntryLog(7, {StepEntry(7, 3)});
+  const Bytes sectors = MakeSectorLog(Image(0), Image(3));
+  const Bytes entries = LogFrom(7, {StepEntry(7, 3)});
   const auto base = [](std::size_t field, std::uint32_t number) {
     return [=](Bytes& log) { SetBase(log, field, number); };
   };
@@ -230,7 +151,7 @@ TEST(HiveLog, SaysWhyItIsNotUsed) {
       std::copy(changed.begin(), changed.end(), log.begin() + kSector);
     };
   };
-  const Bytes tooLong = Changed(Entry(7, 8192, {{0, Bytes(4096)}}), [](Bytes& bytes) {
+  const Bytes tooLong = Changed(MakeLogEntry(7, 8192, {{0, Bytes(4096)}}), [](Bytes& bytes) {
     Store32(&bytes[44], 8192);
     PutHashes(bytes);
   });
@@ -254,17 +175,17 @@ TEST(HiveLog, SaysWhyItIsNotUsed) {
       {Changed(sectors, [](Bytes& log) { log[kSector] = 'X'; }), "no map of sectors"},
       {Changed(sectors, cut(sectors.size() - 1)), "and should be"},
       {Changed(entries, base(BaseField::kSequence1, 6)), "its first entry has the number 7 and its base block names 6"},
-      {EntryLog(7, {}), "its first entry is missing"},
+      {LogFrom(7, {}), "its first entry is missing"},
       {Changed(entries, cut(entries.size() - kSector)), "its first entry reaches beyond its end"},
       {Changed(entries, [](Bytes& log) { log.back() ^= 1; }), "its first entry has a wrong hash"},
       {Changed(entries, entry(16, 5000)), "a wrong size of the bins"},
       {Changed(entries, entry(16, 0x7FFFF000)), "far more than it and the hive hold"},
       {Changed(entries, entry(20, 0xFFFFFFFF)), "more pages than it can hold"},
       {Changed(entries, entry(40, 0xFFFFF000)), "a page beyond the end of the bins"},
-      {EntryLog(7, {tooLong}), "larger pages than it can hold"},
-      {EntryLog(7, {Entry(7, 0x100000, {}), StepEntry(8, 3)}), "recovered"},
-      {EntryLog(6, {StepEntry(6, 3)}), "its entries begin at 6 and the hive needs those from 7 on"},
-      {EntryLog(7, {Entry(7, 4096, {{0, Bytes(100, 'x')}})}),
+      {LogFrom(7, {tooLong}), "larger pages than it can hold"},
+      {LogFrom(7, {MakeLogEntry(7, 0x100000, {}), StepEntry(8, 3)}), "recovered"},
+      {LogFrom(6, {StepEntry(6, 3)}), "its entries begin at 6 and the hive needs those from 7 on"},
+      {LogFrom(7, {MakeLogEntry(7, 4096, {{0, Bytes(100, 'x')}})}),
        "not a whole hive: dirty, offset 0x1000: there is no bin header"},
   };
   for (const auto& [log, why] : cases) EXPECT_THAT(Refusal(dirty, log), HasSubstr(why));
@@ -272,7 +193,7 @@ TEST(HiveLog, SaysWhyItIsNotUsed) {
 
 TEST(HiveLog, IsRefusedWhenCutOrChangedAnywhere) {
   const Bytes dirty = Dirty(Image(0));
-  for (const Bytes& log : {SectorLog(Image(0), Image(3)), EntryLog(7, {StepEntry(7, 3)})}) {
+  for (const Bytes& log : {MakeSectorLog(Image(0), Image(3)), LogFrom(7, {StepEntry(7, 3)})}) {
     ASSERT_EQ(Refusal(dirty, log), "recovered");
     for (std::size_t size = 1; size < log.size(); ++size) {
       const std::string why = Refusal(dirty, Bytes(log.begin(), log.begin() + static_cast<std::ptrdiff_t>(size)));
@@ -280,7 +201,7 @@ TEST(HiveLog, IsRefusedWhenCutOrChangedAnywhere) {
       ASSERT_NE(why, "recovered") << "cut at " << size;
     }
   }
-  const Bytes log = EntryLog(7, {StepEntry(7, 3)});
+  const Bytes log = LogFrom(7, {StepEntry(7, 3)});
   for (std::size_t at = 0; at < log.size(); ++at) {
     ASSERT_NE(Refusal(dirty, Changed(log, [&](Bytes& bytes) { bytes[at] ^= 4; })), "recovered") << "byte " << at;
   }
@@ -293,7 +214,7 @@ TEST(HiveLog, OfEntriesIsAppliedFromItsOwnNumberAsFarAsItGoes) {
   };
   constexpr std::uint32_t kMax = std::numeric_limits<std::uint32_t>::max();
   const Bytes badHash = Changed(StepEntry(8, 2), [](Bytes& entry) { entry[60] ^= 1; });
-  const Bytes badSize = Entry(8, 5000, {});
+  const Bytes badSize = MakeLogEntry(8, 5000, {});
   const struct {
     const char* what;
     std::uint32_t written;
@@ -319,7 +240,7 @@ TEST(HiveLog, OfEntriesIsAppliedFromItsOwnNumberAsFarAsItGoes) {
     SCOPED_TRACE(what);
     std::vector<Bytes> logs;
     logs.reserve(given.size());
-    for (const Given& log : given) logs.push_back(EntryLog(log.begin, log.entries));
+    for (const Given& log : given) logs.push_back(LogFrom(log.begin, log.entries));
     const Hive hive = LoadWith(Dirty(Image(0), written), logs);
     EXPECT_EQ(hive.Origin(), HiveOrigin::Recovered);
     EXPECT_EQ(StepOf(hive), step);
@@ -332,16 +253,16 @@ TEST(HiveLog, OfEntriesMayWriteAnyPagesOfTheBins) {
   const Bytes after = Image(2);
   const ByteView bins = ByteView(after).subspan(kHivePage);
   const Bytes junk(kHivePage, 0xEE);
-  const Bytes first = Entry(7, bins.size(), {{4096, junk}, {0, bins.first(4096)}});
-  const Bytes second = Entry(8, bins.size(), {{8192, bins.subspan(8192)}, {4096, bins.subspan(4096, 4096)}});
-  const Hive hive = LoadWith(Dirty(Image(0)), {EntryLog(7, {first, second})});
+  const Bytes first = MakeLogEntry(7, bins.size(), {{4096, junk}, {0, bins.first(4096)}});
+  const Bytes second = MakeLogEntry(8, bins.size(), {{8192, bins.subspan(8192)}, {4096, bins.subspan(4096, 4096)}});
+  const Hive hive = LoadWith(Dirty(Image(0)), {LogFrom(7, {first, second})});
   EXPECT_EQ(Lines(hive, true), Lines(Hive::Load(after, "after"), true));
 }
 
 TEST(HiveLog, WithTheLatestEntriesRestoresABaseBlockAlone) {
   const Bytes noBase = WithBadChecksum(Dirty(Image(0)));
-  const Bytes earlier = EntryLog(400, {StepEntry(400, 1), StepEntry(401, 3)});
-  const Bytes later = EntryLog(402, {StepEntry(402, 2), StepEntry(403, 4)});
+  const Bytes earlier = LogFrom(400, {StepEntry(400, 1), StepEntry(401, 3)});
+  const Bytes later = LogFrom(402, {StepEntry(402, 2), StepEntry(403, 4)});
   Hive hive = LoadWith(noBase, {later, earlier});
   EXPECT_EQ(StepOf(hive), 4U);
   EXPECT_EQ(Load32(&hive.Image(kTuesday)[BaseField::kSequence1]), 404U) << "the number behind the last entry's";
@@ -353,11 +274,11 @@ TEST(HiveLog, IsNotAppliedToAHiveThatIsCutOffUnlessItHasTheRest) {
   const Bytes cut(whole.begin(), whole.end() - 3 * kHivePage - 100);
   const ByteView bins = ByteView(whole).subspan(kHivePage);
   const auto from = static_cast<std::uint32_t>(bins.size() - 4 * kHivePage);
-  const Bytes holds = EntryLog(7, {Entry(7, bins.size(), {{from, bins.subspan(from)}})});
+  const Bytes holds = LogFrom(7, {MakeLogEntry(7, bins.size(), {{from, bins.subspan(from)}})});
   EXPECT_EQ(Lines(LoadWith(Dirty(cut), {holds}), true), Lines(Hive::Load(whole, "whole"), true));
   try {
     // The gap, of 100 bytes, is in the data of a value, where nothing but its zeros would show it.
-    const Bytes lacks = EntryLog(7, {Entry(7, bins.size(), {{from + 4096, bins.subspan(from + 4096)}})});
+    const Bytes lacks = LogFrom(7, {MakeLogEntry(7, bins.size(), {{from + 4096, bins.subspan(from + 4096)}})});
     LoadWith(Dirty(cut), {Bytes(), lacks});
     FAIL();
   } catch (const Error& error) {
@@ -368,8 +289,8 @@ TEST(HiveLog, IsNotAppliedToAHiveThatIsCutOffUnlessItHasTheRest) {
 }
 
 TEST(HiveLog, ThatGivesNoWholeHiveMakesWayForTheNext) {
-  const Bytes broken = EntryLog(7, {Entry(7, 4096, {{0, Bytes(100, 'x')}})});
-  const Hive hive = LoadWith(Dirty(Image(0)), {SectorLog(Image(0), Image(3)), broken});
+  const Bytes broken = LogFrom(7, {MakeLogEntry(7, 4096, {{0, Bytes(100, 'x')}})});
+  const Hive hive = LoadWith(Dirty(Image(0)), {MakeSectorLog(Image(0), Image(3)), broken});
   EXPECT_EQ(StepOf(hive), 3U);
   EXPECT_THAT(hive.AppliedLogs(), ElementsAre("log 0"));
 }
@@ -377,7 +298,7 @@ TEST(HiveLog, ThatGivesNoWholeHiveMakesWayForTheNext) {
 TEST(HiveLog, IsListedWithItsReasonWhenNoneIsUsed) {
   const Hive hive = Hive::Load(Dirty(Image(1)), "dirty", [] {
     return std::vector<HiveLogFile>{
-        {"a.LOG", {}, "the disk failed"}, {"a.LOG1", {}, {}}, {"a.LOG2", EntryLog(5, {StepEntry(5, 4)}), {}}};
+        {"a.LOG", {}, "the disk failed"}, {"a.LOG1", {}, {}}, {"a.LOG2", LogFrom(5, {StepEntry(5, 4)}), {}}};
   });
   EXPECT_EQ(hive.Origin(), HiveOrigin::DirtyUnusedLogs);
   EXPECT_EQ(StepOf(hive), 1U);
