@@ -1,5 +1,5 @@
-// The copies of a command, 10 files of 100 MB, beside `cp -a` followed by `sync` of the files' file system, in turns.
-// Both begin with the files out of the host's memory and end when the copies are on the disk. Prints the times'
+// Compares copying 10 files of 100 MB with `cp -a` followed by `sync` of the file system, in turns. Both begin with the
+// files out of the host's memory and end when the copies are on the disk. Prints the times'
 // medians, their range and their ratio.
 //
 //   copy_bench [FOLDER [ROUNDS]]    FOLDER is where the files are made; a folder for temporary files without it
@@ -36,7 +36,7 @@ struct NoProgress : Progress {
   bool Update(const std::string& /*text*/, std::uint64_t /*done*/, std::uint64_t /*total*/) override { return true; }
 };
 
-/// Asks nothing: whatever goes wrong ends the measurement.
+/// Never asks: any failure ends the measurement.
 struct NoDialogs : Dialogs {
   MessageAnswer Show(const Message& message) override { throw std::runtime_error(message.text); }
   std::optional<std::string> Input(const std::string& /*prompt*/, const std::string& /*title*/,
@@ -60,7 +60,7 @@ std::string NameOf(int number) {
   return "Folder " + std::to_string(number) + ".dbx";
 }
 
-/// Bytes that no file system can make smaller.
+/// Files of random bytes, so that no file system can compress them.
 void MakeFiles(const fs::path& folder) {
   fs::create_directories(folder);
   std::mt19937_64 random(1);
@@ -76,7 +76,7 @@ void MakeFiles(const fs::path& folder) {
   }
 }
 
-/// An empty target in `folder`, sources that are not in memory, and a disk with nothing left to do.
+/// An empty target in `folder`, sources that are not in memory, and a disk with nothing left to write.
 void Prepare(const fs::path& folder, std::string_view targetName) {
   const fs::path target = folder / targetName;
   fs::remove_all(target);

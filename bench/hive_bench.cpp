@@ -1,5 +1,5 @@
-// How long hives take: many keys added and deleted, and a large hive opened for one value, beside what reading its
-// file alone takes.
+// Measures adding and deleting many keys of a hive, and opening a large hive for one value compared with just reading
+// its file.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -40,7 +40,7 @@ Bytes ReadWhole(const std::filesystem::path& path) {
   return bytes;
 }
 
-/// A name whose order has nothing to do with its number.
+/// Names whose order is unrelated to their numbers.
 std::string Scattered(int number) {
   return "key " + std::to_string(static_cast<unsigned>(number) * 2654435761U);
 }

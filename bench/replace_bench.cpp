@@ -1,5 +1,5 @@
-// The replacement of a {USER_ID} beside `sed s/OLD/NEW/g` on the same registry file of 200 MB, in turns. Prints the
-// times' medians, their ratio and the memory that this program took.
+// Compares the replacement of a {USER_ID} with `sed s/OLD/NEW/g` on the same registry file of 200 MB, in turns. Prints
+// the times' medians, their ratio and the memory that this program took.
 //
 //   replace_bench [FOLDER]    FOLDER is where the files are made; a folder for temporary files without it
 #include <fcntl.h>

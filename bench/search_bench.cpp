@@ -1,5 +1,5 @@
-// The file search beside `find ROOT -iname PATTERN` on the same tree of 300,000 files, in turns. Prints the times'
-// medians and their ratio.
+// Compares the file search with `find ROOT -iname PATTERN` on the same tree of 300,000 files, in turns. Prints the
+// times' medians and their ratio.
 //
 //   search_bench [FOLDER]    FOLDER keeps the tree for further runs; without it the tree is made and removed
 #include <fcntl.h>
@@ -28,7 +28,8 @@ constexpr int kOneInThisManyIsFound = 25;
 constexpr int kRounds = 11;
 constexpr const char* kPattern = "*.dbx";
 
-/// A tree as a disk's: folders in folders, some files in each. Folder i lies in folder (i - 1) / kFoldersPerFolder.
+/// Makes a tree like a disk's: folders in folders, with some files in each. Folder i is in folder
+/// (i - 1) / kFoldersPerFolder.
 void MakeTree(const fs::path& root) {
   std::vector<fs::path> folders;
   for (int file = 0; file < kFiles; ++file) {

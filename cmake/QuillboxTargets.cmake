@@ -1,12 +1,12 @@
-# One way to declare a layer and one to declare its tests, so that every target has the same warnings and
-# so that a layer sees exactly the layers it names.
+# How layers and their tests are declared, so that every target has the same warnings and a layer sees only the layers
+# that it links.
 
 add_library(quillbox_warnings INTERFACE)
 target_compile_options(quillbox_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
-  # g++ 12 sees an overlap in optimised std::string concatenations that is not there.
+  # g++ 12 reports overlaps in optimised std::string concatenations that do not exist.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
-  # clang counts signs among -Wconversion, g++ does not.
+  # clang includes sign conversions in -Wconversion, g++ does not.
   $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion>)
 
 # quillbox_layer(NAME SOURCES file... LINKS target... [PRIVATE_LINKS target...])
@@ -61,7 +61,7 @@ function(quillbox_include_root target scope)
   string(REPLACE "/" "_" flat "${folder}")
   set(root "${CMAKE_BINARY_DIR}/include/${flat}")
   file(MAKE_DIRECTORY "${root}/${folder}")
-  # A link for each header and not for the folder: a folder's link would bring its subfolders' layers along.
+  # A link for each header and not for the folder, whose link would include its subfolders, which are other layers.
   file(GLOB headers CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.h")
   foreach(header IN LISTS headers)
     get_filename_component(file "${header}" NAME)
@@ -96,7 +96,7 @@ function(quillbox_test name)
   gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
 endfunction()
 
-# Fails when a file of tests/ is in no test program: it would look as if what it tests were tested.
+# Fails when a file of tests/ is not in a test program: its tests would never run.
 function(quillbox_require_all_tests)
   get_property(registered GLOBAL PROPERTY QUILLBOX_TEST_FILES)
   file(GLOB_RECURSE files CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/tests/*.cpp")

@@ -1,6 +1,5 @@
-// What every harness has: inputs to begin with, a way to change them that keeps them worth trying, and the promises
-// that must hold for any input. Fuzzing drives them through engine.cpp; harness_test.cpp tries each for a moment in
-// the ordinary tests.
+// What every harness has: seeds, a way to change inputs that keeps them useful, and the promises that must hold for any
+// input. engine.cpp runs a harness under the fuzzer; harness_test.cpp runs each briefly in the ordinary tests.
 #pragma once
 
 #include <algorithm>
@@ -24,7 +23,7 @@ inline void Require(bool holds, const char* promise) {
   if (!holds) throw BrokenPromise(promise);
 }
 
-/// The chance in one mutation, and the fuzzer's own mutator for what a harness has no better idea for.
+/// The randomness of one mutation, and the fuzzer's own mutator, for bytes that a harness knows nothing about.
 class Mutation {
  public:
   /// Changes bytes, of which there may be up to the given number afterwards.

@@ -1,5 +1,5 @@
-// Every harness for a moment: its seeds, and changes of them. This keeps the harnesses building and true where nobody
-// fuzzes; finding faults takes hours of engine.cpp.
+// Runs every harness briefly, on its seeds and changes of them, so that the harnesses keep building and passing where
+// nobody fuzzes. Finding faults takes hours of engine.cpp.
 #include "harness.h"
 
 #include <gtest/gtest.h>

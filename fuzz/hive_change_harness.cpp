@@ -1,5 +1,4 @@
-// A hive from a stranger's disk that is changed: the input is the number of operations, the operations in bytes, then
-// the hive.
+// Changes to an untrusted hive. The input is the number of bytes of operations, the operations, then the hive.
 #include <array>
 
 #include "harness.h"

@@ -1,4 +1,4 @@
-// A hive file from a stranger's disk: opened strictly and with damaged parts left out, read, written, read again.
+// An untrusted hive file: opened strictly and with damaged parts left out, read, written, and read again.
 #include <optional>
 
 #include "harness.h"

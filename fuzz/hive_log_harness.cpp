@@ -1,5 +1,5 @@
-// A hive that was not closed cleanly, with the logs beside it. What protects logs against chance (checksums, hashes,
-// sequences) is set right in the harness, as the input's flags say, since a fuzzer cannot guess it.
+// A hive that was not closed cleanly, with its logs. The harness corrects checksums, hashes and sequences, as the
+// input's flags say, because a fuzzer cannot guess them.
 #include <array>
 #include <cstring>
 #include <optional>
@@ -19,7 +19,7 @@ constexpr std::size_t kFiles = 4;  ///< the hive, the log of the old form, the t
 constexpr std::array<const char*, kFiles - 1> kLogNames = {"LOG", "LOG1", "LOG2"};
 constexpr std::size_t kHead = 4 * kFiles;
 
-/// What is set right before the input is tried.
+/// What the harness corrects before it tries the input.
 struct Mend {
   static constexpr std::uint32_t kHiveBase = 1;
   static constexpr std::uint32_t kLogBases = 2;
@@ -31,7 +31,7 @@ struct Mend {
   static constexpr std::uint32_t kAll = 63;
 };
 
-// Where an entry of a newer log has what.
+// Offsets in an entry of a newer log.
 constexpr std::size_t kEntrySize = 4, kEntrySequence = 12, kEntryBodyHash = 24, kEntryHeadHash = 32, kEntryBody = 40;
 
 /// The files of an input: its flags, the lengths of all files but the last, then the files.
@@ -134,7 +134,7 @@ void MutateHiveLog(Bytes& input, std::size_t limit, Mutation& mutation) {
     Bytes& log = files.file[1 + mutation.Below(kFiles - 1)];
     if (log.empty()) log = files.file[1 + mutation.Below(kFiles - 1)];
     const std::size_t rest = input.size() - std::min(input.size(), log.size());
-    // Mostly the head, where a log says what it holds.
+    // Mostly the head, which describes what the log holds.
     Bytes head(log.begin(), log.begin() + static_cast<std::ptrdiff_t>(std::min(log.size(), 2 * kSector)));
     if (mutation.OneIn(4) || head.empty()) {
       mutation.ByEngine(log, std::max(limit - std::min(limit, rest), std::size_t{1}));

@@ -81,7 +81,7 @@ void CopyRecord(Bytes& file, const UsedCell& from, const UsedCell& to) {
   std::memmove(&file[to.at], &file[from.at], std::min(from.room, to.room));
 }
 
-/// Makes one cell of two or two of one: sizes stay a chain.
+/// Splits a cell, or frees it; the sizes still form a chain.
 void ResizeCell(Bytes& file, const UsedCell& cell, Mutation& mutation) {
   std::uint8_t* header = &file[cell.at - kCellHeader];
   if (mutation.OneIn(4)) {

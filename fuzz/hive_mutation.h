@@ -1,5 +1,5 @@
-// Changing a hive's bytes so that the result is still much of a hive: fields of records rather than bytes anywhere,
-// and a base block that passes, so that what is behind it is reached.
+// Changes a hive's bytes so that the result still resembles a hive: fields of records rather than arbitrary bytes, and
+// a valid base block, so that the code after the check of it is reached.
 #pragma once
 
 #include "harness.h"

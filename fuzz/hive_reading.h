@@ -1,4 +1,4 @@
-// Everything that a hive holds as one number, read in every way that there is.
+// A digest of everything that a hive holds, read in every way there is.
 #pragma once
 
 #include <cstdint>

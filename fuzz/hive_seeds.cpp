@@ -5,12 +5,12 @@
 namespace quillbox {
 namespace {
 
-/// The root's list of subkeys as an index of leaves, which code writes only for hundreds of subkeys.
+/// The root's list of subkeys as an index of leaves, which Hive writes only for hundreds of subkeys.
 Bytes WithLeafIndex(Bytes file) {
   Hive hive = Hive::Load(file, "seed");
   hive.SetValue(hive.Root(), "room", 3, Bytes(32));
   file = hive.Image(kMonday);
-  // The value's data cell becomes the index; the value is then of no size.
+  // The value's data cell becomes the index, and the value's data become empty.
   const KeyCell root = RootCell(hive);
   const std::size_t last = Get(file, root, KeyField::kValueCount) - 1;
   const ValueCell value = Get(file, Get(file, root, KeyField::kValueList), ValueEntry(last));

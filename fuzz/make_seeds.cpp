@@ -1,4 +1,4 @@
-// make_fuzz_seeds FOLDER: writes what each harness begins with into FOLDER/HARNESS.
+// make_fuzz_seeds FOLDER: writes the seeds of each harness to FOLDER/HARNESS.
 #include <cstdio>
 #include <exception>
 #include <filesystem>

@@ -1,5 +1,5 @@
-// A registry file as text: what is read and then written, reads back equal, and is written equal again. The input's
-// first byte picks the code page.
+// A registry file: what is read from it can be written, reads back equal, and is then written equal again. The input's
+// first byte selects the code page.
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -28,7 +28,7 @@ struct Entry {
   bool operator==(const Entry&) const = default;
 };
 
-/// What a file sets. Deletions have no place in a file that is written.
+/// What a file sets. Deletions are left out, because the writer has none.
 class Collector : public RegFileVisitor {
  public:
   void OnKey(std::string_view fullName, std::size_t line) override {
@@ -58,7 +58,7 @@ class Collector : public RegFileVisitor {
   std::size_t lastLine_ = 1;
 };
 
-/// What of an entry a file can show: a text ends at its first NUL and has whole characters.
+/// The part of an entry that a file can show: a text ends at its first NUL and has whole characters.
 Entry Shown(Entry entry) {
   if (entry.isKey || entry.type != kText) return entry;
   std::u16string units = Utf16FromBytes(entry.data);
@@ -68,7 +68,7 @@ Entry Shown(Entry entry) {
   return entry;
 }
 
-/// The file that says `entries`; nothing when its form cannot hold them.
+/// The file with `entries`; nothing when its form cannot hold them.
 std::optional<std::string> Written(const std::vector<Entry>& entries, RegFileForm form, const CodePage& page) {
   RegFileWriter writer(form, page);
   for (const Entry& entry : entries) {

@@ -1,4 +1,4 @@
-// A message rule's stored values: types, flags and values of any kind put into words.
+// A message rule's stored values: types, flags and values of any kind are described in words.
 #include "core/reg_value.h"
 #include "harness.h"
 #include "reports/rule_decoder.h"

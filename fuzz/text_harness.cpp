@@ -1,4 +1,4 @@
-// Text, code pages, paths and names. The input's first byte picks what is tried with the rest.
+// Text, code pages, paths and names. The input's first byte selects what is tried with the rest.
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -79,7 +79,7 @@ void TryHostNames(const std::string& text) {
   Require(IsInnerText(name), "a host's name shows as text");
   Require(name.find_first_of("\\/:*?\"<>|") == std::string::npos, "a host's name has nothing that Windows forbids");
   Require(WindowsName(HostName(name)) == name, "a Windows name leads to a host's name that shows as it");
-  // A host's own name may hold the characters that stand for others, and then shares its Windows name.
+  // A host's own name may hold the characters that replace others; then two host names have one Windows name.
   const bool hasStandIns = text.find_first_of("\xED\xEF") != std::string::npos;
   Require(hasStandIns || HostName(name) == text, "a host's name comes back");
   const std::string host = HostName(text);

@@ -290,7 +290,7 @@ prepare_restores() {
   kill_program
 }
 
-# The quick backup leaves out what the store holds beside messages.
+# The quick backup leaves out what the store holds besides messages.
 store_is_restored() {
   for file in "$work/whole"/*.dbx; do
     cmp -s "$file" "$store/$(basename "$file")" || return 1

@@ -1,4 +1,4 @@
-// Where a reader of this layer gets its bytes from: a file far larger than the memory, or a text at hand.
+// Where a reader of this layer gets its bytes from: a file that may be larger than the memory, or text in memory.
 #pragma once
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// The data of a value while they are read from text: counted to their end, held only up to a limit. So a value that
-// nothing can hold, or one that never ends, costs no more memory than the limit.
+// The data of a value while they are read from text: counted to their end, and kept only up to a limit, so that a value
+// that is too large or never ends needs no more memory than the limit.
 #pragma once
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 // A registry hive file ("regf") in memory: read, changed, and given back as the bytes of a file that Windows loads.
-// Bytes in, bytes out: opening, locking and replacing files is the caller's business.
+// Opening, locking and replacing files is the caller's business.
 #pragma once
 
 #include <cstdint>
@@ -16,7 +16,7 @@
 
 namespace quillbox {
 
-/// A key of one Hive: the offset of its cell. Stays good until that key is deleted.
+/// A key of one Hive: the offset of its cell. Valid until that key is deleted.
 struct HiveKey {
   std::uint32_t cell = 0xFFFFFFFF;
   bool operator==(const HiveKey&) const = default;
@@ -32,23 +32,23 @@ struct HiveValue {
 /// 100-nanosecond intervals since 1601-01-01 UTC.
 using FileTime = std::uint64_t;
 
-/// How a hive's bytes came to be what they are.
+/// The state in which a hive was opened.
 enum class HiveOrigin {
   Clean,            ///< closed cleanly
   Recovered,        ///< not closed cleanly; its logs were applied
-  DirtyNoLog,       ///< not closed cleanly, and no log beside it, or only empty ones; opened as it stood
-  DirtyUnusedLogs,  ///< not closed cleanly, and no log beside it could be used (Hive::UnusedLogs); opened as it stood
+  DirtyNoLog,       ///< not closed cleanly, and no log beside it, or only empty ones; opened as it was
+  DirtyUnusedLogs,  ///< not closed cleanly, and no log beside it could be used (Hive::UnusedLogs); opened as it was
 };
 
-/// A log file beside a hive, as Hive::Load takes it.
+/// A log file beside a hive, for Hive::Load.
 struct HiveLogFile {
   std::string name;  ///< for messages
   Bytes bytes;
   std::optional<std::string> unreadable;  ///< why `bytes` could not be read, as a clause
 };
 
-/// Reads the logs beside a hive: the single one of the old form first, then the two of the new form. Those that are
-/// not there are left out.
+/// Reads the logs beside a hive: the single one of the old form first, then the two of the new form. Missing ones
+/// are left out.
 using ReadHiveLogs = std::function<std::vector<HiveLogFile>()>;
 
 /// A log that was not applied to a hive that needed one.
@@ -68,10 +68,10 @@ struct HiveDamage {
 
 enum class DamagedParts {
   Refuse,    ///< the first one is an Error
-  LeaveOut,  ///< what concerns one key, value or list is left out; without a tree it is an Error still
+  LeaveOut,  ///< what concerns one key, value or list is left out; a hive without a root key is still an Error
 };
 
-/// What stands against a change.
+/// Why a hive refuses a change.
 enum class HiveLimit {
   Name,     ///< no key or value can have the name
   Depth,    ///< the key would be too deep
@@ -95,7 +95,7 @@ class HiveRefusal : public Error {
 
 class Hive {
  public:
-  /// Sizes from the format; what exceeds them is refused, never truncated.
+  /// Limits of the format; what exceeds them is refused, never truncated.
   static constexpr std::size_t kMaxNameUnits = 255;  ///< key names, in UTF-16 units
   static constexpr std::size_t kMaxValueNameUnits = 16383;
   static constexpr std::size_t kMaxDepth = 512;
@@ -120,8 +120,8 @@ class Hive {
   const std::vector<std::string>& AppliedLogs() const;
   /// Why each log beside a hive of the origin DirtyUnusedLogs was not used.
   const std::vector<UnusedHiveLog>& UnusedLogs() const;
-  /// What was left out; empty unless Load was told to leave out damaged parts. No more than the first thousand are
-  /// kept; DamageCount() counts all of them.
+  /// What was left out; empty with DamagedParts::Refuse. The first thousand are kept; DamageCount() counts all of
+  /// them.
   const std::vector<HiveDamage>& Damage() const;
   std::uint64_t DamageCount() const;
   /// The whole file: sequences equal, checksum right, `now` as the time of the last write. Ready to be written as it
@@ -149,7 +149,7 @@ class Hive {
   HiveValue ValueAt(HiveKey key, std::size_t index) const;  ///< in the order of creation
   std::optional<HiveValue> Value(HiveKey key, std::string_view name) const;
 
-  // Changes. Each throws HiveRefusal (naming the key and the limit) before it touches anything, or is done whole.
+  // Changes. Each either throws HiveRefusal (naming the key and the limit) and changes nothing, or is done whole.
 
   /// The subkey `name` (one name), made when missing with its parent's security descriptor.
   HiveKey CreateSubkey(HiveKey parent, std::string_view name);

@@ -1,5 +1,5 @@
-// The bytes of a hive as a heap of cells: taking, freeing and reusing them. Which cells are free is kept beside the
-// bytes, so that neither taking nor freeing a cell ever searches the file.
+// The bytes of a hive as a heap of cells: allocating, freeing and reusing them. Which cells are free is kept outside
+// the bytes, so that neither allocating nor freeing searches the file.
 #pragma once
 
 #include <array>
@@ -33,21 +33,21 @@ class CellBits {
   std::vector<std::uint64_t> words_;
 };
 
-/// A cell is named by its offset from the start of the bins. What At() returns is good until the next Allocate().
+/// What At() returns is valid until the next Allocate().
 class HiveCells {
  public:
-  /// `file`: a base block and as many bytes of bins as it names. Call Scan() unless there are no bins yet.
+  /// `file`: a base block and as many bytes of bins as it says. Call Scan() unless there are no bins yet.
   explicit HiveCells(Bytes file = {});
 
-  /// What is done with a fault of the bins. It may throw; when it returns, the scan goes on where it can.
+  /// Takes a fault of the bins. It may throw; when it returns, the scan goes on where it can.
   using ReportFault = std::function<void(std::size_t offset, std::string why)>;
 
-  /// Finds all bins and cells. Bins with a fault are suspect from then on: not all of their cells are known.
+  /// Finds all bins and cells. Bins with a fault become suspect: not all of their cells are known.
   void Scan(const ReportFault& report);
-  /// Makes a cell in use begin at `cell`, which may be any number, where that is within a suspect bin and what stands
-  /// there has the size of one. Such cells may overlap others.
+  /// Counts `cell`, which may have any number, as a cell in use if it is in a suspect bin and has a possible size. Such
+  /// cells may overlap others.
   bool Adopt(Cell cell) { return LooksUsed(cell, true) && (used_.Set(cell.offset), true); }
-  /// The same in any bin for a record that begins with `tag`. The bin is suspect from then on.
+  /// The same in any bin for a record that begins with `tag`. The bin becomes suspect.
   bool Adopt(Cell cell, RecordTag tag);
 
   const Bytes& File() const { return file_; }
@@ -77,7 +77,7 @@ class HiveCells {
   RecordTag Tag(Cell cell) const { return LoadTag(At(cell)); }
   void PutTag(Cell cell, RecordTag tag) { StoreTag(At(cell), tag); }
 
-  /// Has the processor fetch the record at `cell`, which may be any number, since it will be read soon.
+  /// Has the processor fetch the record at `cell`, which may have any number, because it will be read soon.
   void Prefetch(Cell cell) const {
 #if defined(__GNUC__)
     if (cell.offset < BinsSize()) __builtin_prefetch(Base() + kHivePage + cell.offset);
@@ -90,7 +90,7 @@ class HiveCells {
     return cell.offset + kCellHeader + field.at + 4 <= BinsSize() ? Get(cell, field) : T();
   }
 
-  /// A cell with room for `size` bytes, all zero. The caller has made sure that the bins stay within kMaxBinsSize.
+  /// A cell with room for `size` bytes, all zero. The caller makes sure that the bins stay within kMaxBinsSize.
   Cell Allocate(std::size_t size);
   void Free(Cell cell);
   /// `cell` with room for `size` bytes, its content kept: itself, or a new cell in its place.
@@ -135,7 +135,7 @@ class HiveCells {
   CellBits used_;          ///< starts of cells in use
   CellBits freeStart_;     ///< starts of free cells
   CellBits freeEnd_;       ///< last units of free cells
-  /// Free cells by size. May name cells that are no longer free or have grown: they are dropped when met.
+  /// Free cells by size. May hold cells that are no longer free or have grown; TakeFromClass() drops them.
   std::array<std::vector<std::uint32_t>, kClasses> free_;
 };
 

@@ -42,7 +42,7 @@ class Checker {
     std::optional<KeyCell> previous;
   };
 
-  /// What a key's fields lead to beside its subkeys.
+  /// What a key's fields lead to, except its subkeys.
   void CheckContent(KeyCell key) {
     records_.ClaimClass(key);
     CheckSecurity(key);
@@ -111,7 +111,7 @@ class Checker {
     level.nextEntry = 0;
   }
 
-  /// The next subkey that a level's lists name, any number at all; nothing when all have been seen.
+  /// The next subkey that a level's lists name, which may have any number; nothing after the last one.
   std::optional<KeyCell> Next(Level& level) {
     if (!level.leaf || level.nextEntry == records_.EntryCount(*level.leaf)) {
       if (!level.index || level.nextLeaf == records_.EntryCount(*level.index)) {
@@ -127,8 +127,8 @@ class Checker {
     return records_.Subkey(*level.leaf, level.nextEntry++);
   }
 
-  /// The walk follows names, which leads all over the file: without looking ahead it would wait for memory at every
-  /// record of every key. Each stage needs what the one before it has fetched.
+  /// The walk is in the order of names, which are all over the file: without prefetching it would wait for memory at
+  /// every record of every key. Each stage reads what the stage before it has fetched.
   void PrefetchAfter(ListCell leaf, std::size_t entry) const {
     const std::size_t count = cells_.Get(leaf, ListField::kCount);
     const RecordTag tag = cells_.Tag(leaf);
@@ -155,8 +155,8 @@ class Checker {
     Enter(subkey);
   }
 
-  /// A count that is too low would free a descriptor that is still in use; so would one of a descriptor without keys
-  /// that is so high that it comes to 0 when keys are given it.
+  /// A count that is too low would free a descriptor that is still in use; so would a count of a descriptor without
+  /// keys that is so high that it wraps to 0 when keys share the descriptor.
   void CorrectSecurityCounts() {
     for (const auto& [security, count] : securityCounts_) {
       const std::uint32_t unused = std::min(cells_.Get(security, SecurityField::kCount), std::uint32_t{1});

@@ -1,6 +1,6 @@
 // What the parts of the hive code share: one hive's state, and the operations on keys, lists, values and security
-// that Hive's public functions are made of. Everything here trusts the hive: CheckHive() saw all of it when it was
-// loaded.
+// that Hive's public functions are made of. Everything here trusts the hive, because CheckHive() checked all of it when
+// it was loaded.
 #pragma once
 
 #include <cstdint>
@@ -32,7 +32,7 @@ struct HiveData {
   std::vector<std::string> appliedLogs;
   std::vector<UnusedHiveLog> unusedLogs;
   std::vector<HiveDamage> damage;
-  std::uint64_t damageCount = 0;  ///< those that were too many to be kept too
+  std::uint64_t damageCount = 0;  ///< including those that were too many to keep
   bool changed = false;
   FileTime now = 0;
   std::optional<SecurityCell> anySecurity;  ///< one cell of the ring of security cells
@@ -40,7 +40,7 @@ struct HiveData {
   mutable ValueIndex valueIndex;
 };
 
-/// A key of another hive than the one that is changed.
+/// A key to copy from, of another hive than the one that is changed.
 struct SourceKey {
   const HiveData& hive;
   KeyCell key;
@@ -54,7 +54,7 @@ struct SourceKey {
 // hive_load.cpp, hive_check.cpp
 void LoadHive(HiveData& hive, Bytes file, const ReadHiveLogs& readLogs, DamagedParts damaged);
 /// Walks everything that can be reached from the root, once, and notes what HiveData keeps of it. Throws Error on the
-/// first thing that is not as it must be.
+/// first fault.
 void CheckHive(HiveData& hive);
 
 // hive_keys.cpp
@@ -82,7 +82,7 @@ void RemoveKey(HiveData& hive, KeyCell key);
 std::optional<KeyCell> FindSubkey(const HiveData& hive, KeyCell key, std::u16string_view upper);
 KeyCell SubkeyOf(const HiveData& hive, KeyCell key, std::size_t index);
 std::vector<KeyCell> SubkeyCells(const HiveData& hive, KeyCell key);
-/// False when the key's list has no place for one more, whatever its name.
+/// True when the key's list can take one more, whatever its name.
 bool CanTakeSubkey(const HiveData& hive, KeyCell key);
 /// Puts `subkey` into the list of the key that it names as its parent.
 void InsertSubkey(HiveData& hive, KeyCell subkey);

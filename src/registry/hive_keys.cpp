@@ -9,10 +9,10 @@ namespace quillbox {
 
 namespace {
 
-/// What a change may need beside its own bytes: cell headers, lists that move, the rest of a new bin.
+/// What a change may need in addition to its own bytes: cell headers, lists that move, the rest of a new bin.
 constexpr std::uint64_t kSpaceForLists = std::uint64_t{1} << 20;
 
-/// Lets a new record lead to no lists and no class.
+/// Clears the fields of a new record that name lists and the class.
 void NameNoCells(HiveCells& cells, KeyCell key) {
   cells.Put(key, KeyField::kSubkeyList, ListCell());
   cells.Put(key, KeyField::kVolatileList, ListCell());

@@ -1,5 +1,5 @@
-// Where each field stands in a hive file. Offsets of cell records count from the record's signature, that is after
-// the cell's own four bytes of length.
+// Where each field is in a hive file. Offsets in records count from the record's tag, after the four bytes of the
+// cell's length.
 #pragma once
 
 #include <cstddef>
@@ -109,7 +109,7 @@ struct ValueField {
   static constexpr std::size_t kName = 20;
 };
 
-inline constexpr std::uint32_t kInlineData = 0x80000000;  ///< of ValueField::kDataSize: the data stand in kData
+inline constexpr std::uint32_t kInlineData = 0x80000000;  ///< of ValueField::kDataSize: the data are in kData
 inline constexpr std::size_t kMaxInlineData = 4;
 inline constexpr std::uint16_t kOneByteValueName = 1;
 
@@ -138,7 +138,7 @@ inline bool IsLeafTag(RecordTag tag) {
 inline std::size_t EntrySize(RecordTag tag) {
   return tag == kPlainLeafTag || tag == kLeafIndexTag ? 4 : 8;
 }
-/// The subkey that an entry of a leaf names; in leaves with hints or hashes, what stands beside it.
+/// The subkey that an entry of a leaf names; the hint or hash after it in leaves that have one.
 inline RecordField<ListCell, KeyCell> LeafEntry(RecordTag tag, std::size_t entry) {
   return {ListField::kEntries + entry * EntrySize(tag)};
 }
@@ -200,7 +200,7 @@ inline void StoreTag(std::uint8_t* record, RecordTag tag) {
   Store16(record, static_cast<std::uint16_t>(tag));
 }
 
-/// The checksum that belongs into the base block at `base` (512 bytes).
+/// The checksum for the base block at `base` (512 bytes).
 std::uint32_t BaseChecksum(const std::uint8_t* base);
 
 }  // namespace quillbox

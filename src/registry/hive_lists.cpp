@@ -82,7 +82,7 @@ ListSpot Locate(const HiveData& hive, KeyCell key, std::u16string_view upper) {
   return spot;
 }
 
-/// Looks at every entry; for lists in another order than ours.
+/// Looks at every entry, for lists whose order is not ours.
 template <typename Predicate>
 std::optional<ListSpot> LocateOneByOne(const HiveData& hive, KeyCell key, Predicate matches) {
   ListSpot spot;
@@ -135,8 +135,8 @@ void PointToLeaf(HiveData& hive, KeyCell key, std::size_t leafIndex, ListCell le
   }
 }
 
-/// Moves the upper half of a full leaf into a leaf of its own behind it; only the last entry where names are added in
-/// their order, so that the leaves get full.
+/// Moves the upper half of a full leaf into a new leaf after it; only the last entry where names are added in their
+/// order, so that leaves get full.
 void SplitLeaf(HiveData& hive, KeyCell key, const ListSpot& spot) {
   const std::size_t count = Count(hive, spot.leaf);
   const std::size_t kept = spot.entry == count ? count - 1 : count / 2;

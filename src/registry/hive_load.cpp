@@ -17,9 +17,9 @@ constexpr std::uint32_t kNewestMinor = 6;
   throw Error("opening the hive", {.name = hive.name, .offset = offset, .line = {}}, std::move(why));
 }
 
-/// Refuses what is no hive of a kind that we know.
+/// Refuses what is not a hive of a known kind.
 void CheckBase(const HiveData& hive, const Bytes& file) {
-  if (!LooksLikeHive(file)) BaseFault(hive, 0, "it does not begin with \"regf\", so it is no registry hive");
+  if (!LooksLikeHive(file)) BaseFault(hive, 0, "it does not begin with \"regf\", so it is not a registry hive");
   if (file.size() < kHivePage) {
     BaseFault(hive, file.size(), "the file ends here, within the first 4096 bytes of a hive");
   }
@@ -93,17 +93,17 @@ class DirtyHive {
       : name_(name), file_(std::move(file)), logFiles_(std::move(logFiles)), logs_(ReadLogs(logFiles_)) {}
 
   /// A hive that is whole goes before one with damaged parts, even where it lacks its last changes; otherwise the
-  /// recovered one goes before the one that stands in the file.
+  /// recovered one goes before the file as it is.
   HiveData Load(DamagedParts damaged) {
     if (std::optional<HiveData> recovered = LoadWholeRecovery()) return *std::move(recovered);
     try {
-      return LoadAsItStands(DamagedParts::Refuse);
+      return LoadAsItIs(DamagedParts::Refuse);
     } catch (const Error& error) {
       if (damaged == DamagedParts::Refuse) ThrowWithLogs(error);
     }
     if (std::optional<HiveData> salvaged = SalvageRecovery()) return *std::move(salvaged);
     try {
-      return LoadAsItStands(DamagedParts::LeaveOut);
+      return LoadAsItIs(DamagedParts::LeaveOut);
     } catch (const Error& error) {
       ThrowWithLogs(error);
     }
@@ -139,19 +139,19 @@ class DirtyHive {
     try {
       return LoadRecovered(*std::move(recovered), DamagedParts::LeaveOut);
     } catch (const Error&) {
-      return std::nullopt;  // no tree is left; UnusedLogs() says what is wrong with what the logs give
+      return std::nullopt;  // no tree is left; UnusedLogs() has the reasons
     }
   }
 
-  HiveData LoadAsItStands(DamagedParts damaged) const {
+  HiveData LoadAsItIs(DamagedParts damaged) const {
     HiveData hive = LoadedFile(name_, file_, damaged);
     hive.unusedLogs = UnusedLogs();
     hive.origin = hive.unusedLogs.empty() ? HiveOrigin::DirtyNoLog : HiveOrigin::DirtyUnusedLogs;
     return hive;
   }
 
-  /// Logs that are empty or hold nothing but zeros count as none, since no system could recover anything from them:
-  /// that is how Windows leaves a log that it has never written to. They are listed only beside one that holds more.
+  /// Logs that are empty or all zero count as none: Windows leaves a log so that it never wrote to. They are listed
+  /// only together with one that holds more.
   std::vector<UnusedHiveLog> UnusedLogs() const {
     std::vector<UnusedHiveLog> unused;
     bool any = false;

@@ -12,8 +12,8 @@ namespace {
 
 using LogChain = std::vector<LogBeside*>;
 
-/// A hive that Windows wrote is in its file and its logs but for what it added and left free; this bounds the memory
-/// that a log with made-up sizes can ask for.
+/// Bytes of a hive that may be neither in its file nor in its logs: what Windows added and left free. It limits the
+/// memory that a log with made-up sizes can ask for.
 constexpr std::size_t kFreeAllowed = std::size_t{1} << 20;
 
 void Refuse(LogBeside& log, std::string why) {
@@ -56,7 +56,7 @@ class Replay {
   }
 
   /// The recovered file; or why it would hold bytes that are neither in the file nor in its logs. What the logs add
-  /// behind the hive's former end may have gaps: new bins are logged but for what is free in them.
+  /// after the hive's former end may have gaps: new bins are logged without what is free in them.
   std::variant<LogRefusal, Bytes> Finish(std::size_t binsSize) {
     const std::size_t end = std::min(restored_.size(), (kHivePage + binsSize) / kSector);
     for (std::size_t sector = std::max(fileSize_, kHivePage) / kSector; sector < end; ++sector) {
@@ -119,7 +119,7 @@ std::optional<RecoveredFile> ApplySectorLogs(const Bytes& file, const LogChain& 
   return std::nullopt;
 }
 
-/// Where a log's entries stand, before what is wrong about that.
+/// The start of a refusal that concerns the numbers of a log's entries.
 std::string Begins(LogBeside& log) {
   return "its entries begin at " + std::to_string(Entries(log).First());
 }

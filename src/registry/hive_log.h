@@ -14,7 +14,7 @@ namespace quillbox {
 /// True when the base block says that the last write to the hive was completed.
 bool IsClosedCleanly(const Bytes& file);
 
-/// A log beside a hive. `content` becomes a LogRefusal when the log turns out not to be of use for the hive.
+/// A log beside a hive. `content` becomes a LogRefusal when the log cannot be used for the hive.
 struct LogBeside {
   std::string name;
   HiveLog content;
@@ -29,9 +29,9 @@ struct RecoveredFile {
   std::vector<LogBeside*> logs;  ///< the applied ones, in their order
 };
 
-/// Applies what `logs` hold for `file`, which was not closed cleanly: the logs with entries where they are of use, else
-/// the first log with sectors that is. Notes in the others why they are not; logs that were refused before are not
-/// tried again. Nothing when none is of use.
+/// Applies what `logs` hold for `file`, which was not closed cleanly: the logs with entries if they can be used, else
+/// the first log with sectors that can. Notes in the others why not; logs that were refused before are not tried again.
+/// Nothing when none can be used.
 std::optional<RecoveredFile> ApplyLogs(const Bytes& file, std::vector<LogBeside>& logs);
 
 }  // namespace quillbox

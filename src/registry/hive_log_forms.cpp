@@ -113,8 +113,8 @@ std::variant<LogRefusal, LogEntry> ReadEntry(ByteView log) {
   return found;
 }
 
-/// A log counts from its base block's number. Its entries follow each other by one; what is behind the first that does
-/// not, or that is damaged, is from an earlier round or was never completed.
+/// A log counts from its base block's number. Its entries follow each other by one; what follows the first that
+/// does not, or that is damaged, is from an earlier round or was never completed.
 HiveLog ReadEntryLog(ByteView log) {
   EntryLog found{log.first(kSector), {}};
   const std::uint32_t begin = Load32(found.base.data() + BaseField::kSequence1);

@@ -1,5 +1,5 @@
-// The two forms of log file beside a hive, each read and checked by itself. Which of them belongs to a hive and what
-// is then written where is decided in hive_log.cpp. What is returned refers to the bytes that were given.
+// The two forms of log file beside a hive, each read and checked by itself. hive_log.cpp decides which of
+// them belongs to a hive and what is written where. What is returned refers to the bytes that were given.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// Names as hives store them: how they are read, compared, and written. Comparing works on the stored bytes, since
+// Names as hives store them: how they are read, compared, and written. Comparisons work on the stored bytes, because
 // every search of a subkey list compares many names.
 #pragma once
 
@@ -39,9 +39,9 @@ std::u16string UpperName(const StoredName& name);
 int CompareName(const StoredName& name, std::u16string_view upper);
 int CompareName(const StoredName& a, const StoredName& b);
 
-/// What an `lh` list holds beside each key.
+/// What an `lh` list holds with each key.
 std::uint32_t NameHash(std::u16string_view upper);
-/// What an `lf` list holds beside each key.
+/// What an `lf` list holds with each key.
 std::uint32_t NameHint(const StoredName& name);
 
 }  // namespace quillbox

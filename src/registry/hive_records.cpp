@@ -10,7 +10,7 @@ void RecordChecker::ClaimRoot() {
   CheckKey(hive_.root);
 }
 
-/// No key can have such a name below the root: a path could not name it, or would name another key.
+/// A key below the root with such a name could not be named by a path, or its path would name another key.
 void RecordChecker::CheckSubkeyName(KeyCell key, const std::uint8_t* name, std::size_t size) const {
   const std::size_t unit = (cells_.Get(key, KeyField::kFlags) & KeyFlag::kOneByteName) != 0 ? 1 : 2;
   if (size < unit) Fault(key, "the key's name is empty");

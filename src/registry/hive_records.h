@@ -1,5 +1,5 @@
-// The checks of single records of a hive, with the words for what is wrong with them. The check of a whole hive and
-// the salvage of a damaged one are made of them, so that the two never disagree on what is a fault.
+// The checks of single records of a hive, with their messages. Both the check of a whole hive and the salvage of a
+// damaged one use them, so that the two agree on what is a fault.
 #pragma once
 
 #include <cstddef>
@@ -19,19 +19,19 @@ inline constexpr const char* kWrongValueCount = "the key's number of values is n
 inline constexpr const char* kNestedTooDeeply = "the keys are nested too deeply";
 inline constexpr const char* kUnlinkedSecurity = "the security descriptors are not linked back";
 
-/// Checks records and remembers whose cells they are. Each cell may belong to one owner only, so that a walk ends, and
-/// nothing that is freed later is still in use elsewhere. Every offset that was read from the file goes through
-/// Claim() before anything follows it; no offset means anything else, whatever its number.
+/// Checks records and remembers which cells have an owner. Each cell may have one owner only, so that a walk ends and
+/// nothing that is freed later is still in use elsewhere. Every offset that was read from the file goes through Claim()
+/// before it is followed.
 ///
-/// A fault is thrown as the Error of the hive's file. What was claimed before it stays claimed.
+/// A fault is thrown as an Error of the hive's file. What was claimed before it stays claimed.
 class RecordChecker {
  public:
   enum class Cells {
     Known,   ///< only the cells that the scan of the bins found
-    Likely,  ///< those, and what looks like one in damaged bins
+    Likely,  ///< those, and what looks like a cell in damaged bins
   };
 
-  /// `hive`: its cells are scanned already.
+  /// `hive`: with its cells scanned.
   explicit RecordChecker(HiveData& hive, Cells allowed = Cells::Known)
       : hive_(hive), cells_(hive.cells), unclaimed_(hive.cells.Used()), allowsLikely_(allowed == Cells::Likely) {}
 
@@ -56,17 +56,17 @@ class RecordChecker {
     if (cells_.Room(cell) < size) Fault(cell, TooShortFor(what));
     Take(cell, size);
   }
-  /// What Claim() says of a cell that has no room for the record.
+  /// The message of Claim() for a cell that is too small for the record.
   static std::string TooShortFor(const char* what) {
     return std::string("the cell is too short for the ") + what + " in it";
   }
 
-  /// Where cells may overlap: makes the first `size` bytes of a claimed record its own.
+  /// Where cells may overlap, claims the first `size` bytes of a claimed record too.
   void Take(Cell cell, std::size_t size) {
     if (allowsLikely_) TakeBytes(cell, size);
   }
 
-  /// True when a cell in use begins at `cell`, which may be any number.
+  /// True when a cell in use begins at `cell`, which may have any number.
   bool IsCell(Cell cell) { return cells_.IsUsed(cell) || (allowsLikely_ && Adopt(cell)); }
   /// True when the cell at `cell` belongs to no record yet and holds a record of this kind.
   bool IsFree(Cell cell, RecordTag tag, std::size_t size) {
@@ -74,9 +74,9 @@ class RecordChecker {
            cells_.Tag(cell) == tag;
   }
 
-  /// The root key's own record. Nothing of a hive can be read without it.
+  /// The root key's record. Nothing of a hive can be read without it.
   void ClaimRoot();
-  /// A key's own record, that is its name and fields but nothing that they lead to.
+  /// A key's record: its name and fields, and nothing that they lead to.
   void ClaimSubkey(Owner owner, KeyCell key) {
     AdoptTagged(key, kKeyTag);
     Claim(owner, key, KeyField::kName, "subkey");
@@ -91,7 +91,7 @@ class RecordChecker {
   }
   void ClaimDescriptor(Owner owner, SecurityCell security);
 
-  /// A value's own record.
+  /// A value's record.
   void ClaimValue(ValueListCell list, ValueCell value) {
     AdoptTagged(value, kValueTag);
     Claim(Owner(list), value, ValueField::kName, "value");
@@ -110,7 +110,7 @@ class RecordChecker {
     }
   }
 
-  /// A list of subkeys, or one of its leaves. Its entries may reach beyond its cell still, see CheckEntries().
+  /// A list of subkeys, or one of its leaves. CheckEntries() checks that its entries are within its cell.
   void ClaimList(Owner owner, ListCell list) { Claim(owner, list, ListField::kEntries, "list of subkeys"); }
   bool IsIndex(ListCell list) const { return cells_.Tag(list) == kLeafIndexTag; }
   void CheckLeaf(ListCell leaf) const {
@@ -128,10 +128,10 @@ class RecordChecker {
   }
   ListCell Leaf(ListCell index, std::size_t entry) const { return cells_.Get(index, IndexEntry(entry)); }
 
-  /// True when the key's number of subkeys is 0 and its list holds some nevertheless: keys that would be lost.
+  /// True when the key's number of subkeys is 0 although its list holds some, which would be lost.
   bool HasUncountedSubkeys(KeyCell key);
-  /// The same of values. Good at the end of a walk only: values have no field that names their key, so the witness is
-  /// that they are nobody else's.
+  /// The same of values. Only valid at the end of a walk: values have no field that names their key, so they are the
+  /// key's if nobody else has claimed them.
   bool HasUncountedValues(KeyCell key);
   /// The first key that a list names, whatever is wrong with the list.
   std::optional<KeyCell> FirstSubkey(ListCell list);

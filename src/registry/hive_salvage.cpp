@@ -23,7 +23,7 @@ void AddDamage(HiveData& hive, std::string part, std::uint64_t offset, std::stri
 
 using Owner = RecordChecker::Owner;
 
-/// A hive that is only read: its cells are scanned, and its root is known.
+/// A hive to read from, with its cells scanned and its root known.
 struct Damaged {
   HiveData hive;
 };
@@ -64,7 +64,7 @@ class Salvager {
     KeyCell to;             ///< in the new one
     std::size_t depth = 0;  ///< 1 for the root
   };
-  /// A key that a list names, and that itself names another parent.
+  /// A key in a list of one key that names another as its parent.
   struct Misplaced {
     Key parent;
     ListCell list;
@@ -143,7 +143,7 @@ class Salvager {
     return security;
   }
 
-  /// Puts what `owner` names into one of the two sets of descriptors, unless it is there already.
+  /// Puts a descriptor that `owner` names into one of the two sets, unless it is in one.
   void ClaimDescriptor(Owner owner, SecurityCell security) {
     if (descriptors_.contains(security) || brokenDescriptors_.contains(security)) return;
     try {
@@ -157,7 +157,7 @@ class Salvager {
     order_.push_back(security);
   }
 
-  /// Nothing is read by the links between the descriptors, but they are part of the hive, and may be damaged.
+  /// The links between the descriptors are not needed to read anything, but they may be damaged too.
   void CheckLinks() {
     for (std::size_t at = 0; at < order_.size();) {
       const SecurityCell security = order_[at++];  // which may get more
@@ -211,8 +211,8 @@ class Salvager {
     CopyValue(hive_, key.to, damaged_, value);
   }
 
-  /// The values of a list whose end is not known: what is left of older, longer lists may follow it. So it comes when
-  /// every other list has its values, and takes only what looks like one.
+  /// The values of a list whose end is not known: the rest of an older, longer list may follow it. So these lists come
+  /// after all others, and take only what looks like a value.
   void CopyUncertainValues(const Key& key) {
     const ValueListCell list = cells_.Get(key.from, KeyField::kValueList);
     if (cells_.Get(key.from, KeyField::kValueCount) == 0) {
@@ -246,7 +246,7 @@ class Salvager {
     if (hive_.damageCount != faults) incomplete_.push_back(key);
   }
 
-  /// A list that another key names, and whose keys name that one as their parent, is left to it.
+  /// A list that another key names too is left to that key if the list's keys name it as their parent.
   void ClaimOwnList(KeyCell key, ListCell list) {
     if (const auto subkey = records_.FirstSubkey(list)) {
       const KeyCell parent = cells_.Get(*subkey, KeyField::kParent);
@@ -262,7 +262,7 @@ class Salvager {
     return records_.IsCell(cell) && cells_.Room(cell) >= KeyField::kName && cells_.Tag(cell) == kKeyTag;
   }
 
-  /// How many entries of a list are in its cell; `whole` is true when these are all.
+  /// How many entries of a list are in its cell; `whole` becomes true when these are all.
   std::size_t ReadableEntries(const Key& key, ListCell list, bool& whole) {
     whole = Passes(key.to, [&] { records_.CheckEntries(list); });
     const std::size_t room = (cells_.Room(list) - ListField::kEntries) / records_.EntrySize(list);
@@ -299,7 +299,7 @@ class Salvager {
     return count;
   }
 
-  /// Keys in use that no list has named so far, by the parents that they name themselves.
+  /// Keys in use that no list has named so far, by the parents that they name.
   void FindOrphans() {
     if (incomplete_.empty()) return;
     for (std::size_t at = 0; at + kCellUnit <= cells_.BinsSize(); at += kCellUnit) {
@@ -310,7 +310,7 @@ class Salvager {
     std::sort(orphans_.begin(), orphans_.end());
   }
 
-  /// A key whose lists were not read whole gets the keys that name it as their parent.
+  /// Gives keys whose lists could not be read whole those keys that name them as their parents.
   void CopyOrphans() {
     while (!incomplete_.empty()) {
       const Key key = incomplete_.back();
@@ -368,7 +368,7 @@ void SalvageHive(HiveData& hive, Bytes file, const Error& fault) {
   const std::size_t named = Load32(file.data() + BaseField::kBinsSize);
   const auto noteFault = [&] { AddDamage(hive, kWholeFile, fault.Place().offset.value_or(0), fault.Why()); };
   const bool isSizeRight = named > 0 && named % kHivePage == 0 && named <= kMaxBinsSize;
-  // The first thing that was checked.
+  // This was checked before anything else.
   if (!isSizeRight || file.size() - kHivePage < named) noteFault();
   hive.minor = Load32(file.data() + BaseField::kMinor);
   hive.now = Load64(file.data() + BaseField::kTime);
@@ -380,7 +380,7 @@ void SalvageHive(HiveData& hive, Bytes file, const Error& fault) {
   damaged.hive.root = KeyCell(Load32(file.data() + BaseField::kRoot));
   damaged.hive.cells = HiveCells(CutToCells(std::move(file)));
   damaged.hive.cells.Scan([&](std::size_t offset, std::string why) {
-    // What follows the last bin need not be one.
+    // What follows the last bin is not a bin.
     if (isSizeRight && offset >= named) return;
     AddDamage(hive, kWholeFile, kHivePage + offset, std::move(why));
   });

@@ -9,12 +9,12 @@ namespace quillbox {
 /// No more parts than these are kept in HiveData::damage; damageCount counts all of them.
 inline constexpr std::size_t kMaxDamageNotes = 1000;
 
-/// Makes `hive`, which has only a name, a new hive that holds whatever the root key of `file` leads to and is whole;
-/// notes in HiveData::damage what is not. `file` begins with a base block that was found good, and may be shorter than
-/// that says. `fault` is what the check of the whole file said. Throws Error when the root key cannot be read, or when
-/// what can be read does not fit into a hive.
+/// Makes `hive`, which has only a name, a new hive of everything undamaged that the root key of `file` leads to; notes
+/// the rest in HiveData::damage. `file` begins with a base block that was found good, and may be shorter than that
+/// says. `fault` is the first fault of the file. Throws Error when the root key cannot be read, or when what can be
+/// read does not fit into a hive.
 ///
-/// Time and memory are in proportion to the file, whatever it holds. The new hive has the version of the file, its
+/// Time and memory are in proportion to the size of the file. The new hive has the version of the file, its
 /// base block, and keys with the times, flags, classes and security descriptors that they had; a key whose descriptor
 /// is damaged gets its parent's.
 void SalvageHive(HiveData& hive, Bytes file, const Error& fault);

@@ -7,7 +7,7 @@ namespace quillbox {
 
 namespace {
 
-/// What a copied record needs beside its own bytes: cell header, entries in lists, rounding.
+/// What a copied record needs in addition to its own bytes: cell header, entries in lists, rounding.
 constexpr std::uint64_t kRecordOverhead = 32;
 
 /// A key of one hive that becomes one of another.
@@ -43,7 +43,7 @@ class TreeCopier {
   }
 
  private:
-  /// The flags that do not depend on the key's place or its name's form, and what newer systems keep beside them.
+  /// The flags that do not depend on the key's place or its name's form, and what newer systems keep with them.
   void CopyFields(KeyPair key) {
     const auto [to, from] = key;
     constexpr std::uint16_t kOwn = KeyFlag::kRoot | KeyFlag::kNoDelete | KeyFlag::kOneByteName;
@@ -96,7 +96,7 @@ class TreeCopier {
   std::unordered_map<SecurityCell, SecurityCell> security_;
 };
 
-/// Adds up what a tree takes in another hive, and meets the limits on the way.
+/// Adds up the space that a tree needs in another hive, and throws at what exceeds a limit.
 class TreeMeasure {
  public:
   TreeMeasure(const HiveData& hive, SourceKey from, std::string doing)
@@ -135,7 +135,7 @@ class TreeMeasure {
       ThrowRefusal(source_, key, HiveLimit::Data, doing_,
                    "value \"" + ShortName(NameText(ValueName(source_, value))) + "\": " + fault);
     }
-    // Big data stand in pieces that do not fill their bins: a quarter more is ample.
+    // Big data are in pieces that do not fill their bins: a quarter more is enough.
     size_ += source_.cells.Room(value) + data + data / 4 + 3 * kRecordOverhead;
     if (data > Hive::kBigDataLimit) size_ += 3 * kHivePage;
   }

@@ -42,7 +42,7 @@ class RegFileWriter {
   const std::string& FirstLoss() const { return firstLoss_; }
 
  private:
-  /// Appends `text` in the file's encoding; false when the 8-bit form cannot hold it ("?" stands there then).
+  /// Appends `text` in the file's encoding; false when the 8-bit form cannot hold it ("?" is written then).
   bool Put(std::string_view text);
   void PutHex(std::size_t column, ByteView data);
   /// The bytes that a hex(2) or hex(7) value shows: in the 8-bit form the text in the code page.
@@ -70,7 +70,7 @@ class RegFileVisitor {
 };
 
 /// Reads the registry file `name` of either form. Throws Error when the bytes cannot be read, exceed `limits.file`, or
-/// are no registry file at all: a wrong header. Everything else that is wrong goes to OnProblem with its line number
+/// are not a registry file at all: a wrong header. Everything else that is wrong goes to OnProblem with its line number
 /// from 1. Values under no key, or under `[-KEY]`, are not visited. The memory that this takes does not grow with the
 /// file, only with the largest value in it.
 void ReadRegFile(ByteSource& source, const std::string& name, const CodePage& codePage, RegFileVisitor& visitor,

@@ -141,7 +141,7 @@ std::size_t RegFileLines::WholeCharacters() const {
 }
 
 /// The next bytes of the line, and the line's end when they reach to it. CR and LF are never the second byte of a
-/// double-byte character, so lines can be told before they are decoded.
+/// double-byte character, so lines can be divided before they are decoded.
 std::string_view RegFileLines::TakePiece() {
   std::size_t end = FindLineEnd();
   if (end + UnitSize() > buffer_.size() && !sourceEnded_) {

@@ -16,8 +16,9 @@ namespace quillbox {
 
 class RegFileLines {
  public:
-  /// The byte-order mark tells the encoding; without one it is `codePage`. `source` is the file `name`; it must outlive
-  /// this object. The constructor, Next, Extend and Return throw Error when it cannot be read or exceeds `limits.file`.
+  /// The byte-order mark decides the encoding; without one it is `codePage`. `source` is the file `name`; it must
+  /// outlive this object. The constructor, Next, Extend and Return throw Error when it cannot be read or exceeds
+  /// `limits.file`.
   RegFileLines(ByteSource& source, std::string name, const CodePage& codePage, const RegFileLimits& limits);
 
   /// Moves to the start of the next line, over what is left of the present one; false at the end. CR LF, LF and a lone

@@ -56,7 +56,7 @@ class Parser {
   void Run();
 
  private:
-  /// What becomes of values: they belong to a key, stand before every key, or go with a key that is passed over.
+  /// Where values are: below a key, before the first key, or below a key that is left out.
   enum class Under { NoKeyYet, Key, SkippedKey };
 
   void ReadKey();
@@ -93,7 +93,7 @@ class Parser {
   const CodePage& codePage_;
   const RegFileLimits& limits_;
   RegFileVisitor& visitor_;
-  std::string_view line_;  ///< what is at hand of the line; Have() brings more
+  std::string_view line_;  ///< the part of the line that has been read; Have() reads more
   std::size_t at_ = 0;
   Under under_ = Under::NoKeyYet;
   Fault fault_;
@@ -111,7 +111,7 @@ void Parser::Run() {
     } else if (line_[at_] == '"' || line_[at_] == '@') {
       ReadValue();
     } else {
-      visitor_.OnProblem(lines_.Number(), "this is no key, no value and no comment");
+      visitor_.OnProblem(lines_.Number(), "this is neither a key nor a value nor a comment");
     }
   }
   if (lines_.EndsInHalfUnit()) visitor_.OnProblem(lines_.Number(), "the file ends in the middle of a character");
@@ -170,7 +170,7 @@ void Parser::ReportMalformed(std::size_t number) {
 void Parser::Deliver(ParsedValue value, std::size_t number) {
   if (under_ == Under::SkippedKey) return;
   if (under_ == Under::NoKeyYet) {
-    visitor_.OnProblem(number, "the value stands before the first key");
+    visitor_.OnProblem(number, "the value is before the first key");
   } else if (!value.isNameWhole) {
     visitor_.OnProblem(number, "the value's name has more than " + std::to_string(Hive::kMaxValueNameUnits) +
                                    " characters, and no hive holds such a name");
@@ -243,7 +243,7 @@ bool Parser::ParseQuoted(Add add) {
     at_ = special;
     if (special == line_.size()) continue;
     if (line_[at_++] == '"') return true;
-    // At the end of a line a backslash stands for itself.
+    // At the end of a line a backslash is just a backslash.
     add(AtEnd() ? kBackslash : TakeCharacter());
   }
 }
@@ -339,7 +339,7 @@ bool Parser::RequireEnd() {
   return AtEndOrComment() || Fail("there is more text after the value");
 }
 
-// Text data in hex digits as the registry stores them. An odd number of bytes is no text and stays what it is.
+// Text data in hex digits as the registry stores them. An odd number of bytes is not text and stays as it is.
 Bytes Parser::StoredText(Bytes data) const {
   if (textIs8Bit_) data = Utf16Bytes(ToUtf16(codePage_.Decode(std::string(data.begin(), data.end()))));
   const std::size_t size = data.size();
@@ -405,7 +405,7 @@ void ReadRegFile(ByteSource& source, const std::string& name, const CodePage& co
   const bool is8Bit = lines.Text() == kRegedit4Header;
   if (!is8Bit && lines.Text() != kUnicode5Header) {
     throw Error("reading a registry file", {name, std::nullopt, 1},
-                "this is no registry file: it does not begin with \"" + std::string(kRegedit4Header) + "\" or \"" +
+                "this is not a registry file: it does not begin with \"" + std::string(kRegedit4Header) + "\" or \"" +
                     std::string(kUnicode5Header) + "\"");
   }
   Parser(lines, is8Bit, codePage, limits, visitor).Run();

@@ -19,7 +19,7 @@ constexpr std::size_t kSegmentSize = kSegmentData + 16;
 constexpr std::uint32_t kMaxDirect = 0xFFFFFF;
 constexpr std::uint8_t kDirect = 0x80;
 
-// Where the header says things.
+// Offsets in the header.
 constexpr std::size_t kVersionAt = 0x14;
 constexpr std::size_t kRecordSpaceAt = 0x24;
 constexpr std::size_t kTreeSpaceAt = 0x30;

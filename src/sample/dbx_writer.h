@@ -1,5 +1,5 @@
 // Message store files as Outlook Express lays them out: a fixed header, the records, and a tree that leads to them.
-// The sample's stores are written with it, so that whatever reads or searches stores has real structure to look at.
+// The sample's stores are written with it, so that code that reads or searches stores finds real structure.
 #pragma once
 
 #include <cstdint>

@@ -35,7 +35,7 @@ constexpr ValueRow Binary(std::string_view key, std::string_view name, std::stri
   return {key, name, RowType::Binary, hex, more};
 }
 
-/// Words that stand for others in the texts of a table: each first is replaced by its second.
+/// Placeholders in the texts of a table, each with its replacement.
 using Placeholders = std::vector<std::pair<std::string_view, std::string>>;
 
 /// Writes `rows` below `base`, making every key that is missing.

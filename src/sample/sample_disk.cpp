@@ -161,7 +161,7 @@ void RefuseUsed(const fs::path& folder) {
   if (!empty) Fail(folder, "the folder is not empty; nothing in it was touched");
 }
 
-/// A new folder beside `folder`, so that a disk is either made whole or not there.
+/// A new folder beside `folder`, which is renamed at the end, so that a disk is made whole or not at all.
 class Workshop {
  public:
   explicit Workshop(const fs::path& folder) {

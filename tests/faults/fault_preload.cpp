@@ -1,4 +1,4 @@
-// A library that is loaded before the C library and stands in for its calls that change files: it counts those below
+// A library that is loaded before the C library and replaces its calls that change files: it counts those below
 // one folder, and has one of them, or all from one on, fail as on a full or failing disk (fault_plan.h).
 //
 // Flushes below the folder are counted and otherwise left out: no test can see whether they were done, and they take
@@ -31,7 +31,7 @@ using PathBuffer = std::array<char, 2 * PATH_MAX>;
 quillbox::FaultPlan* plan = nullptr;
 std::string_view root;
 
-/// The call that this library stands in for.
+/// The call that this library replaces.
 template <typename Function>
 Function* Real(const char* name) {
   return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));

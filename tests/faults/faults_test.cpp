@@ -49,7 +49,7 @@ class Faults : public testing::TestWithParam<Broken> {
     ASSERT_EQ(RunShell(command + " >'" + out + "' 2>&1"), 0) << command << "\n" << temp.Read("prepared");
   }
 
-  /// What is wrong with how the window tells of a run.
+  /// What is wrong with what the window reports of a run.
   static std::vector<std::string> WindowFaults(const FaultyRuns& runs, const FaultyRun& run) {
     const bool silent = run.out.find("message: ") == std::string::npos && run.out.find("note: \n") != std::string::npos;
     std::vector<std::string> faults;

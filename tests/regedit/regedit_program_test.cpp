@@ -229,9 +229,8 @@ TEST_F(RegeditProgram, FilesLargerThanTheMemoryAreReadInPieces) {
   const Outcome merged = Run("--disk c big.reg");
   EXPECT_EQ(merged.code, 1);
   EXPECT_EQ(merged.out, "big.reg: 1 key added, 0 keys deleted, 0 values set, 0 values deleted\n");
-  EXPECT_THAT(
-      merged.err,
-      EndsWith("\nbig.reg, line 3: a quote is not closed\nbig.reg, line 4: this is no key, no value and no comment\n"));
+  EXPECT_THAT(merged.err, EndsWith("\nbig.reg, line 3: a quote is not closed\nbig.reg, line 4: this is neither a key "
+                                   "nor a value nor a comment\n"));
   rusage used = {};
   getrusage(RUSAGE_CHILDREN, &used);
   // Most of this is what the address sanitizer needs for itself where it is on.

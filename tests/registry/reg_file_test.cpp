@@ -254,7 +254,7 @@ TEST(RegFileLimits, ValueThatNoHiveHoldsIsReportedAndLeftOut) {
                                          "after 1 x|", "! 13", "! 14", "+ HKCU\\B"));
   EXPECT_THAT(recorder.problems, ElementsAre("4 the value's data are 10" + reason, "5 the value's data are 20" + reason,
                                              "10 the value's data are 9" + reason, "13 a quote is not closed",
-                                             "14 this is no key, no value and no comment"));
+                                             "14 this is neither a key nor a value nor a comment"));
 }
 
 TEST(RegFileLimits, NamesThatNothingCanHaveAreNotHeld) {

@@ -177,8 +177,8 @@ TEST_F(RegistryItemsTest, FilesThatCannotBeMergedAreToldAndDamageNothing) {
   const struct {
     std::string content, told;
   } files[] = {
-      {"not a registry file", "this is no registry file"},
-      {std::string("\0\1\2\xFF", 4), "this is no registry file"},
+      {"not a registry file", "this is not a registry file"},
+      {std::string("\0\1\2\xFF", 4), "this is not a registry file"},
       {good.substr(0, good.rfind('=') + 2), "line "},
       {"REGEDIT4\r\n\r\n[HKEY_USERS\\S-1\\Identities]\r\n\"x\"=\"y\"\r\n", "line 3: \"HKEY_USERS\\S-1\\Identities\""},
   };
