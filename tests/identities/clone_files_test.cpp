@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/sample_ids.h"
 #include "text/error.h"
 
 namespace quillbox {
@@ -10,8 +11,8 @@ namespace {
 
 using ::testing::HasSubstr;
 
-const std::string kAlice = "{2B7C0E64-91D3-4F5A-8C17-6E0D53A9F421}";
-const std::string kBob = "{8F41D3C2-5B0A-4E76-A9D8-13C7E2046FB5}";
+const std::string kAlice = kMain;
+const std::string kBob = kOffice;
 
 std::string KeyOf(const std::string& userId) {
   return "[HKEY_CURRENT_USER\\Identities\\" + userId;

@@ -3,6 +3,7 @@
 #include "core/copy_tally.h"
 #include "identities/create_identity.h"
 #include "support/registry_snapshot.h"
+#include "support/sample_ids.h"
 #include "support/sample_platform.h"
 #include "text/error.h"
 
@@ -11,9 +12,6 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-
-const std::string kMain = "{2B7C0E64-91D3-4F5A-8C17-6E0D53A9F421}";
-const std::string kGuest = "{C65A0B97-2E18-4D03-B7F4-90AC61D85E3C}";
 
 class CloneIdentityTest : public SamplePlatform {
  protected:

@@ -5,13 +5,11 @@
 #include "identities/create_identity.h"
 #include "identities/user_id.h"
 #include "support/registry_snapshot.h"
+#include "support/sample_ids.h"
 #include "support/sample_platform.h"
 
 namespace quillbox {
 namespace {
-
-const std::string kMain = "{2B7C0E64-91D3-4F5A-8C17-6E0D53A9F421}";
-const std::string kGuest = "{C65A0B97-2E18-4D03-B7F4-90AC61D85E3C}";
 
 class ManageIdentitiesTest : public SamplePlatform {
  protected:

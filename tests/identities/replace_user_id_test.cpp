@@ -3,16 +3,17 @@
 #include "identities/replace_string.h"
 #include "platform/offline/offline_files.h"
 #include "platform/offline/system_services.h"
+#include "support/sample_ids.h"
 #include "support/temp_folder.h"
 #include "text/error.h"
 
 namespace quillbox {
 namespace {
 
-const std::string kOld = "{2B7C0E64-91D3-4F5A-8C17-6E0D53A9F421}";
+const std::string kOld = kMain;
 const std::string kOldLower = "{2b7c0e64-91d3-4f5a-8c17-6e0d53a9f421}";
-const std::string kOther = "{8F41D3C2-5B0A-4E76-A9D8-13C7E2046FB5}";
-const std::string kNew = "{C65A0B97-2E18-4D03-B7F4-90AC61D85E3C}";
+const std::string kOther = kOffice;
+const std::string kNew = kGuest;
 
 std::string Utf16(const std::string& text) {
   const Bytes bytes = Utf16Bytes(ToUtf16(text));

@@ -49,21 +49,6 @@ class OtherReaders : public testing::Test {
     return lines;
   }
 
-  std::size_t CountInOutput(const std::string& text) const {
-    const std::string output = folder_.Read("out");
-    std::size_t count = 0;
-    for (std::size_t at = output.find(text); at != std::string::npos; at = output.find(text, at + 1)) ++count;
-    return count;
-  }
-
-  /// Lines of the whole hive that are about a value, or about a key.
-  std::size_t CountLines(bool values) const {
-    const std::vector<std::string> lines = Lines(hive_);
-    return static_cast<std::size_t>(std::count_if(lines.begin(), lines.end(), [&](const std::string& line) {
-      return (line.find(" = ") != std::string::npos) == values;
-    }));
-  }
-
   TempFolder folder_;
   Hive hive_;
 };
@@ -82,15 +67,12 @@ TEST_F(OtherReaders, RegedExportsTheSame) {
   }
 }
 
-TEST_F(OtherReaders, HivexmlAndReglookupCountTheSame) {
-  if (IsMissing("hivexml") || IsMissing("reglookup")) GTEST_SKIP() << "hivexml or reglookup is not installed";
-  ASSERT_EQ(Run("hivexml hive"), 0) << folder_.Read("errors");
-  EXPECT_EQ(CountInOutput("<node "), CountLines(false));
-  EXPECT_EQ(CountInOutput("<value "), CountLines(true));
-  ASSERT_EQ(Run("reglookup -s hive"), 0);
-  EXPECT_EQ(folder_.Read("errors"), "");
-  EXPECT_EQ(CountInOutput(",KEY,"), CountLines(false));
-  EXPECT_EQ(CountInOutput("\n") - 1, CountLines(false) + CountLines(true));
+TEST_F(OtherReaders, HivexmlAndReglookupComplainOfNothing) {
+  for (const std::string command : {"hivexml", "reglookup -s"}) {
+    if (IsMissing(command)) GTEST_SKIP() << command << " is not installed";
+    EXPECT_EQ(Run(command + " hive"), 0);
+    EXPECT_EQ(folder_.Read("errors"), "");
+  }
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "reports/identity_report.h"
 
 #include "reports/golden.h"
+#include "support/sample_ids.h"
 #include "support/sample_platform.h"
 
 namespace quillbox {
@@ -39,8 +40,7 @@ TEST_F(IdentityReportTest, AllIdentitiesOfTheSelectedFolderAreListedWithNamesInO
   facts.identities[0].username = "<Main>\r\nEnd";
   facts.fileType = "*.idx";
   const std::string report = MakeIdentityReport(facts, ReportFormat::Html);
-  EXPECT_THAT(report, HasSubstr("\r\n<Main>\u240D\u240AEnd: {2B7C0E64-91D3-4F5A-8C17-6E0D53A9F421}</DIV>\r\n"
-                                "Büro: {8F41D3C2-5B0A-4E76-A9D8-13C7E2046FB5}</DIV>\r\n"));
+  EXPECT_THAT(report, HasSubstr("\r\n<Main>\u240D\u240AEnd: " + kMain + "</DIV>\r\nBüro: " + kOffice + "</DIV>\r\n"));
   EXPECT_THAT(MakeIdentityReport(facts, ReportFormat::Text), HasSubstr("\r\nNumber of  Files Found: 3\r\n"))
       << "other types of files have no label";
 }

@@ -1,6 +1,7 @@
 #include "reports/rules_report.h"
 
 #include "reports/golden.h"
+#include "support/sample_ids.h"
 #include "support/sample_platform.h"
 
 namespace quillbox {
@@ -11,7 +12,6 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::Optional;
 
-constexpr const char* kHome = "{2B7C0E64-91D3-4F5A-8C17-6E0D53A9F421}";
 constexpr const char* kOwn = "{1}";  // an identity that has the rules that a test writes, and no others
 constexpr const char* kCreated = "3/7/2004 12:05:09 AM";
 constexpr std::int32_t kSubject = 8, kFrom = 12, kPriority = 13, kSize = 15, kSecure = 31;
@@ -27,7 +27,7 @@ class RulesReportTest : public SamplePlatform {
  protected:
   void SetUp() override { MakeDisk(); }
 
-  static RegistryPath Rule(const char* userId, RuleSet set, const std::string& name) {
+  static RegistryPath Rule(const std::string& userId, RuleSet set, const std::string& name) {
     return CurrentUser(IdentitySettingsKey(userId) + "\\Rules\\" + (set == RuleSet::Mail ? "Mail\\" : "News\\") + name);
   }
   /// Writes `values` below `path`; one that is empty is left out.
@@ -55,7 +55,7 @@ class RulesReportTest : public SamplePlatform {
     }
   }
 
-  RulesReport Make(RuleSet set, ReportFormat format, const char* userId = kHome) {
+  RulesReport Make(RuleSet set, ReportFormat format, const std::string& userId = kMain) {
     RuleReader reader(*store, set, CodePage(platform->GetSystemFacts().CodePageNumber()));
     return MakeRulesReport(reader, userId, kCreated, format);
   }
@@ -118,18 +118,18 @@ TEST_F(RulesReportTest, DoubleByteListsAreDecodedAndABrokenPairSwallowsNoWord) {
 TEST_F(RulesReportTest, ACriterionThatCannotBeDecodedEndsTheReportWhereItStands) {
   for (const Entry& broken :
        {Criterion(kPriority, {}, {}), Criterion(kSecure, {}, "high"), Criterion(kSecure, {}, List("high"))}) {
-    Write(Rule(kHome, RuleSet::Mail, "001\\Criteria\\00A"), broken);
+    Write(Rule(kMain, RuleSet::Mail, "001\\Criteria\\00A"), broken);
     const RulesReport report = Make(RuleSet::Mail, ReportFormat::Text);
     EXPECT_THAT(report.brokenOff, Optional(HasSubstr("not a number")));
     EXPECT_THAT(report.text, EndsWith("CriteriaValue: news@example.com shop@example.net  \r\n"));
     EXPECT_THAT(report.text, Not(HasSubstr("End Of File")));
-    Write(Rule(kHome, RuleSet::News, "001\\Criteria\\00A"), broken);
+    Write(Rule(kMain, RuleSet::News, "001\\Criteria\\00A"), broken);
     EXPECT_THAT(Written(Make(RuleSet::News, ReportFormat::Text)), HasSubstr("End Of File")) << "news have no such type";
   }
 }
 
 TEST_F(RulesReportTest, WhatIsFilledInIsNotATemplateAndTakesOneLine) {
-  const RegistryPath rule = Rule(kHome, RuleSet::News, "000");
+  const RegistryPath rule = Rule(kMain, RuleSet::News, "000");
   Write(rule, {{"Name", "50 %version% <b> \xE6\x97\xA5\r\nEnabled: no"}});
   EXPECT_THAT(Written(Make(RuleSet::News, ReportFormat::Html)),
               HasSubstr("<DIV>Name: 50 %version% <b> ???Enabled: no</DIV>\r\n"));

@@ -1,6 +1,7 @@
 #include "support/faulty_copy_io.h"
 #include "support/file_size_limit.h"
 #include "support/registry_snapshot.h"
+#include "support/sample_ids.h"
 #include "support/sample_windows.h"
 
 namespace quillbox {
@@ -176,9 +177,8 @@ TEST_F(CompleteBackupTest, OnlyStoresWithAKnownPlaceAreRestored) {
   CancelAddressBookRestore();
   form->cmdRestore.click();
   ASSERT_EQ(dialogs.messages.size(), 2u) << "the skipped identities, and the file that is missing";
-  EXPECT_THAT(dialogs.messages[0].text,
-              AllOf(HasSubstr("\"Guest\" {C65A0B97-2E18-4D03-B7F4-90AC61D85E3C}: it was never started"),
-                    HasSubstr("\"..\" {2B7C0E64-91D3-4F5A-8C17-6E0D53A9F421}: no folder can have its name")));
+  EXPECT_THAT(dialogs.messages[0].text, AllOf(HasSubstr("\"Guest\" " + kGuest + ": it was never started"),
+                                              HasSubstr("\"..\" " + kMain + ": no folder can have its name")));
   EXPECT_THAT(Names(StoreOf("Büro")), Contains("Inbox.dbx"));
   EXPECT_EQ(Names(BackupFolderOnHost() / "Guest"), std::vector<std::string>{"Inbox.dbx"});
   EXPECT_EQ(form->sb1.panels[0], "Restore Complete");

@@ -2,6 +2,7 @@
 #include "identities/create_identity.h"
 #include "identities/user_id.h"
 #include "support/registry_snapshot.h"
+#include "support/sample_ids.h"
 #include "support/sample_windows.h"
 
 namespace quillbox {
@@ -12,10 +13,6 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
-
-const std::string kMain = "{2B7C0E64-91D3-4F5A-8C17-6E0D53A9F421}";
-const std::string kOffice = "{8F41D3C2-5B0A-4E76-A9D8-13C7E2046FB5}";
-const std::string kGuest = "{C65A0B97-2E18-4D03-B7F4-90AC61D85E3C}";
 
 class IdentityWindowsTest : public SampleWindows {
  protected:

@@ -1,5 +1,6 @@
 #include "ui/forms/rules_window.h"
 
+#include "support/sample_ids.h"
 #include "support/sample_windows.h"
 
 namespace quillbox {
@@ -9,7 +10,6 @@ using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-constexpr const char* kOffice = "{8F41D3C2-5B0A-4E76-A9D8-13C7E2046FB5}";
 constexpr const char* kFile = "D:\\Backup\\r";
 
 class ReportWindowsTest : public SampleWindows {
