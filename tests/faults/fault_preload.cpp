@@ -147,10 +147,6 @@ OPEN(open64)
 OPENAT(openat)
 OPENAT(openat64)
 
-int creat(const char* path, mode_t mode) {
-  return Fails("open", path) ? -1 : REAL(creat)(path, mode);
-}
-
 #define FOPEN(name)                                                                  \
   FILE* name(const char* path, const char* mode) {                                   \
     if (std::strpbrk(mode, "wa+") != nullptr && Fails("open", path)) return nullptr; \
@@ -159,73 +155,43 @@ int creat(const char* path, mode_t mode) {
 FOPEN(fopen)
 FOPEN(fopen64)
 
+// A call that gives -1 where `fails`.
+#define CALL(result, name, parameters, arguments, fails) \
+  result name parameters {                               \
+    return (fails) ? result(-1) : REAL(name) arguments;  \
+  }
+CALL(int, creat, (const char* path, mode_t mode), (path, mode), Fails("open", path))
 // The template names a file of the same folder.
-#define MKTEMP(name)                                    \
-  int name(char* path) {                                \
-    return Fails("open", path) ? -1 : REAL(name)(path); \
-  }
-MKTEMP(mkstemp)
-MKTEMP(mkstemp64)
-#define MKOTEMP(name)                                          \
-  int name(char* path, int flags) {                            \
-    return Fails("open", path) ? -1 : REAL(name)(path, flags); \
-  }
-MKOTEMP(mkostemp)
-MKOTEMP(mkostemp64)
+CALL(int, mkstemp, (char* path), (path), Fails("open", path))
+CALL(int, mkstemp64, (char* path), (path), Fails("open", path))
+CALL(int, mkostemp, (char* path, int flags), (path, flags), Fails("open", path))
+CALL(int, mkostemp64, (char* path, int flags), (path, flags), Fails("open", path))
 char* mkdtemp(char* path) {
   return Fails("mkdir", path) ? nullptr : REAL(mkdtemp)(path);
 }
-
-int mkdir(const char* path, mode_t mode) noexcept {
-  return Fails("mkdir", path) ? -1 : REAL(mkdir)(path, mode);
-}
-int mkdirat(int folder, const char* path, mode_t mode) noexcept {
-  return FailsAt("mkdir", folder, path) ? -1 : REAL(mkdirat)(folder, path, mode);
-}
-
-int rename(const char* from, const char* to) noexcept {
-  return Fails("rename", to) ? -1 : REAL(rename)(from, to);
-}
-int renameat(int fromFolder, const char* from, int toFolder, const char* to) noexcept {
-  return FailsAt("rename", toFolder, to) ? -1 : REAL(renameat)(fromFolder, from, toFolder, to);
-}
-int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept {
-  return FailsAt("rename", toFolder, to) ? -1 : REAL(renameat2)(fromFolder, from, toFolder, to, flags);
-}
-int link(const char* from, const char* to) noexcept {
-  return Fails("link", to) ? -1 : REAL(link)(from, to);
-}
-int linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags) noexcept {
-  return FailsAt("link", toFolder, to) ? -1 : REAL(linkat)(fromFolder, from, toFolder, to, flags);
-}
-
-ssize_t write(int fd, const void* bytes, size_t size) {
-  return Fails("write", fd) ? -1 : REAL(write)(fd, bytes, size);
-}
-ssize_t writev(int fd, const iovec* parts, int count) {
-  return Fails("write", fd) ? -1 : REAL(writev)(fd, parts, count);
-}
-ssize_t pwrite(int fd, const void* bytes, size_t size, off_t at) {
-  return Fails("write", fd) ? -1 : REAL(pwrite)(fd, bytes, size, at);
-}
-ssize_t pwrite64(int fd, const void* bytes, size_t size, off64_t at) {
-  return Fails("write", fd) ? -1 : REAL(pwrite64)(fd, bytes, size, at);
-}
-ssize_t copy_file_range(int from, off64_t* fromAt, int to, off64_t* toAt, size_t size, unsigned flags) {
-  return Fails("copy_file_range", to) ? -1 : REAL(copy_file_range)(from, fromAt, to, toAt, size, flags);
-}
-ssize_t sendfile(int to, int from, off_t* at, size_t size) noexcept {
-  return Fails("sendfile", to) ? -1 : REAL(sendfile)(to, from, at, size);
-}
-ssize_t sendfile64(int to, int from, off64_t* at, size_t size) noexcept {
-  return Fails("sendfile", to) ? -1 : REAL(sendfile64)(to, from, at, size);
-}
-int ftruncate(int fd, off_t size) noexcept {
-  return Fails("ftruncate", fd) ? -1 : REAL(ftruncate)(fd, size);
-}
-int ftruncate64(int fd, off64_t size) noexcept {
-  return Fails("ftruncate", fd) ? -1 : REAL(ftruncate64)(fd, size);
-}
+CALL(int, mkdir, (const char* path, mode_t mode) noexcept, (path, mode), Fails("mkdir", path))
+CALL(int, mkdirat, (int folder, const char* path, mode_t mode) noexcept, (folder, path, mode),
+     FailsAt("mkdir", folder, path))
+CALL(int, rename, (const char* from, const char* to) noexcept, (from, to), Fails("rename", to))
+CALL(int, renameat, (int folder, const char* from, int toFolder, const char* to) noexcept, (folder, from, toFolder, to),
+     FailsAt("rename", toFolder, to))
+CALL(int, renameat2, (int folder, const char* from, int toFolder, const char* to, unsigned flags) noexcept,
+     (folder, from, toFolder, to, flags), FailsAt("rename", toFolder, to))
+CALL(int, link, (const char* from, const char* to) noexcept, (from, to), Fails("link", to))
+CALL(int, linkat, (int folder, const char* from, int toFolder, const char* to, int flags) noexcept,
+     (folder, from, toFolder, to, flags), FailsAt("link", toFolder, to))
+CALL(ssize_t, write, (int fd, const void* bytes, size_t size), (fd, bytes, size), Fails("write", fd))
+CALL(ssize_t, writev, (int fd, const iovec* parts, int count), (fd, parts, count), Fails("write", fd))
+CALL(ssize_t, pwrite, (int fd, const void* bytes, size_t size, off_t at), (fd, bytes, size, at), Fails("write", fd))
+CALL(ssize_t, pwrite64, (int fd, const void* bytes, size_t size, off64_t at), (fd, bytes, size, at), Fails("write", fd))
+CALL(ssize_t, copy_file_range, (int from, off64_t* fromAt, int to, off64_t* toAt, size_t size, unsigned flags),
+     (from, fromAt, to, toAt, size, flags), Fails("copy_file_range", to))
+CALL(ssize_t, sendfile, (int to, int from, off_t* at, size_t size) noexcept, (to, from, at, size),
+     Fails("sendfile", to))
+CALL(ssize_t, sendfile64, (int to, int from, off64_t* at, size_t size) noexcept, (to, from, at, size),
+     Fails("sendfile", to))
+CALL(int, ftruncate, (int fd, off_t size) noexcept, (fd, size), Fails("ftruncate", fd))
+CALL(int, ftruncate64, (int fd, off64_t size) noexcept, (fd, size), Fails("ftruncate", fd))
 
 int fsync(int fd) {
   if (Fails("fsync", fd)) return -1;
