@@ -54,7 +54,7 @@ void Replace(const fs::path& folder) {
   quillbox::OfflineDrives drives(quillbox::DriveMap{folder});
   quillbox::OfflineFiles files(drives);
   quillbox::RegistryFacts facts;
-  quillbox::ReplaceUserId(files, facts, quillbox::WinPath("C:\\in.reg"), quillbox::WinPath("C:\\ours.reg"), kNew);
+  quillbox::ReplaceUserId(files, facts, {quillbox::WinPath("C:\\in.reg"), quillbox::WinPath("C:\\ours.reg"), kNew});
 }
 
 /// Runs sed in the plain locale, which is its quickest.

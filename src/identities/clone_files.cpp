@@ -91,7 +91,9 @@ class IdentityCopier : public Copier {
   }
 
  private:
-  std::string Moved(std::string_view text) const { return ReplaceString(text, source_, destination_, Case::Match); }
+  std::string Moved(std::string_view text) const {
+    return ReplaceString(text, {.search = source_, .with = destination_}, Case::Match);
+  }
   void PutOwn(std::string_view name) {
     for (const OwnValue& value : own_) {
       if (EqualIgnoreCase(value.name, name)) writer_.Value(value.name, value.type, value.data);
@@ -158,10 +160,10 @@ std::string RewriteAccounts(const RegText& file, const CodePage& codePage, const
                  [&](RegFileWriter& writer) { return std::make_unique<AccountsCopier>(file, writer, destination); });
 }
 
-std::string StoreRootFile(const std::string& destination, const std::string& folder, bool endsWithLine) {
+std::string StoreRootFile(const StoreRoot& root, bool endsWithLine) {
   std::string text = std::string(kRegedit4Header) + "\r\n \r\n[" +
-                     FullName(CurrentUser(IdentitySettingsKey(destination))) + "]\r\n\"Store Root\"=hex(2):";
-  for (const char c : folder) {
+                     FullName(CurrentUser(IdentitySettingsKey(root.userId))) + "]\r\n\"Store Root\"=hex(2):";
+  for (const char c : root.folder) {
     std::array<char, 8> code{};
     std::snprintf(code.data(), code.size(), "%X,", static_cast<unsigned>(static_cast<unsigned char>(c)));
     text += code.data();

@@ -37,8 +37,12 @@ std::string RewriteIdentity(const RegText& file, const CodePage& codePage, const
 /// The export of the accounts below HKEY_CURRENT_USER\SOFTWARE as one of those below the identity `destination`.
 std::string RewriteAccounts(const RegText& file, const CodePage& codePage, const std::string& destination);
 
-/// A file that sets the "Store Root" of `destination` to `folder`, without the NUL that a merge would need; on NT 4
-/// (`endsWithLine`) a line with a blank follows.
-std::string StoreRootFile(const std::string& destination, const std::string& folder, bool endsWithLine);
+struct StoreRoot {
+  std::string userId;
+  std::string folder;
+};
+/// A file that sets the "Store Root" of an identity, without the NUL that a merge would need; on NT 4 (`endsWithLine`)
+/// a line with a blank follows.
+std::string StoreRootFile(const StoreRoot& root, bool endsWithLine);
 
 }  // namespace quillbox

@@ -87,7 +87,7 @@ void IdentityClone::CloneSettings() {
   if (hasAccounts) CloneAccounts();
   if (IsNtFamily(store_.GetOsCode())) {
     platform_.GetFiles().WriteFile(File(kStoreRootFile),
-                                   StoreRootFile(request_.destination, UnexpandedStoreFolder(request_.destination),
+                                   StoreRootFile({request_.destination, UnexpandedStoreFolder(request_.destination)},
                                                  store_.GetOsCode() == OsCode::NT));
   }
 }

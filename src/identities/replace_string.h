@@ -26,24 +26,30 @@ std::size_t FindString(std::basic_string_view<Unit> text, std::basic_string_view
   return found == text.end() ? text.npos : static_cast<std::size_t>(found - text.begin());
 }
 
-/// `text` with every occurrence of `search` replaced; what was put in is not searched again.
+/// What is searched for, and what takes its place.
 template <class Unit>
-std::basic_string<Unit> ReplaceString(std::basic_string_view<Unit> text, std::basic_string_view<Unit> search,
-                                      std::basic_string_view<Unit> replacement, Case matchCase) {
+struct Replacement {
+  std::basic_string_view<Unit> search;
+  std::basic_string_view<Unit> with;
+};
+
+/// `text` with every occurrence of `what.search` replaced; what was put in is not searched again.
+template <class Unit>
+std::basic_string<Unit> ReplaceString(std::basic_string_view<Unit> text, const Replacement<Unit>& what,
+                                      Case matchCase) {
   std::basic_string<Unit> replaced;
   std::size_t done = 0;
-  while (!search.empty()) {
-    const std::size_t at = FindString(text, search, done, matchCase);
+  while (!what.search.empty()) {
+    const std::size_t at = FindString(text, what.search, done, matchCase);
     if (at == text.npos) break;
-    replaced.append(text, done, at - done).append(replacement);
-    done = at + search.size();
+    replaced.append(text, done, at - done).append(what.with);
+    done = at + what.search.size();
   }
   return replaced.append(text, done, text.npos);
 }
 
-inline std::string ReplaceString(std::string_view text, std::string_view search, std::string_view replacement,
-                                 Case matchCase) {
-  return ReplaceString<char>(text, search, replacement, matchCase);
+inline std::string ReplaceString(std::string_view text, const Replacement<char>& what, Case matchCase) {
+  return ReplaceString<char>(text, what, matchCase);
 }
 
 }  // namespace quillbox

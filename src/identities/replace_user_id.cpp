@@ -138,8 +138,12 @@ class Rewriter {
  public:
   using Text = std::basic_string<Unit>;
   using View = std::basic_string_view<Unit>;
-  Rewriter(Output& output, Text old, Text replacement)
-      : output_(output), old_(std::move(old)), replacement_(std::move(replacement)) {}
+  struct UserIds {
+    Text old;
+    Text replacement;
+  };
+  Rewriter(Output& output, UserIds userIds)
+      : output_(output), old_(std::move(userIds.old)), replacement_(std::move(userIds.replacement)) {}
 
   void Run(Pieces<Unit>& pieces) {
     static constexpr Unit kLineEnd[] = {'\r', '\n'};
@@ -163,7 +167,7 @@ class Rewriter {
       const std::size_t start = std::max(piece.rfind('\n', at) + 1, done);
       output_.Put(piece.substr(done, start - done));
       done = std::min(piece.find('\r', at), piece.size());
-      output_.Put(View(ReplaceString<Unit>(piece.substr(start, done - start), old_, replacement_, Case::Ignore)));
+      output_.Put(View(ReplaceString<Unit>(piece.substr(start, done - start), {old_, replacement_}, Case::Ignore)));
     }
     output_.Put(piece.substr(done));
   }
@@ -255,21 +259,20 @@ std::string FindOldUserId(FileSystem& files, SystemFacts& facts, const WinPath& 
   return Source(files, facts, input).FindOld();
 }
 
-void ReplaceUserId(FileSystem& files, SystemFacts& facts, const WinPath& input, const WinPath& output,
-                   const std::string& userId) {
-  const std::string old = FindOldUserId(files, facts, input);
-  Source source(files, facts, input);
-  const std::string replacement = source.Encoded(userId);
-  const std::unique_ptr<FileWriter> file = files.StartFile(output);
+void ReplaceUserId(FileSystem& files, SystemFacts& facts, const UserIdReplacement& what) {
+  const std::string old = FindOldUserId(files, facts, what.input);
+  Source source(files, facts, what.input);
+  const std::string replacement = source.Encoded(what.userId);
+  const std::unique_ptr<FileWriter> file = files.StartFile(what.output);
   Output out(*file);
   if (old.empty()) {
-    CopyAsItIs(*files.OpenForReading(input), out);
+    CopyAsItIs(*files.OpenForReading(what.input), out);
   } else if (out.Put(source.MarkBytes()); source.IsUtf16()) {
     auto lines = source.Lines<char16_t>();
-    Rewriter<char16_t>(out, ToUtf16(old), ToUtf16(userId)).Run(lines);
+    Rewriter<char16_t>(out, {ToUtf16(old), ToUtf16(what.userId)}).Run(lines);
   } else {
     auto lines = source.Lines<char>();
-    Rewriter<char>(out, source.Encoded(old), replacement).Run(lines);
+    Rewriter<char>(out, {source.Encoded(old), replacement}).Run(lines);
   }
   out.Flush();
   file->Commit();

@@ -20,11 +20,15 @@ WinPath ReplacedFile(const WinPath& backupFolder, const WinPath& input);
 /// "{", or when the line ends before them. Throws Error when the file cannot be read.
 std::string FindOldUserId(FileSystem& files, SystemFacts& facts, const WinPath& input);
 
-/// Writes `output`, whole or not at all: each line of `input` that holds the old {USER_ID} exactly has it replaced by
-/// `userId` in whatever case it occurs there; the other lines stay. Lines end with CR LF. A file without an old
+struct UserIdReplacement {
+  WinPath input;
+  WinPath output;
+  std::string userId;  ///< the new one
+};
+/// Writes the output, whole or not at all: each line of the input that holds the old {USER_ID} exactly has it replaced
+/// by `userId` in whatever case it occurs there; the other lines stay. Lines end with CR LF. A file without an old
 /// {USER_ID} is copied as it is. Throws Error when a file cannot be read or written, or when the input's encoding
 /// cannot hold `userId`.
-void ReplaceUserId(FileSystem& files, SystemFacts& facts, const WinPath& input, const WinPath& output,
-                   const std::string& userId);
+void ReplaceUserId(FileSystem& files, SystemFacts& facts, const UserIdReplacement& what);
 
 }  // namespace quillbox

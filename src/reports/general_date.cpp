@@ -28,14 +28,13 @@ constexpr StyleRow kStyle[] = {
     {"sTime", &DateStyle::timeSeparator},  {"s1159", &DateStyle::morning},    {"s2359", &DateStyle::afternoon},
 };
 
-std::string Digits(int number, std::size_t width) {
-  std::string digits = std::to_string(number);
+std::string Padded(const std::string& digits, std::size_t width) {
   return std::string(width - std::min(width, digits.size()), '0') + digits;
 }
 
 /// A day or month as a number of one or two digits, as an abbreviated name, or as a full name.
 std::string NumberOrName(int number, std::string_view name, std::size_t width) {
-  if (width <= 2) return Digits(number, width);
+  if (width <= 2) return Padded(std::to_string(number), width);
   return std::string(width == kAbbreviated ? name.substr(0, kAbbreviated) : name);
 }
 
@@ -72,15 +71,15 @@ class Picture {
       case 'M':
         return NumberOrName(when_.tm_mon + 1, kMonths[when_.tm_mon], width);
       case 'y':
-        return width > 2 ? std::to_string(year) : Digits(year % 100, width);
+        return width > 2 ? std::to_string(year) : Padded(std::to_string(year % 100), width);
       case 'h':
-        return Digits(half, width);
+        return Padded(std::to_string(half), width);
       case 'H':
-        return Digits(when_.tm_hour, width);
+        return Padded(std::to_string(when_.tm_hour), width);
       case 'm':
-        return Digits(when_.tm_min, width);
+        return Padded(std::to_string(when_.tm_min), width);
       case 's':
-        return Digits(when_.tm_sec, width);
+        return Padded(std::to_string(when_.tm_sec), width);
       case 't':
         return width == 1 ? ToUtf8(ToUtf16(mark).substr(0, 1)) : mark;
       case '/':

@@ -101,7 +101,7 @@ SettingsEditor::Outcome SettingsEditor::Write(const Setting& setting, const std:
       }
       break;
     case WrittenAs::Number:
-      return WriteNumber(setting, userId, text);
+      return WriteNumber(userId, setting, text);
     case WrittenAs::Text:
       Store(setting, userId, text);
       return {.isWritten = true};
@@ -109,7 +109,7 @@ SettingsEditor::Outcome SettingsEditor::Write(const Setting& setting, const std:
   return {};
 }
 
-SettingsEditor::Outcome SettingsEditor::WriteNumber(const Setting& setting, const std::string& userId,
+SettingsEditor::Outcome SettingsEditor::WriteNumber(const std::string& userId, const Setting& setting,
                                                     const std::string& text) {
   const NumberEntry& entry = setting.written.entry;
   const auto refused = [&] { return Outcome{.message = std::string(entry.expected)}; };

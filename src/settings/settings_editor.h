@@ -45,7 +45,7 @@ class SettingsEditor {
   Presence Probe(const RegistryPath& path, std::string_view name);
   std::optional<std::string> Show(const Setting& setting, const RegValue& value) const;
   void Store(const Setting& setting, const std::string& userId, const RegValue& value);
-  Outcome WriteNumber(const Setting& setting, const std::string& userId, const std::string& text);
+  Outcome WriteNumber(const std::string& userId, const Setting& setting, const std::string& text);
 
   Log& log_;
   RegistryStore& store_;

@@ -40,11 +40,11 @@ TEST(CloneFiles, TheDestinationKeepsItsOwnValuesAndOnlyThose) {
 
 TEST(CloneFiles, TheStoreRootFileEndsAsItsWindowsWantsIt) {
   const std::string folder = "%UserProfile%\\Outlook Express\\";
-  const std::string file = StoreRootFile(kBob, folder, false);
+  const std::string file = StoreRootFile({kBob, folder}, false);
   EXPECT_THAT(file, HasSubstr("REGEDIT4\r\n \r\n" + KeyOf(kBob) +
                               "\\Software\\Microsoft\\Outlook Express\\5.0]\r\n\"Store Root\"=hex(2):25,55,73,65,"));
   EXPECT_TRUE(file.ends_with(",65,73,73,5C,")) << file;
-  EXPECT_EQ(StoreRootFile(kBob, folder, true), file + "\r\n \r\n");
+  EXPECT_EQ(StoreRootFile({kBob, folder}, true), file + "\r\n \r\n");
 }
 
 }  // namespace

@@ -24,7 +24,7 @@ class ReplaceUserIdTest : public ::testing::Test {
  protected:
   std::string Replaced(const std::string& content, const std::string& userId = kNew) {
     temp.File("in.reg", content);
-    ReplaceUserId(files, facts, WinPath("C:\\in.reg"), WinPath("C:\\out.reg"), userId);
+    ReplaceUserId(files, facts, {WinPath("C:\\in.reg"), WinPath("C:\\out.reg"), userId});
     return temp.Read("out.reg");
   }
 
@@ -35,10 +35,10 @@ class ReplaceUserIdTest : public ::testing::Test {
 };
 
 TEST(ReplaceString, GoesOnAfterWhatWasPutIn) {
-  EXPECT_EQ(ReplaceString("an AN An n", "an", "<an>", Case::Ignore), "<an> <an> <an> n");
-  EXPECT_EQ(ReplaceString("an AN", "an", "", Case::Match), " AN");
-  EXPECT_EQ(ReplaceString("aaa", "aa", "a", Case::Match), "aa");
-  EXPECT_EQ(ReplaceString("\xC3\xA4x", "", "y", Case::Ignore), "\xC3\xA4x");
+  EXPECT_EQ(ReplaceString("an AN An n", {"an", "<an>"}, Case::Ignore), "<an> <an> <an> n");
+  EXPECT_EQ(ReplaceString("an AN", {"an", ""}, Case::Match), " AN");
+  EXPECT_EQ(ReplaceString("aaa", {"aa", "a"}, Case::Match), "aa");
+  EXPECT_EQ(ReplaceString("\xC3\xA4x", {"", "y"}, Case::Ignore), "\xC3\xA4x");
 }
 
 TEST_F(ReplaceUserIdTest, ReplacesTheFirstUserIdInBothForms) {
@@ -93,7 +93,7 @@ TEST_F(ReplaceUserIdTest, NothingIsWrittenThatTheFileCannotHold) {
   EXPECT_EQ(temp.Read("out.reg"), "earlier");
   EXPECT_EQ(Replaced(Utf16(kOld + "\r\n"), "{Ж}"), Utf16("{Ж}\r\n"));
   EXPECT_EQ(Replaced(kOld, "{ä}"), "{\xE4}\r\n");
-  EXPECT_THROW(ReplaceUserId(files, facts, WinPath("C:\\none.reg"), WinPath("C:\\out.reg"), kNew), Error);
+  EXPECT_THROW(ReplaceUserId(files, facts, {WinPath("C:\\none.reg"), WinPath("C:\\out.reg"), kNew}), Error);
   EXPECT_EQ(ReplacedFile(WinPath("C:\\Bk"), WinPath("D:\\x\\a.b.reg")).Text(), "C:\\Bk\\Newa.reg");
 }
 

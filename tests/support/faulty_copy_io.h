@@ -41,9 +41,7 @@ struct FaultyCopyIo : CopyIo {
     }
     return CopyIo::Read(from, offset, buffer);
   }
-  std::size_t CopyInKernel(int /*from*/, std::uint64_t /*offset*/, NewFile& /*to*/, std::size_t /*count*/) override {
-    return 0;
-  }
+  std::size_t CopyInKernel(int /*from*/, NewFile& /*to*/, FilePart /*part*/) override { return 0; }
   void Write(NewFile& to, std::string_view bytes) override {
     const int code = onWrite ? onWrite() : writeError;
     if (code != 0) ThrowErrno(code);

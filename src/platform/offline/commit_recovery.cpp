@@ -69,7 +69,7 @@ void PutInPlace(const Part& part, Log& log) {
     KeepBeside(part.target, Beside(part.target, HiveFile::kKeptSuffix), KeepHow::SecondName);
     KeepLogsOf(part.target, HiveFile::kKeptSuffix, log);
   }
-  MoveIntoPlace(part.staged, part.target, kDoing);
+  MoveIntoPlace({.from = part.staged, .to = part.target}, kDoing);
   log.Write(part.target.Path().string() + ": replaced by what an interrupted command had made of it");
 }
 

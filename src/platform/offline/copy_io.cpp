@@ -19,9 +19,9 @@ std::size_t CopyIo::Read(int from, std::uint64_t offset, std::span<char> buffer)
   }
 }
 
-std::size_t CopyIo::CopyInKernel(int from, std::uint64_t offset, NewFile& to, std::size_t count) {
-  auto position = static_cast<off_t>(offset);
-  const ssize_t copied = copy_file_range(from, &position, to.Fd(), nullptr, count, 0);
+std::size_t CopyIo::CopyInKernel(int from, NewFile& to, FilePart part) {
+  auto position = static_cast<off_t>(part.offset);
+  const ssize_t copied = copy_file_range(from, &position, to.Fd(), nullptr, part.size, 0);
   if (copied < 0 && (errno == ENOSPC || errno == EDQUOT || errno == EFBIG)) ThrowErrno(errno);
   return copied > 0 ? static_cast<std::size_t>(copied) : 0;
 }

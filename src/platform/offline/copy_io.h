@@ -11,6 +11,12 @@
 
 namespace quillbox {
 
+/// Bytes of a file.
+struct FilePart {
+  std::uint64_t offset;
+  std::size_t size;
+};
+
 /// Every call throws std::system_error when it fails, unless it says otherwise.
 class CopyIo {
  public:
@@ -18,9 +24,9 @@ class CopyIo {
   virtual std::unique_ptr<NewFile> Create(const HostPlace& target);
   /// Reads from `offset`, at most as much as `buffer` holds; the bytes read, 0 at the file's end.
   virtual std::size_t Read(int from, std::uint64_t offset, std::span<char> buffer);
-  /// Appends up to `count` bytes from `offset` without bringing them here; the bytes copied. 0 when the kernel cannot
+  /// Appends `part`, or its beginning, without bringing it here; the bytes copied. 0 when the kernel cannot
   /// copy between these files, or cannot read there: Read then reports the reason.
-  virtual std::size_t CopyInKernel(int from, std::uint64_t offset, NewFile& to, std::size_t count);
+  virtual std::size_t CopyInKernel(int from, NewFile& to, FilePart part);
   virtual void Write(NewFile& to, std::string_view bytes);
   /// Flushes the file to the disk. Called on another thread than the rest.
   virtual void Flush(NewFile& file);

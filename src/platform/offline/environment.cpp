@@ -69,12 +69,16 @@ void AddMachine(Registry& registry, const EnvironmentPlaces& places, Environment
                                                                      {"TMP", windows + "\\TEMP"}}};
   for (const auto& [name, value] : plain) environment.Set(name, value);
 
-  const auto fromRegistry = [&](const char* variable, const char* value, const std::string& otherwise) {
-    const std::optional<std::string> text = ReadText(registry, kCurrentVersion, value);
-    environment.Set(variable, environment.Expand(text.value_or(otherwise)));
-  };
-  fromRegistry("ProgramFiles", "ProgramFilesDir", drive + "\\Program Files");
-  fromRegistry("CommonProgramFiles", "CommonFilesDir", drive + "\\Program Files\\Common Files");
+  const struct {
+    const char* variable;
+    const char* value;
+    const char* otherwise;  // on the system's drive
+  } stored[] = {{"ProgramFiles", "ProgramFilesDir", "\\Program Files"},
+                {"CommonProgramFiles", "CommonFilesDir", "\\Program Files\\Common Files"}};
+  for (const auto& row : stored) {
+    const std::optional<std::string> text = ReadText(registry, kCurrentVersion, row.value);
+    environment.Set(row.variable, environment.Expand(text.value_or(drive + row.otherwise)));
+  }
 }
 
 void AddAllUsers(Registry& registry, const EnvironmentPlaces& places, Environment& environment) {

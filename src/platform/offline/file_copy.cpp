@@ -63,7 +63,7 @@ class Pass {
  public:
   enum class End { Filled, LeftOut, Stopped, SourceChanged };
 
-  Pass(int from, std::uint64_t total, NewFile& to, CopyIo& io, CopyWatcher& watcher)
+  Pass(int from, NewFile& to, CopyIo& io, CopyWatcher& watcher, std::uint64_t total)
       : from_(from), total_(total), to_(to), io_(io), watcher_(watcher) {}
 
   End Run() {
@@ -80,7 +80,7 @@ class Pass {
   bool CopyInKernel() {
     const std::uint64_t wanted = std::min(kSteps[0], total_ - done_);
     const std::size_t copied =
-        About(CopyFault::At::Target, [&] { return io_.CopyInKernel(from_, done_, to_, wanted); });
+        About(CopyFault::At::Target, [&] { return io_.CopyInKernel(from_, to_, {.offset = done_, .size = wanted}); });
     inKernel_ = copied > 0;
     Advance(copied);
     return inKernel_;
@@ -171,7 +171,7 @@ std::optional<FilledFile> FillOnce(const CopyEnds& ends, CopyIo& io, CopyWatcher
   FilledFile filled;
   filled.file = About(CopyFault::At::Target, ends.createTarget);
   filled.size = static_cast<std::uint64_t>(before.st_size);
-  Pass pass(from.Get(), filled.size, *filled.file, io, watcher);
+  Pass pass(from.Get(), *filled.file, io, watcher, filled.size);
   switch (pass.Run()) {
     case Pass::End::SourceChanged:
       return std::nullopt;

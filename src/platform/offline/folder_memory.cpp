@@ -52,11 +52,11 @@ std::string Canonical(const fs::path& path) {
 
 }  // namespace
 
-FolderMemory::FolderMemory(const fs::path& stateFolder, const fs::path& disk, std::string profile,
-                           OfflineDrives& drives, Registry& registry)
+FolderMemory::FolderMemory(const fs::path& stateFolder, ProfileOnDisk profile, OfflineDrives& drives,
+                           Registry& registry)
     : folder_(stateFolder / "backup-folders"),
-      disk_(Canonical(disk)),
-      profile_(std::move(profile)),
+      disk_(Canonical(profile.disk)),
+      profile_(std::move(profile.name)),
       drives_(drives),
       registry_(registry) {
   file_ = folder_ / HashName(disk_ + '\0' + profile_);

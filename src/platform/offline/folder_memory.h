@@ -13,11 +13,17 @@
 
 namespace quillbox {
 
+/// Whose choices are remembered: a person's, for one disk.
+struct ProfileOnDisk {
+  std::filesystem::path disk;
+  std::string name;
+};
+
 class FolderMemory : public ChosenFolders {
  public:
   /// `disk` is the folder that is C:\ . The other two must outlive this object.
-  FolderMemory(const std::filesystem::path& stateFolder, const std::filesystem::path& disk, std::string profile,
-               OfflineDrives& drives, Registry& registry);
+  FolderMemory(const std::filesystem::path& stateFolder, ProfileOnDisk profile, OfflineDrives& drives,
+               Registry& registry);
 
   std::optional<FolderFault> FaultOf(const WinPath& folder) const override;
   bool IsChosen(const WinPath& folder) override;

@@ -145,7 +145,7 @@ void HiveFile::Publish() try {
   if (staged_ == Staged::No) return;
   if (staged_ == Staged::Ready) {
     CheckWritable();
-    MoveIntoPlace(StagedFile(), TargetFile(), kWriting);
+    MoveIntoPlace({.from = StagedFile(), .to = TargetFile()}, kWriting);
     NoteWritten();
   } else {
     FlushFolder(OpenFolder(TargetFile().Folder()).Get());

@@ -41,22 +41,28 @@ std::string_view AsText(ByteView bytes) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};  // NOLINT: bytes as they are
 }
 
-void CopyAttribute(int from, int to, const char* name) {
+/// Two open files.
+struct FromTo {
+  int from;
+  int to;
+};
+
+void CopyAttribute(FromTo files, const char* name) {
   std::vector<char> value(kMaxAttributeBytes);
-  const ssize_t size = fgetxattr(from, name, value.data(), value.size());
-  if (size >= 0) static_cast<void>(fsetxattr(to, name, value.data(), static_cast<std::size_t>(size), 0));
+  const ssize_t size = fgetxattr(files.from, name, value.data(), value.size());
+  if (size >= 0) static_cast<void>(fsetxattr(files.to, name, value.data(), static_cast<std::size_t>(size), 0));
 }
 
-void CopyExtendedAttributes(int from, int to) {
+void CopyExtendedAttributes(FromTo files) {
   std::vector<char> names(kMaxAttributeBytes);
-  const ssize_t size = flistxattr(from, names.data(), names.size());
+  const ssize_t size = flistxattr(files.from, names.data(), names.size());
   const std::string_view list(names.data(), size > 0 ? static_cast<std::size_t>(size) : 0);
   for (std::size_t at = 0; at < list.size();) {
     const std::string name(list.substr(at, list.find('\0', at) - at));
-    CopyAttribute(from, to, name.c_str());
+    CopyAttribute(files, name.c_str());
     at += name.size() + 1;
   }
-  for (const char* name : kNtfsAttributes) CopyAttribute(from, to, name);
+  for (const char* name : kNtfsAttributes) CopyAttribute(files, name);
 }
 
 /// Copies owner, permissions and attributes of `like` to the open file `to`, as far as the file system has them.
@@ -66,7 +72,7 @@ void CopyFileAttributes(const HostPlace& like, int to) try {
   if (fstat(from.Get(), &info) != 0) return;
   static_cast<void>(!fchown(to, info.st_uid, info.st_gid));
   static_cast<void>(!fchmod(to, info.st_mode & 07777));  // after the owner, whose change clears bits
-  CopyExtendedAttributes(from.Get(), to);
+  CopyExtendedAttributes({from.Get(), to});
   __u32 fatAttributes = 0;
   if (ioctl(from.Get(), FAT_IOCTL_GET_ATTRIBUTES, &fatAttributes) == 0) {
     ioctl(to, FAT_IOCTL_SET_ATTRIBUTES, &fatAttributes);
@@ -167,15 +173,15 @@ HostPlace Beside(const HostPlace& file, const char* suffix) {
   return file.Folder().Join(file.Name() + suffix);
 }
 
-void MoveIntoPlace(const HostPlace& from, const HostPlace& file, const std::string& doing) try {
-  const OpenPlace target = OpenFolderOf(file);
+void MoveIntoPlace(const HostMove& move, const std::string& doing) try {
+  const OpenPlace target = OpenFolderOf(move.to);
   const int folder = target.folder.Get();
-  if (renameat(folder, from.Name().c_str(), folder, target.name.c_str()) != 0) ThrowErrno(errno);
+  if (renameat(folder, move.from.Name().c_str(), folder, target.name.c_str()) != 0) ThrowErrno(errno);
   FlushFolder(folder);
 } catch (const FolderFlushError& error) {
-  throw HostFileError(doing, file, error.code(), true);
+  throw HostFileError(doing, move.to, error.code(), true);
 } catch (const std::system_error& error) {
-  throw HostFileError(doing, file, error.code());
+  throw HostFileError(doing, move.to, error.code());
 }
 
 bool IsOrdinaryEntry(const HostPlace& file) try {

@@ -53,9 +53,13 @@ void ReplaceHostFile(const HostPlace& file, ByteView bytes, const std::string& d
 
 /// The entry beside `file` whose name is the file's with `suffix` at the end.
 HostPlace Beside(const HostPlace& file, const char* suffix);
-/// Gives `from` the name of `file`, which is in the same folder, in one step, and flushes the folder. Throws
-/// HostFileError.
-void MoveIntoPlace(const HostPlace& from, const HostPlace& file, const std::string& doing);
+/// A file and the name that it gets, in the same folder.
+struct HostMove {
+  const HostPlace& from;
+  const HostPlace& to;
+};
+/// Gives `move.from` the name of `move.to` in one step, and flushes the folder. Throws HostFileError.
+void MoveIntoPlace(const HostMove& move, const std::string& doing);
 /// True for an ordinary file under this very name; false for a link to one.
 bool IsOrdinaryEntry(const HostPlace& file);
 /// Removes a file or a link itself. False with errno when it stays.

@@ -36,8 +36,8 @@ unsigned char TypeOf(int folder, const char* name) {
 
 }  // namespace
 
-HostWalk::HostWalk(HostPlace host, std::string root, const std::string& pattern)
-    : host_(std::move(host)), pattern_(pattern), path_(std::move(root)) {}
+HostWalk::HostWalk(HostPlace host, const WinPath& root, const std::string& pattern)
+    : host_(std::move(host)), pattern_(pattern), path_(WithBackslash(root.Text())) {}
 
 bool HostWalk::Step(WalkStep& step) {
   step.files.clear();

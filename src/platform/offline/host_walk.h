@@ -21,7 +21,7 @@ namespace quillbox {
 class HostWalk : public FolderWalk {
  public:
   /// Walks `host`, which is reported as `root` (final backslash included).
-  HostWalk(HostPlace host, std::string root, const std::string& pattern);
+  HostWalk(HostPlace host, const WinPath& root, const std::string& pattern);
 
   bool Step(WalkStep& step) override;
 

@@ -80,10 +80,9 @@ std::unique_ptr<FileFinder> OfflineFiles::Find(const WinPath& pattern) {
 std::unique_ptr<FolderWalk> OfflineFiles::Walk(const WinPath& root, const std::string& pattern) {
   if (root.Empty()) return std::make_unique<RefusedWalk>(std::nullopt);
   const PlaceResult place = drives_.PlaceOf(root);
-  const std::string shown = WithBackslash(root.Text());
-  if (place) return std::make_unique<HostWalk>(*place, shown, pattern);
+  if (place) return std::make_unique<HostWalk>(*place, root, pattern);
   std::optional<std::string> refusal = RefusalOf(root);
-  if (refusal) refusal = shown + ": " + *refusal;
+  if (refusal) refusal = WithBackslash(root.Text()) + ": " + *refusal;
   return std::make_unique<RefusedWalk>(std::move(refusal));
 }
 

@@ -73,7 +73,7 @@ OfflinePlatform::OfflinePlatform(const OfflineOptions& options, Dialogs& dialogs
       drives_(DriveMap(disk_.folder, options.drives)),
       files_(drives_),
       registry_(clock_, files_, log_),
-      chosenFolders_(stateFolder_, disk_.folder, profile_.name, drives_, registry_),
+      chosenFolders_(stateFolder_, {disk_.folder, profile_.name}, drives_, registry_),
       shell_(files_, facts_, dialogs_, log_),
       processes_(registry_, drives_, log_, EditorFor(disk_, profile_, options, lock_)) {
   MountHives(options.readOnly ? HiveMode::Read : HiveMode::Write);

@@ -66,7 +66,7 @@ void Form1::repUSERID_Click() {
   if (userId.empty()) return;
   const HourglassScope hourglass(*this);
   const WinPath output = ReplacedFile(WinPath(TextOrNone(session_.ShownBackupFolder())), *input);
-  ReplaceUserId(files, facts, *input, output, userId);
+  ReplaceUserId(files, facts, {*input, output, userId});
   sb1.panels[0] = "File Saved as: " + output.Text();
 }
 

@@ -83,7 +83,8 @@ void Form17::cmdReplace_Click() {
   if (!input_) return;
   const HourglassScope hourglass(*this);
   const WinPath output = ReplacedFile(WinPath(TextOrNone(session_.ShownBackupFolder())), *input_);
-  ReplaceUserId(session_.platform.GetFiles(), session_.platform.GetSystemFacts(), *input_, output, cmboUserIDs97.text);
+  ReplaceUserId(session_.platform.GetFiles(), session_.platform.GetSystemFacts(),
+                {*input_, output, cmboUserIDs97.text});
   output_ = output;
   lblFinished.caption = "File Saved as: " + output.Text();
 }

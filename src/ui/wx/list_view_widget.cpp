@@ -39,6 +39,7 @@ class Rows : public wxDataViewVirtualListModel {
     }
   }
 
+  // NOLINTNEXTLINE(bugprone-easily-swappable-parameters): the toolkit's own
   bool SetValueByRow(const wxVariant& value, unsigned row, unsigned column) override {
     if (column != 0) return false;
     wxDataViewCheckIconText cell;

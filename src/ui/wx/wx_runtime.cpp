@@ -29,6 +29,7 @@ class App : public wxApp {
     return true;
   }
 
+  // NOLINTNEXTLINE(bugprone-easily-swappable-parameters): the toolkit's own
   void OnAssertFailure(const wxChar* file, int line, const wxChar* function, const wxChar* condition,
                        const wxChar* message) override {
     std::cerr << "toolkit: " << FromWx(file) << ':' << line << " in " << FromWx(function) << ": " << FromWx(condition);

@@ -19,7 +19,7 @@ struct FolderMemoryTest : testing::Test {
     registry.DeleteTree({RegistryRoot::CurrentUser, std::string("Identities\\") + userId});
   }
   /// A new start of the program on the disk.
-  FolderMemory Memory(const char* profile = "Ann") { return {state, c, profile, drives, registry}; }
+  FolderMemory Memory(const char* profile = "Ann") { return {state, {c, profile}, drives, registry}; }
   static WinPath OnZ(const std::filesystem::path& host) {
     std::string path = "Z:" + host.string();
     std::replace(path.begin(), path.end(), '/', '\\');
@@ -48,9 +48,9 @@ TEST_F(FolderMemoryTest, AChoiceIsRememberedForItsDiskAndProfile) {
   EXPECT_TRUE(Memory().IsChosen(WinPath(OnZ(temp / "HOME").Text() + "/x/../backup\\"))) << "under any of its names";
   EXPECT_FALSE(Memory("Bob").IsChosen(OnZ(home)));
   EXPECT_FALSE(Memory().IsChosen(OnZ(temp / "home")));
-  EXPECT_FALSE(FolderMemory(state, d, "Ann", drives, registry).IsChosen(OnZ(home)));
+  EXPECT_FALSE(FolderMemory(state, {d, "Ann"}, drives, registry).IsChosen(OnZ(home)));
   std::filesystem::create_directory_symlink(c, temp / "link");
-  EXPECT_TRUE(FolderMemory(state, temp / "link", "Ann", drives, registry).IsChosen(OnZ(home)));
+  EXPECT_TRUE(FolderMemory(state, {temp / "link", "Ann"}, drives, registry).IsChosen(OnZ(home)));
 
   Memory().Choose(OnZ(temp / "home"));
   EXPECT_FALSE(Memory().IsChosen(OnZ(home))) << "another was chosen since";
