@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "support/registry_snapshot.h"
 #include "support/sample_platform.h"
 #include "ui/forms/program_windows.h"
 
@@ -12,6 +13,8 @@ namespace quillbox {
 class SampleWindows : public SamplePlatform {
  protected:
   static constexpr const char* kBackup = "D:\\Backup";
+
+  void SetUp() override { MakeDisk(); }
 
   void OpenDisk() override {
     windows.reset();
@@ -38,6 +41,16 @@ class SampleWindows : public SamplePlatform {
     Store().SetKeyValue(kIdentitiesKey, "Quillbox", folder, ValueType::Sz);
   }
   std::filesystem::path BackupFolderOnHost() const { return sample.driveD / "Backup"; }
+  std::filesystem::path OnHost(const std::string& path) {
+    return platform->offline.GetDrives().HostPath(WinPath(path));
+  }
+  const std::vector<IdentityInfo>& Identities() { return windows->session.Catalogue().identities; }
+  void SetUsername(const std::string& userId, const std::string& username) {
+    Store().SetKeyValue(IdentityKey(userId), "Username", username, ValueType::Sz);
+  }
+  RegistrySnapshot Snapshot(const char* key = kIdentitiesKey) {
+    return SnapshotOf(platform->GetRegistry(), CurrentUser(key));
+  }
 
   std::unique_ptr<ProgramWindows> windows;
 };

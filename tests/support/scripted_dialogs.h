@@ -56,6 +56,12 @@ struct ScriptedDialogs : Dialogs {
   ScriptedDialogs(const ScriptedDialogs&) = delete;
   ScriptedDialogs& operator=(const ScriptedDialogs&) = delete;
 
+  /// The texts of all messages shown.
+  std::vector<std::string> Texts() const {
+    std::vector<std::string> texts;
+    for (const Message& message : messages) texts.push_back(message.text);
+    return texts;
+  }
   /// The text of the message shown last; empty when there was none.
   std::string LastMessage() const { return messages.empty() ? std::string() : messages.back().text; }
 

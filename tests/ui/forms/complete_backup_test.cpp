@@ -1,6 +1,5 @@
 #include "support/faulty_copy_io.h"
 #include "support/file_size_limit.h"
-#include "support/registry_snapshot.h"
 #include "support/sample_ids.h"
 #include "support/sample_windows.h"
 
@@ -25,13 +24,9 @@ class CompleteBackupTest : public SampleWindows {
     MakeDisk();
     form = &Start();
   }
-  const std::vector<IdentityInfo>& Identities() { return windows->session.Catalogue().identities; }
   const IdentityInfo& Identity(const std::string& username) {
     return *std::find_if(Identities().begin(), Identities().end(),
                          [&](const IdentityInfo& identity) { return identity.username == username; });
-  }
-  std::filesystem::path OnHost(const std::string& path) {
-    return platform->offline.GetDrives().HostPath(WinPath(path));
   }
   std::filesystem::path StoreOf(const std::string& username) { return OnHost(Identity(username).FolderText()); }
   /// Names and bytes of a store's files, those which no backup takes left out.
@@ -41,10 +36,6 @@ class CompleteBackupTest : public SampleWindows {
       if (IsStoreFileToCopy(name, Pop3Uidl::Skip) && name.ends_with(".dbx")) files[name] = Content(folder / name);
     }
     return files;
-  }
-  RegistrySnapshot Snapshot(const char* key) { return SnapshotOf(platform->GetRegistry(), CurrentUser(key)); }
-  void SetUsername(const std::string& userId, const char* username) {
-    Store().SetKeyValue(IdentityKey(userId), "Username", username, ValueType::Sz);
   }
   void CancelAddressBookRestore() { dialogs.openFileAnswers = {std::nullopt}; }
 
@@ -123,9 +114,8 @@ TEST_F(CompleteBackupTest, WithoutABackupFolderEachStepSaysSo) {
   windows->session.backupFolder.Reset();
   form->cmdComplete.click();
   const std::string folder = "Please select a backup folder or create one from the Tools menu";
-  std::vector<std::string> texts;
-  for (const Message& message : dialogs.messages) texts.push_back(message.text);
-  EXPECT_EQ(texts, (std::vector<std::string>{folder + ".", folder + " ", folder + ".", folder + ".", folder + "."}));
+  EXPECT_EQ(dialogs.Texts(),
+            (std::vector<std::string>{folder + ".", folder + " ", folder + ".", folder + ".", folder + "."}));
   dialogs.messages.clear();
   CancelAddressBookRestore();
   form->cmdRestore.click();

@@ -41,15 +41,7 @@ class HostileDiskTest : public SampleWindows {
   void SetBook(const std::string& file, const char* value = "") {
     Store().SetKeyValue(kAddressBookKey, value, file, ValueType::Sz);
   }
-  void SetUsername(const std::string& username) {
-    Store().SetKeyValue(IdentityKey(main), "Username", username, ValueType::Sz);
-  }
   std::string Stored() { return Read(kIdentitiesKey, "Quillbox").AsText(); }
-  std::vector<std::string> Texts() {
-    std::vector<std::string> texts;
-    for (const Message& message : dialogs.messages) texts.push_back(message.text);
-    return texts;
-  }
   Form1& Open() {
     windows->form1.Open();
     return windows->form1;
@@ -69,12 +61,12 @@ class HostileDiskTest : public SampleWindows {
 
 TEST_F(HostileDiskTest, OnePressOfTheQuickBackupInstallsNoProgram) {
   StoreBackupFolder(config);
-  SetUsername("autostart");
+  SetUsername(main, "autostart");
   SetBook("C:\\evil.desktop");
   const auto before = Host();
   dialogs.messageAnswers = {MessageAnswer::No};
   Form1& form = Open();
-  EXPECT_THAT(Texts(),
+  EXPECT_THAT(dialogs.Texts(),
               ElementsAre("The registry of this disk names " + config + " as the backup folder. Use it?", kAskStart));
   ASSERT_FALSE(dialogs.messages.empty());
   EXPECT_TRUE(dialogs.messages.front().noIsDefault);
@@ -141,12 +133,12 @@ TEST_F(HostileDiskTest, SystemFoldersAndTheDiskItselfAreNeitherOfferedNorTaken) 
     dialogs.messages.clear();
     dialogs.folderAnswers = {WinPath(folder)};
     form.menuBar.click("brbkfldr");
-    EXPECT_THAT(Texts(), ElementsAre(HasSubstr("\"" + folder + "\" cannot be the backup folder: it is ")));
+    EXPECT_THAT(dialogs.Texts(), ElementsAre(HasSubstr("\"" + folder + "\" cannot be the backup folder: it is ")));
     windows->form3.txtbkPth.type(folder);
     windows->form3.cmdSetPath.click();
     form.menuBar.click("addBookFile");
     EXPECT_EQ(dialogs.messages.size(), 3U);
-    EXPECT_THAT(Texts(), Each(HasSubstr("cannot be the backup folder")));
+    EXPECT_THAT(dialogs.Texts(), Each(HasSubstr("cannot be the backup folder")));
     EXPECT_EQ(Stored(), kBackup);
     EXPECT_EQ(windows->form2.txtbackupPath.caption, kBackup);
 
@@ -155,7 +147,7 @@ TEST_F(HostileDiskTest, SystemFoldersAndTheDiskItselfAreNeitherOfferedNorTaken) 
     OpenDisk();
     dialogs.messages.clear();
     EXPECT_EQ(Open().lblbkuppth.caption, "None Selected");
-    EXPECT_THAT(Texts(), ElementsAre(kAskStart));
+    EXPECT_THAT(dialogs.Texts(), ElementsAre(kAskStart));
     EXPECT_THAT(platform->log.lines, Contains(HasSubstr("cannot be the backup folder")));
     EXPECT_EQ(Stored(), folder);
   }
@@ -163,7 +155,7 @@ TEST_F(HostileDiskTest, SystemFoldersAndTheDiskItselfAreNeitherOfferedNorTaken) 
 
 TEST_F(HostileDiskTest, AUsernameLeadsNotFromAFolderAboveTheDiskIntoIt) {
   windows->session.backupFolder.Choose(WinPath(OnZ(temp / "disk")));
-  SetUsername("D");
+  SetUsername(main, "D");
   Form1& form = Open();
   form.cmbUserIDs.pick(main);
   form.cmdQuickBackup.click();
@@ -180,23 +172,23 @@ TEST_F(HostileDiskTest, AStoreOfThisComputerIsNeitherReadNorWritten) {
   const auto refusal = AllOf(HasSubstr(folder), HasSubstr("\"Store Root\" of HKEY_CURRENT_USER\\Identities\\" + main),
                              HasSubstr("that Windows has no such drive"));
   form.cmdQuickBackup.click();
-  EXPECT_THAT(Texts(), ElementsAre(refusal));
+  EXPECT_THAT(dialogs.Texts(), ElementsAre(refusal));
   EXPECT_THAT(Names(BackupFolderOnHost() / "Main Identity"), Not(Contains("Inbox.dbx")));
 
   dialogs.messages.clear();
   form.cmdComplete.click();
-  EXPECT_THAT(Texts(), ElementsAre(refusal));
+  EXPECT_THAT(dialogs.Texts(), ElementsAre(refusal));
   temp.File("disk/D/Backup/Main Identity/Inbox.dbx", "evil");
   temp.File("disk/D/Backup/Main Identity/.bashrc.dbx", "evil");
   dialogs.messages.clear();
   dialogs.openFileAnswers = {std::nullopt};
   form.cmdRestore.click();
-  EXPECT_THAT(Texts(), Contains(refusal));
+  EXPECT_THAT(dialogs.Texts(), Contains(refusal));
 
   dialogs.messages.clear();
   form.cmbUserIDs.pick(main);
   form.cmdOpenFolder.click();
-  EXPECT_THAT(Texts(), ElementsAre(refusal));
+  EXPECT_THAT(dialogs.Texts(), ElementsAre(refusal));
   EXPECT_THAT(platform->shell.explored, IsEmpty());
 
   form.menuBar.click("resDBX");
@@ -245,16 +237,16 @@ TEST_F(HostileDiskTest, AnAddressBookOfThisComputerIsNeitherReadNorWritten) {
   const auto refusal = AllOf(HasSubstr("the default value of HKEY_CURRENT_USER\\Software\\Microsoft\\WAB"),
                              HasSubstr("that Windows has no such drive"));
   form.cmdQuickBackup.click();
-  EXPECT_THAT(Texts(), ElementsAre(AllOf(HasSubstr(file), refusal)));
+  EXPECT_THAT(dialogs.Texts(), ElementsAre(AllOf(HasSubstr(file), refusal)));
   dialogs.messages.clear();
   form.cmdbkupall.click();
-  EXPECT_THAT(Texts(), ElementsAre(refusal)) << "once for all identities";
+  EXPECT_THAT(dialogs.Texts(), ElementsAre(refusal)) << "once for all identities";
   dialogs.openFileAnswers = {WinPath("C:\\evil.desktop"), std::nullopt};
   dialogs.folderAnswers = {WinPath("D:\\")};
   for (const char* item : {"addBookFile", "resWAB", "MoveWAB"}) {
     dialogs.messages.clear();
     form.menuBar.click(item);
-    EXPECT_THAT(Texts(), ElementsAre(refusal)) << item;
+    EXPECT_THAT(dialogs.Texts(), ElementsAre(refusal)) << item;
   }
   dialogs.messages.clear();
   form.cmdShowAdditionalInfo.click();
@@ -263,7 +255,7 @@ TEST_F(HostileDiskTest, AnAddressBookOfThisComputerIsNeitherReadNorWritten) {
   windows->form6.cmdBrowse1.click();
   EXPECT_THAT(dialogs.openFileDialogs.back().folder.Text(), Not(HasSubstr("Z:")));
   windows->form6.Command1.click();
-  EXPECT_THAT(Texts(), ElementsAre(refusal, refusal));
+  EXPECT_THAT(dialogs.Texts(), ElementsAre(refusal, refusal));
   EXPECT_THAT(windows->form9.lstFiles9.items.Get(), IsEmpty());
   EXPECT_THAT(platform->shell.explored, IsEmpty());
   EXPECT_THAT(Names(BackupFolderOnHost() / "Main Identity"), Not(Contains(EndsWith(".wab"))));
@@ -290,9 +282,9 @@ TEST_F(HostileDiskTest, TheAddressBookWindowsTakeTheDisksDrivesOnly) {
   windows->form9.cmdBrowse1.click();
   EXPECT_EQ(windows->form9.txtOutPath3.text, listed);
   windows->form1.menuBar.click("MoveWAB");
-  EXPECT_THAT(Texts(), ElementsAre(HasSubstr("\"WAB1\""), HasSubstr("\"WABBackup\""), HasSubstr("book.wab"),
-                                   HasSubstr("host"), HasSubstr("host")));
-  EXPECT_THAT(Texts(), Each(HasSubstr("that Windows has no such drive")));
+  EXPECT_THAT(dialogs.Texts(), ElementsAre(HasSubstr("\"WAB1\""), HasSubstr("\"WABBackup\""), HasSubstr("book.wab"),
+                                           HasSubstr("host"), HasSubstr("host")));
+  EXPECT_THAT(dialogs.Texts(), Each(HasSubstr("that Windows has no such drive")));
   EXPECT_EQ(form.sb1.panels[0], "");
   EXPECT_EQ(Read(kAddressBookKey, "").AsText(), inUse);
 }
@@ -307,18 +299,18 @@ TEST_F(HostileDiskTest, AnAddressBookWithAWayOutInItsNameStaysInTheBackup) {
 
 TEST_F(HostileDiskTest, AnIdentityWithAForgedNameIsOneLineAndCanBeChosen) {
   const std::string name = "Ann\n\nThe backup is complete.\u202E\x1B[2J";
-  SetUsername(name);
+  SetUsername(main, name);
   SetStore("C:\\Mail\nbox");
   Form1& form = OpenAtMain();
   form.cmbUserNames.pick(name);
   EXPECT_EQ(form.Label6.caption, main);
   form.cmdQuickBackup.click();
-  EXPECT_THAT(Texts(), ElementsAre(AllOf(HasSubstr("Ann\u240A\u240AThe backup is complete.\uFFFD\u241B[2J"),
-                                         HasSubstr("it contains a control character"), Not(HasSubstr("\n")))));
+  EXPECT_THAT(dialogs.Texts(), ElementsAre(AllOf(HasSubstr("Ann\u240A\u240AThe backup is complete.\uFFFD\u241B[2J"),
+                                                 HasSubstr("it contains a control character"), Not(HasSubstr("\n")))));
   temp.File("disk/D/Backup/note", "");
   dialogs.openFileAnswers = {std::nullopt};
   form.cmdRestore.click();
-  for (const std::string& text : Texts())
+  for (const std::string& text : dialogs.Texts())
     EXPECT_THAT(text, AllOf(Not(HasSubstr("\n\nThe backup")), Not(HasSubstr("\x1B"))));
 
   dialogs.saveFileAnswers = {WinPath("D:\\report.txt")};

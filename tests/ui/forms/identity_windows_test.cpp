@@ -1,7 +1,6 @@
 // The windows that manage identities, and the main window's commands beside them.
 #include "identities/create_identity.h"
 #include "identities/user_id.h"
-#include "support/registry_snapshot.h"
 #include "support/sample_ids.h"
 #include "support/sample_windows.h"
 
@@ -16,7 +15,6 @@ using ::testing::Not;
 
 class IdentityWindowsTest : public SampleWindows {
  protected:
-  void SetUp() override { MakeDisk(); }
   /// Starts the program and opens a window by its menu item.
   void OpenBy(const char* item, Form& form) {
     Start();
@@ -29,22 +27,16 @@ class IdentityWindowsTest : public SampleWindows {
     EXPECT_FALSE(form.visible);
     EXPECT_TRUE(windows->form1.visible);
   }
-  RegistrySnapshot Identities() { return SnapshotOf(platform->GetRegistry(), CurrentUser(kIdentitiesKey)); }
-  std::vector<std::string> MessageTexts() {
-    std::vector<std::string> texts;
-    for (const Message& message : dialogs.messages) texts.push_back(message.text);
-    return texts;
-  }
 };
 
 TEST_F(IdentityWindowsTest, ANewIdentityIsMadeOrNothingIs) {
   Form7& form = windows->form7;
   OpenBy("crtnewID", form);
-  const RegistrySnapshot before = Identities();
+  const RegistrySnapshot before = Snapshot();
   const auto expectNothing = [&] {
     form.cmdCreateNewIdentity.click();
     EXPECT_EQ(form.sb1.panels[0], "No New Identity Was Created.");
-    EXPECT_EQ(Identities(), before);
+    EXPECT_EQ(Snapshot(), before);
   };
   dialogs.messageAnswers = {MessageAnswer::No};
   expectNothing();
@@ -61,9 +53,9 @@ TEST_F(IdentityWindowsTest, ANewIdentityIsMadeOrNothingIs) {
   EXPECT_TRUE(IsUserId(userId));
   EXPECT_EQ(form.txtNewUsername.text, " Guest ");
   EXPECT_EQ(form.sb1.panels[0], "New {USER_ID} Created");
-  EXPECT_THAT(MessageTexts(), ElementsAre("This creates a new Identity in the registry.\nIf you do not wish to do "
-                                          "this, press the NO button",
-                                          "The new Identity: \n" + userId + "\nwill be created."));
+  EXPECT_THAT(dialogs.Texts(), ElementsAre("This creates a new Identity in the registry.\nIf you do not wish to do "
+                                           "this, press the NO button",
+                                           "The new Identity: \n" + userId + "\nwill be created."));
   EXPECT_EQ(dialogs.inputs.back().title, "USER_ID : " + userId);
   EXPECT_EQ(Read(IdentityKey(userId), "Identity Ordinal"), RegValue(4));
   EXPECT_THAT(windows->form1.cmbUserIDs.items.Get(), Contains(userId));
@@ -75,7 +67,7 @@ TEST_F(IdentityWindowsTest, ANewIdentityIsMadeOrNothingIs) {
 TEST_F(IdentityWindowsTest, ACloneNeedsOneDestinationAndABackupFolder) {
   Form4& form = windows->form4;
   OpenBy("CloneIdentity", form);
-  const RegistrySnapshot before = Identities();
+  const RegistrySnapshot before = Snapshot();
   const auto refused = [&](std::string source) {
     form.cmbSource.pick(source);
     form.cmdClone.click();
@@ -95,9 +87,9 @@ TEST_F(IdentityWindowsTest, ACloneNeedsOneDestinationAndABackupFolder) {
   form.Check1.click();
   form.cmbDestination.pick(kGuest);
   refused(kMain);
-  EXPECT_THAT(MessageTexts(), Contains(AllOf(HasSubstr("was not cloned"), HasSubstr("The registry is as it was."))));
+  EXPECT_THAT(dialogs.Texts(), Contains(AllOf(HasSubstr("was not cloned"), HasSubstr("The registry is as it was."))));
   EXPECT_EQ(form.StatusBar1.panels[0], "");
-  EXPECT_EQ(Identities(), before);
+  EXPECT_EQ(Snapshot(), before);
   windows->session.backupFolder.Reset();
   EXPECT_EQ(refused(kMain), "Please select a backup folder or create one from the Tools menu");
 }
@@ -121,7 +113,7 @@ TEST_F(IdentityWindowsTest, AnIdentityIsClonedOntoANewOneWithItsMessages) {
   EXPECT_FALSE(form.Check2.checked || form.chkCopyDBX.checked);
   EXPECT_EQ(dialogs.messages.size(), 2u);
   const auto folderOf = [&](const std::string& id) {
-    return platform->offline.GetDrives().HostPath(ReadStoreFolder(Store(), platform->GetSystemFacts(), id).value());
+    return OnHost(ReadStoreFolder(Store(), platform->GetSystemFacts(), id).value().Text());
   };
   EXPECT_EQ(Names(folderOf(userId)), Names(folderOf(kMain)));
   EXPECT_EQ(Read(IdentitySettingsKey(userId), "WindowTitle"), RegValue("Outlook Express at home"));
@@ -139,11 +131,11 @@ TEST_F(IdentityWindowsTest, AnIdentityIsClonedOntoANewOneWithItsMessages) {
 TEST_F(IdentityWindowsTest, RemovingAsksAndGoesOnToTheLastOne) {
   Form5& form = windows->form5;
   OpenBy("remIdent", form);
-  const RegistrySnapshot before = Identities();
+  const RegistrySnapshot before = Snapshot();
   dialogs.messageAnswers = {MessageAnswer::No};
   form.cmdRemoveIdent.click();
   EXPECT_EQ(dialogs.LastMessage(), "No Changes occurred.");
-  EXPECT_EQ(Identities(), before);
+  EXPECT_EQ(Snapshot(), before);
 
   form.cmbDelIdent.pick(kOffice);
   EXPECT_EQ(form.lblusrnameIdent.caption, "Büro");
@@ -154,7 +146,7 @@ TEST_F(IdentityWindowsTest, RemovingAsksAndGoesOnToTheLastOne) {
     EXPECT_THAT(form.cmbDelIdent.items.Get(), Not(Contains(userId)));
     EXPECT_EQ(windows->form1.cmbUserIDs.items.Get(), form.cmbDelIdent.items.Get());
   }
-  EXPECT_THAT(MessageTexts(), Contains("Registry read error 2 Default User ID Username"));
+  EXPECT_THAT(dialogs.Texts(), Contains("Registry read error 2 Default User ID Username"));
   EXPECT_EQ(form.cmbDelIdent.text, "");
   EXPECT_EQ(form.lblusrnameIdent.caption, "");
   // With nothing shown there is nothing to ask about, and the key of all identities stays.
@@ -214,7 +206,7 @@ TEST_F(IdentityWindowsTest, ASavedFileIsCarriedOverAndMerged) {
   Form17& form = windows->form17;
   OpenBy("usrIDString", form);
   form.cmdMerge.click();
-  EXPECT_THAT(MessageTexts(), ElementsAre("", "Registry file has been merged."));
+  EXPECT_THAT(dialogs.Texts(), ElementsAre("", "Registry file has been merged."));
   EXPECT_TRUE(platform->processes.commandLines.empty());
   std::ofstream(BackupFolderOnHost() / "a.b.reg")
       << "REGEDIT4\n\n[HKEY_CURRENT_USER\\Identities\\" << kMain << "]\n\"Carried\"=\"over\"\n";
@@ -228,7 +220,7 @@ TEST_F(IdentityWindowsTest, ASavedFileIsCarriedOverAndMerged) {
   form.cmdReplace.click();
   EXPECT_EQ(form.lblFinished.caption, "File Saved as: D:\\Backup\\Newa.reg");
   form.cmdMerge.click();
-  EXPECT_THAT(MessageTexts(), Contains("D:\\Backup\\Newa.reg"));
+  EXPECT_THAT(dialogs.Texts(), Contains("D:\\Backup\\Newa.reg"));
   EXPECT_EQ(Read(IdentityKey(kGuest), "Carried"), RegValue("over"));
   EXPECT_EQ(Read(IdentityKey(kMain), "Carried"), RegValue());
 

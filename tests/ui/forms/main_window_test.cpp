@@ -8,10 +8,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class Form1Test : public SampleWindows {
- protected:
-  void SetUp() override { MakeDisk(); }
-};
+using Form1Test = SampleWindows;
 
 TEST_F(Form1Test, AFirstStartShowsTheIdentitiesAndAsksForABackupFolder) {
   Form1& form = windows->form1;
@@ -25,7 +22,7 @@ TEST_F(Form1Test, AFirstStartShowsTheIdentitiesAndAsksForABackupFolder) {
   EXPECT_EQ(Read(kIdentitiesKey, "BackupOverWrite"), RegValue(0));
 
   EXPECT_TRUE(form.visible);
-  EXPECT_EQ(form.Label2.caption, std::to_string(windows->session.Catalogue().identities.size()));
+  EXPECT_EQ(form.Label2.caption, std::to_string(Identities().size()));
   EXPECT_EQ(form.cmbUserNames.text, form.cmbUserNames.items.Get().front());
   EXPECT_EQ(form.Label6.caption, form.cmbUserIDs.text);
   EXPECT_EQ(form.Label10.caption, "Main Identity");
@@ -37,7 +34,7 @@ TEST_F(Form1Test, AnyPickerSelectsTheIdentityInAllThree) {
   Form1& form = Start();
   form.sb1.panels[0] = "old";
   for (std::size_t i = 0; i < form.cmbUserIDs.items->size(); ++i) {
-    const IdentityInfo identity = windows->session.Catalogue().identities[i];
+    const IdentityInfo identity = Identities()[i];
     const auto expectSelected = [&](const char* picker) {
       SCOPED_TRACE(picker);
       EXPECT_EQ(form.Label7.caption, identity.username);
@@ -61,7 +58,7 @@ TEST_F(Form1Test, AnyPickerSelectsTheIdentityInAllThree) {
 
 TEST_F(Form1Test, OfTwoIdentitiesWithOneNameTheLaterIsSelected) {
   Form1& form = Start();
-  const std::vector<IdentityInfo> identities = windows->session.Catalogue().identities;
+  const std::vector<IdentityInfo> identities = Identities();
   for (const IdentityInfo& identity : identities) {
     Store().SetKeyValue(IdentityKey(identity.userId), "Username", "Twin", ValueType::Sz);
   }
@@ -72,7 +69,7 @@ TEST_F(Form1Test, OfTwoIdentitiesWithOneNameTheLaterIsSelected) {
 
 TEST_F(Form1Test, ARunningOutlookExpressIsTold) {
   Form1& form = Start();
-  const std::string second = windows->session.Catalogue().identities[1].userId;
+  const std::string second = Identities()[1].userId;
   Store().CreateKey(CurrentUser(IdentitySettingsKey(second)));
   Store().SetKeyValue(IdentitySettingsKey(second), "Running", RegValue(1), ValueType::Dword);
   form.cmdRefresh.click();
@@ -183,7 +180,7 @@ TEST_F(Form1Test, ClosingTheWindowEndsTheProgram) {
 TEST_F(Form1Test, AReloadThatStopsKeepsTheSelectionThatIsShown) {
   Form1& form = Start();
   form.cmbUserIDs.pick(1);
-  const IdentityInfo selected = windows->session.Catalogue().identities[1];
+  const IdentityInfo selected = Identities()[1];
   Store().SetKeyValue(kIdentitiesKey, "Default User ID", "{gone}", ValueType::Sz);
   windows->session.GetInputPaths();
   EXPECT_EQ(windows->session.Catalogue().end.kind, LoadEnd::Kind::ReadError);

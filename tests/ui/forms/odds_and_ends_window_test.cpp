@@ -17,13 +17,11 @@ constexpr const char* kMachineInHive = "\\Microsoft\\Outlook Express";
 
 class Form12Test : public SampleWindows {
  protected:
-  void SetUp() override { MakeDisk(); }
-
   Form12& Open() {
     windows->form1.menuBar.click("msc");
     return windows->form12;
   }
-  std::string UserId(std::size_t index) { return windows->session.Catalogue().identities.at(index).userId; }
+  std::string UserId(std::size_t index) { return Identities().at(index).userId; }
   std::string Key(const std::string& below, std::size_t index = 0) {
     return IdentitySettingsKey(UserId(index)) + below;
   }

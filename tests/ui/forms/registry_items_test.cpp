@@ -1,5 +1,4 @@
 #include "support/file_size_limit.h"
-#include "support/registry_snapshot.h"
 #include "support/sample_windows.h"
 
 namespace quillbox {
@@ -51,7 +50,6 @@ class RegistryItemsTest : public SampleWindows {
     const std::size_t star = text.find('*');
     return star == std::string::npos ? text : text.replace(star, 1, userId);
   }
-  RegistrySnapshot Identities() { return SnapshotOf(platform->GetRegistry(), CurrentUser(kIdentitiesKey)); }
   RegistryPath SettingsKey(const std::string& name) { return CurrentUser(IdentitySettingsKey(userId) + "\\" + name); }
 
   Form1* form = nullptr;
@@ -132,7 +130,8 @@ TEST_F(RegistryItemsTest, TheKindOfWindowsChoosesTheFormAndTheNameOfSignatures) 
   Store().DeleteKey(nt);
   EXPECT_EQ(signatures(), "Signatures.reg regedit /s /e ");
 
-  // Started anew on a registry that does not say which Windows it is: nothing is exported, and all items but one say that they are done.
+  // Started anew on a registry that does not say which Windows it is: nothing is exported, and all items but one say
+  // that they are done.
   Store().DeleteKey({RegistryRoot::LocalMachine, windows98});
   platform->EndCommand();
   OpenDisk();
@@ -173,7 +172,7 @@ TEST_F(RegistryItemsTest, AMissingKeyIsToldBeforeAMissingFolder) {
 TEST_F(RegistryItemsTest, FilesThatCannotBeMergedAreToldAndDamageNothing) {
   Save("msgRules", file);
   const std::string good = temp.Read("disk/D/Backup/item.reg");
-  const RegistrySnapshot before = Identities();
+  const RegistrySnapshot before = Snapshot();
   const struct {
     std::string content, told;
   } files[] = {
@@ -189,19 +188,19 @@ TEST_F(RegistryItemsTest, FilesThatCannotBeMergedAreToldAndDamageNothing) {
     ASSERT_EQ(dialogs.messages.size(), 1u) << bad.told;
     EXPECT_THAT(dialogs.LastMessage(), AllOf(HasSubstr("D:\\Backup\\item.reg"), HasSubstr(bad.told)));
     EXPECT_EQ(form->sb1.panels[0], "Message Rules Import Complete");
-    EXPECT_EQ(Identities(), before);
+    EXPECT_EQ(Snapshot(), before);
   }
 }
 
 TEST_F(RegistryItemsTest, AFileOfAnotherDisksIdentityIsToldApart) {
-  const RegistrySnapshot before = Identities();
+  const RegistrySnapshot before = Snapshot();
   temp.File(
       "disk/D/Backup/item.reg",
       "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Identities\\{F0}\\Software\\Microsoft\\Outlook Express\\5.0\\Rules]\r\n");
   Restore("resMsgRules", file);
   EXPECT_THAT(dialogs.LastMessage(), HasSubstr("this registry did not have:\n\n{F0}\n"));
   Store().DeleteKey(CurrentUser("Identities\\{F0}"));
-  EXPECT_EQ(Identities(), before);
+  EXPECT_EQ(Snapshot(), before);
 
   // All identities of another disk bring that disk's backup folder along, which is not taken over.
   temp.File("disk/D/Backup/item.reg",
@@ -225,7 +224,7 @@ TEST_F(RegistryItemsTest, AnExportThatCannotBeWrittenIsToldAndLeavesTheOlderFile
 }
 
 TEST_F(RegistryItemsTest, TheAddressBookFileGoesThereAndBack) {
-  const auto book = *std::optional(platform->offline.GetDrives().HostPath(WinPath(form->txtwabloc.text)));
+  const auto book = OnHost(form->txtwabloc.text);
   const std::string content = Content(book);
   Click("addBookFile");
   EXPECT_EQ(form->sb1.panels[0], " Address Book Copy Complete");

@@ -14,7 +14,6 @@ constexpr const char* kFile = "D:\\Backup\\r";
 
 class ReportWindowsTest : public SampleWindows {
  protected:
-  void SetUp() override { MakeDisk(); }
   std::string Saved() const { return Content(BackupFolderOnHost() / "r"); }
   /// Presses `button` and answers its dialog with kFile.
   void Save(Button& button) {

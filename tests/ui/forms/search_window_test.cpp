@@ -62,10 +62,10 @@ TEST_F(Form2Test, EveryWayToItShowsItInPlaceOfTheMainWindowFilled) {
   EXPECT_THAT(form.cboDrives.items.Get(),
               ElementsAre("C:\\{volume has no label}", "D:\\{volume has no label}", "All Hard Drives (C:\\, D:\\)"))
       << "each drive once, and never the host's own";
-  const IdentityInfo& first = windows->session.Catalogue().identities.front();
+  const IdentityInfo& first = Identities().front();
   EXPECT_EQ(form.cmbResIdentity.text, first.userId);
   EXPECT_EQ(form.IdentyPth.text, first.FolderText());
-  const IdentityInfo& second = windows->session.Catalogue().identities[1];
+  const IdentityInfo& second = Identities()[1];
   form.cmbResIdentity.pick(1);
   EXPECT_EQ(form.lblusrname.caption, second.username);
   EXPECT_EQ(form.IdentyPth.text, second.FolderText());
@@ -173,8 +173,7 @@ TEST_F(Form2Test, CloseKeepsAndTheCloseBoxForgets) {
 
   form.close();
   EXPECT_TRUE(!form.visible && windows->form1.visible);
-  Store().SetKeyValue(IdentityKey(windows->session.Catalogue().identities.front().userId), "Username", "Renamed",
-                      ValueType::Sz);
+  Store().SetKeyValue(IdentityKey(Identities().front().userId), "Username", "Renamed", ValueType::Sz);
   windows->form1.cmdSearch.click();
   EXPECT_EQ(form.lvFiles.RowCount(), 0U);
   EXPECT_EQ(form.cboFileType.text, "*.dbx");

@@ -14,8 +14,6 @@ constexpr const char* kKeys[] = {"", "", "\\Mail", "\\News", "\\Rules"};  // as 
 
 class Form13Test : public SampleWindows {
  protected:
-  void SetUp() override { MakeDisk(); }
-
   Form13& Open() {
     Start().menuBar.click("regEntry");
     return windows->form13;
@@ -23,7 +21,7 @@ class Form13Test : public SampleWindows {
   std::filesystem::path Hive() const {
     return sample.driveC / "Documents and Settings" / sample.profile / "NTUSER.DAT";
   }
-  std::string UserId(std::size_t index) { return windows->session.Catalogue().identities.at(index).userId; }
+  std::string UserId(std::size_t index) { return Identities().at(index).userId; }
   std::string Key(const std::string& below, std::size_t index = 0) {
     return IdentitySettingsKey(UserId(index)) + below;
   }
