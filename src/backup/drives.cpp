@@ -50,12 +50,12 @@ DriveList ListDrives(Drives& drives) {
     std::string label = drives.VolumeLabel(WinPath(root)).value_or("");
     label.resize(std::min(label.find('\0'), label.size()));
     list.items.push_back(root + (label.empty() ? kNoLabel : label));
-    list.roots.push_back(root);
+    list.roots.emplace_back(root);
     hardDrives += (hardDrives.empty() ? "" : ", ") + root;
   }
   for (const std::string& root : RootsOfType(drives, kCdRom)) {
     list.items.push_back(root + kCdRom);
-    list.roots.push_back(root);
+    list.roots.emplace_back(root);
   }
   if (list.items.size() > 1) list.items.push_back(std::string(kAllDrives) + " (" + hardDrives + ")");
   return list;

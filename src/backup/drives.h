@@ -11,7 +11,7 @@ namespace quillbox {
 struct DriveList {
   /// "C:\SYSTEM", "E:\CD-ROM"; more than one drive is followed by "All Hard Drives (C:\, D:\)".
   std::vector<std::string> items;
-  std::vector<std::string> roots;  ///< "C:\" of each drive among the items, in their order
+  std::vector<WinPath> roots;  ///< "C:\" of each drive among the items, in their order
 };
 
 /// How the item for all drives begins.

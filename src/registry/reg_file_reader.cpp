@@ -8,6 +8,7 @@
 #include "registry/reg_file.h"
 #include "registry/reg_file_form.h"
 #include "registry/reg_file_lines.h"
+#include "text/byte_order.h"
 #include "text/error.h"
 
 namespace quillbox {
@@ -216,7 +217,7 @@ bool Parser::ParseData(ParsedValue& value) {
     SkipBlanks();
     if (!ParseNumber(number)) return Fail("a dword has 1 to 8 hexadecimal digits");
     value.type = kRegDword;
-    for (unsigned shift = 0; shift < 32; shift += 8) value.data.Add(static_cast<std::uint8_t>(number >> shift));
+    for (const std::uint8_t byte : NumberBytes(number)) value.data.Add(byte);
     return RequireEnd();
   }
   if (!ParseHexType(value.type)) return Fail("the value is of no known kind");

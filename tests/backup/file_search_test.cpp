@@ -147,7 +147,7 @@ TEST(DriveList, FixedDrivesThenCdRomsThenAll) {
   const DriveList list = ListDrives(drives);
   EXPECT_THAT(list.items, ElementsAre("C:\\{volume has no label}", "D:\\DATA", "B:\\CD-ROM", "E:\\CD-ROM",
                                       "All Hard Drives (C:\\, D:\\)"));
-  EXPECT_THAT(list.roots, ElementsAre("C:\\", "D:\\", "B:\\", "E:\\"));
+  EXPECT_THAT(list.roots, ElementsAre(WinPath("C:\\"), WinPath("D:\\"), WinPath("B:\\"), WinPath("E:\\")));
   EXPECT_EQ(DriveTypeText(drives, "r"), "RAM Disk");
   EXPECT_EQ(DriveTypeText(drives, "Z:"), "Remote Drive");
   EXPECT_EQ(DriveTypeText(drives, "Q:\\"), "Drive Doesn't Exist");

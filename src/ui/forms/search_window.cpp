@@ -184,7 +184,7 @@ void Form2::ClearStatus() {
   for (auto& panel : sb2.panels) panel = "";
 }
 
-void Form2::SearchIn(const std::vector<std::string>& roots) {
+void Form2::SearchIn(const std::vector<WinPath>& roots) {
   session_.search.performed = true;
   ClearStatus();
   lvFiles.SetRowCount(0);
@@ -192,7 +192,7 @@ void Form2::SearchIn(const std::vector<std::string>& roots) {
   SearchReport report;
   {
     const auto progress = session_.platform.GetDialogs().ShowProgress("Searching...");
-    for (const std::string& root : roots) {
+    for (const WinPath& root : roots) {
       if (!report.cancelled) GetFiles(root, cboFileType.text, report, *progress);
     }
   }
@@ -201,10 +201,10 @@ void Form2::SearchIn(const std::vector<std::string>& roots) {
   sb2.panels[0] = report.cancelled ? "Search Cancelled" : "Search Complete";
 }
 
-void Form2::GetFiles(const std::string& path, const std::string& pattern, SearchReport& report, Progress& progress) {
+void Form2::GetFiles(const WinPath& path, const std::string& pattern, SearchReport& report, Progress& progress) {
   windows_.form1.Hide();
   const HourglassScope hourglass(*this);
-  SearchFiles(session_.platform.GetFiles(), WinPath(path), pattern, session_.search.found, report,
+  SearchFiles(session_.platform.GetFiles(), path, pattern, session_.search.found, report,
               [&](const std::string& folder, std::size_t found) {
                 return progress.Update(std::to_string(found) + " found, now in " + folder, 0, 0);
               });
@@ -216,11 +216,11 @@ void Form2::cmdSearch_Click() {
   const PleaseWaitScope pleaseWait(cmdSearch);
   const std::string drive = cboDrives.text;
   const bool all = drive.find(kAllDrives) != std::string::npos;
-  SearchIn(all ? drives_.roots : std::vector<std::string>{drive.substr(0, kRootLength)});
+  SearchIn(all ? drives_.roots : std::vector{WinPath(drive.substr(0, kRootLength))});
 }
 
 void Form2::srchBackup_Click() {
-  SearchIn({session_.backupFolder.Text()});
+  SearchIn({WinPath(session_.backupFolder.Text())});
 }
 
 /// Copies the checked files into `folder`, whose files of the same names the shell asks about.

@@ -70,8 +70,8 @@ class Form2 : public Form {
   void EnableSearch();
   void ShowIdentities();
   void ClearStatus();
-  void SearchIn(const std::vector<std::string>& roots);
-  void GetFiles(const std::string& path, const std::string& pattern, SearchReport& report, Progress& progress);
+  void SearchIn(const std::vector<WinPath>& roots);
+  void GetFiles(const WinPath& path, const std::string& pattern, SearchReport& report, Progress& progress);
   void CopyChecked(const WinPath& folder);
   DiskPath RestoreTarget();
 

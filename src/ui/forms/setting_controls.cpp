@@ -42,7 +42,6 @@ SettingControls::SettingControls(Form& form, const SettingsTab& tab, SettingsEdi
                                  std::function<std::string()> userId)
     : tab_(tab), editor_(editor), dialogs_(dialogs), userId_(std::move(userId)) {
   const auto sections = SectionsOf(tab);
-  rows_.reserve(tab.rows.size());
   for (std::size_t section = 0; section < sections.size(); ++section) {
     headings_.push_back(MakeLabel(form, sections[section].heading));
     for (const Setting& setting : tab.rows) {

@@ -2,6 +2,7 @@
 // a person does to them reads and writes the row's value. A window needs no code of its own for a setting.
 #pragma once
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
@@ -54,7 +55,7 @@ class SettingControls {
   SettingsEditor& editor_;
   Dialogs& dialogs_;
   std::function<std::string()> userId_;
-  std::vector<Row> rows_;                         // as seen
+  std::deque<Row> rows_;                          // as seen; their controls' handlers refer to them
   std::vector<std::unique_ptr<Label>> headings_;  // as the sections; null for those without
   std::vector<std::unique_ptr<Label>> notes_;
 };
