@@ -2,7 +2,6 @@
 // be taken for one of another, nor a number be read in a wrong width.
 #pragma once
 
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -29,7 +28,8 @@ struct TypedCell {
 
   constexpr operator Cell() const { return Cell(offset); }
   constexpr bool IsNone() const { return offset == kNoCell; }
-  auto operator<=>(const TypedCell&) const = default;
+  bool operator==(const TypedCell&) const = default;
+  bool operator<(const TypedCell& other) const { return offset < other.offset; }
 
   std::uint32_t offset = kNoCell;
 };

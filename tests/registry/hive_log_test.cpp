@@ -59,8 +59,10 @@ Bytes WithBadChecksum(Bytes file) {
   return file;
 }
 
-Bytes StepEntry(std::uint32_t sequence, std::size_t step) {
-  const Bytes image = Image(step);
+/// The entry that makes the hive that of a step.
+template <std::size_t Step>
+Bytes StepEntry(std::uint32_t sequence) {
+  const Bytes image = Image(Step);
   return MakeLogEntry(sequence, image.size() - kHivePage, {{0, ByteView(image).subspan(kHivePage)}});
 }
 
@@ -138,7 +140,7 @@ TEST(HiveLog, OfSectorsRestoresABaseBlockByEitherTime) {
 TEST(HiveLog, SaysWhyItIsNotUsed) {
   const Bytes dirty = Dirty(Image(0));
   const Bytes sectors = MakeSectorLog(Image(0), Image(3));
-  const Bytes entries = LogFrom(7, {StepEntry(7, 3)});
+  const Bytes entries = LogFrom(7, {StepEntry<3>(7)});
   const auto base = [](std::size_t field, std::uint32_t number) {
     return [=](Bytes& log) { SetBase(log, field, number); };
   };
@@ -183,8 +185,8 @@ TEST(HiveLog, SaysWhyItIsNotUsed) {
       {Changed(entries, entry(20, 0xFFFFFFFF)), "more pages than it can hold"},
       {Changed(entries, entry(40, 0xFFFFF000)), "a page beyond the end of the bins"},
       {LogFrom(7, {tooLong}), "larger pages than it can hold"},
-      {LogFrom(7, {MakeLogEntry(7, 0x100000, {}), StepEntry(8, 3)}), "recovered"},
-      {LogFrom(6, {StepEntry(6, 3)}), "its entries begin at 6 and the hive needs those from 7 on"},
+      {LogFrom(7, {MakeLogEntry(7, 0x100000, {}), StepEntry<3>(8)}), "recovered"},
+      {LogFrom(6, {StepEntry<3>(6)}), "its entries begin at 6 and the hive needs those from 7 on"},
       {LogFrom(7, {MakeLogEntry(7, 4096, {{0, Bytes(100, 'x')}})}),
        "not a whole hive: dirty, offset 0x1000: there is no bin header"},
   };
@@ -193,7 +195,7 @@ TEST(HiveLog, SaysWhyItIsNotUsed) {
 
 TEST(HiveLog, IsRefusedWhenCutOrChangedAnywhere) {
   const Bytes dirty = Dirty(Image(0));
-  for (const Bytes& log : {MakeSectorLog(Image(0), Image(3)), LogFrom(7, {StepEntry(7, 3)})}) {
+  for (const Bytes& log : {MakeSectorLog(Image(0), Image(3)), LogFrom(7, {StepEntry<3>(7)})}) {
     ASSERT_EQ(Refusal(dirty, log), "recovered");
     for (std::size_t size = 1; size < log.size(); ++size) {
       const std::string why = Refusal(dirty, Bytes(log.begin(), log.begin() + static_cast<std::ptrdiff_t>(size)));
@@ -201,7 +203,7 @@ TEST(HiveLog, IsRefusedWhenCutOrChangedAnywhere) {
       ASSERT_NE(why, "recovered") << "cut at " << size;
     }
   }
-  const Bytes log = LogFrom(7, {StepEntry(7, 3)});
+  const Bytes log = LogFrom(7, {StepEntry<3>(7)});
   for (std::size_t at = 0; at < log.size(); ++at) {
     ASSERT_NE(Refusal(dirty, Changed(log, [&](Bytes& bytes) { bytes[at] ^= 4; })), "recovered") << "byte " << at;
   }
@@ -213,7 +215,7 @@ TEST(HiveLog, OfEntriesIsAppliedFromItsOwnNumberAsFarAsItGoes) {
     std::vector<Bytes> entries;
   };
   constexpr std::uint32_t kMax = std::numeric_limits<std::uint32_t>::max();
-  const Bytes badHash = Changed(StepEntry(8, 2), [](Bytes& entry) { entry[60] ^= 1; });
+  const Bytes badHash = Changed(StepEntry<2>(8), [](Bytes& entry) { entry[60] ^= 1; });
   const Bytes badSize = MakeLogEntry(8, 5000, {});
   const struct {
     const char* what;
@@ -222,19 +224,19 @@ TEST(HiveLog, OfEntriesIsAppliedFromItsOwnNumberAsFarAsItGoes) {
     std::size_t step;
     std::vector<std::string> applied;
   } cases[] = {
-      {"its own number", 7, {{7, {StepEntry(7, 1)}}}, 1, {"log 0"}},
-      {"a hive that lags", 2, {{402, {StepEntry(402, 1), StepEntry(403, 2), StepEntry(404, 3)}}}, 3, {"log 0"}},
-      {"entries of an earlier round behind the last", 7, {{7, {StepEntry(7, 1), StepEntry(5, 4)}}}, 1, {"log 0"}},
-      {"a gap", 7, {{7, {StepEntry(7, 1), StepEntry(9, 4)}}}, 1, {"log 0"}},
-      {"a bad hash", 7, {{7, {StepEntry(7, 1), badHash, StepEntry(9, 4)}}}, 1, {"log 0"}},
-      {"a bad size", 7, {{7, {StepEntry(7, 1), badSize, StepEntry(9, 4)}}}, 1, {"log 0"}},
-      {"number 0 after the last", kMax, {{kMax, {StepEntry(kMax, 1), StepEntry(0, 3)}}}, 3, {"log 0"}},
-      {"in order", 7, {{7, {StepEntry(7, 1)}}, {8, {StepEntry(8, 4)}}}, 4, {"log 0", "log 1"}},
-      {"swapped", 7, {{8, {StepEntry(8, 4)}}, {7, {StepEntry(7, 1)}}}, 4, {"log 1", "log 0"}},
-      {"swapped at the last number", 7, {{0, {StepEntry(0, 4)}}, {kMax, {StepEntry(kMax, 1)}}}, 4, {"log 1", "log 0"}},
-      {"one too old", 7, {{6, {StepEntry(6, 5)}}, {7, {StepEntry(7, 1)}}}, 1, {"log 1"}},
-      {"none between", 7, {{7, {StepEntry(7, 1)}}, {9, {StepEntry(9, 5)}}}, 1, {"log 0"}},
-      {"one damaged", 7, {{7, {StepEntry(7, 1), badHash}}, {9, {StepEntry(9, 5)}}}, 1, {"log 0"}},
+      {"its own number", 7, {{7, {StepEntry<1>(7)}}}, 1, {"log 0"}},
+      {"a hive that lags", 2, {{402, {StepEntry<1>(402), StepEntry<2>(403), StepEntry<3>(404)}}}, 3, {"log 0"}},
+      {"entries of an earlier round behind the last", 7, {{7, {StepEntry<1>(7), StepEntry<4>(5)}}}, 1, {"log 0"}},
+      {"a gap", 7, {{7, {StepEntry<1>(7), StepEntry<4>(9)}}}, 1, {"log 0"}},
+      {"a bad hash", 7, {{7, {StepEntry<1>(7), badHash, StepEntry<4>(9)}}}, 1, {"log 0"}},
+      {"a bad size", 7, {{7, {StepEntry<1>(7), badSize, StepEntry<4>(9)}}}, 1, {"log 0"}},
+      {"number 0 after the last", kMax, {{kMax, {StepEntry<1>(kMax), StepEntry<3>(0)}}}, 3, {"log 0"}},
+      {"in order", 7, {{7, {StepEntry<1>(7)}}, {8, {StepEntry<4>(8)}}}, 4, {"log 0", "log 1"}},
+      {"swapped", 7, {{8, {StepEntry<4>(8)}}, {7, {StepEntry<1>(7)}}}, 4, {"log 1", "log 0"}},
+      {"swapped at the last number", 7, {{0, {StepEntry<4>(0)}}, {kMax, {StepEntry<1>(kMax)}}}, 4, {"log 1", "log 0"}},
+      {"one too old", 7, {{6, {StepEntry<5>(6)}}, {7, {StepEntry<1>(7)}}}, 1, {"log 1"}},
+      {"none between", 7, {{7, {StepEntry<1>(7)}}, {9, {StepEntry<5>(9)}}}, 1, {"log 0"}},
+      {"one damaged", 7, {{7, {StepEntry<1>(7), badHash}}, {9, {StepEntry<5>(9)}}}, 1, {"log 0"}},
   };
   for (const auto& [what, written, given, step, applied] : cases) {
     SCOPED_TRACE(what);
@@ -261,8 +263,8 @@ TEST(HiveLog, OfEntriesMayWriteAnyPagesOfTheBins) {
 
 TEST(HiveLog, WithTheLatestEntriesRestoresABaseBlockAlone) {
   const Bytes noBase = WithBadChecksum(Dirty(Image(0)));
-  const Bytes earlier = LogFrom(400, {StepEntry(400, 1), StepEntry(401, 3)});
-  const Bytes later = LogFrom(402, {StepEntry(402, 2), StepEntry(403, 4)});
+  const Bytes earlier = LogFrom(400, {StepEntry<1>(400), StepEntry<3>(401)});
+  const Bytes later = LogFrom(402, {StepEntry<2>(402), StepEntry<4>(403)});
   Hive hive = LoadWith(noBase, {later, earlier});
   EXPECT_EQ(StepOf(hive), 4U);
   EXPECT_EQ(Load32(&hive.Image(kTuesday)[BaseField::kSequence1]), 404U) << "the number behind the last entry's";
@@ -298,7 +300,7 @@ TEST(HiveLog, ThatGivesNoWholeHiveMakesWayForTheNext) {
 TEST(HiveLog, IsListedWithItsReasonWhenNoneIsUsed) {
   const Hive hive = Hive::Load(Dirty(Image(1)), "dirty", [] {
     return std::vector<HiveLogFile>{
-        {"a.LOG", {}, "the disk failed"}, {"a.LOG1", {}, {}}, {"a.LOG2", LogFrom(5, {StepEntry(5, 4)}), {}}};
+        {"a.LOG", {}, "the disk failed"}, {"a.LOG1", {}, {}}, {"a.LOG2", LogFrom(5, {StepEntry<4>(5)}), {}}};
   });
   EXPECT_EQ(hive.Origin(), HiveOrigin::DirtyUnusedLogs);
   EXPECT_EQ(StepOf(hive), 1U);
