@@ -4,11 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <functional>
 #include <random>
-#include <set>
 
 #include "registry/hive_tools.h"
 #include "text/error.h"
@@ -131,7 +129,7 @@ TEST(DamagedHive, OfNoKnownFormIsRefused) {
 TEST(DamagedHive, IsRefusedWithItsFaultAndLosesNothingElse) {
   Hive hive = SmallHive();
   Bytes good = hive.Image(kMonday);
-  const std::string deepPath = "One\\Two\\\xD0\x96";
+  const std::string deepPath = "One\\Two\\\xD0\x96", textPart = deepPath + " \"text\"";
   const KeyCell one = CellOf(hive, "One");
   const KeyCell two = CellOf(hive, "One\\Two");
   const KeyCell three = CellOf(hive, "One\\Three");
@@ -148,6 +146,7 @@ TEST(DamagedHive, IsRefusedWithItsFaultAndLosesNothingElse) {
   const std::vector<std::string> belowTwo = {"\\One\\Two", "\\" + deepPath, unnamedLine, textLine};
   const std::string count = "the key's number of subkeys is not that of its list";
   const std::string owned = "the cell of its list of subkeys belongs to another record already";
+  const std::string noCell = " leads to no cell in use";
   struct Fault {
     std::string refusal;
     std::string part;  ///< that it is noted of, or the whole note where it is another; not checked where empty
@@ -161,10 +160,9 @@ TEST(DamagedHive, IsRefusedWithItsFaultAndLosesNothingElse) {
       {"belongs to another record already", "", Putting(twosList, entry(0), one)},
       {"the cell does not hold the key it should", "One", Byte(two, 0, 'x'), belowTwo},
       {"names another parent", "One\\Two: its parent offset is wrong; corrected", Putting(two, KeyField::kParent, two)},
-      {"the offset of its subkey leads to no cell in use", "One", Putting(list, entry(1), KeyCell())},
+      {"the offset of its subkey" + noCell, "One", Putting(list, entry(1), KeyCell())},
       {count, "One", Putting(one, KeyField::kSubkeyCount, 7)},
       {count, "One", Putting(one, KeyField::kSubkeyCount, 0)},
-      {count, "One", Putting(one, KeyField::kSubkeyCount, 0x40000000)},
       {count, "",
        [&](Bytes& file) { StoreTag(Record(file, list), kLeafIndexTag), Put(file, list, ListField::kCount, 0); }},
       {"the list of subkeys is empty", "", Putting(list, ListField::kCount, 0)},
@@ -173,29 +171,19 @@ TEST(DamagedHive, IsRefusedWithItsFaultAndLosesNothingElse) {
       {"the key's number of values is not that of its list", deepPath, Putting(deep, KeyField::kValueCount, 0)},
       {"the cell is too short for the list of values in it", deepPath,
        Putting(deep, KeyField::kValueCount, 0x40000001)},
-      {"the offset of its value leads to no cell in use",
-       deepPath,
-       Putting(values, ValueEntry(0), ValueCell()),
-       {textLine}},
-      {"the offset of its data leads to no cell in use",
-       deepPath + " \"text\"",
-       Putting(text, ValueField::kData, DataCell(4)),
-       {textLine}},
-      {"the offset of its data leads to no cell in use", "", Putting(text, ValueField::kData, DataCell())},
+      {"the offset of its value" + noCell, deepPath, Putting(values, ValueEntry(0), ValueCell()), {textLine}},
+      {"the offset of its data" + noCell, textPart, Putting(text, ValueField::kData, DataCell(4)), {textLine}},
       {"a value without a data cell has more than 4 bytes",
        deepPath + " (Default)",
        Putting(unnamed, ValueField::kDataSize, kInlineData | 5),
        {unnamedLine}},
-      {"the value's data reach beyond their cell",
-       deepPath + " \"text\"",
-       Putting(text, ValueField::kDataSize, 16344),
-       {textLine}},
+      {"the value's data reach beyond their cell", textPart, Putting(text, ValueField::kDataSize, 16344), {textLine}},
       {"the cell does not hold the big data it should", "", Putting(text, ValueField::kDataSize, 16345)},
-      {"the offset of its class name leads to no cell in use", "One\\Three",
+      {"the offset of its class name" + noCell, "One\\Three",
        [&](Bytes& file) {
          Put(file, three, KeyField::kClassLength, 2), Put(file, three, KeyField::kClass, DataCell(0xFFFFFFF8));
        }},
-      {"the offset of its security descriptor leads to no cell in use", "One\\Three",
+      {"the offset of its security descriptor" + noCell, "One\\Three",
        Putting(three, KeyField::kSecurity, SecurityCell(8))},
       {"the security descriptors are not linked back", "the file",
        Putting(security, SecurityField::kPrevious, SecurityCell(8))},
@@ -263,31 +251,19 @@ TEST(SalvagedHive, AKeyGoesToTheListOfItsParent) {
 }
 
 TEST(DamagedHive, NoEntryOfAListEndsIt) {
-  const auto refusals = [](const Bytes& good, ListCell list) {
-    Bytes file = good;
+  const Hive hive = LargeHive();
+  const Bytes good = LargeHive().Image(kMonday);
+  Bytes file = good;
+  const ListCell index = Get(file, CellOf(hive, "Many"), KeyField::kSubkeyList);
+  ASSERT_EQ(LoadTag(Record(file, index)), kLeafIndexTag);
+  for (const ListCell list : {index, Get(file, index, IndexEntry(0))}) {
     const std::size_t count = Get(file, list, ListField::kCount);
     for (const std::size_t entry : {std::size_t{0}, count / 2, count - 1}) {
       Bytes damaged = good;
-      Put(damaged, list, LeafEntry(LoadTag(Record(file, list)), entry), KeyCell());
+      Put(damaged, list, LeafEntry(LoadTag(Record(damaged, list)), entry), KeyCell());
       EXPECT_THAT(Refusal(damaged), HasSubstr("leads to no cell in use")) << "entry " << entry << " of " << count;
     }
-  };
-  for (const std::uint32_t minor : {3U, 5U}) {
-    Hive hive = EmptyHive(minor);
-    for (const char* name : {"a", "b", "c", "d", "e"}) hive.CreatePath(hive.Root(), name);
-    Bytes file = hive.Image(kMonday);
-    const ListCell list = Get(file, RootCell(hive), KeyField::kSubkeyList);
-    refusals(file, list);
-    MakePlain(file, list);
-    EXPECT_EQ(Refusal(file), "");
-    refusals(file, list);
   }
-  Hive hive = LargeHive();
-  Bytes file = hive.Image(kMonday);
-  const ListCell index = Get(file, CellOf(hive, "Many"), KeyField::kSubkeyList);
-  ASSERT_EQ(LoadTag(Record(file, index)), kLeafIndexTag);
-  refusals(file, index);
-  refusals(file, Get(file, index, IndexEntry(0)));
 }
 
 TEST(DamagedHive, IgnoresWhatIsNeverStored) {
@@ -301,29 +277,6 @@ TEST(DamagedHive, IgnoresWhatIsNeverStored) {
   Put(file, RootCell(hive), KeyField::kParent, CellOf(hive, "One\\Two"));
   EXPECT_EQ(Refusal(file), "");
   EXPECT_EQ(Lines(Hive::Load(file, "volatile")), Lines(hive));
-}
-
-TEST(DamagedHive, CountsOfDescriptorsThatNoKeyHasDoNotWrap) {
-  Hive hive = SmallHive();
-  Bytes other = hive.SaveSubtree(*hive.Find(hive.Root(), "One"), kMonday).Image(kMonday);
-  const KeyCell otherRoot(Load32(other.data() + BaseField::kRoot));
-  Record(other, Get(other, otherRoot, KeyField::kSecurity))[SecurityField::kDescriptor + 40] ^= 1;
-  const Hive source = Hive::Load(other, "another descriptor");
-  const Bytes descriptor = source.Security(source.Root());
-  hive.ReplaceSubtree(*hive.Find(hive.Root(), "One"), source);
-
-  // Every key gets the root's descriptor; the other one is left with a number that four more bring to 2.
-  Bytes file = hive.Image(kMonday);
-  const SecurityCell unused = Get(file, CellOf(hive, "One"), KeyField::kSecurity);
-  for (const char* path : {"One", "One\\Two", "One\\Two\\\xD0\x96", "One\\Three"}) {
-    Put(file, CellOf(hive, path), KeyField::kSecurity, Get(file, RootCell(hive), KeyField::kSecurity));
-  }
-  Put(file, unused, SecurityField::kCount, 0xFFFFFFFE);
-  Hive opened = Hive::Load(file, "unused");
-  opened.ReplaceSubtree(*opened.Find(opened.Root(), "One"), source);
-  opened.DeleteTree(*opened.Find(opened.Root(), "One\\Two"));
-  const Hive written = Hive::Load(opened.Image(kMonday), "written");
-  EXPECT_EQ(written.Security(*written.Find(written.Root(), "One\\Three")), descriptor);
 }
 
 TEST(DamagedHive, KeepsToTheDepthOfKeys) {
@@ -343,19 +296,6 @@ TEST(DamagedHive, KeepsToTheDepthOfKeys) {
   EXPECT_THAT(Refusal(deeper), HasSubstr("nested too deeply"));
 }
 
-/// The cells of a file whose bins are whole, in use or free.
-std::set<std::size_t> Cells(const Bytes& file) {
-  std::set<std::size_t> cells;
-  for (std::size_t bin = kHivePage; bin < file.size(); bin += Load32(file.data() + bin + BinField::kSize)) {
-    for (std::size_t cell = bin + kBinHeader; cell < bin + Load32(file.data() + bin + BinField::kSize);) {
-      cells.insert(cell);
-      const auto size = static_cast<std::int32_t>(Load32(file.data() + cell));
-      cell += static_cast<std::size_t>(std::abs(size));
-    }
-  }
-  return cells;
-}
-
 TEST(SalvagedHive, AnyByteOfOneTreeChangedCostsNothingOfTheOther) {
   for (const std::uint32_t minor : {3U, 5U}) {
     Hive hive = EmptyHive(minor);
@@ -365,69 +305,46 @@ TEST(SalvagedHive, AnyByteOfOneTreeChangedCostsNothingOfTheOther) {
         hive.SetValue(hive.CreatePath(hive.Root(), path + name), "text", 1, Pattern(30));
         hive.SetValue(hive.CreatePath(hive.Root(), path + name), "", 4, Pattern(4));
       }
+      return hive.Image(kMonday);
     };
     fill("B");
-    const std::set<std::size_t> before = Cells(hive.Image(kMonday));
-    fill("A");
-    const Bytes middle = hive.Image(kMonday);
-    const std::set<std::size_t> after = Cells(middle);
-    fill("B\\more");
-    const Bytes good = hive.Image(kMonday);
+    // What A will take is not zero before, so that all bytes of A are those that its making changes.
+    hive.SetValue(hive.Root(), "room", 3, Bytes(2000, 0xEE));
+    hive.DeleteValue(hive.Root(), "room");
+    const Bytes before = hive.Image(kMonday), after = fill("A"), good = fill("B\\more");
     const std::vector<std::string> others = Lines(hive, *hive.Find(hive.Root(), "B"), true);
-    for (auto cell = after.begin(); cell != std::prev(after.end()); ++cell) {
-      if (before.contains(*cell)) continue;
-      for (std::size_t at = *cell; at < *std::next(cell); ++at) {
-        for (const unsigned flip : {0x08U, 0x80U}) {
-          Bytes file = good;
-          file[at] = static_cast<std::uint8_t>(file[at] ^ flip);
-          const std::optional<Hive> salvaged = Salvage(file);
-          ASSERT_TRUE(salvaged) << "byte " << at;
-          const auto b = salvaged->Find(salvaged->Root(), "B");
-          ASSERT_TRUE(b) << "byte " << at;
-          ASSERT_EQ(Lines(*salvaged, *b, true), others)
-              << "byte " << at << " of the cell " << *cell << " flip " << flip;
-        }
+    std::size_t tried = 0;
+    for (std::size_t at = kHivePage; at < before.size(); ++at) {
+      if (before[at] == after[at] || after[at] != good[at]) continue;
+      ++tried;
+      for (const unsigned flip : {0x08U, 0x80U}) {
+        Bytes file = good;
+        file[at] = static_cast<std::uint8_t>(file[at] ^ flip);
+        const std::optional<Hive> salvaged = Salvage(file);
+        ASSERT_TRUE(salvaged) << "byte " << at;
+        const auto b = salvaged->Find(salvaged->Root(), "B");
+        ASSERT_TRUE(b) << "byte " << at;
+        ASSERT_EQ(Lines(*salvaged, *b, true), others) << "byte " << at << " flip " << flip;
       }
     }
-  }
-}
-
-TEST(DamagedHive, IsRefusedOrWholeWithBytesOfItsListsChanged) {
-  const Bytes file = LargeHive().Image(kMonday);
-  std::mt19937 random(5);
-  std::vector<std::size_t> places;
-  for (std::size_t at = kHivePage; at < file.size(); ++at) {
-    if (file[at] != 0) places.push_back(at);
-  }
-  for (int round = 0; round < 120; ++round) {
-    Bytes damaged = file;
-    for (std::size_t count = 1 + random() % 2; count > 0; --count) {
-      damaged[places[random() % places.size()]] = static_cast<std::uint8_t>(random());
-    }
-    (void)Refusal(damaged);
+    EXPECT_GT(tried, 500U);
   }
 }
 
 TEST(SalvagedHive, LosesNoMoreThanTheKeysOfALostSector) {
   Hive hive = LargeHive();
   const Bytes file = hive.Image(kMonday);
-  const std::vector<std::string> all = Lines(hive);
   std::mt19937 random(9);
   for (std::size_t sector = kHivePage; sector < file.size(); sector += 2 * kSector) {
     Bytes damaged = file;
     const bool isZero = random() % 2 == 0;
-    for (std::size_t at = sector; at < sector + kSector; ++at) {
-      damaged[at] = isZero ? std::uint8_t{0} : static_cast<std::uint8_t>(random());
-    }
+    std::generate_n(&damaged[sector], kSector, [&] { return static_cast<std::uint8_t>(isZero ? 0 : random()); });
     const std::optional<Hive> salvaged = Salvage(damaged);
     ASSERT_FALSE(HasFailure()) << "sector at " << sector;
-    const bool hasParent = salvaged && salvaged->Find(salvaged->Root(), "Many");
     // No more than eight keys of that size have a byte in one sector. The first page holds all that leads to them.
-    if (hasParent) {
-      EXPECT_LE(Missing(all, Lines(*salvaged)).size(), 8U) << "sector at " << sector;
-    } else {
-      EXPECT_LT(sector, 2 * kHivePage);
-    }
+    const bool hasParent = salvaged && salvaged->Find(salvaged->Root(), "Many");
+    const std::size_t lost = hasParent ? Missing(Lines(hive), Lines(*salvaged)).size() : 0;
+    EXPECT_TRUE(hasParent ? lost <= 8 : sector < 2 * kHivePage) << lost << " lost, sector at " << sector;
   }
 }
 
@@ -447,22 +364,6 @@ TEST(SalvagedHive, KeepsFewNotesOfManyFaults) {
   EXPECT_EQ(salvaged->ValueCount(salvaged->Root()), 1U);
   EXPECT_EQ(salvaged->DamageCount(), kFaults);
   EXPECT_EQ(salvaged->Damage().size(), 1000U);
-}
-
-TEST(SalvagedHive, HoldsAllOfAHiveWithOneBadPage) {
-  for (const std::uint32_t minor : {3U, 4U, 5U, 6U}) {
-    Hive hive = EmptyHive(minor);
-    for (int number = 0; number < 1200; ++number) hive.CreatePath(hive.Root(), "Many\\" + std::to_string(number));
-    for (const std::size_t size : {0U, 4U, 5U, 16344U, 16345U, 50000U}) {
-      hive.SetValue(hive.Root(), "value " + std::to_string(size), 3, Pattern(size));
-    }
-    Bytes file = hive.Image(kMonday);
-    MakePlain(file, Get(file, RootCell(hive), KeyField::kSubkeyList));
-    const std::optional<Hive> salvaged = Salvage(WithBadPage(file));
-    ASSERT_TRUE(salvaged);
-    EXPECT_EQ(Lines(*salvaged, true), Lines(hive, true));
-    EXPECT_THAT(Notes(*salvaged), ElementsAre("the file: there is no bin header (\"hbin\")"));
-  }
 }
 
 TEST(SalvagedHive, EqualNamesKeepTheirOrder) {

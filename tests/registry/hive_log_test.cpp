@@ -6,7 +6,6 @@
 #include <limits>
 
 #include "registry/hive_log_tools.h"
-#include "registry/marvin.h"
 #include "text/error.h"
 
 namespace quillbox {
@@ -15,24 +14,18 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-TEST(LogHash, IsThatOfWindowsLogs) {
+TEST(Marvin, HashesAsPublishedAndAsInLogsOfWindows) {
+  constexpr std::uint64_t kPublishedSeed = 0x004FB61A001BDBCC;
   const struct {
+    std::uint64_t seed;
     Bytes data;
     std::uint64_t hash;
-  } known[] = {{{}, 0xb39efca403966e08},
-               {{'a', 'b', 'c'}, 0xb9cf3dfca41914f7},
-               {{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}, 0xe6b80bbf041cd42b}};
-  for (const auto& [data, hash] : known) {
-    EXPECT_EQ(Marvin32(kLogHashSeed, data), hash);
-    EXPECT_EQ(HashOfLog(data), hash) << "the test's own";
-  }
-}
-
-TEST(Marvin, HashesAsPublished) {
-  constexpr std::uint64_t kSeed = 0x004FB61A001BDBCC;
-  EXPECT_EQ(Marvin32(kSeed, Bytes{}), 0x30ED35C100CD3C7DU);
-  EXPECT_EQ(Marvin32(kSeed, Bytes{0xAF}), 0x48E73FC77D75DDC1U);
-  EXPECT_EQ(Marvin32(kSeed, (Bytes{0x37, 0xF4, 0x95})), 0xF0B07C789B8CF7E8U);
+  } known[] = {{kPublishedSeed, {}, 0x30ED35C100CD3C7D},
+               {kPublishedSeed, {0xAF}, 0x48E73FC77D75DDC1},
+               {kPublishedSeed, {0x37, 0xF4, 0x95}, 0xF0B07C789B8CF7E8},
+               {kLogHashSeed, {'a', 'b', 'c'}, 0xb9cf3dfca41914f7},
+               {kLogHashSeed, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}, 0xe6b80bbf041cd42b}};
+  for (const auto& [seed, data, hash] : known) EXPECT_EQ(Marvin32(seed, data), hash);
 }
 
 /// The hive after `step` changes: so many keys. The bins of step 2 are larger than those of the others.
@@ -92,14 +85,6 @@ template <typename Change>
 Bytes Changed(Bytes file, Change change) {
   change(file);
   return file;
-}
-
-TEST(HiveLog, IsNotReadForACleanHive) {
-  const Hive hive = Hive::Load(Image(3), "clean", []() -> std::vector<HiveLogFile> {
-    ADD_FAILURE() << "a hive that was closed cleanly needs no log";
-    return {};
-  });
-  EXPECT_EQ(hive.Origin(), HiveOrigin::Clean);
 }
 
 TEST(HiveLog, OfSectorsBringsAHiveUpToDate) {
@@ -295,19 +280,6 @@ TEST(HiveLog, ThatGivesNoWholeHiveMakesWayForTheNext) {
   const Hive hive = LoadWith(Dirty(Image(0)), {MakeSectorLog(Image(0), Image(3)), broken});
   EXPECT_EQ(StepOf(hive), 3U);
   EXPECT_THAT(hive.AppliedLogs(), ElementsAre("log 0"));
-}
-
-TEST(HiveLog, IsListedWithItsReasonWhenNoneIsUsed) {
-  const Hive hive = Hive::Load(Dirty(Image(1)), "dirty", [] {
-    return std::vector<HiveLogFile>{
-        {"a.LOG", {}, "the disk failed"}, {"a.LOG1", {}, {}}, {"a.LOG2", LogFrom(5, {StepEntry<4>(5)}), {}}};
-  });
-  EXPECT_EQ(hive.Origin(), HiveOrigin::DirtyUnusedLogs);
-  EXPECT_EQ(StepOf(hive), 1U);
-  std::vector<std::string> lines;
-  for (const UnusedHiveLog& log : hive.UnusedLogs()) lines.push_back(log.name + ": " + log.why);
-  EXPECT_THAT(lines, ElementsAre("a.LOG: it could not be read: the disk failed", "a.LOG1: it is empty",
-                                 "a.LOG2: its entries begin at 5 and the hive needs those from 7 on"));
 }
 
 }  // namespace

@@ -1,32 +1,13 @@
 // Log files beside hives, in both forms, as systems that stopped leave them.
 #pragma once
 
-#include <bit>
 #include <cstring>
 #include <vector>
 
 #include "registry/hive_tools.h"
+#include "registry/marvin.h"
 
 namespace quillbox {
-
-/// The hash of log entries, written from its description and not with the program's own code or numbers, so that logs
-/// made with it say something about those that Windows writes.
-inline std::uint64_t HashOfLog(ByteView data) {
-  std::uint32_t low = 0x7A4E55C5;
-  std::uint32_t high = 0x82EF4D88;
-  Bytes padded(data.begin(), data.end());
-  padded.push_back(0x80);
-  padded.resize((padded.size() + 3) / 4 * 4 + 4);
-  for (std::size_t at = 0; at < padded.size(); at += 4) {
-    low += padded[at] + padded[at + 1] * 0x100U + padded[at + 2] * 0x10000U + padded[at + 3] * 0x1000000U;
-    high ^= low;
-    low = std::rotl(low, 20) + high;
-    high = std::rotl(high, 9) ^ low;
-    low = std::rotl(low, 27) + high;
-    high = std::rotl(high, 19);
-  }
-  return std::uint64_t{high} << 32 | low;
-}
 
 inline void Append(Bytes& to, ByteView more) {
   to.insert(to.end(), more.begin(), more.end());
@@ -62,8 +43,8 @@ struct LogPage {
 
 /// Sets the hashes of an entry right.
 inline void PutHashes(Bytes& entry) {
-  Store64(&entry[24], HashOfLog(ByteView(entry).subspan(40)));
-  Store64(&entry[32], HashOfLog(ByteView(entry).first(32)));
+  Store64(&entry[24], Marvin32(kLogHashSeed, ByteView(entry).subspan(40)));
+  Store64(&entry[32], Marvin32(kLogHashSeed, ByteView(entry).first(32)));
 }
 
 /// An entry of a log of the newer form.

@@ -2,9 +2,7 @@
 #pragma once
 
 #include <algorithm>
-#include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "registry/hive_tools.h"
@@ -22,9 +20,7 @@ class RegFileRecorder : public RegFileVisitor {
   }
   void OnDeleteKey(std::string_view fullName, std::size_t line) override { Add(line, "- " + std::string(fullName)); }
   void OnValue(std::string_view name, std::uint32_t type, ByteView data, std::size_t line) override {
-    const Bytes bytes(data.begin(), data.end());
-    contents_.push_back(ValueLine(key_, {std::string(name), type, bytes}));
-    values[std::string(name)] = {type, bytes};
+    contents_.push_back(ValueLine(key_, {std::string(name), type, Bytes(data.begin(), data.end())}));
     std::string text = std::string(name) + " " + std::to_string(type);
     if (type == 1 || type == 2 || type == 7) {
       std::u16string units = Utf16FromBytes(data);
@@ -52,7 +48,6 @@ class RegFileRecorder : public RegFileVisitor {
   std::vector<std::string> said;   ///< `+ key`, `- key`, `name type data`, `delete name`, `! line`
   std::vector<std::size_t> lines;  ///< where each of them is
   std::vector<std::string> problems;
-  std::map<std::string, std::pair<std::uint32_t, Bytes>> values;
 
  private:
   void Add(std::size_t line, std::string text) {
