@@ -20,13 +20,8 @@ std::string Told(const RegeditRequest& request) {
   return command.isHostFile ? text + " host" : text;
 }
 
-struct Row {
-  const char* line;
-  const char* told;
-};
-
 TEST(RegeditCommandLine, TakesWindowsCommandLinesApart) {
-  constexpr Row kRows[] = {
+  constexpr std::pair<const char*, const char*> kRows[] = {
       {R"(regedit /s /e:A "WAB.reg"  "HKEY_CURRENT_USER\Software\Microsoft\WAB")",
        R"(silent export8 <WAB.reg> <HKEY_CURRENT_USER\Software\Microsoft\WAB>)"},
       {R"(regedit /s /e:A "B:\My Mail\u.reg" HKEY_CURRENT_USER\Identities\{0-1} x )",
@@ -47,15 +42,11 @@ TEST(RegeditCommandLine, TakesWindowsCommandLinesApart) {
       {"regedit", "fault"},
       {"", "fault"},
   };
-  for (const Row& row : kRows) EXPECT_EQ(Told(ParseCommandLine(row.line)), row.told) << row.line;
+  for (const auto& [line, told] : kRows) EXPECT_EQ(Told(ParseCommandLine(line)), told) << line;
 }
 
 TEST(RegeditCommandLine, TakesHostArgumentsApart) {
-  struct ArgumentRow {
-    std::vector<std::string> arguments;
-    const char* told;
-  };
-  const ArgumentRow rows[] = {
+  const std::pair<std::vector<std::string>, const char*> rows[] = {
       {{"--disk", "/mnt", "/e:A", "/tmp/a b.reg", R"(HKEY_CURRENT_USER\Identities\)"},
        R"(export8 </tmp/a b.reg> <HKEY_CURRENT_USER\Identities> host)"},
       {{"/s", "x.reg", "--disk", "c"}, "silent merge <x.reg> host"},
@@ -72,8 +63,8 @@ TEST(RegeditCommandLine, TakesHostArgumentsApart) {
       {{"--disk", "c", "--lock-fd", "7x", "a.reg"}, "fault"},
       {{"--disk", "c", "--command-line", "regedit /x", "a.reg"}, "fault"},
   };
-  for (const ArgumentRow& row : rows) {
-    EXPECT_EQ(Told(ParseArguments(row.arguments)), row.told) << testing::PrintToString(row.arguments);
+  for (const auto& [arguments, told] : rows) {
+    EXPECT_EQ(Told(ParseArguments(arguments)), told) << testing::PrintToString(arguments);
   }
 }
 
