@@ -10,10 +10,8 @@
 namespace quillbox {
 namespace {
 
-const std::string kOld = kMain;
+const std::string kOld = kMain, kOther = kOffice, kNew = kGuest;
 const std::string kOldLower = "{2b7c0e64-91d3-4f5a-8c17-6e0d53a9f421}";
-const std::string kOther = kOffice;
-const std::string kNew = kGuest;
 
 std::string Utf16(const std::string& text) {
   const Bytes bytes = Utf16Bytes(ToUtf16(text));
@@ -73,13 +71,10 @@ TEST_F(ReplaceUserIdTest, AFileWithoutAUserIdIsCopiedAsItIs) {
 }
 
 TEST_F(ReplaceUserIdTest, PiecesAndLongLinesHideNoUserId) {
-  struct Row {
-    std::size_t length;  // of a piece, or of the longest line
-    const char* end;
-  };
-  for (const Row& row : {Row{std::size_t{1} << 18, "\r\n"}, Row{kMaxLineBytes, ""}}) {
+  // A piece, and the longest line.
+  for (const auto& [length, end] : {std::pair(std::size_t{1} << 18, "\r\n"), {kMaxLineBytes, ""}}) {
     for (const std::size_t before : {0, 1, 2, 3, 20, 37, 38, 39, 40, 41, 42}) {
-      const std::string start = kOld + "\r\n" + std::string(row.length - before - 40, 'x') + row.end;
+      const std::string start = kOld + "\r\n" + std::string(length - before - 40, 'x') + end;
       ASSERT_EQ(Replaced(start + kOld + "tail\r\n"), kNew + start.substr(38) + kNew + "tail\r\n") << before;
     }
   }
