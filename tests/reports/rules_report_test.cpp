@@ -140,10 +140,5 @@ TEST_F(RulesReportTest, WhatIsFilledInIsNotATemplateAndTakesOneLine) {
   EXPECT_THAT(Make(RuleSet::News, ReportFormat::Text).text, HasSubstr("\r\nName: " + longName + "\r\n"));
 }
 
-TEST_F(RulesReportTest, AnIdentityWithoutRulesHasNone) {
-  RuleReader reader(*store, RuleSet::News, CodePage());
-  EXPECT_TRUE(reader.EnumRules(kOwn).empty());
-}
-
 }  // namespace
 }  // namespace quillbox

@@ -20,28 +20,22 @@ TEST(Unicode, EveryUnitSurvivesTheWayInAndOut) {
 }
 
 TEST(Unicode, BytesThatAreNoTextBecomeReplacementsOneByOne) {
-  const struct {
-    std::string_view bytes;
-    std::u16string_view units;
-  } cases[] = {
+  const std::pair<std::string_view, std::u16string_view> cases[] = {
       {"a\xFF\x80z", u"a\xFFFD\xFFFDz"},
       {"\xE2\x82", u"\xFFFD\xFFFD"},                      // cut off
       {"\xC0\xAF", u"\xFFFD\xFFFD"},                      // longer than need be
       {"\xF4\x90\x80\x80", u"\xFFFD\xFFFD\xFFFD\xFFFD"},  // beyond the last code point
       {"\xE2\x28\xA1", u"\xFFFD(\xFFFD"},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(ToUtf16(c.bytes), c.units);
-    EXPECT_FALSE(IsInnerText(c.bytes));
+  for (const auto& [bytes, units] : cases) {
+    EXPECT_EQ(ToUtf16(bytes), units);
+    EXPECT_FALSE(IsInnerText(bytes));
   }
   EXPECT_FALSE(IsInnerText("\xED\xA0\xBD\xED\xB8\x80")) << "a pair in two halves";
 }
 
 TEST(Unicode, UpperCaseFollowsWindows) {
-  const struct {
-    char16_t lower;
-    char16_t upper;
-  } cases[] = {
+  constexpr std::pair<char16_t, char16_t> cases[] = {
       {u'z', u'Z'},     {0x00E4, 0x00C4},                    // ä
       {0x00FF, 0x0178},                                      // ÿ
       {0x03C2, 0x03A3},                                      // final sigma
@@ -52,7 +46,7 @@ TEST(Unicode, UpperCaseFollowsWindows) {
       {0x00F7, 0x00F7}, {0x0250, 0x0250},                    // got its capital only later
       {0x0102, 0x0102},
   };
-  for (const auto& c : cases) EXPECT_EQ(UpperCase(c.lower), c.upper) << std::hex << unsigned{c.lower};
+  for (const auto& [lower, upper] : cases) EXPECT_EQ(UpperCase(lower), upper) << std::hex << unsigned{lower};
 }
 
 TEST(Unicode, ComparesWithoutRegardToCase) {
@@ -62,10 +56,7 @@ TEST(Unicode, ComparesWithoutRegardToCase) {
   EXPECT_FALSE(StartsWithIgnoreCase("Ident", "identities"));
   EXPECT_LT(CompareIgnoreCase(u"a", u"_"), 0) << "letters are compared as capitals";
   EXPECT_LT(CompareIgnoreCase(u"abc", u"ABCD"), 0);
-  EXPECT_EQ(UpperCase("stra\xC3\x9F"
-                      "e \xC3\xA9"),
-            "STRA\xC3\x9F"
-            "E \xC3\x89");
+  EXPECT_EQ(UpperCase("straße é"), "STRAßE É");
 }
 
 }  // namespace
