@@ -37,9 +37,7 @@ struct Private {
 
 class HiveCommitTest : public testing::TestWithParam<Private>, protected OfflineFixture {
  protected:
-  HiveCommitTest() {
-    for (const fs::path& hive : {kUser, kBob, kMachine}) MakeHiveFile(hive);
-  }
+  HiveCommitTest() { Renew(); }
 
   /// One run of the program on the disk.
   struct Run {
@@ -53,7 +51,7 @@ class HiveCommitTest : public testing::TestWithParam<Private>, protected Offline
       hives.Mount({RegistryRoot::LocalMachine, "SOFTWARE"}, machine);
     }
     void Change(std::string_view value) {
-      for (HiveFile* hive : {&user, &machine}) hive->Edit().SetValue(hive->View().Root(), "v", 3, AsBytes(value));
+      for (HiveFile* hive : {&user, &machine}) SetRootValue(*hive, value);
     }
     HiveFile user, machine;
     OfflineRegistry hives;
@@ -70,11 +68,7 @@ class HiveCommitTest : public testing::TestWithParam<Private>, protected Offline
     }
     return said;
   }
-  std::string Value(const fs::path& hive) {
-    const HiveFile file(At(hive), HiveMode::Read, disk / "state", log);
-    const Bytes data = file.View().Value(file.View().Root(), "v").value().data;
-    return {data.begin(), data.end()};
-  }
+  std::string Value(const fs::path& hive) { return RootValue({At(hive), HiveMode::Read, disk / "state", log}); }
   Values OnDisk() { return {Value(kUser), Value(kMachine)}; }
 
   /// Every file that is no hive and nothing that is kept for good.
@@ -94,13 +88,14 @@ class HiveCommitTest : public testing::TestWithParam<Private>, protected Offline
     for (const fs::path& hive : {kUser, kBob, kMachine}) MakeHiveFile(hive);
   }
 
-  /// Runs `act` in another process that is killed before the call number `last` on a file; true when it was not.
-  template <typename Act>
-  bool SurvivesUntil(int last, Act act) {
+  /// Runs `act` in another process that is killed before the first call for which `isLast` holds; true when there was
+  /// none.
+  template <typename Act, typename IsLast>
+  bool Survives(Act act, IsLast isLast) {
     const pid_t child = fork();
     if (child == 0) {
-      const HostCallGuard guard([&](HostCall, const std::string&) {
-        if (last-- == 0) raise(SIGKILL);
+      const HostCallGuard guard([&](HostCall call, const std::string& file) {
+        if (isLast(call, file)) raise(SIGKILL);
         return 0;
       });
       act();
@@ -109,6 +104,17 @@ class HiveCommitTest : public testing::TestWithParam<Private>, protected Offline
     int status = 0;
     waitpid(child, &status, 0);
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+  }
+  /// The same with the call of that number.
+  template <typename Act>
+  bool SurvivesUntil(int last, Act act) {
+    return Survives(act, [&last](HostCall, const std::string&) { return last-- == 0; });
+  }
+  /// Changes both hives in a program that is killed before it puts `hive` in place.
+  void ChangeKilledBefore(const std::string& hive) {
+    ASSERT_FALSE(Survives(
+        [&] { Change("new"); },
+        [&](HostCall call, const std::string& file) { return call == HostCall::Rename && file.ends_with(hive); }));
   }
   void Change(std::string_view value) {
     Run run(*this, GetParam());
@@ -147,20 +153,10 @@ TEST_P(HiveCommitTest, AKillAtAnyMomentGivesBothOrNone) {
 }
 
 TEST_P(HiveCommitTest, AKillWhileItIsFinishedIsFinishedLater) {
-  // The last moment at which nothing is in place, with the record written.
-  const auto firstRename = [&] {
-    int call = 0;
-    const HostCallGuard guard([&](HostCall kind, const std::string& file) {
-      if (kind == HostCall::Rename && file.ends_with("NTUSER.DAT")) raise(SIGKILL);
-      ++call;
-      return 0;
-    });
-    Change("new");
-  };
   bool ended = false;
   for (int call = 0; !ended; ++call) {
     Renew();
-    ASSERT_FALSE(SurvivesUntil(1'000, firstRename));
+    ChangeKilledBefore("NTUSER.DAT");  // nothing is in place, and the record is written
     ended = SurvivesUntil(call, [&] { Reopen(); });
     Reopen();
     EXPECT_EQ(OnDisk(), kAfter) << call;
@@ -202,24 +198,6 @@ TEST_P(HiveCommitTest, AFailureAtAnyStepIsToldAndMadeGoodByTheNextCommand) {
     EXPECT_EQ(OnDisk(), kAfter) << call;
     Reopen();
     EXPECT_THAT(Leftovers(), ElementsAre()) << call;
-  }
-}
-
-TEST_P(HiveCommitTest, AFailureThatStaysIsMadeGoodByTheNextOpening) {
-  for (const char* hive : {"NTUSER.DAT", "software"}) {
-    Renew();
-    {
-      Run run(*this, GetParam());
-      run.Change("new");
-      const HostCallGuard guard([&](HostCall kind, const std::string& file) {
-        return kind == HostCall::Rename && file.ends_with(hive) ? ENOSPC : 0;
-      });
-      EXPECT_THROW(run.hives.Commit(), Error);
-      EXPECT_THROW(run.hives.Commit(), Error);
-    }
-    Reopen();
-    EXPECT_EQ(OnDisk(), hive == std::string("software") ? kAfter : kBefore);
-    EXPECT_THAT(Leftovers(), ElementsAre());
   }
 }
 
@@ -286,17 +264,10 @@ TEST_P(HiveRecord, AForgedRecordTouchesNothingButTheHives) {
 }
 
 TEST_P(HiveRecord, WhatCannotBeMendedIsSaid) {
-  ASSERT_FALSE(SurvivesUntil(1'000, [&] {
-    const HostCallGuard guard([&](HostCall kind, const std::string& file) {
-      if (kind == HostCall::Rename && file.ends_with("software")) raise(SIGKILL);
-      return 0;
-    });
-    Change("new");
-  }));
+  ChangeKilledBefore("software");
   MakeHiveFile(kMachine, "changed by Windows");
-  Hive again = Hive::Load(AsBytes(disk.Read("c/WINDOWS/system32/config/software")), "software");
-  const Bytes later = again.Image(kTestTime + 5);
-  std::ofstream(kMachine, std::ios::binary).write(reinterpret_cast<const char*>(later.data()), std::ssize(later));
+  Hive again = Hive::Load(ReadBytes(kMachine), "software");
+  WriteBytes(kMachine, again.Image(kTestTime + 5));
   EXPECT_THAT(Reopen(), ElementsAre(testing::AllOf(HasSubstr("config/software: a command was interrupted"),
                                                    HasSubstr("Ann/NTUSER.DAT"))));
   EXPECT_EQ(OnDisk(), Values("new", "changed by Windows"));

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -14,7 +13,7 @@
 #include "platform/offline/offline_registry.h"
 #include "platform/offline/system_services.h"
 #include "platform/platform.h"
-#include "registry/hive.h"
+#include "support/damaged_hive.h"
 #include "support/scripted_dialogs.h"
 #include "support/temp_folder.h"
 #include "support/test_log.h"
@@ -35,8 +34,7 @@ inline Bytes AsBytes(std::string_view text) {
 /// Writes `hive` as a file, its folders included.
 inline std::filesystem::path WriteHiveFile(const std::filesystem::path& file, Hive& hive) {
   std::filesystem::create_directories(file.parent_path());
-  const Bytes image = hive.Image(kTestTime);
-  std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(image.data()), std::ssize(image));
+  WriteBytes(file, hive.Image(kTestTime));
   return file;
 }
 
@@ -45,6 +43,15 @@ inline std::filesystem::path MakeHiveFile(const std::filesystem::path& file, std
   Hive hive = Hive::Create("root", kTestTime);
   hive.SetValue(hive.Root(), "v", 3, AsBytes(value));
   return WriteHiveFile(file, hive);
+}
+
+/// That value's text.
+inline std::string RootValue(const HiveFile& file) {
+  const Bytes data = file.View().Value(file.View().Root(), "v").value().data;
+  return {data.begin(), data.end()};
+}
+inline void SetRootValue(HiveFile& file, std::string_view value) {
+  file.Edit().SetValue(file.View().Root(), "v", 3, AsBytes(value));
 }
 
 struct OfflineFixture {
@@ -57,6 +64,10 @@ struct OfflineFixture {
 
   HiveFile Open(std::string_view hive, HiveMode mode = HiveMode::Write) {
     return {HostPlace::Anywhere(disk / hive), mode, disk / "state", log};
+  }
+  HiveFile NewHive(std::string_view hive) {
+    MakeHiveFile(disk / hive);
+    return Open(hive);
   }
 };
 
