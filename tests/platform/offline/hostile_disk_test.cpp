@@ -7,7 +7,6 @@
 
 #include "offline_fixture.h"
 #include "platform/offline/host_file.h"
-#include "platform/offline/offline_shell.h"
 #include "platform/offline/open_beneath.h"
 
 namespace quillbox {
@@ -206,31 +205,6 @@ TEST_P(HostileDiskTest, AFileGoesToTheFolderThatWasThereAtItsBeginning) {
   written.Commit();
   EXPECT_EQ(temp.Read("c/renamed/written.dbx"), "whole");
   EXPECT_EQ(std::distance(fs::directory_iterator(c / "renamed"), {}), 1) << "nothing is left of the other one";
-}
-
-TEST_P(HostileDiskTest, ACopyNeitherTakesFromOutsideNorReplacesThere) {
-  ScriptedDialogs dialogs;
-  TestLog log;
-  RegistryFacts facts;
-  OfflineShell shell{files, facts, dialogs, log, "none"};
-  Link("../../outside/bashrc", "Store/Inbox.dbx");
-  Link("../outside", "out");
-  temp.File("c/bk/Inbox.dbx", "a hostile backup");
-  const struct {
-    const char *source, *target, *named;
-  } rows[] = {{"C:\\Store\\Inbox.dbx", "C:\\bk\\Copy.dbx", "C:\\Store\\Inbox.dbx"},
-              {"C:\\out\\bashrc", "C:\\bk\\Copy.dbx", "C:\\out\\bashrc"},
-              {"C:\\bk\\Inbox.dbx", "C:\\Store\\Inbox.dbx", "C:\\Store\\Inbox.dbx"},
-              {"C:\\bk\\Inbox.dbx", "C:\\Store", "C:\\Store\\Inbox.dbx"},
-              {"C:\\bk\\Inbox.dbx", "C:\\out\\Inbox.dbx", "C:\\out\\Inbox.dbx"}};
-  for (const auto& row : rows) {
-    shell.CopyFile({.source = WinPath(row.source), .target = WinPath(row.target), .part = CopyPart::OnlyFile});
-    EXPECT_EQ(shell.FinishCopies().back().end, CopyEnd::Failed);
-    EXPECT_THAT(dialogs.LastMessage(), HasSubstr(std::string(row.named) + ": it leads out of the disk."));
-  }
-  EXPECT_EQ(dialogs.messages.size(), std::size(rows)) << "and nobody was asked about replacing";
-  EXPECT_TRUE(fs::is_symlink(c / "Store/Inbox.dbx"));
-  EXPECT_FALSE(fs::exists(c / "bk/Copy.dbx"));
 }
 
 }  // namespace

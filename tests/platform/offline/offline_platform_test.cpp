@@ -1,17 +1,13 @@
 #include "platform/offline/offline_platform.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <csignal>
 #include <map>
 
 #include "sample_disk.h"
-#include "support/damaged_hive.h"
-#include "support/host_calls.h"
 #include "support/scripted_dialogs.h"
 
 namespace quillbox {
@@ -195,35 +191,26 @@ TEST_F(SalvageTest, ARegistryWhoseLogsCannotBeUsedIsWrittenOnlyIfThePersonSaysYe
   EXPECT_EQ(WhyNot(), "(done)");
 }
 
-TEST_F(OfflinePlatformTest, FoldersThatAreWrittenAreFreedOfWhatWasLeft) {
-  const std::filesystem::path folders[] = {disk.anna, disk.folder / "WINDOWS/system32/config", disk.folder / "Export"};
-  std::filesystem::create_directories(folders[2]);
-  for (const std::filesystem::path& folder : folders) std::ofstream(folder / ".quillbox-a1B2c3") << "half a file";
+TEST_F(OfflinePlatformTest, FoldersThatAreWrittenAreFreedOfWhatKilledProgramsLeft) {
+  const std::filesystem::path folders[] = {disk.anna, disk.folder / "WINDOWS/system32/config", disk.folder / "Export",
+                                           disk.folder / "Backup"};
+  for (const std::filesystem::path& folder : folders) {
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder / ".quillbox-a1B2c3") << "half a file";
+  }
+  const auto inUse = disk.temp.File("c/Backup/.quillbox-d4E5f6", "another program's");
+  const HostFd holder(open(inUse.c_str(), O_RDONLY | O_CLOEXEC));
+  ASSERT_EQ(flock(holder.Get(), LOCK_EX), 0);
+  disk.temp.File("c/Backup/.quillbox-notes.txt", "the person's own");
   OfflinePlatform platform(options, dialogs);
   platform.GetFiles().WriteFile(WinPath("C:\\Export\\a.reg"), "text");
+  platform.GetShell().CopyFile({.source = WinPath("C:\\Export\\a.reg"), .target = WinPath("C:\\Backup")});
+  platform.GetShell().FinishCopies();
   for (const std::filesystem::path& folder : folders) {
     EXPECT_FALSE(std::filesystem::exists(folder / ".quillbox-a1B2c3")) << folder;
   }
-}
-
-TEST_F(OfflinePlatformTest, ACommandThatWasKilledHalfwayIsFinished) {
-  const RegistryPath user = {RegistryRoot::CurrentUser, "New"}, machine = {RegistryRoot::LocalMachine, "SOFTWARE\\New"};
-  const pid_t child = fork();
-  if (child == 0) {
-    OfflinePlatform platform(options, dialogs);
-    platform.GetRegistry().Create(user);
-    platform.GetRegistry().Create(machine);
-    const HostCallGuard guard([](HostCall call, const std::string& file) {
-      if (call == HostCall::Rename && file.ends_with("software")) raise(SIGKILL);
-      return 0;
-    });
-    platform.EndCommand();
-  }
-  waitpid(child, nullptr, 0);
-  OfflinePlatform platform(options, dialogs);
-  EXPECT_EQ(platform.GetRegistry().Open(user, Access::Read).status, Status::Success);
-  EXPECT_EQ(platform.GetRegistry().Open(machine, Access::Read).status, Status::Success);
-  EXPECT_TRUE(platform.Warnings().empty());
+  EXPECT_TRUE(std::filesystem::exists(inUse));
+  EXPECT_TRUE(std::filesystem::exists(folders[3] / ".quillbox-notes.txt"));
 }
 
 }  // namespace

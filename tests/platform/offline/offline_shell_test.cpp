@@ -1,17 +1,12 @@
 #include "platform/offline/offline_shell.h"
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/file.h>
-#include <sys/stat.h>
 
 #include <chrono>
 #include <thread>
 
 #include "offline_fixture.h"
-#include "platform/offline/host_file.h"
-#include "support/file_size_limit.h"
 
 namespace quillbox {
 namespace {
@@ -32,107 +27,69 @@ struct OfflineShellTest : CopyFixture {
   OfflineShell shell{files, facts, dialogs, log, disk / "opener"};
 };
 
-TEST_F(OfflineShellTest, CopiesContentAndTime) {
+TEST_F(OfflineShellTest, CopiesLargeFilesUnderADisplayOfTheProgress) {
   const std::string large(3'500'000, 'x');
-  const auto source = disk.File("Mail/Large.dbx", large);
-  const timespec times[2] = {{5, 0}, {1'000'000'000, 123'456'700}};
-  utimensat(AT_FDCWD, source.c_str(), times, 0);
+  disk.File("Mail/Large.dbx", large);
   EXPECT_TRUE(Copy("C:\\mail\\large.DBX", "C:\\bk\\Large.dbx"));
   EXPECT_EQ(disk.Read("bk/Large.dbx"), large);
-  EXPECT_EQ(files.Stat(WinPath("C:\\bk\\large.dbx"))->modified, files.Stat(WinPath("C:\\Mail\\large.dbx"))->modified);
   ASSERT_GE(dialogs.progress.size(), 5u);
   EXPECT_THAT(dialogs.progress[4].text, HasSubstr("large.DBX  (3.3 of 3.3 MB)"));
   EXPECT_EQ(dialogs.progress[4].done, large.size());
   EXPECT_EQ(dialogs.openProgressDisplays, 1);
   shell.EndCommand();
   EXPECT_EQ(dialogs.openProgressDisplays, 0);
-
-  EXPECT_TRUE(Copy("C:\\Mail\\Sent.dbx", "C:\\bk\\")) << "a folder takes the file under its own name";
-  EXPECT_EQ(disk.Read("bk/Sent.dbx"), "sent");
 }
 
-TEST_F(OfflineShellTest, AsksBeforeItReplaces) {
+TEST_F(OfflineShellTest, AsksBeforeItReplacesUntilTheCommandEnds) {
   disk.File("bk/Inbox.dbx", "older!");
-  dialogs.overwriteAnswers = {OverwriteAnswer::No, OverwriteAnswer::Yes};
+  disk.File("bk/Sent.dbx", "2");
+  dialogs.overwriteAnswers = {OverwriteAnswer::No, OverwriteAnswer::YesToAll};
   EXPECT_FALSE(Copy("C:\\Mail\\Inbox.dbx", "C:\\bk\\inbox.dbx"));
   EXPECT_EQ(disk.Read("bk/Inbox.dbx"), "older!");
   EXPECT_EQ(dialogs.overwriteQuestions.back().sourceSize, 5u);
   EXPECT_EQ(dialogs.overwriteQuestions.back().targetSize, 6u);
   EXPECT_TRUE(Copy("C:\\Mail\\Inbox.dbx", "C:\\bk\\inbox.dbx"));
-  EXPECT_EQ(disk.Read("bk/Inbox.dbx"), "inbox");
-  EXPECT_THAT(Backups(), ElementsAre("Inbox.dbx"));
-  EXPECT_TRUE(Copy("C:\\Mail\\Sent.dbx", "C:\\bk\\inbox.dbx", true)) << "noConfirm asks nothing";
-}
-
-TEST_F(OfflineShellTest, YesToAllAndCancelHoldUntilTheCommandEnds) {
-  disk.File("bk/Inbox.dbx", "1");
-  disk.File("bk/Sent.dbx", "2");
-  dialogs.overwriteAnswers = {OverwriteAnswer::YesToAll};
-  EXPECT_TRUE(Copy("C:\\Mail\\Inbox.dbx", "C:\\bk"));
-  EXPECT_TRUE(Copy("C:\\Mail\\Sent.dbx", "C:\\bk"));
+  EXPECT_TRUE(Copy("C:\\Mail\\Sent.dbx", "C:\\bk\\")) << "a folder takes the file under its own name";
+  EXPECT_EQ(disk.Read("bk/Inbox.dbx") + disk.Read("bk/Sent.dbx"), "inboxsent");
   shell.EndCommand();
   dialogs.overwriteAnswers = {OverwriteAnswer::Cancel};
   EXPECT_FALSE(Copy("C:\\Mail\\Inbox.dbx", "C:\\bk"));
   EXPECT_FALSE(Copy("C:\\Mail\\Inbox.dbx", "C:\\bk\\New.dbx")) << "later copies of the command are cancelled too";
   shell.EndCommand();
-  EXPECT_TRUE(Copy("C:\\Mail\\Inbox.dbx", "C:\\bk\\New.dbx"));
-}
-
-TEST_F(OfflineShellTest, CancelWhileCopyingLeavesWhatWasThere) {
-  disk.File("Mail/Large.dbx", std::string(3'000'000, 'x'));
-  disk.File("bk/Large.dbx", "old");
-  dialogs.onProgress = [](const ScriptedDialogs::ProgressShown& shown) { return shown.done < 2'000'000; };
-  EXPECT_FALSE(Copy("C:\\Mail\\Large.dbx", "C:\\bk", true));
-  EXPECT_FALSE(Copy("C:\\Mail\\Sent.dbx", "C:\\bk", true));
-  EXPECT_EQ(disk.Read("bk/Large.dbx"), "old");
-  EXPECT_THAT(Backups(), ElementsAre("Large.dbx"));
-  EXPECT_TRUE(dialogs.messages.empty());
+  EXPECT_TRUE(Copy("C:\\Mail\\Sent.dbx", "C:\\bk\\inbox.dbx", true)) << "noConfirm asks nothing";
+  EXPECT_THAT(Backups(), ElementsAre("Inbox.dbx", "Sent.dbx"));
 }
 
 TEST_F(OfflineShellTest, EachFailureNamesTheFileAndTheReason) {
   disk.Folder("bk/Sent.dbx");
+  disk.File("Other/Link.dbx", "hostile");
+  const TempFolder outside;
+  std::filesystem::create_symlink(outside.File("bashrc", "secret"), disk / "Mail/Link.dbx");
+  std::filesystem::create_directory_symlink(outside.Path(), disk / "out");
   const struct {
     const char *source, *target, *reason;
   } rows[] = {{"C:\\Mail\\Gone.dbx", "C:\\bk", "C:\\Mail\\Gone.dbx: the file cannot be found"},
-              {"C:\\Mail", "C:\\bk", "C:\\Mail: it is a folder"},
+              {"C:\\Mail", "C:\\bk", "C:\\Mail: it is a folder, not a file"},
               {"C:\\Mail\\Inbox.dbx", "C:\\none\\x", "C:\\none: there is no such folder"},
               {"C:\\Mail\\Inbox.dbx", "E:\\x", "E:\\: there is no such folder"},
               {"C:\\Mail\\Sent.dbx", "C:\\bk", "C:\\bk\\Sent.dbx: a folder of that name is in the way"},
-              {"C:\\Mail\\Inbox.dbx", "C:\\bk\\AUX", "AUX is a device name"},
-              {"C:\\Mail\\Inbox.dbx", "C:\\mail\\INBOX.dbx", "the source and the target are the same file"}};
+              {"C:\\Mail\\Inbox.dbx", "C:\\bk\\AUX", "C:\\bk\\AUX: no file can have that name: AUX is a device name"},
+              {"C:\\Mail\\Inbox.dbx", "C:\\mail\\INBOX.dbx",
+               "C:\\mail\\INBOX.dbx: the source and the target are the same file"},
+              {"C:\\Mail\\Link.dbx", "C:\\bk\\Copy.dbx", "C:\\Mail\\Link.dbx: it leads out of the disk"},
+              {"C:\\out\\bashrc", "C:\\bk\\Copy.dbx", "C:\\out\\bashrc: it leads out of the disk"},
+              {"C:\\Mail\\Sent.dbx", "C:\\Mail\\Link.dbx", "C:\\Mail\\Link.dbx: it leads out of the disk"},
+              {"C:\\Mail\\Sent.dbx", "C:\\out\\new", "C:\\out\\new: it leads out of the disk"},
+              {"C:\\Other\\Link.dbx", "C:\\Mail", "C:\\Mail\\Link.dbx: it leads out of the disk"}};
   for (const auto& row : rows) {
-    EXPECT_FALSE(Copy(row.source, row.target, true));
-    EXPECT_THAT(dialogs.LastMessage(), HasSubstr(row.reason));
-    EXPECT_THAT(dialogs.LastMessage(), HasSubstr("Cannot copy " + WinPath(row.source).Name()));
-    EXPECT_EQ(dialogs.messages.back().title, "Error Copying File");
-    EXPECT_EQ(dialogs.messages.back().icon, MessageIcon::Exclamation);
+    EXPECT_FALSE(Copy(row.source, row.target));
+    EXPECT_EQ(dialogs.LastMessage(), "Cannot copy " + WinPath(row.source).Name() + ".\n\n" + row.reason + ".");
   }
+  EXPECT_EQ(dialogs.messages.back().title, "Error Copying File");
   EXPECT_EQ(dialogs.messages.size(), std::size(rows));
   EXPECT_EQ(disk.Read("Mail/Inbox.dbx"), "inbox");
-}
-
-TEST_F(OfflineShellTest, AFullDiskLeavesTheEarlierBackup) {
-  disk.File("Mail/Large.dbx", std::string(500'000, 'x'));
-  disk.File("bk/Large.dbx", "earlier");
-  {
-    const FileSizeLimit full(100'000);
-    EXPECT_FALSE(Copy("C:\\Mail\\Large.dbx", "C:\\bk", true));
-  }
-  EXPECT_THAT(dialogs.LastMessage(), HasSubstr("C:\\bk\\Large.dbx: File too large"));
-  EXPECT_EQ(disk.Read("bk/Large.dbx"), "earlier");
-  EXPECT_THAT(Backups(), ElementsAre("Large.dbx"));
-}
-
-TEST_F(OfflineShellTest, WhatAKilledCopyLeftIsRemovedByTheNextOne) {
-  disk.File("bk/.quillbox-a1B2c3", "half a file");
-  const auto inUse = disk.File("bk/.quillbox-d4E5f6", "another program's");
-  const HostFd holder(open(inUse.c_str(), O_RDONLY | O_CLOEXEC));
-  ASSERT_EQ(flock(holder.Get(), LOCK_EX), 0);
-  disk.File("bk/.quillbox-notes.txt", "the person's own");
-  EXPECT_TRUE(Copy("C:\\Mail\\Sent.dbx", "C:\\bk\\Sent.dbx"));
-  EXPECT_FALSE(std::filesystem::exists(disk / "bk/.quillbox-a1B2c3"));
-  EXPECT_TRUE(std::filesystem::exists(inUse));
-  EXPECT_TRUE(std::filesystem::exists(disk / "bk/.quillbox-notes.txt"));
+  EXPECT_EQ(outside.Read("bashrc"), "secret");
+  EXPECT_FALSE(std::filesystem::exists(disk / "bk/Copy.dbx"));
 }
 
 TEST_F(OfflineShellTest, AFileThatChangesMeanwhileIsCopiedAgainOrNotAtAll) {
