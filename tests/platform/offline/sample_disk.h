@@ -43,15 +43,12 @@ struct XpDisk {
                 "%USERPROFILE%\\Anwendungsdaten"}});
     WriteHive(folder / "WINDOWS/system32/config/software",
               {{"Microsoft\\Windows\\CurrentVersion", "ProgramFilesDir", 1, "C:\\Programme"}});
-    Hive system = Hive::Create("root", kTestTime);
-    const HiveKey control = system.CreatePath(system.Root(), "ControlSet002\\Control");
-    const HiveKey codePage = system.CreatePath(control, "Nls\\CodePage");
-    system.SetValue(codePage, "ACP", 1, Utf16Bytes(u"1250"));
-    const HiveKey variables = system.CreatePath(control, "Session Manager\\Environment");
-    system.SetValue(variables, "TEMP", 2, Utf16Bytes(u"%SystemRoot%\\TEMP"));
-    system.SetValue(variables, "ComSpec", 2, Utf16Bytes(u"%SystemRoot%\\system32\\CMD.EXE"));
-    system.SetValue(system.CreatePath(system.Root(), "Select"), "Current", 4, Bytes{2, 0, 0, 0});
-    WriteHiveFile(folder / "WINDOWS/system32/config/system", system);
+    WriteHive(
+        folder / "WINDOWS/system32/config/system",
+        {{"ControlSet002\\Control\\Nls\\CodePage", "ACP", 1, "1250"},
+         {"ControlSet002\\Control\\Session Manager\\Environment", "TEMP", 2, "%SystemRoot%\\TEMP"},
+         {"ControlSet002\\Control\\Session Manager\\Environment", "ComSpec", 2, "%SystemRoot%\\system32\\CMD.EXE"},
+         {"Select", "Current", 4, "\2"}});
     for (const char* nobody : {"All Users", "Default User", "LocalService"}) {
       temp.File(std::string("c/Documents and Settings/") + nobody + "/NTUSER.DAT");
     }
