@@ -1,12 +1,10 @@
 #include "support/host_calls.h"
 
-#include <fcntl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
-#include <cstdio>
+#include <filesystem>
 #include <utility>
 
 namespace quillbox {
@@ -21,12 +19,6 @@ bool Fails(HostCall call, const std::string& file) {
   const int code = Hook() ? Hook()(call, file) : 0;
   if (code != 0) errno = code;
   return code != 0;
-}
-
-std::string NameOf(int fd) {
-  std::array<char, 4096> name = {};
-  const ssize_t length = readlink(("/proc/self/fd/" + std::to_string(fd)).c_str(), name.data(), name.size());
-  return {name.data(), length > 0 ? static_cast<std::size_t>(length) : 0};
 }
 
 }  // namespace
@@ -47,7 +39,7 @@ using quillbox::HostCall;
 extern "C" {
 
 int fsync(int fd) {
-  if (Fails(HostCall::Flush, quillbox::NameOf(fd))) return -1;
+  if (Fails(HostCall::Flush, std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd)))) return -1;
   return quillbox::Hook() ? 0 : static_cast<int>(syscall(SYS_fsync, fd));
 }
 
@@ -56,16 +48,8 @@ int renameat(int fromFolder, const char* from, int toFolder, const char* to) noe
   return static_cast<int>(syscall(SYS_renameat2, fromFolder, from, toFolder, to, 0));
 }
 
-int rename(const char* from, const char* to) noexcept {
-  return renameat(AT_FDCWD, from, AT_FDCWD, to);
-}
-
 int unlinkat(int folder, const char* name, int flags) noexcept {
   if (Fails(HostCall::Remove, name)) return -1;
   return static_cast<int>(syscall(SYS_unlinkat, folder, name, flags));
-}
-
-int unlink(const char* name) noexcept {
-  return unlinkat(AT_FDCWD, name, 0);
 }
 }

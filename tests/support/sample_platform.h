@@ -46,38 +46,24 @@ struct RecordingShell : Shell {
   std::vector<std::string> urls;
 };
 
-struct RecordingPlatform : Platform {
-  RecordingPlatform(const OfflineOptions& options, Dialogs& dialogs)
-      : offline(options, dialogs), processes(offline.GetProcesses()), shell(offline.GetShell()) {}
+struct RecordingPlatform : OfflinePlatform {
+  using OfflinePlatform::OfflinePlatform;
   /// From now on copies are made with `io`, which may fail.
   void CopyWith(std::unique_ptr<CopyIo> io) {
-    faultyShell = std::make_unique<OfflineShell>(offline.GetFiles(), offline.GetSystemFacts(), offline.GetDialogs(),
-                                                 log, "", std::move(io));
+    faultyShell = std::make_unique<OfflineShell>(GetFiles(), GetSystemFacts(), GetDialogs(), log, "", std::move(io));
     shell.inner = faultyShell.get();
   }
-
-  Registry& GetRegistry() override { return offline.GetRegistry(); }
-  FileSystem& GetFiles() override { return offline.GetFiles(); }
-  Drives& GetDrives() override { return offline.GetDrives(); }
-  SystemFacts& GetSystemFacts() override { return offline.GetSystemFacts(); }
   Shell& GetShell() override { return shell; }
   Processes& GetProcesses() override { return processes; }
-  Dialogs& GetDialogs() override { return offline.GetDialogs(); }
-  Clock& GetClock() override { return offline.GetClock(); }
-  Guids& GetGuids() override { return offline.GetGuids(); }
-  Clipboard& GetClipboard() override { return offline.GetClipboard(); }
   Log& GetLog() override { return log; }
-  ChosenFolders& GetChosenFolders() override { return offline.GetChosenFolders(); }
   void EndCommand() override {
     ++commandsEnded;
     if (faultyShell) faultyShell->EndCommand();
-    offline.EndCommand();
+    OfflinePlatform::EndCommand();
   }
-  std::string SystemDescription() override { return offline.SystemDescription(); }
 
-  OfflinePlatform offline;
-  RecordingProcesses processes;
-  RecordingShell shell;
+  RecordingProcesses processes{OfflinePlatform::GetProcesses()};
+  RecordingShell shell{OfflinePlatform::GetShell()};
   TestLog log;
   std::unique_ptr<OfflineShell> faultyShell;
   int commandsEnded = 0;
@@ -109,13 +95,6 @@ class SamplePlatform : public ::testing::Test {
     return Store().RegistryGetKeyValue(CurrentUser(subkey), name);
   }
 
-  /// The names in a host folder, sorted.
-  static std::vector<std::string> Names(const std::filesystem::path& folder) {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) names.push_back(entry.path().filename());
-    std::sort(names.begin(), names.end());
-    return names;
-  }
   static std::string Content(const std::filesystem::path& file) {
     std::ifstream in(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};

@@ -29,12 +29,6 @@ class SampleWindows : public SamplePlatform {
     windows->form1.Open();
     return windows->form1;
   }
-  /// The name under which the program sees a file of this computer that is on none of the disk's drives.
-  static std::string OnZ(const std::filesystem::path& host) {
-    std::string path = "Z:" + host.string();
-    std::replace(path.begin(), path.end(), '/', '\\');
-    return path;
-  }
   /// Stores a folder in the registry as a disk comes with it: nobody has chosen it here.
   void StoreBackupFolder(const std::string& folder) {
     Store().CreateKey(CurrentUser(kIdentitiesKey));
@@ -42,7 +36,7 @@ class SampleWindows : public SamplePlatform {
   }
   std::filesystem::path BackupFolderOnHost() const { return sample.driveD / "Backup"; }
   std::filesystem::path OnHost(const std::string& path) {
-    return platform->offline.GetDrives().HostPath(WinPath(path));
+    return platform->GetDrives().HostPath(WinPath(path));
   }
   const std::vector<IdentityInfo>& Identities() { return windows->session.Catalogue().identities; }
   void SetUsername(const std::string& userId, const std::string& username) {

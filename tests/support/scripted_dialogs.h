@@ -42,7 +42,6 @@ struct ScriptedDialogs : Dialogs {
   std::vector<FileDialog> saveFileDialogs;
   std::vector<std::string> folderDialogs;
   std::vector<OverwriteQuestion> overwriteQuestions;
-  std::vector<std::string> progressTitles;
   std::vector<ProgressShown> progress;
   int openProgressDisplays = 0;
 
@@ -92,8 +91,7 @@ struct ScriptedDialogs : Dialogs {
     overwriteQuestions.push_back(question);
     return Take(overwriteAnswers, OverwriteAnswer::Cancel, "overwrite " + question.target.Text());
   }
-  std::unique_ptr<Progress> ShowProgress(const std::string& title) override {
-    progressTitles.push_back(title);
+  std::unique_ptr<Progress> ShowProgress(const std::string& /*title*/) override {
     return std::make_unique<ScriptedProgress>(*this);
   }
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
@@ -11,8 +12,24 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 namespace quillbox {
+
+/// The names in a folder, sorted.
+inline std::vector<std::string> Names(const std::filesystem::path& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) names.push_back(entry.path().filename());
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+/// The name under which the program sees a file of this computer that is on none of the disk's drives.
+inline std::string OnZ(const std::filesystem::path& host) {
+  std::string path = "Z:" + host.string();
+  std::replace(path.begin(), path.end(), '/', '\\');
+  return path;
+}
 
 class TempFolder {
  public:

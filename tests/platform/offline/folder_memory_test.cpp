@@ -19,11 +19,7 @@ struct FolderMemoryTest : testing::Test {
   void RemoveIdentity(const char* userId) { registry.DeleteTree(Identity(userId)); }
   /// A new start of the program on the disk.
   FolderMemory Memory(const char* profile = "Ann") { return {state, {c, profile}, drives, registry}; }
-  static WinPath OnZ(const std::filesystem::path& host) {
-    std::string path = "Z:" + host.string();
-    std::replace(path.begin(), path.end(), '/', '\\');
-    return WinPath(path);
-  }
+  static WinPath OnZ(const std::filesystem::path& host) { return WinPath(quillbox::OnZ(host)); }
   std::optional<FolderFault> FaultOf(const std::filesystem::path& host) { return Memory().FaultOf(OnZ(host)); }
 
   TempFolder temp;

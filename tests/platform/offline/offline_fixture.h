@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -74,12 +73,7 @@ struct OfflineFixture {
 /// A disk with messages in C:\Mail, an empty folder C:\bk for their backups, and what a shell needs.
 struct CopyFixture : testing::Test, OfflineFixture {
   CopyFixture() { disk.Folder("bk"); }
-  std::vector<std::string> Backups() const {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(disk / "bk")) names.push_back(entry.path().filename());
-    std::sort(names.begin(), names.end());
-    return names;
-  }
+  std::vector<std::string> Backups() const { return Names(disk / "bk"); }
   RegistryFacts facts;
   ScriptedDialogs dialogs;
 };

@@ -47,6 +47,9 @@ TEST_F(OfflinePlatformTest, HasTheEnvironmentOfTheDisksWindows) {
   EXPECT_EQ(platform.GetSystemFacts().CodePageNumber(), 1250u);
   EXPECT_TRUE(platform.Warnings().empty());
   EXPECT_FALSE(platform.UsesPrivateCopy());
+  std::filesystem::remove(disk.folder / "WINDOWS/system32/config/system");
+  options.readOnly = true;
+  EXPECT_EQ(OfflinePlatform(options, dialogs).GetSystemFacts().CodePageNumber(), 1252u);
 }
 
 TEST_F(OfflinePlatformTest, RefusesWhatItCannotOpen) {

@@ -81,7 +81,7 @@ TEST_F(Form13Test, StoredValuesAreShownInWords) {
   set("", "Launch Inbox", "1", ValueType::Sz);
   set("", "Expand Unread", "yes", ValueType::Sz);
   set("\\Mail", "Log File (IMAP4)", 7);
-  platform->offline.GetRegistry().SetValue(Store().OpenKey(CurrentUser(Key("\\Mail"))).key, "Safe Attachments",
+  platform->GetRegistry().SetValue(Store().OpenKey(CurrentUser(Key("\\Mail"))).key, "Safe Attachments",
                                            ValueType::Binary, Bytes{1, 0, 0, 0});
   Open();
   const std::pair<const char*, const char*> shown[] = {
