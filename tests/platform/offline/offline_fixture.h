@@ -13,7 +13,6 @@
 #include "platform/offline/system_services.h"
 #include "platform/platform.h"
 #include "support/damaged_hive.h"
-#include "support/scripted_dialogs.h"
 #include "support/temp_folder.h"
 #include "support/test_log.h"
 
@@ -68,14 +67,6 @@ struct OfflineFixture {
     MakeHiveFile(disk / hive);
     return Open(hive);
   }
-};
-
-/// A disk with messages in C:\Mail, an empty folder C:\bk for their backups, and what a shell needs.
-struct CopyFixture : testing::Test, OfflineFixture {
-  CopyFixture() { disk.Folder("bk"); }
-  std::vector<std::string> Backups() const { return Names(disk / "bk"); }
-  RegistryFacts facts;
-  ScriptedDialogs dialogs;
 };
 
 /// A disk with two drives.
