@@ -78,10 +78,14 @@ TEST_F(RegistryStoreTest, WhatIsWrittenReadsBack) {
   EXPECT_TRUE(dialogs.messages.empty());
 }
 
-TEST_F(RegistryStoreTest, OfTwoProductNamesTheOneOfWindowsNtCounts) {
+TEST_F(RegistryStoreTest, OfTwoProductNamesTheOneOfWindowsNtCountsAndWithoutAnyTheLastKnown) {
   const RegistryPath windows{RegistryRoot::LocalMachine, "Software\\Microsoft\\Windows\\CurrentVersion"};
   Store().CreateKey(windows);
   Store().SetKeyValue2(windows.subkey, "ProductName", "Microsoft Windows 98", ValueType::Sz);
+  Store().DetectOsCode();
+  EXPECT_EQ(Store().GetOsCode(), OsCode::XP);
+  Store().DeleteKey(windows);
+  Store().DeleteKey({RegistryRoot::LocalMachine, "Software\\Microsoft\\Windows NT\\CurrentVersion"});
   Store().DetectOsCode();
   EXPECT_EQ(Store().GetOsCode(), OsCode::XP);
 }
