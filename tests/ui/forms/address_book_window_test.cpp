@@ -124,6 +124,7 @@ TEST_F(Form6Test, AFolderWithoutFilesEmptiesAllSlots) {
 
 TEST_F(Form6Test, TheSettingIsSavedAndRestored) {
   Form6& form = OpenForm6();
+  EXPECT_THAT(Slots(), ::testing::Each("None Selected")) << "made at the start";
   const std::string first = Value("");
   form.cmdRestore.click();
   EXPECT_EQ(Value(""), first) << "nothing saved yet, and nothing lost";
