@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 
 #include "backup/backup_folder.h"
 #include "core/registry_store.h"

@@ -2,6 +2,10 @@
 // that nothing changes.
 #pragma once
 
+#include <memory>
+#include <optional>
+#include <string>
+
 #include "platform/dialogs.h"
 
 namespace quillbox {

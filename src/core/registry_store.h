@@ -3,6 +3,7 @@
 // of its own but the two named below and the failures of registry files.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>

@@ -2,7 +2,6 @@
 // ExpandSz and MultiSz are given and taken as UTF-8 bytes with their NULs, all other types as stored.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>

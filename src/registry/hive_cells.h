@@ -8,7 +8,6 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 #include "registry/hive_layout.h"

@@ -7,7 +7,6 @@
 #include <map>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <utility>
 
 #include "registry/hive_data.h"

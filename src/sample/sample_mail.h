@@ -1,7 +1,6 @@
 // Made-up mail for the sample's stores: the same every time, with headers, replies and an attachment now and then.
 #pragma once
 
-#include <string_view>
 #include <vector>
 
 #include "sample/dbx_writer.h"

@@ -1,6 +1,7 @@
 #include "text/error.h"
 
 #include <cstdio>
+#include <system_error>
 #include <utility>
 
 #include "text/message_text.h"

@@ -4,7 +4,6 @@
 
 #include <sys/stat.h>
 
-#include <cstdint>
 #include <ctime>
 #include <string>
 #include <string_view>

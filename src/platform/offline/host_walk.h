@@ -8,7 +8,6 @@
 #include <array>
 #include <cstddef>
 #include <string>
-#include <string_view>
 #include <system_error>
 #include <vector>
 

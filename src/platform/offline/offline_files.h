@@ -1,7 +1,10 @@
 // The file system of a Windows disk that isn't running: files and folders of the host under Windows' names.
 #pragma once
 
+#include <memory>
 #include <optional>
+#include <string>
+#include <string_view>
 
 #include "platform/file_system.h"
 #include "platform/offline/folder_sweep.h"

@@ -1,8 +1,6 @@
 // "Select or Create a Backup Folder": walk the drives, pick a folder or make one, and have it be the backup folder.
 #pragma once
 
-#include <string>
-
 #include "session/session.h"
 #include "ui/folder_controls.h"
 #include "ui/form.h"

@@ -2,6 +2,7 @@
 // made right here.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "identities/clone_identity.h"

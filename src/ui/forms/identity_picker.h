@@ -1,9 +1,7 @@
 // The pickers from which windows take one of the identities.
 #pragma once
 
-#include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "core/identity_catalogue.h"

@@ -2,9 +2,6 @@
 // file. The two windows differ in their words only.
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "reports/rules_report.h"
 #include "session/session.h"
 #include "ui/form.h"

@@ -1,7 +1,7 @@
 // "Select Address Books (.WAB)": which files the four slots of the address book window remember.
 #pragma once
 
-#include <string>
+#include <vector>
 
 #include "addressbook/address_book.h"
 #include "session/session.h"
