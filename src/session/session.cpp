@@ -85,7 +85,7 @@ void Session::IsOERuuning() {
 }
 
 BackupFolderCheck Session::CheckBackupFolder(bool withMessage) {
-  const BackupFolderCheck check = backupFolder.Check(withMessage);
+  BackupFolderCheck check = backupFolder.Check(withMessage);
   if (!check.keyOpened) return check;
   ShowBackupFolder(check.folder);
   if (check.folder) {
