@@ -159,7 +159,8 @@ void RegistryItems::ExportSilently(RegistryItem item) {
   Export(row, {}, WinPath(row.exportFile.On(store_.GetOsCode())));
 }
 
-void RegistryItems::RestoreSilently(RegistryItem item, const std::optional<WinPath>& folder) {
+void RegistryItems::RestoreSilently(RegistryItem item) {
+  const auto folder = folder_.Get();
   const WinPath file = WinPath(TextOrNone(folder)).Join(RowOf(item).exportFile.On(store_.GetOsCode()));
   Merge(file, folder ? OnFailure::Tell : OnFailure::LogOnly);
 }

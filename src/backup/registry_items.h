@@ -74,9 +74,9 @@ class RegistryItems {
   /// Exports without a dialog, for a complete backup: a bare file name in the backup folder. Throws Error when the
   /// folder cannot be entered.
   void ExportSilently(RegistryItem item);
-  /// Merges the file of that name in `folder`, for a complete restore. Without a backup folder there is no such file,
-  /// which only the log then says.
-  void RestoreSilently(RegistryItem item, const std::optional<WinPath>& folder);
+  /// Merges the file of that name in the backup folder, for a complete restore. Without a backup folder there is no
+  /// such file, which only the log then says.
+  void RestoreSilently(RegistryItem item);
 
  private:
   void Merge(const WinPath& file, OnFailure onFailure);

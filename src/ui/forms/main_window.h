@@ -82,6 +82,7 @@ class Form1 : public Form {
   void BuildMenu();
   void WatchSession();
   void ClearStatus();
+  RegistryItems Items();
   void ExportItem(RegistryItem item);
   void RestoreItem(RegistryItem item);
   void ExportSilently(RegistryItem item);

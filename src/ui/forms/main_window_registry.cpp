@@ -6,9 +6,13 @@
 
 namespace quillbox {
 
+RegistryItems Form1::Items() {
+  return {session_.platform, session_.store, session_.backupFolder};
+}
+
 void Form1::ExportItem(RegistryItem item) {
   sb1.panels[1] = "";
-  RegistryItems items(session_.platform, session_.store, session_.backupFolder);
+  RegistryItems items = Items();
   const RegistryItemRow& row = RowOf(item);
   const std::string userId = Selected().userId;
   if (!items.MayExport(row, userId)) return;
@@ -18,7 +22,7 @@ void Form1::ExportItem(RegistryItem item) {
 }
 
 void Form1::RestoreItem(RegistryItem item) {
-  RegistryItems items(session_.platform, session_.store, session_.backupFolder);
+  RegistryItems items = Items();
   const RegistryItemRow& row = RowOf(item);
   const auto file = items.AskRestoreFile(row, session_.FolderInView().value_or(WinPath()));
   if (!file) return;
@@ -30,7 +34,7 @@ void Form1::RestoreItem(RegistryItem item) {
 }
 
 void Form1::ExportSilently(RegistryItem item) {
-  RegistryItems(session_.platform, session_.store, session_.backupFolder).ExportSilently(item);
+  Items().ExportSilently(item);
 }
 
 void Form1::addBookFile_Click() {

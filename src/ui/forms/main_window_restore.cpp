@@ -24,8 +24,7 @@ void Form1::resbkupAllIdent() {
 
 void Form1::RestoreSilently(RegistryItem item) {
   sb1.panels[1] = "";
-  RegistryItems(session_.platform, session_.store, session_.backupFolder)
-      .RestoreSilently(item, session_.backupFolder.Get());
+  Items().RestoreSilently(item);
   sb1.panels[0] = RowOf(item).restoreDone;
 }
 
