@@ -6,6 +6,7 @@
 #include "backup/registry_items.h"
 #include "core/disk_path.h"
 #include "core/file_helpers.h"
+#include "core/message_store.h"
 #include "platform/status_text.h"
 #include "text/error.h"
 #include "text/message_text.h"
@@ -77,7 +78,7 @@ bool IdentityBackup::CheckIdentitiesKey() {
 
 void IdentityBackup::Save(const IdentityInfo& identity, const WinPath& target, const BackupScope& scope,
                           OverwriteSetting overwrite) {
-  CopyStore(identity.userId, target, scope.pop3Uidl, overwrite);
+  CopyStore(identity, target, scope.pop3Uidl, overwrite);
   CopyAddressBook(target, overwrite);
   ExportIdentity(identity, target);
   if (scope.sharedKeys) ExportSharedKeys(target);
@@ -120,30 +121,20 @@ void IdentityBackup::TellSharedFolders(const IdentityCatalogue& catalogue) {
   }
 }
 
-void IdentityBackup::CopyStore(const std::string& userId, const WinPath& target, Pop3Uidl pop3Uidl,
+void IdentityBackup::CopyStore(const IdentityInfo& identity, const WinPath& target, Pop3Uidl pop3Uidl,
                                OverwriteSetting overwrite) {
-  const auto folder = FindStore(userId);
-  if (!folder) return copier_.AddMissing(1);
-  copier_.Copy(
-      {.from = *folder, .to = target, .pop3Uidl = pop3Uidl, .overwrite = overwrite, .done = " Backup Complete"});
-}
-
-std::optional<WinPath> IdentityBackup::FindStore(const std::string& userId) {
-  const auto miss = [&](const std::string& fault) -> std::optional<WinPath> {
-    platform_.GetDialogs().Show({.text = fault + " None of its files can be copied; the rest of the backup goes on.",
+  const auto folder = FindStore(store_, platform_, identity.userId);
+  if (const auto* fault = std::get_if<StoreFault>(&folder)) {
+    platform_.GetDialogs().Show({.text = "The messages of \"" + OneLine(identity.username) +
+                                         "\" cannot be copied: " + fault->clause + ". The rest of the backup goes on.",
                                  .icon = MessageIcon::Exclamation});
-    return std::nullopt;
-  };
-  try {
-    const WinPath stored(StoreFolderText(ReadStoreFolder(store_, platform_.GetSystemFacts(), userId)));
-    const DiskPath folder = CheckStoreFolder(platform_.GetDrives(), userId, stored);
-    if (!stored.Empty() && !folder.IsUsable()) return miss(folder.Refusal().Sentence());
-    if (!stored.Empty() && DirExists(platform_.GetFiles(), folder.Path())) return folder.Path();
-    return miss("The message store folder \"" + OneLine(stored.Text()) + "\" " +
-                WhyNoFolder(platform_.GetFiles(), stored) + ".");
-  } catch (const Error& error) {
-    return miss("The message store folder is not known: " + Describe(error) + ".");
+    return copier_.AddMissing(1);
   }
+  copier_.Copy({.from = std::get<WinPath>(folder),
+                .to = target,
+                .pop3Uidl = pop3Uidl,
+                .overwrite = overwrite,
+                .done = " Backup Complete"});
 }
 
 void IdentityBackup::CopyAddressBook(const WinPath& target, OverwriteSetting overwrite) {

@@ -51,9 +51,7 @@ class IdentityBackup {
   std::size_t MissingStores() const { return copier_.Missing(); }
 
  private:
-  /// The identity's store folder; nothing after a message that says why it cannot be copied.
-  std::optional<WinPath> FindStore(const std::string& userId);
-  void CopyStore(const std::string& userId, const WinPath& target, Pop3Uidl pop3Uidl, OverwriteSetting overwrite);
+  void CopyStore(const IdentityInfo& identity, const WinPath& target, Pop3Uidl pop3Uidl, OverwriteSetting overwrite);
   void CopyAddressBook(const WinPath& target, OverwriteSetting overwrite);
   /// Exports the identity's own key to U.reg in `target`.
   void ExportIdentity(const IdentityInfo& identity, const WinPath& target);

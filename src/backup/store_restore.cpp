@@ -3,10 +3,9 @@
 #include <algorithm>
 
 #include "backup/identity_backup.h"
-#include "core/disk_path.h"
 #include "core/file_helpers.h"
+#include "core/message_store.h"
 #include "platform/status_text.h"
-#include "text/error.h"
 #include "text/message_text.h"
 #include "text/unicode.h"
 
@@ -65,19 +64,13 @@ std::optional<StoreRestore::Skipped> StoreRestore::Restore(const IdentityInfo& i
   if (entered != Status::Success) {
     return Skipped{"the folder \"" + from.Text() + "\" cannot be used: " + StatusReason(entered)};
   }
-  std::optional<WinPath> stored;
-  try {
-    stored = ReadStoreFolder(store_, platform_.GetSystemFacts(), identity.userId);
-  } catch (const Error& error) {
-    return Skipped{Describe(error)};
+  const auto folder = LocateStore(store_, platform_, identity.userId);
+  if (const auto* fault = std::get_if<StoreFault>(&folder)) return Skipped{fault->clause};
+  const WinPath& to = std::get<WinPath>(folder);
+  if (!MakeFolder(platform_.GetFiles(), to)) {
+    return Skipped{"its message store folder \"" + OneLine(to.Text()) + "\" cannot be made"};
   }
-  if (!stored) return Skipped{"it was never started in Outlook Express and has no message store yet"};
-  const DiskPath folder = CheckStoreFolder(platform_.GetDrives(), identity.userId, *stored);
-  if (!folder.IsUsable()) return Skipped{folder.Refusal().Clause()};
-  if (!MakeFolder(platform_.GetFiles(), folder.Path())) {
-    return Skipped{"its message store folder \"" + OneLine(stored->Text()) + "\" cannot be made"};
-  }
-  copier_.Copy({.from = from, .to = folder.Path(), .overwrite = overwrite, .done = " Restore Complete"});
+  copier_.Copy({.from = from, .to = to, .overwrite = overwrite, .done = " Restore Complete"});
   return std::nullopt;
 }
 

@@ -1,14 +1,11 @@
 #include "identities/clone_identity.h"
 
-#include <variant>
-
-#include "core/disk_path.h"
 #include "core/file_helpers.h"
 #include "core/identity_catalogue.h"
+#include "core/message_store.h"
 #include "identities/create_identity.h"
 #include "identities/user_id.h"
 #include "text/error.h"
-#include "text/message_text.h"
 
 namespace quillbox {
 namespace {
@@ -25,24 +22,6 @@ constexpr const char* kRemoved[] = {kSourceFile, kDestinationFile, kIdentityFile
 
 constexpr const char* kAccountsKey = "SOFTWARE\\Microsoft\\Internet Account Manager\\Accounts";
 constexpr const char* kIdentityAccounts = "\\Software\\Microsoft\\Internet Account Manager";
-
-struct NothingToCopy {
-  std::string reason;  ///< a clause
-};
-
-/// The folder that a store is copied from, or why nothing can be, as a clause.
-std::variant<WinPath, NothingToCopy> FindSource(Platform& platform, RegistryStore& store, const std::string& userId) {
-  const auto stored = ReadStoreFolder(store, platform.GetSystemFacts(), userId);
-  if (!stored) return NothingToCopy{"it was never started in Outlook Express and has no message store yet"};
-  if (stored->Empty()) {
-    return NothingToCopy{"the registry does not say where its messages are (it has no \"Store Root\")"};
-  }
-  const DiskPath from = CheckStoreFolder(platform.GetDrives(), userId, *stored);
-  if (!from.IsUsable()) return NothingToCopy{from.Refusal().Clause()};
-  if (DirExists(platform.GetFiles(), from.Path())) return from.Path();
-  return NothingToCopy{"its message store folder \"" + OneLine(stored->Text()) + "\" " +
-                       WhyNoFolder(platform.GetFiles(), *stored)};
-}
 
 }  // namespace
 
@@ -138,17 +117,11 @@ void IdentityClone::RemoveFiles() {
 }
 
 std::optional<CloneRefusal> IdentityClone::CopyMessages() {
-  const auto refuse = [&](const std::string& reason) {
+  const auto source = FindStore(store_, platform_, request_.source);
+  if (const auto* fault = std::get_if<StoreFault>(&source)) {
     return CloneRefusal{"The Identity was cloned, but the DBX files of " + request_.source +
-                        " were not copied: " + reason + "."};
-  };
-  std::variant<WinPath, NothingToCopy> source;
-  try {
-    source = FindSource(platform_, store_, request_.source);
-  } catch (const Error& error) {
-    return refuse(Describe(error));
+                        " were not copied: " + fault->clause + "."};
   }
-  if (const auto* nothing = std::get_if<NothingToCopy>(&source)) return refuse(nothing->reason);
   FileSystem& files = platform_.GetFiles();
   const WinPath& from = std::get<WinPath>(source);
   const WinPath to = DefaultStoreFolder(store_, platform_, request_.destination);

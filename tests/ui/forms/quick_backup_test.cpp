@@ -217,8 +217,9 @@ TEST_F(QuickBackupTest, FilesOfTheHostThatADiskLinksToAreNeitherCopiedNorReplace
   std::filesystem::create_directory_symlink(temp / "store", host);
   form.chkOverwrite.click();
   form.cmdQuickBackup.click();
-  EXPECT_THAT(dialogs.Texts(), Contains(HasSubstr("The message store folder \"" + messages +
-                                                  "\" cannot be used: it leads out of the disk.")));
+  EXPECT_THAT(dialogs.Texts(),
+              Contains("The messages of \"Main Identity\" cannot be copied: its message store folder \"" + messages +
+                       "\" cannot be used: it leads out of the disk. The rest of the backup goes on."));
 }
 
 TEST_F(QuickBackupTest, AnUnknownWindowsCopiesTheFilesAndExportsNothing) {
