@@ -143,6 +143,7 @@ void IdentityBackup::CopyAddressBook(const WinPath& target, OverwriteSetting ove
   if (!file.Empty()) {
     const DiskPath source = CheckAddressBook(platform_.GetDrives(), file);
     if (source.IsUsable()) {
+      platform_.GetShell().BeginCopyStep();
       platform_.GetShell().CopyFile(
           {.source = source.Path(), .target = target.Join(source.Path().Name()), .noConfirm = overwrite});
     } else {

@@ -17,6 +17,7 @@ bool IsStoreFileToCopy(const std::string& name, Pop3Uidl pop3Uidl) {
 }
 
 void StoreCopier::Copy(const StoreCopy& copy) {
+  platform_.GetShell().BeginCopyStep();
   for (const std::string& name : FileList(platform_.GetFiles(), copy.from.Join("*.dbx"))) {
     if (!IsStoreFileToCopy(name, copy.pop3Uidl)) continue;
     platform_.GetShell().CopyFile(

@@ -23,7 +23,7 @@ enum class CopyEnd {
   KeptDamaged,  ///< parts could not be read; the rest is in a separate file
   LeftOut,      ///< parts could not be read, and the person wants no such copies
   NotReplaced,  ///< the person said No to the overwrite question
-  Cancelled,    ///< the person stopped this copy or an earlier one of the command
+  Cancelled,    ///< the person stopped this copy, or an earlier one of its step or of the command
   Failed,
 };
 

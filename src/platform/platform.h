@@ -24,8 +24,11 @@ class Shell {
   virtual void Explore(const WinPath& folder, const std::string& parameters) = 0;
   /// Opens a page in the person's browser.
   virtual void OpenUrl(const std::string& url) = 0;
+  /// The copies that follow are another step of the running command (the address book, one identity's files): Cancel of
+  /// a question in the step before does not hold for it. "Yes to All" does, and so does Cancel of the progress display.
+  virtual void BeginCopyStep() = 0;
   /// Begins to copy one file: whole or not at all, times kept. Asks before it replaces a file unless the request
-  /// says otherwise; an answer about more than one file, and Cancel, hold until the running command ends. The bytes may
+  /// says otherwise; an answer about more than one file holds until the running command ends. The bytes may
   /// still be on their way to the disk when this returns, and the file has its name only when they are there.
   virtual void CopyFile(const CopyRequest& request) = 0;
   /// Waits until every copy is on the disk or has failed. The results of all copies of the running command, in the

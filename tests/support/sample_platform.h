@@ -39,6 +39,7 @@ struct RecordingShell : Shell {
     explored.push_back(parameters.empty() ? folder.Text() : folder.Text() + "|" + parameters);
   }
   void OpenUrl(const std::string& url) override { urls.push_back(url); }
+  void BeginCopyStep() override { inner->BeginCopyStep(); }
   void CopyFile(const CopyRequest& request) override { inner->CopyFile(request); }
   std::vector<CopyResult> FinishCopies() override { return inner->FinishCopies(); }
   Shell* inner;

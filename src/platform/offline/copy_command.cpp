@@ -105,10 +105,10 @@ void CopyCommand::Copy(const CopyRequest& request) {
     SettleAll();
     job = Plan(request, job.result);
   }
-  if (stopReason_) return End(job, CopyEnd::Cancelled, *stopReason_);
+  if (const auto reason = StopReason()) return End(job, CopyEnd::Cancelled, *reason);
   if (const auto fault = FaultOf(job)) return Fail(job, *fault);
   if (job.existing && !request.noConfirm && !MayReplace(job)) {
-    return stopReason_ ? End(job, CopyEnd::Cancelled, *stopReason_) : End(job, CopyEnd::NotReplaced);
+    return stepCancelled_ ? End(job, CopyEnd::Cancelled, kCancelled) : End(job, CopyEnd::NotReplaced);
   }
   Run(job);
 }
@@ -193,7 +193,7 @@ bool CopyCommand::MayReplace(const Job& job) {
       dialogs_.AskOverwrite({job.source, job.target, job.sourceEntry->size, job.existing->size,
                              job.sourceEntry->modified, job.existing->modified});
   yesToAll_ = answer == OverwriteAnswer::YesToAll;
-  if (answer == OverwriteAnswer::Cancel) Stop(kCancelled);
+  stepCancelled_ = answer == OverwriteAnswer::Cancel;
   return answer == OverwriteAnswer::Yes || yesToAll_;
 }
 
@@ -206,7 +206,7 @@ void CopyCommand::Run(const Job& job) {
   }
   // The files on their way take the space of those that they replace, too, until they have their names.
   SettleAll();
-  if (stopReason_) return End(job, CopyEnd::Cancelled, *stopReason_);
+  if (const auto reason = StopReason()) return End(job, CopyEnd::Cancelled, *reason);
   try {
     Fill(job);
   } catch (const CopyFault& fault) {
@@ -221,7 +221,7 @@ void CopyCommand::Fill(const Job& job) {
       FillFromSource({[&] { return OpenForReading(*job.from); }, [&] { return io_.Create(*job.to); }}, io_, watcher);
   switch (filled.end) {
     case FilledFile::End::Stopped:
-      return End(job, CopyEnd::Cancelled, stopReason_.value_or(kCancelled));
+      return End(job, CopyEnd::Cancelled, StopReason().value_or(kCancelled));
     case FilledFile::End::LeftOut:
       log_.Write("left out: " + job.source.Text() + ": it cannot be read in full");
       return End(job, CopyEnd::LeftOut);
@@ -332,7 +332,7 @@ UnreadableAnswer CopyCommand::AskAboutDamage(const Job& job, std::uint64_t offse
        .words = ButtonWords{"&Keep What Can Be Read", "&Leave Such Files Out"}});
   if (answer == MessageAnswer::Yes) damageAnswer_ = UnreadableAnswer::Keep;
   if (answer == MessageAnswer::No) damageAnswer_ = UnreadableAnswer::LeaveOut;
-  if (!damageAnswer_) Stop(kCancelled);
+  stepCancelled_ = !damageAnswer_;
   return damageAnswer_.value_or(UnreadableAnswer::Cancel);
 }
 
@@ -346,7 +346,7 @@ bool CopyCommand::Report(const std::string& text, std::uint64_t done, std::uint6
 void CopyCommand::Fail(const Job& job, const Fault& fault) {
   log_.Write("copying failed: " + job.source.Text() + ": " + fault.about + ": " + fault.why);
   End(job, CopyEnd::Failed, fault.why);
-  if (stopReason_ || wentOn_.contains(fault.kind)) return;
+  if (StopReason() || wentOn_.contains(fault.kind)) return;
   progress_.reset();
   Message message{
       .text = "Cannot copy " + OneLine(job.source.Name()) + ".\n\n" + OneLine(fault.about + ": " + fault.why) + ".",
@@ -368,6 +368,10 @@ void CopyCommand::Fail(const Job& job, const Fault& fault) {
 
 void CopyCommand::Stop(const std::string& reason) {
   if (!stopReason_) stopReason_ = reason;
+}
+
+std::optional<std::string> CopyCommand::StopReason() const {
+  return stepCancelled_ && !stopReason_ ? kCancelled : stopReason_;
 }
 
 void CopyCommand::End(const Job& job, CopyEnd end, std::string reason) {

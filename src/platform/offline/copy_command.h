@@ -28,6 +28,8 @@ class CopyCommand {
   CopyCommand(const CopyCommand&) = delete;
   CopyCommand& operator=(const CopyCommand&) = delete;
 
+  /// Forgets that a question of the step before was cancelled.
+  void BeginStep() { stepCancelled_ = false; }
   void Copy(const CopyRequest& request);
   /// Waits for all copies; the result of each, in order.
   const std::vector<CopyResult>& Finish();
@@ -74,6 +76,8 @@ class CopyCommand {
   bool Report(const std::string& text, std::uint64_t done, std::uint64_t total);
   void Fail(const Job& job, const Fault& fault);
   void Stop(const std::string& reason);
+  /// Why nothing more is copied; nothing when copies go on.
+  std::optional<std::string> StopReason() const;
   void End(const Job& job, CopyEnd end, std::string reason = {});
 
   OfflineFiles& files_;
@@ -85,7 +89,8 @@ class CopyCommand {
   bool yesToAll_ = false;
   std::optional<UnreadableAnswer> damageAnswer_;
   std::set<FaultKind> wentOn_;             ///< kinds of failures that the person answered "go on" about
-  std::optional<std::string> stopReason_;  ///< set: nothing more is copied
+  bool stepCancelled_ = false;             ///< a question of this step was cancelled
+  std::optional<std::string> stopReason_;  ///< set: nothing more is copied in this command
   std::unique_ptr<Progress> progress_;     ///< one for all copies
   std::deque<Flight> flights_;             ///< flushes that were begun, in order
 };

@@ -29,6 +29,10 @@ OfflineShell::~OfflineShell() {
   ReapEnded();
 }
 
+void OfflineShell::BeginCopyStep() {
+  if (copies_) copies_->BeginStep();
+}
+
 void OfflineShell::CopyFile(const CopyRequest& request) {
   if (!copies_) copies_.emplace(files_, facts_, dialogs_, log_, *io_);
   copies_->Copy(request);

@@ -28,6 +28,7 @@ class OfflineShell : public Shell {
 
   void Explore(const WinPath& folder, const std::string& parameters) override;
   void OpenUrl(const std::string& url) override;
+  void BeginCopyStep() override;
   void CopyFile(const CopyRequest& request) override;
   std::vector<CopyResult> FinishCopies() override;
 

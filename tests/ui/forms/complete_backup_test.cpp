@@ -185,11 +185,30 @@ TEST_F(CompleteBackupTest, IdentitiesOfOneNameShareAFolderAndLoseNothingUnasked)
 
   const auto messages = OnHost(Identities()[0].FolderText());
   const Files before = FilesIn(messages);
-  dialogs.overwriteAnswers = {OverwriteAnswer::Cancel};
+  dialogs.overwriteAnswers = {OverwriteAnswer::Cancel, OverwriteAnswer::Cancel};
   CancelAddressBookRestore();
   form->cmdRestore.click();
   EXPECT_EQ(FilesIn(messages)["Inbox.dbx"], before.at("Inbox.dbx"));
   EXPECT_THAT(dialogs.messages[dialogs.messages.size() - 2].text, HasSubstr("nothing says whose files"));
+}
+
+TEST_F(CompleteBackupTest, CancelOfAQuestionEndsItsStepOnly) {
+  form->cmdComplete.click();
+  std::filesystem::remove(BackupFolderOnHost() / "Main Identity/Inbox.dbx");
+  form->chkOverwrite.click();
+  dialogs.overwriteAnswers = {OverwriteAnswer::Cancel};  // the address book file
+  form->cmdComplete.click();
+  EXPECT_EQ(FilesIn(BackupFolderOnHost() / "Main Identity").count("Inbox.dbx"), 1u);
+  EXPECT_EQ(form->sb1.panels[0], "Backup Complete");
+  EXPECT_THAT(form->sb1.panels[1].Get(),
+              AllOf(StartsWith("2 Identities Backed Up; "), EndsWith(" files copied: cancelled")));
+
+  // Cancelled: the files of the first identity, then the address book file. The second identity is asked about again.
+  form->chkOverwrite.click();
+  std::filesystem::remove(BackupFolderOnHost() / "Büro/Inbox.dbx");
+  dialogs.overwriteAnswers = {OverwriteAnswer::Cancel, OverwriteAnswer::Cancel, OverwriteAnswer::YesToAll};
+  form->cmdbkupall.click();
+  EXPECT_EQ(FilesIn(BackupFolderOnHost() / "Büro").count("Inbox.dbx"), 1u);
 }
 
 TEST_F(CompleteBackupTest, TheTallyOfAllItsStepsFollowsThePrescribedCount) {
