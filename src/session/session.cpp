@@ -3,12 +3,19 @@
 #include <utility>
 
 #include "core/file_helpers.h"
+#include "core/refusal_message.h"
 #include "identities/manage_identities.h"
 
 namespace quillbox {
 namespace {
 
 const WinPath kFirstFolder("C:\\");
+constexpr const char* kMakeKey =
+    "This profile has no Outlook Express identities yet: its registry has no key HKEY_CURRENT_USER\\Identities, in "
+    "which "
+    "the backup folder is stored. Make the key now?";
+constexpr const char* kFolderNotStored =
+    "The backup folder was not changed: the registry did not take it. The log says why.";
 
 }  // namespace
 
@@ -95,10 +102,31 @@ BackupFolderCheck Session::CheckBackupFolder(bool withMessage) {
   return check;
 }
 
-std::optional<FolderRefusal> Session::ChooseBackupFolder(const std::optional<WinPath>& folder) {
-  if (auto refusal = backupFolder.Choose(folder)) return refusal;
+bool Session::ChooseBackupFolder(const std::optional<WinPath>& folder) {
+  Dialogs& dialogs = platform.GetDialogs();
+  const auto refusal = folder ? backupFolder.RefusalOf(*folder) : std::nullopt;
+  if (refusal) {
+    ShowRefusal(dialogs, *refusal);
+    return false;
+  }
+  if (!MakeIdentitiesKey()) return false;
+  backupFolder.Choose(folder);
+  if (backupFolder.Text() != TextOrNone(folder)) {
+    dialogs.Show({.text = kFolderNotStored, .icon = MessageIcon::Exclamation});
+    return false;
+  }
   ShowBackupFolder(folder);
-  return std::nullopt;
+  return true;
+}
+
+/// False when the key is missing and the person does not want it.
+bool Session::MakeIdentitiesKey() {
+  const RegistryPath key = CurrentUser(kIdentitiesKey);
+  if (store.OpenKey(key, Access::Read).status != Status::FileNotFound) return true;
+  const Message question{.text = kMakeKey, .buttons = MessageButtons::YesNo, .icon = MessageIcon::Question};
+  if (platform.GetDialogs().Show(question) != MessageAnswer::Yes) return false;
+  if (store.CreateKey(key).IsOpen()) GetInputPaths();
+  return true;
 }
 
 void Session::ShowBackupFolder(const std::optional<WinPath>& folder) {

@@ -60,8 +60,10 @@ class Session {
 
   /// The check at the start. What is shown stays a folder that is gone, although the setting is reset.
   BackupFolderCheck CheckBackupFolder(bool withMessage);
-  /// The person chooses a folder, or none. Nothing is changed when the result is a refusal.
-  std::optional<FolderRefusal> ChooseBackupFolder(const std::optional<WinPath>& folder);
+  /// The person chooses a folder, or none. Asks whether to make the identities' key when the profile has none yet, since
+  /// the setting is stored there. False, with nothing changed, when that is declined and after a message that says why
+  /// the folder cannot be used or stored.
+  bool ChooseBackupFolder(const std::optional<WinPath>& folder);
   /// What windows show as the backup folder.
   const std::optional<WinPath>& ShownBackupFolder() const { return shownFolder_; }
   /// The folder that the backup folder window has in view, where the dialogs for registry files open. When it is first
@@ -101,6 +103,7 @@ class Session {
 
  private:
   void SelectWhere(const std::string& text, std::string (*textOf)(const IdentityInfo&));
+  bool MakeIdentitiesKey();
   void ShowBackupFolder(const std::optional<WinPath>& folder);
   void ReportEarlyEnd();
 

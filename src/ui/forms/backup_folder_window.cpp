@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "core/file_helpers.h"
-#include "core/refusal_message.h"
 #include "platform/status_text.h"
 #include "ui/forms/program_windows.h"
 
@@ -113,8 +112,7 @@ void Form3::cmdMkFolder_Click() {
 }
 
 void Form3::cmdSetPath_Click() {
-  const auto refusal = session_.ChooseBackupFolder(PathOrNone(txtbkPth.text));
-  if (refusal) ShowRefusal(session_.platform.GetDialogs(), *refusal);
+  session_.ChooseBackupFolder(PathOrNone(txtbkPth.text));
 }
 
 void Form3::cmdClse_Click() {

@@ -1,5 +1,4 @@
 // The main window's menu bar and the commands that only route to another window or to the system.
-#include "core/refusal_message.h"
 #include "ui/forms/main_window.h"
 #include "ui/forms/program_windows.h"
 
@@ -114,11 +113,7 @@ void Form1::crtbkfldr2_Click() {
 void Form1::brbkfldr_Click() {
   sb1.panels[1] = "";
   const auto folder = BrowseForFolder(session_.platform.GetDialogs());
-  if (!folder) return;
-  if (const auto refusal = session_.ChooseBackupFolder(folder)) {
-    return ShowRefusal(session_.platform.GetDialogs(), *refusal);
-  }
-  session_.LookAt(session_.backupFolder.Get());
+  if (folder && session_.ChooseBackupFolder(folder)) session_.LookAt(session_.backupFolder.Get());
 }
 
 void Form1::opnbkfldr_Click() {

@@ -76,5 +76,24 @@ TEST_F(Form3Test, WithoutABackupFolderItStartsAtC) {
   EXPECT_EQ(windows->form3.Drive1.text, "C:\\");
 }
 
+TEST_F(Form3Test, AProfileWithoutIdentitiesIsAskedForThePlaceOfTheSetting) {
+  Form1& main = windows->form1;
+  Store().DeleteKey(CurrentUser(kIdentitiesKey));
+  std::filesystem::create_directories(BackupFolderOnHost());
+  main.Open();
+  dialogs.folderAnswers = {WinPath(kBackup), WinPath(kBackup)};
+  dialogs.messageAnswers = {MessageAnswer::No, MessageAnswer::Yes};
+  main.menuBar.click("brbkfldr");
+  EXPECT_EQ(
+      dialogs.LastMessage(),
+      "This profile has no Outlook Express identities yet: its registry has no key HKEY_CURRENT_USER\\Identities, "
+      "in which the backup folder is stored. Make the key now?");
+  main.cmdQuickBackup.click();
+  EXPECT_EQ(dialogs.LastMessage(), "Please select a backup folder or create one from the Tools menu");
+  main.menuBar.click("brbkfldr");
+  EXPECT_EQ(Read(kIdentitiesKey, "Quillbox"), RegValue(kBackup));
+  EXPECT_EQ(main.lblbkuppth.caption, kBackup);
+}
+
 }  // namespace
 }  // namespace quillbox
