@@ -128,7 +128,8 @@ void IdentityBackup::CopyStore(const IdentityInfo& identity, const WinPath& targ
     platform_.GetDialogs().Show({.text = "The messages of \"" + OneLine(identity.username) +
                                          "\" cannot be copied: " + fault->clause + ". The rest of the backup goes on.",
                                  .icon = MessageIcon::Exclamation});
-    return copier_.AddMissing(1);
+    return copier_.LeaveOut(
+        {LeftOut::Kind::MessageStore, "the messages of \"" + identity.username + "\"", fault->clause});
   }
   copier_.Copy({.from = std::get<WinPath>(folder),
                 .to = target,
@@ -148,33 +149,40 @@ void IdentityBackup::CopyAddressBook(const WinPath& target, OverwriteSetting ove
           {.source = source.Path(), .target = target.Join(source.Path().Name()), .noConfirm = overwrite});
     } else {
       store_.Failures().Add(source.Refusal().Sentence());
+      copier_.LeaveOut({LeftOut::Kind::AddressBook, "the address book", source.Refusal().Clause()});
     }
   }
   copier_.Show("Adress Book Backup Complete");
 }
 
 void IdentityBackup::ExportIdentity(const IdentityInfo& identity, const WinPath& target) {
-  if (store_.GetOsCode() == OsCode::Unknown) return;
   store_.RegExport("HKEY_CURRENT_USER\\" + IdentityKey(identity.userId), target.Join(identity.username + ".reg"),
                    KeyForm::Plain);
-  copier_.Show("{USER_ID} Subkey Backup Complete");
+  ShowExported("{USER_ID} Subkey Backup Complete");
 }
 
 void IdentityBackup::ExportSharedKeys(const WinPath& target) {
-  if (store_.GetOsCode() == OsCode::Unknown) return;
   for (const SharedExport& row : kSharedExports) {
-    store_.RegExport(RowOf(row.item).key, target.Join(row.file));
-    copier_.Show(row.status);
+    store_.RegExport(RowOf(row.item).key, target.Join(row.file), KeyForm::Quoted, OnFailure::TellUnlessMissing);
+    ShowExported(row.status);
   }
 }
 
-// An identity without signatures is normal, so its failed export is not reported.
+/// Without an OS code no export was started.
+void IdentityBackup::ShowExported(const char* status) {
+  if (!store_.WhyNoExports()) copier_.Show(status);
+}
+
+std::vector<std::string> IdentityBackup::Notes() {
+  std::vector<std::string> notes = copier_.Notes();
+  if (store_.WhyNoExports()) notes.emplace_back("no registry keys exported");
+  return notes;
+}
+
 void IdentityBackup::SaveSignatures(const std::string& userId) {
-  const std::string key = IdentitySettingsKey(userId) + "\\Signatures";
-  const bool exists = store_.OpenKey(CurrentUser(key), Access::Read).status == Status::Success;
   RegistryItems(platform_, store_, folder_)
       .Export(RowOf(RegistryItem::Signatures), userId, WinPath(kSignaturesInBackup.On(store_.GetOsCode())),
-              exists ? OnFailure::Tell : OnFailure::LogOnly);
+              OnFailure::TellUnlessMissing);
 }
 
 }  // namespace quillbox

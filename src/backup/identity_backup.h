@@ -47,8 +47,9 @@ class IdentityBackup {
   std::optional<std::size_t> SaveAll(const WinPath& backupFolder, const IdentityCatalogue& catalogue,
                                      const BackupScope& scope, OverwriteSetting overwrite);
 
-  /// Message stores that could not be found and were reported, since this object was made.
-  std::size_t MissingStores() const { return copier_.Missing(); }
+  /// What was not even tried since this object was made, in numbers for the status bar, and each.
+  std::vector<std::string> Notes();
+  const std::vector<LeftOut>& GetLeftOut() const { return copier_.GetLeftOut(); }
 
  private:
   void CopyStore(const IdentityInfo& identity, const WinPath& target, Pop3Uidl pop3Uidl, OverwriteSetting overwrite);
@@ -56,6 +57,7 @@ class IdentityBackup {
   /// Exports the identity's own key to U.reg in `target`.
   void ExportIdentity(const IdentityInfo& identity, const WinPath& target);
   void ExportSharedKeys(const WinPath& target);
+  void ShowExported(const char* status);
   void SaveSignatures(const std::string& userId);
   bool IsEmpty(const IdentityInfo& identity);
   void TellSharedFolders(const IdentityCatalogue& catalogue);

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "platform/platform.h"
 
@@ -16,12 +17,26 @@ using OverwriteSetting = bool;
 
 enum class Pop3Uidl { Skip, Copy };
 
-/// True when a message store file belongs into a backup: its name, less the last four characters, holds no full stop,
-/// and it is not "Pop3uidl.dbx" unless that is wanted.
+/// True when a message store file belongs into a backup: HasFullStop is false for it, and it is not "Pop3uidl.dbx"
+/// unless that is wanted.
 bool IsStoreFileToCopy(const std::string& name, Pop3Uidl pop3Uidl);
+/// Whether a file's name, less its last four characters, holds a full stop.
+bool HasFullStop(const std::string& name);
 
 /// Receives the texts that a running command shows in the status bar's first panel.
 using StatusSink = std::function<void(const std::string&)>;
+
+/// Something that a command did not try to copy, and why.
+struct LeftOut {
+  enum class Kind {
+    MessageStore,  ///< not even its files are known
+    AddressBook,
+    NameWithFullStop,
+  };
+  Kind kind;
+  std::string what;
+  std::string why;  ///< a clause
+};
 
 /// The .dbx files of one folder, and where they go.
 struct StoreCopy {
@@ -40,14 +55,18 @@ class StoreCopier {
   void Copy(const StoreCopy& copy);
   void Show(const std::string& status) const { status_(status); }
 
-  /// Counts message stores of which not even the files are known, so that nothing of them is copied.
-  void AddMissing(std::size_t stores) { missing_ += stores; }
-  std::size_t Missing() const { return missing_; }
+  void LeaveOut(LeftOut what);
+  /// What was not even tried, in order.
+  const std::vector<LeftOut>& GetLeftOut() const { return leftOut_; }
+  /// The same in numbers, for a status bar.
+  std::vector<std::string> Notes() const;
 
  private:
+  bool Qualifies(const StoreCopy& copy, const std::string& name);
+
   Platform& platform_;
   StatusSink status_;
-  std::size_t missing_ = 0;
+  std::vector<LeftOut> leftOut_;
 };
 
 }  // namespace quillbox

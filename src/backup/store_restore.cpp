@@ -38,7 +38,9 @@ void StoreRestore::RestoreAll(const WinPath& backupFolder, const IdentityCatalog
       reason = Restore(identity, backupFolder.Join(identity.username), mayReplace);
       folder_.Enter(backupFolder);
     }
-    if (reason) skipped.push_back(NameOf(identity) + ": " + reason->reason);
+    if (!reason) continue;
+    skipped.push_back(NameOf(identity) + ": " + reason->reason);
+    copier_.LeaveOut({LeftOut::Kind::MessageStore, "the messages of " + NameOf(identity), reason->reason});
   }
   TellSkipped(skipped);
 }
@@ -75,7 +77,6 @@ std::optional<StoreRestore::Skipped> StoreRestore::Restore(const IdentityInfo& i
 }
 
 void StoreRestore::TellSkipped(const std::vector<std::string>& lines) {
-  copier_.AddMissing(lines.size());
   if (lines.empty()) return;
   std::string text = "The messages of these identities were not restored:\n";
   for (const std::string& line : lines) text += "\n" + line;

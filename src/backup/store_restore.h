@@ -24,8 +24,8 @@ class StoreRestore {
   /// folder cannot be entered.
   void RestoreAll(const WinPath& backupFolder, const IdentityCatalogue& catalogue, OverwriteSetting overwrite);
 
-  /// Message stores that could not be restored and were reported, since this object was made.
-  std::size_t MissingStores() const { return copier_.Missing(); }
+  /// What was not even tried since this object was made, in numbers for the status bar.
+  std::vector<std::string> Notes() const { return copier_.Notes(); }
 
  private:
   std::vector<std::string> TellSharedFolders(const WinPath& backupFolder, const IdentityCatalogue& catalogue);

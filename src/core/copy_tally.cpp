@@ -1,6 +1,7 @@
 #include "core/copy_tally.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace quillbox {
 namespace {
@@ -28,7 +29,12 @@ const char* WordsOf(CopyEnd end) {
 
 }  // namespace
 
-CopyTally::CopyTally(const std::vector<CopyResult>& results) {
+std::string CountOf(std::size_t count, const char* one, const char* several) {
+  return std::to_string(count) + (count == 1 ? one : several);
+}
+
+CopyTally::CopyTally(const std::vector<CopyResult>& results, std::vector<std::string> notes)
+    : notes_(std::move(notes)) {
   for (const CopyResult& result : results) Add(result);
 }
 
@@ -61,9 +67,13 @@ std::string CopyTally::Text() const {
     for (const Reason& reason : reasons_) reasons = Joined(reasons, ", ", TextOf(reason));
     text = std::to_string(copied_) + " of " + std::to_string(files_) + " files copied: " + reasons;
   }
-  if (missingStores_ == 0) return text;
-  const char* stores = missingStores_ == 1 ? " message store not copied" : " message stores not copied";
-  return Joined(text, "; ", std::to_string(missingStores_) + stores);
+  for (const std::string& note : notes_) text = Joined(text, "; ", note);
+  return text;
+}
+
+std::string CopyTally::CountText() const {
+  const std::string text = Text();
+  return text.empty() ? CountOf(files_, " file copied", " files copied") : text;
 }
 
 std::string CopyTally::After(const std::string& first) const {

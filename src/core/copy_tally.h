@@ -10,14 +10,18 @@
 
 namespace quillbox {
 
+/// "1 file copied", "2 files copied".
+std::string CountOf(std::size_t count, const char* one, const char* several);
+
 class CopyTally {
  public:
-  explicit CopyTally(const std::vector<CopyResult>& results);
-  /// Message stores of which not even the files are known, so that nothing of them was copied.
-  void AddMissingStores(std::size_t count) { missingStores_ += count; }
+  /// `notes` are what else was not done, each a text of its own ("1 message store not copied").
+  explicit CopyTally(const std::vector<CopyResult>& results, std::vector<std::string> notes = {});
 
   /// "10 of 12 files copied: 1 kept as damaged, the disk is full"; empty when everything was copied.
   std::string Text() const;
+  /// The same, and "12 files copied" when everything was.
+  std::string CountText() const;
   /// `first`, and this tally's text after it where there is one.
   std::string After(const std::string& first) const;
 
@@ -33,7 +37,7 @@ class CopyTally {
   std::size_t files_ = 0;
   std::size_t copied_ = 0;
   std::vector<Reason> reasons_;  ///< in the order in which they first occurred
-  std::size_t missingStores_ = 0;
+  std::vector<std::string> notes_;
 };
 
 }  // namespace quillbox

@@ -1,6 +1,7 @@
 #include "core/os_code.h"
 
 #include "core/registry_access.h"
+#include "platform/status_text.h"
 
 namespace quillbox {
 namespace {
@@ -30,6 +31,18 @@ OsCode ReadOsCode(Registry& registry, OsCode known) {
   if (product == RegValue("Microsoft Windows 2000")) code = OsCode::W2K;
   if (product == RegValue("Microsoft Windows XP")) code = OsCode::XP;
   return code;
+}
+
+std::optional<std::string> WhyUnknown(Registry& registry, OsCode code) {
+  if (code != OsCode::Unknown) return std::nullopt;
+  const auto refusal = [&](const RegistryPath& path) -> std::optional<std::string> {
+    const Status status = registry.Open(path, Access::Full).status;
+    if (status == Status::Success) return std::nullopt;
+    return FullName(path) + " cannot be opened: " + registry.WhyRefused().value_or(StatusReason(status));
+  };
+  if (const auto machine = refusal({RegistryRoot::LocalMachine, "Software"})) return machine;
+  return std::string("the registry does not say which Windows it is of: it has no \"") + kProductName + "\" in " +
+         FullName(kNtVersion) + " or " + FullName(kWindowsVersion);
 }
 
 }  // namespace quillbox

@@ -1,6 +1,9 @@
 // The kind of Windows that the registry belongs to.
 #pragma once
 
+#include <optional>
+#include <string>
+
 #include "platform/registry.h"
 
 namespace quillbox {
@@ -14,5 +17,8 @@ bool IsNtFamily(OsCode code);
 
 /// Reads the kind of Windows from the machine's product name; `known` when the registry does not say.
 OsCode ReadOsCode(Registry& registry, OsCode known);
+
+/// Why the code is Unknown, as a clause; nothing for any other code.
+std::optional<std::string> WhyUnknown(Registry& registry, OsCode code);
 
 }  // namespace quillbox

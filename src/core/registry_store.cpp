@@ -48,10 +48,46 @@ void RegistryStore::DeleteKey(const RegistryPath& path) {
 }
 
 void RegistryStore::SaveKey(const RegistryPath& path, const WinPath& file, OnFailure onFailure) {
+  KeyExport made{FullName(path), FullPath(file), KeyExport::End::Written, {}};
   const KeyFiles::Outcome saved = keyFiles_.Save(path, file);
-  if (saved.status == Status::Success) return;
-  const std::string refusal = LogRefusal("the key was not saved to " + file.Text(), path, saved.status);
-  if (onFailure == OnFailure::Tell) failures_.Add(refusal);
+  if (saved.status != Status::Success) {
+    made.end = saved.opened == Status::FileNotFound ? KeyExport::End::NothingThere : KeyExport::End::Failed;
+    made.reason = LogRefusal("the key was not saved to " + file.Text(), path, saved.status);
+  }
+  TellFailure(made, onFailure);
+  exports_.push_back(std::move(made));
+}
+
+bool RegistryStore::RegExport(const std::string& key, const WinPath& file, KeyForm form, OnFailure onFailure) {
+  KeyExport made{key, FullPath(file), KeyExport::End::Written, {}};
+  const auto path = ParseRegistryPath(key);
+  const bool exists = !path || Exists(*path);
+  const auto failure = editor_.Export(key, file, form, osCode_);
+  if (osCode_ == OsCode::Unknown) {
+    made.end = KeyExport::End::NotStarted;
+    platform_.GetLog().Write(key + ": not exported because " + WhyNoExports().value_or(std::string()));
+  } else if (failure) {
+    made.end = exists ? KeyExport::End::Failed : KeyExport::End::NothingThere;
+    made.reason = failure->reason;
+    if (!exists) platform_.GetLog().Write(key + ": nothing to export, the key does not exist");
+  }
+  TellFailure(made, onFailure);
+  exports_.push_back(std::move(made));
+  return !failure;
+}
+
+void RegistryStore::TellFailure(const KeyExport& made, OnFailure onFailure) {
+  const bool isMissing = made.end == KeyExport::End::NothingThere;
+  if (made.reason.empty() || onFailure == OnFailure::LogOnly) return;
+  if (!isMissing || onFailure == OnFailure::Tell) failures_.Add(made.reason);
+}
+
+WinPath RegistryStore::FullPath(const WinPath& file) {
+  return Resolve(file, platform_.GetDrives().CurrentDirectory());
+}
+
+bool RegistryStore::Exists(const RegistryPath& path) {
+  return registry_.Open(path, Access::Read).status != Status::FileNotFound;
 }
 
 void RegistryStore::RestoreKey(const RegistryPath& path, const WinPath& file) {

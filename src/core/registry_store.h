@@ -6,10 +6,12 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "core/command_failures.h"
 #include "core/editor_commands.h"
+#include "core/key_export.h"
 #include "core/key_files.h"
 #include "core/os_code.h"
 #include "core/reg_value.h"
@@ -20,7 +22,11 @@
 namespace quillbox {
 
 /// Whether the user sees why a key's file could not be written or used. The log has it in any case.
-enum class OnFailure { Tell, LogOnly };
+enum class OnFailure {
+  Tell,
+  TellUnlessMissing,  ///< a key that does not exist has nothing to export, which is normal
+  LogOnly
+};
 
 class RegistryStore {
  public:
@@ -72,15 +78,19 @@ class RegistryStore {
   void DetectOsCode() { osCode_ = ReadOsCode(registry_, osCode_); }
   OsCode GetOsCode() const { return osCode_; }
 
+  /// Why keys cannot be exported, as a clause; nothing when they can.
+  std::optional<std::string> WhyNoExports() { return WhyUnknown(registry_, osCode_); }
+
   /// See EditorCommands. False when not everything could be exported or merged.
   bool RegExport(const std::string& key, const WinPath& file, KeyForm form = KeyForm::Quoted,
-                 OnFailure onFailure = OnFailure::Tell) {
-    return Report(editor_.Export(key, file, form, osCode_), onFailure);
-  }
+                 OnFailure onFailure = OnFailure::Tell);
   bool RegMerge(const WinPath& file, OnFailure onFailure = OnFailure::Tell) {
     return Report(editor_.Merge(file), onFailure);
   }
   bool RunEditor(const std::string& commandLine) { return Report(editor_.Run(commandLine), OnFailure::Tell); }
+
+  /// Every RegExport and SaveKey since the last call.
+  std::vector<KeyExport> TakeExports() { return std::exchange(exports_, {}); }
 
   /// Where the failures of exports, merges, saves and restores are gathered.
   CommandFailures& Failures() { return failures_; }
@@ -91,6 +101,9 @@ class RegistryStore {
  private:
   void WriteOrLog(const RegistryPath& path, std::string_view name, const RegValue& value, ValueType type);
   bool Report(const std::optional<EditorFailure>& failure, OnFailure onFailure);
+  void TellFailure(const KeyExport& made, OnFailure onFailure);
+  WinPath FullPath(const WinPath& file);
+  bool Exists(const RegistryPath& path);
   std::string LogRefusal(const std::string& what, const RegistryPath& path, Status status);
 
   Platform& platform_;
@@ -99,6 +112,7 @@ class RegistryStore {
   KeyFiles keyFiles_;
   EditorCommands editor_;
   CommandFailures failures_;
+  std::vector<KeyExport> exports_;
   OsCode osCode_ = OsCode::Unknown;
 };
 

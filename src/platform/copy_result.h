@@ -2,6 +2,7 @@
 // the user must see the right one.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "text/win_path.h"
@@ -29,6 +30,8 @@ enum class CopyEnd {
 
 struct CopyResult {
   WinPath source;
+  WinPath target;          ///< the file, or what is in its place
+  std::uint64_t size = 0;  ///< of the source, in bytes
   CopyEnd end = CopyEnd::Failed;
   std::string keptAs;  ///< KeptDamaged: the file's name
   std::string reason;  ///< Cancelled and Failed: a clause ("the disk is full")

@@ -5,14 +5,18 @@
 namespace quillbox {
 namespace {
 
+CopyResult Result(CopyEnd end, const char* reason = "") {
+  return {.source = {}, .target = {}, .end = end, .keptAs = {}, .reason = reason};
+}
+
 TEST(CopyTallyTest, SaysOnlyWhatDidNotGoAsAsked) {
-  const CopyResult copied{WinPath(), CopyEnd::Copied, {}, {}};
-  const CopyResult damaged{WinPath(), CopyEnd::KeptDamaged, "Inbox (damaged).dbx", {}};
-  const CopyResult leftOut{WinPath(), CopyEnd::LeftOut, {}, {}};
-  const CopyResult kept{WinPath(), CopyEnd::NotReplaced, {}, {}};
-  const CopyResult full{WinPath(), CopyEnd::Failed, {}, "the disk is full"};
-  const CopyResult stopped{WinPath(), CopyEnd::Cancelled, {}, "the disk is full"};
-  const CopyResult cancelled{WinPath(), CopyEnd::Cancelled, {}, "cancelled"};
+  const CopyResult copied = Result(CopyEnd::Copied);
+  const CopyResult damaged = Result(CopyEnd::KeptDamaged);
+  const CopyResult leftOut = Result(CopyEnd::LeftOut);
+  const CopyResult kept = Result(CopyEnd::NotReplaced);
+  const CopyResult full = Result(CopyEnd::Failed, "the disk is full");
+  const CopyResult stopped = Result(CopyEnd::Cancelled, "the disk is full");
+  const CopyResult cancelled = Result(CopyEnd::Cancelled, "cancelled");
   const struct {
     std::vector<CopyResult> results;
     const char* text;
@@ -26,9 +30,8 @@ TEST(CopyTallyTest, SaysOnlyWhatDidNotGoAsAsked) {
                "2 of 6 files copied: 1 not replaced, the disk is full (2 files), 1 kept as damaged"}};
   for (const auto& row : rows) EXPECT_EQ(CopyTally(row.results).Text(), row.text);
   EXPECT_EQ(CopyTally({copied}).After("2 Identities Backed Up"), "2 Identities Backed Up");
-  CopyTally stores({copied, full});
-  stores.AddMissingStores(1);
-  EXPECT_EQ(stores.After("2 Identities Backed Up"),
+  EXPECT_EQ(CopyTally({copied, copied}).CountText(), "2 files copied");
+  EXPECT_EQ(CopyTally({copied, full}, {"1 message store not copied"}).After("2 Identities Backed Up"),
             "2 Identities Backed Up; 1 of 2 files copied: the disk is full; 1 message store not copied");
 }
 

@@ -13,6 +13,8 @@ namespace quillbox {
 class SampleWindows : public SamplePlatform {
  protected:
   static constexpr const char* kBackup = "D:\\Backup";
+  /// What the status bar says of "comp.lang.c++.dbx" in the first identity's store.
+  static constexpr const char* kLeftOut = "1 file left out (full stop in its name)";
 
   void SetUp() override { MakeDisk(); }
 

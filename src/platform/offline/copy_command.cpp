@@ -96,7 +96,11 @@ class CopyCommand::Watcher : public CopyWatcher {
 };
 
 void CopyCommand::Copy(const CopyRequest& request) {
-  results_.push_back({files_.OnDrives().Absolute(request.source), CopyEnd::Failed, {}, "it was not finished"});
+  results_.push_back({.source = files_.OnDrives().Absolute(request.source),
+                      .target = {},
+                      .end = CopyEnd::Failed,
+                      .keptAs = {},
+                      .reason = "it was not finished"});
   while (!flights_.empty() && (flights_.size() >= kMostInFlight || flights_.front().flush->EndsWithin(0ms))) {
     SettleFirst();
   }
@@ -375,8 +379,11 @@ std::optional<std::string> CopyCommand::StopReason() const {
 }
 
 void CopyCommand::End(const Job& job, CopyEnd end, std::string reason) {
-  results_[job.result].end = end;
-  results_[job.result].reason = std::move(reason);
+  CopyResult& result = results_[job.result];
+  result.target = job.target;
+  result.size = job.sourceEntry ? job.sourceEntry->size : 0;
+  result.end = end;
+  result.reason = std::move(reason);
 }
 
 }  // namespace quillbox

@@ -131,6 +131,12 @@ void Form1::Form_Load() {
   session_.IsOERuuning();
   loadup();
   chkbox();
+  if (const auto why = session_.store.WhyNoExports()) {
+    const std::string text =
+        "Registry backups are switched off because " + *why + ". Files are backed up all the same.";
+    session_.platform.GetLog().Write(text);
+    session_.platform.GetDialogs().Show({.text = text, .icon = MessageIcon::Exclamation});
+  }
 }
 
 void Form1::WatchSession() {

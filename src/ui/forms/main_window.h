@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "backup/identity_backup.h"
 #include "backup/registry_items.h"
@@ -92,8 +93,9 @@ class Form1 : public Form {
   /// early. `what` begins a sentence.
   void ReportFailure(const std::string& what, const Handler& command);
   StatusSink ToStatus();
-  /// Waits for the running command's copies and says in the second panel, after `first`, which did not go as asked.
-  void ShowCopies(const std::string& first = {}, std::size_t missingStores = 0);
+  /// Waits for the running command's copies and says in the second panel, after `first`, which did not go as asked, and
+  /// `notes` on what was not tried.
+  void ShowCopies(const std::string& first = {}, std::vector<std::string> notes = {});
   void CopyAddressBook(CopyPart part);
   void RestoreAddressBook(CopyPart part);
   void ShowAddressBookCopied();

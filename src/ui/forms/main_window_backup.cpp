@@ -36,7 +36,7 @@ void Form1::cmdQuickBackup_Click() {
   {
     const PleaseWaitScope pleaseWait(cmdQuickBackup);
     backup.Save(identity, *target, kQuickBackup, session_.Overwrite());
-    ShowCopies({}, backup.MissingStores());
+    ShowCopies({}, backup.Notes());
   }
   session_.backupFolder.Enter(*folder);
   sb1.panels[0] = "Backup Complete";
@@ -74,8 +74,8 @@ void Form1::BackUpAll(const BackupScope& scope) {
     sb1.panels[0] = "";
     IdentityBackup backup(session_.platform, session_.store, session_.backupFolder, ToStatus());
     const auto saved = backup.SaveAll(*folder, session_.Catalogue(), scope, session_.Overwrite());
-    if (!saved) return ShowCopies();
-    ShowCopies(std::to_string(*saved) + " Identities Backed Up", backup.MissingStores());
+    if (!saved) return ShowCopies({}, backup.Notes());
+    ShowCopies(std::to_string(*saved) + " Identities Backed Up", backup.Notes());
   }
   session_.backupFolder.Enter(*folder);
   sb1.panels[0] = "Backup Complete";
@@ -98,10 +98,8 @@ StatusSink Form1::ToStatus() {
   return [this](const std::string& text) { sb1.panels[0] = text; };
 }
 
-void Form1::ShowCopies(const std::string& first, std::size_t missingStores) {
-  CopyTally tally(session_.platform.GetShell().FinishCopies());
-  tally.AddMissingStores(missingStores);
-  sb1.panels[1] = tally.After(first);
+void Form1::ShowCopies(const std::string& first, std::vector<std::string> notes) {
+  sb1.panels[1] = CopyTally(session_.platform.GetShell().FinishCopies(), std::move(notes)).After(first);
 }
 
 }  // namespace quillbox

@@ -19,6 +19,7 @@ void Form1::ExportItem(RegistryItem item) {
   const auto file = items.AskExportFile(row, session_.FolderInView().value_or(WinPath()));
   if (!file) return;
   if (items.Export(row, userId, *file)) sb1.panels[0] = row.exportDone;
+  if (session_.store.WhyNoExports()) sb1.panels[1] = "no registry keys exported";
 }
 
 void Form1::RestoreItem(RegistryItem item) {

@@ -33,7 +33,7 @@ void Form1::resComplete() {
   if (!folder) return;
   StoreRestore restore(session_.platform, session_.store, session_.backupFolder, ToStatus());
   restore.RestoreAll(*folder, session_.Catalogue(), session_.Overwrite());
-  ShowCopies({}, restore.MissingStores());
+  ShowCopies({}, restore.Notes());
   sb1.panels[0] = "Restore Complete";
 }
 

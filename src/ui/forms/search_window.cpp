@@ -233,7 +233,7 @@ void Form2::CopyChecked(const WinPath& folder) {
                     .target = folder.Join(name),
                     .part = rows.size() == 1 ? CopyPart::OnlyFile : CopyPart::OneOfSeveral});
   }
-  sb2.panels[1] = rows.empty() ? "No files were checked" : CopyTally(shell.FinishCopies()).Text();
+  sb2.panels[1] = rows.empty() ? "No files were checked" : CopyTally(shell.FinishCopies()).CountText();
 }
 
 void Form2::cmdCopyFiles_Click() {

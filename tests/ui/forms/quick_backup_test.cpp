@@ -32,9 +32,10 @@ class QuickBackupTest : public SampleWindows {
     names.push_back("Ann Miller.wab");
     return names;
   }
-  /// "0 of 12 files copied: ".
-  std::string Copied(std::size_t count) {
-    return std::to_string(count) + " of " + std::to_string(Copies().size()) + " files copied: ";
+  /// "0 of 12 files copied: REASON; 1 file left out ...".
+  std::string Copied(std::size_t count, const char* reason) {
+    return std::to_string(count) + " of " + std::to_string(Copies().size()) + " files copied: " + reason + "; " +
+           kLeftOut;
   }
   FaultyCopyIo& CopyWithFaults() {
     auto io = std::make_unique<FaultyCopyIo>();
@@ -50,7 +51,8 @@ TEST_F(QuickBackupTest, TheFolderHoldsExactlyWhatBelongsToTheIdentity) {
   Form1& form = StartOn("Main Identity");
   form.cmdQuickBackup.click();
   EXPECT_EQ(form.sb1.panels[0], "Backup Complete");
-  EXPECT_EQ(form.sb1.panels[1], "");
+  EXPECT_EQ(form.sb1.panels[1], kLeftOut);
+  EXPECT_THAT(platform->log.Text(), HasSubstr("comp.lang.c++.dbx: its name has a full stop"));
   EXPECT_EQ(form.cmdQuickBackup.caption, "QuickBackup --- Backup The Selected Identity Now");
   EXPECT_EQ(form.pointer, Pointer::Normal);
   EXPECT_TRUE(dialogs.messages.empty());
@@ -92,22 +94,22 @@ TEST_F(QuickBackupTest, ExistingFilesAreReplacedOnlyWhenThePersonSaysSo) {
   const std::string original = Content(inbox);
   std::ofstream(inbox) << "older";
 
-  dialogs.overwriteAnswers = {OverwriteAnswer::Cancel};
+  dialogs.overwriteAnswers = {OverwriteAnswer::Cancel, OverwriteAnswer::Cancel};  // messages, address book
   form.cmdQuickBackup.click();
   EXPECT_EQ(Content(inbox), "older");
   EXPECT_EQ(form.sb1.panels[0], "Backup Complete");
-  EXPECT_EQ(form.sb1.panels[1], Copied(0) + "cancelled");
+  EXPECT_EQ(form.sb1.panels[1], Copied(0, "cancelled"));
 
   dialogs.overwriteAnswers = {OverwriteAnswer::YesToAll};
   form.cmdQuickBackup.click();
   EXPECT_EQ(Content(inbox), original);
-  EXPECT_EQ(dialogs.overwriteQuestions.size(), 2u);
+  EXPECT_EQ(dialogs.overwriteQuestions.size(), 3u);
 
   std::ofstream(inbox) << "older";
   form.chkOverwrite.click();
   form.cmdQuickBackup.click();
   EXPECT_EQ(Content(inbox), original);
-  EXPECT_EQ(dialogs.overwriteQuestions.size(), 2u);
+  EXPECT_EQ(dialogs.overwriteQuestions.size(), 3u);
 }
 
 TEST_F(QuickBackupTest, WhatCannotBeBackedUpIsRefusedFirst) {
@@ -163,7 +165,7 @@ TEST_F(QuickBackupTest, AFullDiskIsOneQuestionAndSaidBesideTheCompletion) {
     form.cmdQuickBackup.click();
     EXPECT_EQ(dialogs.messages.size(), 1u);
     EXPECT_EQ(form.sb1.panels[0], "Backup Complete");
-    EXPECT_EQ(form.sb1.panels[1], Copied(0) + "the disk is full");
+    EXPECT_EQ(form.sb1.panels[1], Copied(0, "the disk is full"));
   }
 }
 
@@ -177,7 +179,7 @@ TEST_F(QuickBackupTest, DamagedFilesAreCountedBesideTheCompletion) {
   dialogs.messageAnswers = {MessageAnswer::Yes};
   form.cmdQuickBackup.click();
   EXPECT_EQ(form.sb1.panels[0], "Backup Complete");
-  EXPECT_EQ(form.sb1.panels[1], Copied(Copies().size() - 1) + "1 kept as damaged");
+  EXPECT_EQ(form.sb1.panels[1], Copied(Copies().size() - 1, "1 kept as damaged"));
   EXPECT_EQ(Content(folder / "Inbox.dbx"), good);
   EXPECT_EQ(Content(folder / "Inbox (damaged).dbx"), std::string(good).replace(0x800, 0x200, 0x200, '\0'));
 }
@@ -207,7 +209,7 @@ TEST_F(QuickBackupTest, FilesOfTheHostThatADiskLinksToAreNeitherCopiedNorReplace
               Contains(HasSubstr("Cannot copy Inbox.dbx.\n\n" + messages + "\\Inbox.dbx: it leads out of the disk.")));
   EXPECT_THAT(dialogs.Texts(),
               Contains(HasSubstr(std::string(kBackup) + "\\Main Identity\\WAB.reg: it leads out of the disk")));
-  EXPECT_EQ(form.sb1.panels[1], Copied(Copies().size() - 1) + "it leads out of the disk");
+  EXPECT_EQ(form.sb1.panels[1], Copied(Copies().size() - 1, "it leads out of the disk"));
   EXPECT_EQ(Content(temp / "bashrc"), "the person's own");
   EXPECT_THAT(Names(BackupFolderOnHost() / "Main Identity"), Not(Contains("Inbox.dbx")));
   EXPECT_THAT(Names(BackupFolderOnHost() / "Main Identity"), Contains("Folders.dbx"));
@@ -225,7 +227,14 @@ TEST_F(QuickBackupTest, FilesOfTheHostThatADiskLinksToAreNeitherCopiedNorReplace
 TEST_F(QuickBackupTest, AnUnknownWindowsCopiesTheFilesAndExportsNothing) {
   Store().DeleteKey({RegistryRoot::LocalMachine, "Software\\Microsoft\\Windows NT\\CurrentVersion"});
   Form1& form = StartOn("Main Identity");
+  const std::string why =
+      "Registry backups are switched off because the registry does not say which Windows it is of: it has no "
+      "\"ProductName\" in HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows NT\\CurrentVersion or "
+      "HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows\\CurrentVersion. Files are backed up all the same.";
+  EXPECT_THAT(dialogs.Texts(), ElementsAre(why));
+  EXPECT_THAT(platform->log.Text(), HasSubstr(why));
   form.cmdQuickBackup.click();
+  EXPECT_EQ(form.sb1.panels[1], std::string(kLeftOut) + "; no registry keys exported");
   EXPECT_TRUE(platform->processes.commandLines.empty());
   EXPECT_THAT(Names(BackupFolderOnHost() / "Main Identity"), Contains("Inbox.dbx"));
   EXPECT_THAT(Names(BackupFolderOnHost() / "Main Identity"), Not(Contains("IAM.reg")));

@@ -154,7 +154,7 @@ TEST_F(Form2Test, CheckedFilesAreRestoredIntoTheChosenIdentityAfterAYes) {
   form.resDBXFiles.click();
   EXPECT_EQ(Content(sample.driveC / "Store/Inbox.dbx"), "second");
   EXPECT_EQ(form.sb2.panels[0], "Restore Complete");
-  EXPECT_EQ(form.sb2.panels[1], "");
+  EXPECT_EQ(form.sb2.panels[1], "1 file copied");
 
   form.IdentyPth.type(kEmptyIdentityMarker);
   form.resDBXFiles.click();

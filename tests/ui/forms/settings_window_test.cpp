@@ -82,7 +82,7 @@ TEST_F(Form13Test, StoredValuesAreShownInWords) {
   set("", "Expand Unread", "yes", ValueType::Sz);
   set("\\Mail", "Log File (IMAP4)", 7);
   platform->GetRegistry().SetValue(Store().OpenKey(CurrentUser(Key("\\Mail"))).key, "Safe Attachments",
-                                           ValueType::Binary, Bytes{1, 0, 0, 0});
+                                   ValueType::Binary, Bytes{1, 0, 0, 0});
   Open();
   const std::pair<const char*, const char*> shown[] = {
       {"txtPollForMail", "1.5"},
