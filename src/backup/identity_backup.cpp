@@ -31,7 +31,7 @@ constexpr SharedExport kSharedExports[] = {
 std::vector<std::string> SharedUsernames(const std::vector<IdentityInfo>& identities) {
   std::map<std::u16string, std::pair<std::string, std::size_t>> counts;
   for (const IdentityInfo& identity : identities) {
-    if (!identity.storeFolder) continue;
+    if (!identity.storeFolder || FileNameFault(identity.username)) continue;
     auto& [username, count] = counts[UpperCase(ToUtf16(identity.username))];
     if (count++ == 0) username = identity.username;
   }

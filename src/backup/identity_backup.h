@@ -25,7 +25,7 @@ inline constexpr BackupScope kBackupOfAll{Pop3Uidl::Skip, true, true};
 inline constexpr BackupScope kCompleteBackup{Pop3Uidl::Copy, false, true};
 
 /// The usernames that several of the identities with a message store have, each once, as folders compare them: without
-/// regard to case.
+/// regard to case. Those that no folder can have are left out.
 std::vector<std::string> SharedUsernames(const std::vector<IdentityInfo>& identities);
 
 class IdentityBackup {

@@ -102,6 +102,11 @@ const char* FileNames::On(OsCode code) const {
   return usual;
 }
 
+bool RegistryItemRow::IsOfIdentity() const {
+  const std::string_view name = key;
+  return name.starts_with(kIdentityMark) || name.starts_with(kSettingsMark);
+}
+
 const RegistryItemRow& RowOf(RegistryItem item) {
   return *std::find_if(std::begin(kRows), std::end(kRows),
                        [item](const RegistryItemRow& row) { return row.item == item; });

@@ -47,6 +47,9 @@ struct RegistryItemRow {
   bool isDoneOnlyWhenStarted = false;  ///< an export that is not started, for want of an OS code, is not reported
   bool bringsIdentities = false;       ///< a restore may change which identities there are
   bool entersFolder = true;            ///< an export without a dialog goes to the backup folder first
+
+  /// Whether an export needs to know which identity.
+  bool IsOfIdentity() const;
 };
 
 const RegistryItemRow& RowOf(RegistryItem item);
@@ -58,6 +61,9 @@ class RegistryItems {
  public:
   RegistryItems(Platform& platform, RegistryStore& store, BackupFolder& folder)
       : platform_(platform), store_(store), folder_(folder) {}
+
+  /// Whether the item's file is a hive file on this Windows; such a file is restored into the identity's own key.
+  bool IsHive(const RegistryItemRow& row) const;
 
   /// False after a message that says why: the identity has no such key, or there is no backup folder.
   bool MayExport(const RegistryItemRow& row, const std::string& userId);
@@ -80,7 +86,6 @@ class RegistryItems {
 
  private:
   void Merge(const WinPath& file, OnFailure onFailure);
-  bool IsHive(const RegistryItemRow& row) const;
   FileDialog DialogFor(const WinPath& folder, const char* name) const;
   std::set<std::string> UserIds();
   void TellNewIdentities(const std::set<std::string>& before);

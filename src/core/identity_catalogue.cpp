@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <exception>
 
+#include "text/error.h"
+
 namespace quillbox {
 namespace {
 
@@ -60,6 +62,19 @@ void LoadAll(RegistryStore& store, SystemFacts& facts, IdentityCatalogue& catalo
   catalogue.end.kind = LoadEnd::Kind::Complete;
 }
 
+/// What commands need of the identities that the load did not reach.
+void ReadUnreached(RegistryStore& store, SystemFacts& facts, IdentityCatalogue& catalogue) {
+  for (std::size_t i = catalogue.end.usernamesRead; i < catalogue.identities.size(); ++i) {
+    IdentityInfo& identity = catalogue.identities[i];
+    identity.username = ReadUsername(store, identity.userId);
+    try {
+      identity.storeFolder = ReadStoreFolder(store, facts, identity.userId);
+    } catch (const Error&) {
+      identity.storeFolder = WinPath();
+    }
+  }
+}
+
 }  // namespace
 
 std::string IdentityKey(const std::string& userId) {
@@ -87,6 +102,7 @@ IdentityCatalogue LoadCatalogue(RegistryStore& store, SystemFacts& facts) {
     catalogue.end.kind = LoadEnd::Kind::Failed;
     catalogue.end.failure = error.what();
   }
+  ReadUnreached(store, facts, catalogue);
   return catalogue;
 }
 
@@ -100,6 +116,12 @@ std::optional<WinPath> ReadStoreFolder(RegistryStore& store, SystemFacts& facts,
   const std::string stored = store.ReadStringValue(CurrentUser(IdentitySettingsKey(userId)), "Store Root");
   if (stored == kEmptyIdentityMarker) return std::nullopt;
   return WinPath(ExpandStoreRoot(facts, stored));
+}
+
+std::string ReadUsername(RegistryStore& store, const std::string& userId) {
+  if (userId.empty()) return {};
+  const RegValue username = store.RegistryGetKeyValue(CurrentUser(IdentityKey(userId)), "Username");
+  return username.Data() ? std::string() : username.AsText();
 }
 
 WinPath ReadAddressBookFile(RegistryStore& store) {

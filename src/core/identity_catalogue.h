@@ -55,7 +55,8 @@ struct LoadEnd {
   std::string failure;
 };
 
-/// The identities as the last load found them; every {USER_ID}, and the rest as far as the load came.
+/// The identities as the last load found them. Of those that a load did not reach, commands still know the username and
+/// the folder where these can be read; windows list what was reached.
 struct IdentityCatalogue {
   std::vector<IdentityInfo> identities;  ///< in the registry's order
   std::string defaultUserId;
@@ -74,6 +75,9 @@ IdentityCatalogue LoadCatalogue(RegistryStore& store, SystemFacts& facts);
 /// An identity's message store folder as the registry has it now, expanded; nothing when it has no message store yet.
 /// Throws Error when the value is not text.
 std::optional<WinPath> ReadStoreFolder(RegistryStore& store, SystemFacts& facts, const std::string& userId);
+
+/// The "Username" of an identity as the registry has it now; empty when it has none, or none that is text.
+std::string ReadUsername(RegistryStore& store, const std::string& userId);
 
 /// The address book file in use, as the registry has it now; empty when it names none.
 WinPath ReadAddressBookFile(RegistryStore& store);

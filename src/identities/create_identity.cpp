@@ -48,12 +48,6 @@ std::string UnexpandedStoreFolder(const std::string& userId) {
   return FolderBelow("%UserProfile%\\Local Settings\\Application Data", userId);
 }
 
-std::string ReadUsername(RegistryStore& store, const std::string& userId) {
-  if (userId.empty()) return {};
-  const RegValue username = store.RegistryGetKeyValue(CurrentUser(IdentityKey(userId)), "Username");
-  return username.Data() ? std::string() : username.AsText();
-}
-
 bool IdentityMaker::CreateNewGUID() {
   newUserId_ = platform_.GetGuids().Create();
   if (IsUserId(newUserId_)) return true;

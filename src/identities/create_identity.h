@@ -23,9 +23,6 @@ WinPath DefaultStoreFolder(RegistryStore& store, Platform& platform, const std::
 /// The same with "%UserProfile%" in it, as a "Store Root" has it.
 std::string UnexpandedStoreFolder(const std::string& userId);
 
-/// The value "Username" of an identity as the registry has it now; empty when it is missing.
-std::string ReadUsername(RegistryStore& store, const std::string& userId);
-
 struct NewIdentity {
   std::string userId;
   std::string username;

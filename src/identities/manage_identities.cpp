@@ -7,7 +7,13 @@
 namespace quillbox {
 namespace {
 
+constexpr const char* kDefault = "Default User ID";
 constexpr const char* kStartAs = "Start As";
+
+std::string ReadUserId(RegistryStore& store, const char* name) {
+  const RegValue value = store.RegistryGetKeyValue(CurrentUser(kIdentitiesKey), name);
+  return value.Data() ? std::string() : value.AsText();
+}
 
 }  // namespace
 
@@ -16,13 +22,16 @@ void RemoveIdentity(RegistryStore& store, const std::string& userId) {
   store.DeleteKey(CurrentUser(IdentityKey(userId)));
 }
 
+std::string ReadDefaultIdentity(RegistryStore& store) {
+  return ReadUserId(store, kDefault);
+}
+
 void SetDefaultIdentity(RegistryStore& store, const std::string& userId) {
-  store.SetKeyValue(kIdentitiesKey, "Default User ID", userId, ValueType::Sz);
+  store.SetKeyValue(kIdentitiesKey, kDefault, userId, ValueType::Sz);
 }
 
 std::string ReadStartAs(RegistryStore& store) {
-  const RegValue value = store.RegistryGetKeyValue(CurrentUser(kIdentitiesKey), kStartAs);
-  return value.Data() ? std::string() : value.AsText();
+  return ReadUserId(store, kStartAs);
 }
 
 void SetStartAs(RegistryStore& store, const std::string& userId) {

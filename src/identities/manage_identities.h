@@ -12,6 +12,8 @@ namespace quillbox {
 /// Nothing happens when `userId` is empty or more than one key's name.
 void RemoveIdentity(RegistryStore& store, const std::string& userId);
 
+/// The default identity as the registry has it now; empty when it names none.
+std::string ReadDefaultIdentity(RegistryStore& store);
 void SetDefaultIdentity(RegistryStore& store, const std::string& userId);
 
 /// The identity that Outlook Express starts as; kNobody has it ask.

@@ -12,6 +12,7 @@
 #include "registry/reg_file_form.h"
 #include "text/code_page.h"
 #include "text/error.h"
+#include "text/message_text.h"
 #include "text/unicode.h"
 
 namespace quillbox {
@@ -193,13 +194,18 @@ class Source {
     }
   }
 
+  /// Whether it begins as UTF-16 text does, in either byte order, without the mark that registry files have.
+  bool IsUnmarkedUtf16() const {
+    if (!mark_.empty() || begun_.size() < 2) return false;
+    return (begun_[0] == 0) != (begun_[1] == 0) || begun_.starts_with("\xFE\xFF");
+  }
   bool IsUtf16() const { return encoding_ == Encoding::Utf16; }
   std::string_view MarkBytes() const { return mark_; }
   template <class Unit>
   Pieces<Unit> Lines() {
     return Pieces<Unit>(*file_, begun_);
   }
-  std::string FindOld() { return IsUtf16() ? FindOldIn<char16_t>() : FindOldIn<char>(); }
+  std::optional<std::string> FindOld() { return IsUtf16() ? FindOldIn<char16_t>() : FindOldIn<char>(); }
 
   /// `text` in this file's encoding.
   std::string Encoded(const std::string& text) const {
@@ -218,7 +224,7 @@ class Source {
 
   /// A byte "{" may be the second half of a double-byte character, so the line is decoded before the find counts.
   template <class Unit>
-  std::string FindOldIn() {
+  std::optional<std::string> FindOldIn() {
     static constexpr Unit kEnds[] = {'\r', '\n'};
     Pieces<Unit> pieces = Lines<Unit>();
     while (const auto piece = pieces.Next()) {
@@ -227,13 +233,12 @@ class Source {
         const std::size_t end = std::min(piece->find_first_of({kEnds, 2}, at), piece->size());
         const std::u16string line = Decoded(piece->substr(before, end - before));
         if (const std::size_t brace = line.find(u'{'); brace != line.npos) {
-          const std::u16string old = line.substr(brace, kUserIdLength);
-          return old.size() == kUserIdLength ? ToUtf8(old) : std::string();
+          return ToUtf8(line.substr(brace, kUserIdLength));
         }
         at = piece->find('{', end);
       }
     }
-    return {};
+    return std::nullopt;
   }
 
   WinPath path_;
@@ -255,17 +260,34 @@ WinPath ReplacedFile(const WinPath& backupFolder, const WinPath& input) {
   return WinPath(backupFolder.Text() + "\\New" + GetFileName(input.Text()) + ".reg");
 }
 
-std::string FindOldUserId(FileSystem& files, SystemFacts& facts, const WinPath& input) {
+std::optional<std::string> FindOldUserId(FileSystem& files, SystemFacts& facts, const WinPath& input) {
   return Source(files, facts, input).FindOld();
 }
 
+std::optional<ReplacementRefusal> RefusalOf(FileSystem& files, SystemFacts& facts, const UserIdReplacement& what) {
+  const auto refuse = [](const WinPath& file, const std::string& reason) {
+    return ReplacementRefusal{"No file was made: \"" + OneLine(file.Text()) + "\" " + reason + "."};
+  };
+  if (Source(files, facts, what.input).IsUnmarkedUtf16()) {
+    return refuse(what.input, "is UTF-16 text without the mark that registry files begin with");
+  }
+  const auto old = FindOldUserId(files, facts, what.input);
+  if (old && !IsUserId(*old)) {
+    return refuse(what.input, "has its first \"{\" before something that is not a {USER_ID}: " + OneLine(*old));
+  }
+  const auto there = files.Stat(what.output);
+  if (there && there->isDirectory) return refuse(what.output, "is a folder");
+  return std::nullopt;
+}
+
 void ReplaceUserId(FileSystem& files, SystemFacts& facts, const UserIdReplacement& what) {
-  const std::string old = FindOldUserId(files, facts, what.input);
+  const std::string old = FindOldUserId(files, facts, what.input).value_or(std::string());
+  const bool isWhole = ToUtf16(old).size() == kUserIdLength;
   Source source(files, facts, what.input);
   const std::string replacement = source.Encoded(what.userId);
   const std::unique_ptr<FileWriter> file = files.StartFile(what.output);
   Output out(*file);
-  if (old.empty()) {
+  if (!isWhole) {
     CopyAsItIs(*files.OpenForReading(what.input), out);
   } else if (out.Put(source.MarkBytes()); source.IsUtf16()) {
     auto lines = source.Lines<char16_t>();

@@ -2,6 +2,7 @@
 // passes through once, piece by piece, so its size does not matter; it keeps its encoding.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "platform/file_system.h"
@@ -16,15 +17,23 @@ inline constexpr std::size_t kMaxLineBytes = std::size_t{1} << 20;
 /// `backupFolder`.
 WinPath ReplacedFile(const WinPath& backupFolder, const WinPath& input);
 
-/// The {USER_ID} that a replacement would replace: the 38 characters from the first "{" in the file. Empty without any
-/// "{", or when the line ends before them. Throws Error when the file cannot be read.
-std::string FindOldUserId(FileSystem& files, SystemFacts& facts, const WinPath& input);
+/// The {USER_ID} that a replacement would replace: the 38 characters from the first "{" in the file, or as many as the
+/// line has. Nothing without any "{". Throws Error when the file cannot be read.
+std::optional<std::string> FindOldUserId(FileSystem& files, SystemFacts& facts, const WinPath& input);
 
 struct UserIdReplacement {
   WinPath input;
   WinPath output;
   std::string userId;  ///< the new one
 };
+/// Why a replacement is not made: a sentence for the user.
+struct ReplacementRefusal {
+  std::string sentence;
+  const std::string& Sentence() const { return sentence; }
+};
+/// Why nothing useful can be made of the input or written to the output; nothing when it can. Throws Error when the
+/// input cannot be read.
+std::optional<ReplacementRefusal> RefusalOf(FileSystem& files, SystemFacts& facts, const UserIdReplacement& what);
 /// Writes the output, whole or not at all: each line of the input that holds the old {USER_ID} exactly has it replaced
 /// by `userId` in whatever case it occurs there; the other lines stay. Lines end with CR LF. A file without an old
 /// {USER_ID} is copied as it is. Throws Error when a file cannot be read or written, or when the input's encoding

@@ -25,11 +25,9 @@ void Session::GetInputPaths() {
   // The address book file is read last: a load that stopped before does not know it.
   if (!isComplete) loaded.addressBookFile = catalogue_.addressBookFile;
   catalogue_ = std::move(loaded);
-  if (isComplete) {
-    const auto& identities = catalogue_.identities;
-    selected_ = identities.empty() ? std::nullopt : std::optional(identities.front());
-    platform.GetClipboard().Clear();
-  }
+  const auto& identities = catalogue_.identities;
+  selected_ = isComplete && !identities.empty() ? std::optional(identities.front()) : std::nullopt;
+  if (isComplete) platform.GetClipboard().Clear();
   catalogueLoaded.Send();
   ReportEarlyEnd();
 }
@@ -80,10 +78,9 @@ bool Session::Rename(const std::string& username) {
 }
 
 void Session::SetDefault(const std::string& userId) {
+  if (userId.empty()) return;
   SetDefaultIdentity(store, userId);
-  catalogue_.defaultUserId = userId;
-  catalogue_.defaultUsername = ReadUsername(store, userId);
-  defaultChanged.Send();
+  GetInputPaths();
 }
 
 void Session::IsOERuuning() {

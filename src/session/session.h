@@ -37,10 +37,10 @@ class Session {
   // The identities.
 
   /// (Re)loads the catalogue; a complete load selects the first identity and clears the clipboard. One that stops early
-  /// is reported (a registry read error in a message, anything else in the log) and leaves the selection as it was.
+  /// is reported (a registry read error in a message, anything else in the log) and selects none.
   void GetInputPaths();
   const IdentityCatalogue& Catalogue() const { return catalogue_; }
-  /// Nothing until a first identity was loaded.
+  /// Nothing until a first identity was loaded, and after a load that stopped early.
   const std::optional<IdentityInfo>& Selected() const { return selected_; }
   /// Select the identity whose text that is, the last one of several; without one the selection stays.
   void SelectByUsername(const std::string& username);
@@ -49,7 +49,7 @@ class Session {
   void SelectByFolder(const std::string& folder);
   /// Renames the selected identity. False, with nothing changed, when an identity has that very name.
   bool Rename(const std::string& username);
-  /// Makes `userId` the default identity.
+  /// Makes `userId` the default identity and loads the catalogue again; an empty one changes nothing.
   void SetDefault(const std::string& userId);
   /// Tests whether Outlook Express is running under any identity; without identities the answer stays.
   void IsOERuuning();
@@ -60,9 +60,9 @@ class Session {
 
   /// The check at the start. What is shown stays a folder that is gone, although the setting is reset.
   BackupFolderCheck CheckBackupFolder(bool withMessage);
-  /// The person chooses a folder, or none. Asks whether to make the identities' key when the profile has none yet, since
-  /// the setting is stored there. False, with nothing changed, when that is declined and after a message that says why
-  /// the folder cannot be used or stored.
+  /// The person chooses a folder, or none. Asks whether to make the identities' key when the profile has none yet,
+  /// since the setting is stored there. False, with nothing changed, when that is declined and after a message that
+  /// says why the folder cannot be used or stored.
   bool ChooseBackupFolder(const std::optional<WinPath>& folder);
   /// What windows show as the backup folder.
   const std::optional<WinPath>& ShownBackupFolder() const { return shownFolder_; }
@@ -92,7 +92,6 @@ class Session {
   Signal catalogueLoaded;  ///< everything about the identities, the selection and the address book file included
   Signal selectionChanged;
   Signal usernamesChanged;
-  Signal defaultChanged;
   Signal runningTested;
   Signal backupFolderChanged;
   Signal folderInViewChanged;

@@ -61,8 +61,7 @@ void Form5::FillList() {
 }
 
 void Form5::cmbDelIdent_Click() {
-  const IdentityInfo* identity = session_.Catalogue().Find(cmbDelIdent.text);
-  lblusrnameIdent.caption = identity ? identity->username : std::string();
+  lblusrnameIdent.caption = ReadUsername(session_.store, cmbDelIdent.text);
 }
 
 void Form5::cmdRemoveIdent_Click() {

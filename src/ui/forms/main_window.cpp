@@ -143,7 +143,6 @@ void Form1::WatchSession() {
   session_.catalogueLoaded.Connect([this] { ShowCatalogue(); });
   session_.selectionChanged.Connect([this] { ShowSelection(); });
   session_.usernamesChanged.Connect([this] { ShowUsernames(); });
-  session_.defaultChanged.Connect([this] { ShowDefault(); });
   session_.runningTested.Connect([this] { ShowRunning(); });
   session_.overwriteChanged.Connect([this] { chkOverwrite.checked = session_.Overwrite(); });
   session_.backupFolderChanged.Connect([this] { lblbkuppth.caption = TextOrNone(session_.ShownBackupFolder()); });
@@ -156,15 +155,14 @@ void Form1::ShowCatalogue() {
   cmbUserNames.Clear();
   inpth1.Clear();
   const IdentityCatalogue& catalogue = session_.Catalogue();
-  if (catalogue.end.kind == LoadEnd::Kind::NoIdentitiesKey) return;
   ListUserIds(cmbUserIDs, catalogue);
   cmbUserNames.items = Usernames(catalogue);
-  ShowDefault();
-  if (catalogue.end.kind == LoadEnd::Kind::Failed) inpth1.text = "";
-  if (catalogue.end.kind != LoadEnd::Kind::Complete) return;
-  inpth1.items = StoreFolders(catalogue);
+  const bool isComplete = catalogue.end.kind == LoadEnd::Kind::Complete;
+  if (isComplete) inpth1.items = StoreFolders(catalogue);
   Label2.caption = std::to_string(catalogue.identities.size());
+  ShowDefault();
   ShowSelection();
+  if (!isComplete) return;
   Text1.SelectAll();
   txtwabloc.text = catalogue.addressBookFile.Text();
   txtwabloc.SelectAll();
@@ -232,6 +230,12 @@ void Form1::ClearStatus() {
   for (auto& panel : sb1.panels) panel = "";
 }
 
+bool Form1::HasSelection() {
+  if (session_.Selected()) return true;
+  session_.platform.GetDialogs().Show({.text = "No identity is selected.", .icon = MessageIcon::Exclamation});
+  return false;
+}
+
 bool Form1::RefusesEmptyIdentity(const std::string& message) {
   if (!session_.Selected() || session_.Selected()->storeFolder) return false;
   session_.platform.GetDialogs().Show({.text = message, .icon = MessageIcon::Exclamation});
@@ -264,6 +268,7 @@ void Form1::cmdShowAdditionalInfo_Click() {
 
 void Form1::cmdOpenFolder_Click() {
   ClearStatus();
+  if (!HasSelection()) return;
   const IdentityInfo identity = Selected();
   // Without a store there is nothing to refuse; the shell says that there is no such folder.
   if (!identity.storeFolder || identity.storeFolder->Empty()) return OpenExplorer(WinPath(Text1.text));

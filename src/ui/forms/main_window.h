@@ -110,6 +110,8 @@ class Form1 : public Form {
   void ShowRunning();
   /// The selected identity; an empty one when nothing is selected.
   IdentityInfo Selected() const { return session_.Selected().value_or(IdentityInfo()); }
+  /// False after a message that no identity is selected.
+  bool HasSelection();
   /// True, after `message`, when the selected identity has no message store.
   bool RefusesEmptyIdentity(const std::string& message);
 

@@ -24,7 +24,7 @@ void Form1::chkOverwrite_Click() {
 void Form1::cmdQuickBackup_Click() {
   sb1.panels[1] = "";
   const auto folder = session_.backupFolder.Guard(FolderMessage::WithoutEnding);
-  if (!folder) return;
+  if (!folder || !HasSelection()) return;
   if (RefusesEmptyIdentity(std::string(kEmptyIdentityMarker) + " Please select another Identity.")) return;
   const CommandFailures::Scope failures(session_.store.Failures());
   const HourglassScope hourglass(*this);

@@ -40,12 +40,13 @@ void Form1::usrIDString_Click() {
 
 void Form1::chgIdentName_Click() {
   ClearStatus();
+  if (!HasSelection()) return;
   const IdentityInfo identity = Selected();
   Dialogs& dialogs = session_.platform.GetDialogs();
   const std::string username =
       dialogs.Input("Enter new Username", "Current Username: " + identity.username, identity.username)
           .value_or(std::string());
-  if (username.empty() || identity.userId.empty()) {
+  if (username.empty()) {
     sb1.panels[0] = "No changes made.";
   } else if (!session_.Rename(username)) {
     dialogs.Show({.text = "Name already exists", .icon = MessageIcon::Exclamation});
@@ -60,14 +61,13 @@ void Form1::repUSERID_Click() {
   if (!input) return;
   FileSystem& files = session_.platform.GetFiles();
   SystemFacts& facts = session_.platform.GetSystemFacts();
-  const std::string old = FindOldUserId(files, facts, *input);
+  const std::string old = FindOldUserId(files, facts, *input).value_or(std::string());
   const std::string userId =
       dialogs.Input("Enter new {USER_ID}", "Current {USER_ID}: " + old, "").value_or(std::string());
   if (userId.empty()) return;
   const HourglassScope hourglass(*this);
-  const WinPath output = ReplacedFile(WinPath(TextOrNone(session_.ShownBackupFolder())), *input);
-  ReplaceUserId(files, facts, {*input, output, userId});
-  sb1.panels[0] = "File Saved as: " + output.Text();
+  const auto output = SaveReplaced(session_, *input, userId);
+  if (output) sb1.panels[0] = "File Saved as: " + output->Text();
 }
 
 }  // namespace quillbox

@@ -14,6 +14,7 @@ void Form1::ExportItem(RegistryItem item) {
   sb1.panels[1] = "";
   RegistryItems items = Items();
   const RegistryItemRow& row = RowOf(item);
+  if (row.IsOfIdentity() && !HasSelection()) return;
   const std::string userId = Selected().userId;
   if (!items.MayExport(row, userId)) return;
   const auto file = items.AskExportFile(row, session_.FolderInView().value_or(WinPath()));
@@ -25,6 +26,7 @@ void Form1::ExportItem(RegistryItem item) {
 void Form1::RestoreItem(RegistryItem item) {
   RegistryItems items = Items();
   const RegistryItemRow& row = RowOf(item);
+  if (items.IsHive(row) && !HasSelection()) return;
   const auto file = items.AskRestoreFile(row, session_.FolderInView().value_or(WinPath()));
   if (!file) return;
   sb1.panels[1] = "";

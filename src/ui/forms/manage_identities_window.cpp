@@ -86,7 +86,7 @@ void Form8::Form_Load() {
   cmbStartAs.text = ReadStartAs(session_.store);
   cmbStartAs_Click();
   ListUserIds(cmbDefUserID, session_.Catalogue());
-  cmbDefUserID.text = session_.Catalogue().defaultUserId;
+  cmbDefUserID.text = ReadDefaultIdentity(session_.store);
   cmbDefUserID_Click();
 }
 
@@ -105,7 +105,7 @@ void Form8::cmdChgDefault_Click() {
 }
 
 void Form8::cmdStartAs_Click() {
-  SetStartAs(session_.store, cmbStartAs.text);
+  if (!cmbStartAs.text->empty()) SetStartAs(session_.store, cmbStartAs.text);
 }
 
 void Form8::cmdClose_Click() {

@@ -1,4 +1,5 @@
-// "Odds and Ends": switches and title bars of Outlook Express and Internet Explorer that their own dialogs do not offer.
+// "Odds and Ends": switches and title bars of Outlook Express and Internet Explorer that their own dialogs do not
+// offer.
 #pragma once
 
 #include "session/session.h"

@@ -1,6 +1,6 @@
 #include "ui/forms/replace_user_id_window.h"
 
-#include "identities/create_identity.h"
+#include "core/refusal_message.h"
 #include "identities/replace_user_id.h"
 #include "ui/forms/identity_picker.h"
 #include "ui/forms/program_windows.h"
@@ -82,11 +82,8 @@ void Form17::cmdReplace_Click() {
   lblFinished.caption = "";
   if (!input_) return;
   const HourglassScope hourglass(*this);
-  const WinPath output = ReplacedFile(WinPath(TextOrNone(session_.ShownBackupFolder())), *input_);
-  ReplaceUserId(session_.platform.GetFiles(), session_.platform.GetSystemFacts(),
-                {*input_, output, cmboUserIDs97.text});
-  output_ = output;
-  lblFinished.caption = "File Saved as: " + output.Text();
+  output_ = SaveReplaced(session_, *input_, cmboUserIDs97.text);
+  if (output_) lblFinished.caption = "File Saved as: " + output_->Text();
 }
 
 void Form17::cmdMerge_Click() {
@@ -94,6 +91,7 @@ void Form17::cmdMerge_Click() {
   dialogs.Show({.text = output_ ? output_->Text() : std::string()});
   if (output_) session_.store.RegMerge(*output_);
   dialogs.Show({.text = "Registry file has been merged."});
+  if (output_) session_.GetInputPaths();
 }
 
 void Form17::cmdClose_Click() {
@@ -106,6 +104,20 @@ std::optional<WinPath> AskRegistryFile(Session& session) {
                                                  .name = "*.reg",
                                                  .filter = "Registration Files (*.reg) | *.reg",
                                                  .askOverwrite = false});
+}
+
+std::optional<WinPath> SaveReplaced(Session& session, const WinPath& input, const std::string& userId) {
+  const auto folder = session.backupFolder.Guard(FolderMessage::WithFullStop);
+  if (!folder) return std::nullopt;
+  FileSystem& files = session.platform.GetFiles();
+  SystemFacts& facts = session.platform.GetSystemFacts();
+  const UserIdReplacement what{input, ReplacedFile(*folder, input), userId};
+  if (const auto refusal = RefusalOf(files, facts, what)) {
+    ShowRefusal(session.platform.GetDialogs(), *refusal);
+    return std::nullopt;
+  }
+  ReplaceUserId(files, facts, what);
+  return what.output;
 }
 
 }  // namespace quillbox

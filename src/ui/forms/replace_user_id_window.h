@@ -51,5 +51,8 @@ class Form17 : public Form {
 
 /// Asks for the registry file to replace a {USER_ID} in, beginning in the backup folder; nothing when cancelled.
 std::optional<WinPath> AskRegistryFile(Session& session);
+/// Makes the file with `userId` in the backup folder and returns its path; nothing after a message that says why not.
+/// Throws Error when a file cannot be read or written.
+std::optional<WinPath> SaveReplaced(Session& session, const WinPath& input, const std::string& userId);
 
 }  // namespace quillbox

@@ -178,6 +178,13 @@ TEST_F(IdentityWindowsTest, TheDefaultAndTheStartIdentityAreChanged) {
   form.cmdStartAs.click();
   for (const char* name : {"Start As", "Last User ID"}) EXPECT_EQ(Read(kIdentitiesKey, name), RegValue(kNobody));
   EXPECT_EQ(Read(kIdentitiesKey, "Last Username"), RegValue(""));
+  // An empty choice, as a removed default leaves it, writes nothing.
+  form.cmbDefUserID.text = "";
+  form.cmbStartAs.text = "";
+  const RegistrySnapshot before = Snapshot();
+  form.cmdChgDefault.click();
+  form.cmdStartAs.click();
+  EXPECT_EQ(Snapshot(), before);
   ExpectClosedBy(form);
 }
 
@@ -223,6 +230,27 @@ TEST_F(IdentityWindowsTest, ASavedFileIsCarriedOverAndMerged) {
   EXPECT_THAT(dialogs.Texts(), Contains("D:\\Backup\\Newa.reg"));
   EXPECT_EQ(Read(IdentityKey(kGuest), "Carried"), RegValue("over"));
   EXPECT_EQ(Read(IdentityKey(kMain), "Carried"), RegValue());
+
+  // Refusals leave nothing to merge either.
+  dialogs.openFileAnswers = {WinPath("D:\\Backup\\no id.reg"), WinPath("D:\\Backup\\wide.reg"),
+                             WinPath("D:\\Backup\\folder.reg"), WinPath("D:\\Backup\\a.b.reg")};
+  std::ofstream(BackupFolderOnHost() / "no id.reg") << "REGEDIT4\n\"{x\"=\"" << kMain << "\"\n";
+  std::ofstream(BackupFolderOnHost() / "wide.reg") << std::string("W\0i\0n\0{\0", 8);
+  std::ofstream(BackupFolderOnHost() / "folder.reg") << kMain;
+  std::filesystem::create_directory(BackupFolderOnHost() / "Newfolder.reg");
+  for (const char* reason :
+       {"no id.reg\" has its first \"{\" before something that is not a {USER_ID}: {x\"=\"",
+        "wide.reg\" is UTF-16 text without the mark that registry files begin with.", "Newfolder.reg\" is a folder."}) {
+    form.cmpOpen.click();
+    form.cmdReplace.click();
+    EXPECT_THAT(dialogs.LastMessage(), HasSubstr(std::string("No file was made: \"D:\\Backup\\") + reason));
+    EXPECT_EQ(form.lblFinished.caption, "");
+  }
+  form.cmpOpen.click();
+  windows->session.backupFolder.Reset();
+  form.cmdReplace.click();
+  EXPECT_EQ(dialogs.LastMessage(), "Please select a backup folder or create one from the Tools menu.");
+  windows->session.backupFolder.Choose(WinPath(kBackup));
 
   // A replacement that fails leaves nothing to merge, and says nothing.
   std::filesystem::remove(BackupFolderOnHost() / "a.b.reg");

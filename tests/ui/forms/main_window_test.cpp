@@ -1,5 +1,6 @@
 #include "ui/forms/main_window.h"
 
+#include "support/sample_ids.h"
 #include "support/sample_windows.h"
 
 namespace quillbox {
@@ -177,34 +178,44 @@ TEST_F(Form1Test, ClosingTheWindowEndsTheProgram) {
   EXPECT_FALSE(form.visible);
 }
 
-TEST_F(Form1Test, AReloadThatStopsKeepsTheSelectionThatIsShown) {
+TEST_F(Form1Test, AfterALoadThatStoppedNothingIsSelectedAndAllIsBackedUp) {
   Form1& form = Start();
   form.cmbUserIDs.pick(1);
-  const IdentityInfo selected = Identities()[1];
   Store().SetKeyValue(kIdentitiesKey, "Default User ID", "{gone}", ValueType::Sz);
   windows->session.GetInputPaths();
-  EXPECT_EQ(windows->session.Catalogue().end.kind, LoadEnd::Kind::ReadError);
-  ASSERT_TRUE(windows->session.Selected());
-  EXPECT_EQ(windows->session.Selected()->userId, selected.userId);
-  EXPECT_EQ(form.Label6.caption, selected.userId);
-  EXPECT_EQ(form.Label7.caption, selected.username);
-  EXPECT_EQ(form.Text1.text, selected.FolderText());
+  EXPECT_EQ(dialogs.LastMessage(), "Registry read error 2 Default User ID Username");
+  EXPECT_THAT(form.cmbUserNames.items.Get(), ElementsAre("Main Identity"));
+  EXPECT_THAT(form.cmbUserIDs.items.Get(), ElementsAre(kMain, kOffice, kGuest));
+  EXPECT_THAT(form.inpth1.items.Get(), IsEmpty());
+  EXPECT_EQ(form.Label2.caption, "3");
+  EXPECT_EQ(form.Label6.caption.Get() + form.Label7.caption.Get() + form.Text1.text.Get(), "");
   EXPECT_THAT(form.txtwabloc.text.Get(), ::testing::EndsWith(".wab"));
+  for (const char* item : {"qbk", "Identity", "msgRules", "resSigs", "chgIdentName"}) {
+    dialogs.messages.clear();
+    form.menuBar.click(item);
+    EXPECT_EQ(dialogs.LastMessage(), "No identity is selected.") << item;
+  }
+  EXPECT_THAT(Names(BackupFolderOnHost()), IsEmpty());
+  form.cmdbkupall.click();
+  EXPECT_THAT(Names(BackupFolderOnHost()), ElementsAre("Büro", "Main Identity"));
+
+  form.menuBar.click("remIdent");
+  windows->form5.cmbDelIdent.pick(kOffice);
+  EXPECT_EQ(windows->form5.lblusrnameIdent.caption, "Büro");
+  windows->form5.close();
+  form.menuBar.click("chgStartIdent");
+  EXPECT_EQ(windows->form8.cmbDefUserID.text, "{gone}");
+  windows->form8.cmbDefUserID.pick(kOffice);
+  windows->form8.cmdChgDefault.click();
+  EXPECT_EQ(form.Label7.caption, "Main Identity");
+  EXPECT_EQ(form.Label10.caption, "Büro");
+  EXPECT_EQ(form.cmbUserNames.items->size(), 3u);
 
   Store().DeleteKey(CurrentUser(kIdentitiesKey));
   windows->session.GetInputPaths();
-  EXPECT_EQ(windows->session.Catalogue().end.kind, LoadEnd::Kind::NoIdentitiesKey);
   EXPECT_THAT(form.cmbUserNames.items.Get(), IsEmpty());
-  EXPECT_EQ(form.Label6.caption, windows->session.Selected()->userId);
-}
-
-TEST_F(Form1Test, ALoadThatStopsSaysWhere) {
-  Store().SetKeyValue(kIdentitiesKey, "Default User ID", "{gone}", ValueType::Sz);
-  Form1& form = Start();
-  EXPECT_EQ(dialogs.LastMessage(), "Registry read error 2 Default User ID Username");
-  EXPECT_EQ(form.cmbUserNames.items->size(), 1u);
-  EXPECT_THAT(form.inpth1.items.Get(), IsEmpty());
-  EXPECT_EQ(form.Label2.caption, "");
+  EXPECT_EQ(form.Label2.caption, "0");
+  EXPECT_EQ(form.Label6.caption, "");
 }
 
 }  // namespace
