@@ -1,11 +1,13 @@
 #include "identities/clone_identity.h"
 
+#include "core/disk_path.h"
 #include "core/file_helpers.h"
 #include "core/identity_catalogue.h"
 #include "core/message_store.h"
 #include "identities/create_identity.h"
 #include "identities/user_id.h"
 #include "text/error.h"
+#include "text/unicode.h"
 
 namespace quillbox {
 namespace {
@@ -22,6 +24,20 @@ constexpr const char* kRemoved[] = {kSourceFile, kDestinationFile, kIdentityFile
 
 constexpr const char* kAccountsKey = "SOFTWARE\\Microsoft\\Internet Account Manager\\Accounts";
 constexpr const char* kIdentityAccounts = "\\Software\\Microsoft\\Internet Account Manager";
+
+/// Every file in `folder` and below it but those in `except`, whole before anything is copied. What cannot be read is
+/// in the log.
+std::vector<WinPath> FilesBelow(Platform& platform, const WinPath& folder, const WinPath& except) {
+  std::vector<WinPath> found;
+  const auto walk = platform.GetFiles().Walk(folder, "*.*");
+  WalkStep step;
+  while (walk->Step(step)) {
+    for (const std::string& unread : step.unread) platform.GetLog().Write("not copied: " + unread);
+    if (StartsWithIgnoreCase(step.folder, WithBackslash(except.Text()))) continue;
+    for (const std::string& name : step.files) found.push_back(WinPath(step.folder).Join(name));
+  }
+  return found;
+}
 
 }  // namespace
 
@@ -126,10 +142,29 @@ std::optional<CloneRefusal> IdentityClone::CopyMessages() {
   const WinPath& from = std::get<WinPath>(source);
   const WinPath to = DefaultStoreFolder(store_, platform_, request_.destination);
   if (!DirExists(files, to)) CreateFolder(files, to);
-  for (const std::string& name : FileList(files, from.Join("*.*"))) {
-    if (!name.empty()) platform_.GetShell().CopyFile({.source = from.Join(name), .target = to.Join(name)});
+  for (const WinPath& file : FilesBelow(platform_, from, to)) {
+    const WinPath target(to.Text() + file.Text().substr(WithBackslash(from.Text()).size()));
+    files.MakePath(target.Parent());
+    platform_.GetShell().CopyFile({.source = file, .target = target});
   }
   return std::nullopt;
+}
+
+std::optional<StoreElsewhere> IdentityClone::FindElsewhere() {
+  const WinPath copied = DefaultStoreFolder(store_, platform_, request_.destination);
+  const auto recorded = LocateStore(store_, platform_, request_.destination);
+  const auto* folder = std::get_if<WinPath>(&recorded);
+  const DiskPath full(platform_.GetDrives(), copied);
+  if (folder && full.IsUsable() && EqualIgnoreCase(folder->Text(), full.Path().Text())) return std::nullopt;
+  return StoreElsewhere{folder ? *folder : WinPath(), copied};
+}
+
+bool IdentityClone::PointToCopies() {
+  const OpenResult settings = store_.OpenKey(CurrentUser(IdentitySettingsKey(request_.destination)));
+  if (settings.status != Status::Success) return false;
+  const ValueType type = IsNtFamily(store_.GetOsCode()) ? ValueType::ExpandSz : ValueType::Sz;
+  const WinPath copied = DefaultStoreFolder(store_, platform_, request_.destination);
+  return store_.SetValueEx(settings.key, "Store Root", type, copied.Text()) == Status::Success;
 }
 
 }  // namespace quillbox

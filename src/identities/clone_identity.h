@@ -24,6 +24,12 @@ struct CloneRefusal {
   std::string message;
 };
 
+/// A message store that Outlook Express would look for in another folder than the one that has it.
+struct StoreElsewhere {
+  WinPath recorded;  ///< what the "Store Root" expands to on this disk
+  WinPath copied;    ///< the folder with the messages
+};
+
 class IdentityClone {
  public:
   IdentityClone(Platform& platform, RegistryStore& store, CloneRequest request);
@@ -36,9 +42,14 @@ class IdentityClone {
   /// The changes of the registry so far, each as a sentence.
   const std::vector<std::string>& Done() const { return done_; }
 
-  /// Copies the source's message store files to the destination's own folder, which is made when it is missing.
-  /// A refusal when nothing can be copied.
+  /// Copies the source's message store, subfolders included, to the destination's own folder, which is made when it is
+  /// missing. A refusal when nothing can be copied.
   std::optional<CloneRefusal> CopyMessages();
+
+  /// Where the "Store Root" of the destination leads, when that is not the folder that CopyMessages fills.
+  std::optional<StoreElsewhere> FindElsewhere();
+  /// Has the destination's "Store Root" name the folder that CopyMessages fills. False when it cannot be written.
+  bool PointToCopies();
 
  private:
   WinPath File(const char* name) const { return WinPath(request_.backupFolder.Text() + name); }

@@ -2,6 +2,7 @@
 
 #include "core/copy_tally.h"
 #include "identities/create_identity.h"
+#include "text/message_text.h"
 #include "ui/forms/identity_picker.h"
 #include "ui/forms/program_windows.h"
 
@@ -113,6 +114,7 @@ void Form4::Tell(const std::string& text, MessageIcon icon) {
 }
 
 void Form4::cmdCreateIdentity_Click() {
+  for (auto& panel : StatusBar1.panels) panel = "";
   const auto made = session_.identityMaker.Run(
       {.onUserId = [this](const std::string& userId) { txtuserid.text = userId; },
        .onUsername = [this](const std::string& name) { lblDestinationUser.caption = name; }});
@@ -182,7 +184,25 @@ void Form4::CopyMessages(IdentityClone& clone) {
         CloneRefusal{std::string("The Identity was cloned, but not all of its DBX files were copied: ") + error.what()};
   }
   StatusBar1.panels[1] = CopyTally(session_.platform.GetShell().FinishCopies()).Text();
-  if (refusal) Tell(refusal->message);
+  if (refusal) return Tell(refusal->message);
+  OfferTheCopiesFolder(clone);
+}
+
+/// A Windows in another language, or with moved folders, keeps its message stores elsewhere than the path that a clone
+/// writes.
+void Form4::OfferTheCopiesFolder(IdentityClone& clone) {
+  const auto elsewhere = clone.FindElsewhere();
+  if (!elsewhere) return;
+  const Message question{
+      .text =
+          "The messages were copied to\n\n" + OneLine(elsewhere->copied.Text()) +
+          "\n\nbut the \"Store Root\" of the cloned Identity leads to\n\n" + OneLine(elsewhere->recorded.Text()) +
+          "\n\nOutlook Express would not find the messages there. Write the folder that has them into the registry?",
+      .buttons = MessageButtons::YesNo,
+      .icon = MessageIcon::Question};
+  if (session_.platform.GetDialogs().Show(question) != MessageAnswer::Yes) return;
+  if (!clone.PointToCopies()) Tell("The \"Store Root\" was not changed. The log says why.");
+  session_.GetInputPaths();
 }
 
 void Form4::cmdClose_Click() {

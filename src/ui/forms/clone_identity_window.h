@@ -53,6 +53,7 @@ class Form4 : public Form {
   /// False after a message that says what failed and what was done before.
   bool CloneSettings(IdentityClone& clone);
   void CopyMessages(IdentityClone& clone);
+  void OfferTheCopiesFolder(IdentityClone& clone);
   void Tell(const std::string& text, MessageIcon icon = MessageIcon::Exclamation);
   void cmdCreateIdentity_Click();
   void cmdClone_Click();

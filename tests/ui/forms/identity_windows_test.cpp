@@ -99,12 +99,16 @@ TEST_F(IdentityWindowsTest, AnIdentityIsClonedOntoANewOneWithItsMessages) {
   OpenBy("CloneIdentity", form);
   dialogs.messageAnswers = {MessageAnswer::Yes};
   dialogs.inputAnswers = {"Bob"};
+  form.StatusBar1.panels[1] = "old";
   form.cmdCreateIdentity.click();
   const std::string userId = form.txtuserid.text;
+  EXPECT_EQ(form.StatusBar1.panels[1], "");
   EXPECT_EQ(form.StatusBar1.panels[0], userId + " Created");
   EXPECT_EQ(form.lblDestinationUser.caption, "Bob");
   form.cmbSource.pick(kMain);
   EXPECT_EQ(form.lblSourceUser.caption, "Main Identity");
+  std::filesystem::create_directory(OnHost(Identities()[0].FolderText()) / "Old mail");
+  std::ofstream(OnHost(Identities()[0].FolderText()) / "Old mail/2003.dbx") << "old";
   for (CheckBox* box : {&form.Check2, &form.chkCopyDBX}) box->click();
   form.cmdClone.click();
   EXPECT_EQ(form.StatusBar1.panels[0], "Cloning Complete");
@@ -116,6 +120,7 @@ TEST_F(IdentityWindowsTest, AnIdentityIsClonedOntoANewOneWithItsMessages) {
     return OnHost(ReadStoreFolder(Store(), platform->GetSystemFacts(), id).value().Text());
   };
   EXPECT_EQ(Names(folderOf(userId)), Names(folderOf(kMain)));
+  EXPECT_EQ(Content(folderOf(userId) / "Old mail/2003.dbx"), "old");
   EXPECT_EQ(Read(IdentitySettingsKey(userId), "WindowTitle"), RegValue("Outlook Express at home"));
   EXPECT_THAT(windows->form1.cmbUserNames.items.Get(), Contains("Bob"));
 
@@ -126,6 +131,24 @@ TEST_F(IdentityWindowsTest, AnIdentityIsClonedOntoANewOneWithItsMessages) {
   EXPECT_EQ(form.StatusBar1.panels[0], "Cloning Complete");
   EXPECT_THAT(dialogs.LastMessage(), HasSubstr("were not copied"));
   ExpectClosedBy(form);
+}
+
+TEST_F(IdentityWindowsTest, ACloneWhoseStoreRootLeadsElsewhereIsPointedToItsMessages) {
+  const char* folders = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
+  const std::string moved = "D:\\Lokale Einstellungen\\Anwendungsdaten";
+  Store().SetKeyValue(folders, "Local AppData", moved, ValueType::Sz);
+  Form4& form = windows->form4;
+  OpenBy("CloneIdentity", form);
+  form.cmbSource.pick(kOffice);
+  form.cmbDestination.pick(kGuest);
+  for (CheckBox* box : {&form.Check1, &form.chkCopyDBX}) box->click();
+  dialogs.messageAnswers = {MessageAnswer::Yes};
+  form.cmdClone.click();
+  const std::string below = "\\Identities\\" + kGuest + "\\Microsoft\\Outlook Express";
+  EXPECT_THAT(dialogs.LastMessage(),
+              AllOf(HasSubstr(moved + below), HasSubstr("Ann Miller\\Local Settings\\Application Data" + below)));
+  EXPECT_EQ(Read(IdentitySettingsKey(kGuest), "Store Root"), RegValue(moved + below + "\\"));
+  EXPECT_THAT(Names(OnHost(Read(IdentitySettingsKey(kGuest), "Store Root").AsText())), Contains("Inbox.dbx"));
 }
 
 TEST_F(IdentityWindowsTest, RemovingAsksAndGoesOnToTheLastOne) {
