@@ -20,7 +20,8 @@ std::optional<std::string> LoadSlot(RegistryStore& store, const char* value) {
     store.SetKeyValue(kAddressBookKey, value, kNoneSelected, ValueType::Sz);
     return std::nullopt;
   }
-  const auto file = PathOrNone(store.RegistryGetKeyValue(key, value).AsText());
+  const RegValue stored = store.RegistryGetKeyValue(key, value);
+  const auto file = stored.Text() ? PathOrNone(*stored.Text()) : std::nullopt;
   return file ? std::optional(NameFromFullPath(file->Text())) : std::nullopt;
 }
 

@@ -14,7 +14,7 @@ inline constexpr std::size_t kSlotCount = 4;
 /// The values, beside the address book in use, that remember a file each.
 inline constexpr std::array<const char*, kSlotCount> kSlotValues = {"WAB0", "WAB1", "WAB2", "WAB3"};
 
-/// The file name of each slot that has one.
+/// The file name of each slot that has one; a slot that holds no text has none.
 using SlotNames = std::array<std::optional<std::string>, kSlotCount>;
 
 struct SlotsLoad {

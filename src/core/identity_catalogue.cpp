@@ -125,7 +125,8 @@ std::string ReadUsername(RegistryStore& store, const std::string& userId) {
 }
 
 WinPath ReadAddressBookFile(RegistryStore& store) {
-  return WinPath(store.RegistryGetKeyValue(CurrentUser(kAddressBookKey), "").AsText());
+  const RegValue file = store.RegistryGetKeyValue(CurrentUser(kAddressBookKey), "");
+  return WinPath(file.Text() ? *file.Text() : std::string());
 }
 
 std::string ExpandStoreRoot(SystemFacts& facts, const std::string& storeRoot) {

@@ -79,7 +79,8 @@ std::optional<WinPath> ReadStoreFolder(RegistryStore& store, SystemFacts& facts,
 /// The "Username" of an identity as the registry has it now; empty when it has none, or none that is text.
 std::string ReadUsername(RegistryStore& store, const std::string& userId);
 
-/// The address book file in use, as the registry has it now; empty when it names none.
+/// The address book file in use, as the registry has it now; empty when it names none, or has something that is not
+/// text.
 WinPath ReadAddressBookFile(RegistryStore& store);
 
 /// `storeRoot` with its first %VARIABLE% expanded: the text before the first "%" is dropped, what follows the second

@@ -41,6 +41,11 @@ TEST_F(IdentityCatalogueTest, AnEmptyAddressBookSlotHoldsNoneAndWithoutTheKeyNon
   const OpenResult key = Store().OpenKey(CurrentUser(kAddressBookKey));
   platform->GetRegistry().SetValue(key.key, "WAB3", ValueType::Sz, {});
   EXPECT_EQ(LoadAddressBookSlots(Store()).names[3], std::nullopt);
+  for (const char* name : {"", "WAB1"}) Store().SetValueEx(key.key, name, ValueType::Binary, RegValue(Bytes{1, 2}));
+  Store().SetValueEx(key.key, "WAB2", ValueType::Sz, "C:\\a.wab");
+  const SlotsLoad load = LoadAddressBookSlots(Store());
+  EXPECT_EQ(load.names[1], std::nullopt);
+  EXPECT_EQ(load.names[2], "a.wab");
   Store().DeleteKey(CurrentUser(kAddressBookKey));
   EXPECT_FALSE(LoadAddressBookSlots(Store()).keyOpened);
 }

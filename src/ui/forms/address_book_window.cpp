@@ -1,5 +1,7 @@
 #include "ui/forms/address_book_window.h"
 
+#include <utility>
+
 #include "core/refusal_message.h"
 #include "ui/forms/program_windows.h"
 
@@ -110,6 +112,7 @@ void Form6::ShowNew(const WinPath& file) {
 /// Shows the address book that has become the one in use.
 void Form6::ShowChanged(const std::string& outcome) {
   const WinPath file = book_.InUse();
+  pending_.reset();
   txtwabloc.text = file.Text();
   ShowCurrent(file);
   ShowNew(file);
@@ -158,10 +161,11 @@ void Form6::cmdChangeWab_Click() {
     txtNewAddBk.text = NameFromFullPath(book_.InUse().Text());
     return Tell(kEmptyLocation);
   }
-  book_.Use(*pending_);
-  txtwabloc.text = pending_->Text();
+  const WinPath file = *std::exchange(pending_, std::nullopt);
+  book_.Use(file);
+  txtwabloc.text = file.Text();
   sb1.panels[0] = "Change Complete";
-  session_.SetAddressBookFile(*pending_);
+  session_.SetAddressBookFile(file);
 }
 
 void Form6::Command1_Click() {

@@ -67,6 +67,9 @@ TEST_F(Form6Test, ABrowsedFileIsUsedOnlyWhenThePersonSaysSo) {
   EXPECT_EQ(Value(""), "D:\\Books\\b.wab");
   EXPECT_EQ(form.sb1.panels[0], "Change Complete");
   EXPECT_EQ(windows->form1.txtwabloc.text, "D:\\Books\\b.wab");
+  Store().SetKeyValue(kAddressBookKey, "", first, ValueType::Sz);
+  form.cmdChangeWab.click();
+  EXPECT_EQ(Value(""), first) << "an applied choice is not pending any more";
   form.close();
   EXPECT_TRUE(windows->form1.visible && !form.visible);
 }
