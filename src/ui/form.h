@@ -96,13 +96,14 @@ class Form {
 /// Shows the hourglass until it goes out of scope.
 class HourglassScope {
  public:
-  explicit HourglassScope(Form& form) : form_(form) { form_.pointer = Pointer::Hourglass; }
-  ~HourglassScope() { form_.pointer = Pointer::Normal; }
+  explicit HourglassScope(Form& form) : form_(form), before_(form.pointer) { form_.pointer = Pointer::Hourglass; }
+  ~HourglassScope() { form_.pointer = before_; }
   HourglassScope(const HourglassScope&) = delete;
   HourglassScope& operator=(const HourglassScope&) = delete;
 
  private:
   Form& form_;
+  Pointer before_;
 };
 
 /// Shows "Please Wait" on a button until it goes out of scope.
@@ -118,6 +119,13 @@ class PleaseWaitScope {
  private:
   Button& button_;
   std::string caption_;
+};
+
+/// Shows that a button's command is at work.
+struct BusyScope {
+  BusyScope(Form& form, Button& button) : hourglass(form), pleaseWait(button) {}
+  HourglassScope hourglass;
+  PleaseWaitScope pleaseWait;
 };
 
 }  // namespace quillbox

@@ -52,6 +52,7 @@ void Form1::bkAll_Click() {
 
 void Form1::cmdComplete_Click() {
   ReportFailure("The complete backup", [this] {
+    const BusyScope busy(*this, cmdComplete);
     bkupallIdentities();
     bkupIAM();
     bkupAddBook();
@@ -69,8 +70,7 @@ void Form1::BackUpAll(const BackupScope& scope) {
   const auto folder = session_.backupFolder.Guard(FolderMessage::WithFullStop);
   if (!folder) return;
   {
-    const HourglassScope hourglass(*this);
-    const PleaseWaitScope pleaseWait(cmdbkupall);
+    const BusyScope busy(*this, cmdbkupall);
     sb1.panels[0] = "";
     IdentityBackup backup(session_.platform, session_.store, session_.backupFolder, ToStatus());
     const auto saved = backup.SaveAll(*folder, session_.Catalogue(), scope, session_.Overwrite());

@@ -8,6 +8,7 @@ namespace quillbox {
 
 void Form1::cmdRestore_Click() {
   ReportFailure("The complete restore", [this] {
+    const BusyScope busy(*this, cmdRestore);
     resbkupAllIdent();
     resbkupIAM();
     resbkupAddBook();

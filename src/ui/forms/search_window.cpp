@@ -4,6 +4,7 @@
 
 #include "core/copy_tally.h"
 #include "core/refusal_message.h"
+#include "text/message_text.h"
 #include "ui/forms/identity_picker.h"
 #include "ui/forms/program_windows.h"
 
@@ -240,6 +241,7 @@ void Form2::cmdCopyFiles_Click() {
   ClearStatus();
   const auto folder = session_.backupFolder.Guard(FolderMessage::WithFullStop);
   if (!folder) return;
+  const BusyScope busy(*this, cmdCopyFiles);
   CopyChecked(*folder);
   sb2.panels[0] = "Copy Complete";
 }
@@ -259,6 +261,13 @@ void Form2::resDBXFiles_Click() {
   }
   const DiskPath target = RestoreTarget();
   if (!target.IsUsable()) return ShowRefusal(session_.platform.GetDialogs(), target.Refusal());
+  const BusyScope busy(*this, resDBXFiles);
+  if (!MakeFolder(session_.platform.GetFiles(), target.Path())) {
+    session_.platform.GetDialogs().Show(
+        {.text = "The folder \"" + OneLine(target.Path().Text()) + "\" cannot be made, so nothing was restored.",
+         .icon = MessageIcon::Exclamation});
+    return;
+  }
   CopyChecked(target.Path());
   sb2.panels[0] = "Restore Complete";
 }

@@ -94,7 +94,14 @@ TEST_F(CompleteBackupTest, WhatItSavedComesBackAsItWas) {
   EXPECT_EQ(form->Label2.caption, "0");
 
   dialogs.openFileAnswers = {WinPath("D:\\Backup\\Ann Miller.wab")};
+  dialogs.onProgress = [&](const auto& /*shown*/) {
+    EXPECT_EQ(form->cmdRestore.caption, "Please Wait");
+    EXPECT_EQ(form->pointer, Pointer::Hourglass);
+    return true;
+  };
   form->cmdRestore.click();
+  EXPECT_EQ(form->cmdRestore.caption, "Complete Restore");
+  EXPECT_EQ(form->pointer, Pointer::Normal);
   EXPECT_EQ(form->sb1.panels[0], "Restore Complete");
   EXPECT_EQ(form->sb1.panels[1], "");
   EXPECT_EQ(form->Label2.caption, "3");
