@@ -110,9 +110,9 @@ void StartWindow::cmdChoose_Click() {
 }
 
 void StartWindow::cmdOpen_Click() {
-  const int line = lstProfiles.selected;
-  if (!disk_ || line < 0) return;
-  choice_.profile = disk_->profiles.at(static_cast<std::size_t>(line)).name;
+  const std::optional<std::size_t>& line = lstProfiles.selected;
+  if (!disk_ || !line) return;
+  choice_.profile = disk_->profiles.at(*line).name;
   try {
     open_(choice_);
     Hide();

@@ -48,11 +48,11 @@ ComboBox::ComboBox(Form& form, std::string name, std::string initial, std::strin
   text = std::move(initial);
   tooltip = std::move(tip);
   items.Watch([this] {
-    picked_ = -1;
+    picked_.reset();
     Changed();
   });
   text.Watch([this] {
-    picked_ = -1;
+    picked_.reset();
     Changed();
   });
 }
@@ -68,16 +68,17 @@ void ComboBox::Clear() {
   text = "";
 }
 
-int ComboBox::Index() const {
-  if (picked_ >= 0) return picked_;
+std::optional<std::size_t> ComboBox::Index() const {
+  if (picked_) return picked_;
   const auto found = std::find(items->begin(), items->end(), text.Get());
-  return found == items->end() ? -1 : static_cast<int>(found - items->begin());
+  if (found == items->end()) return std::nullopt;
+  return static_cast<std::size_t>(found - items->begin());
 }
 
 void ComboBox::pick(std::size_t index) {
   if (!CanAct()) return;
   text = items->at(index);
-  picked_ = static_cast<int>(index);
+  picked_ = index;
   Run("Click", onClick);
 }
 
@@ -144,7 +145,7 @@ Frame::Frame(Form& form, std::string name, std::string text, std::string tip) : 
 ListBox::ListBox(Form& form, std::string name, std::string tip) : Control(form, std::move(name)) {
   tooltip = std::move(tip);
   items.Watch([this] {
-    selected = -1;
+    selected = std::nullopt;
     Changed();
   });
   Watch(selected);
@@ -152,13 +153,13 @@ ListBox::ListBox(Form& form, std::string name, std::string tip) : Control(form, 
 
 void ListBox::pick(std::size_t index) {
   if (!CanAct() || index >= items->size()) return;
-  selected = static_cast<int>(index);
+  selected = index;
   Run("Click", onSelect);
 }
 
 void ListBox::open(std::size_t index) {
   if (!CanAct() || index >= items->size()) return;
-  selected = static_cast<int>(index);
+  selected = index;
   Run("DblClick", onOpen);
 }
 

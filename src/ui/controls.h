@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -95,8 +96,8 @@ class ComboBox : public Control {
 
   void Add(const std::string& item);
   void Clear();
-  /// The position of the item that was picked last, or else of the first item equal to the text; -1 if there is none.
-  int Index() const;
+  /// The position of the item that was picked last, or else of the first item equal to the text, if there is one.
+  std::optional<std::size_t> Index() const;
 
   void pick(std::size_t index);
   /// Picks the first item with that text; throws std::invalid_argument when there is none.
@@ -104,7 +105,7 @@ class ComboBox : public Control {
   void type(const std::string& newText);
 
  private:
-  int picked_ = -1;
+  std::optional<std::size_t> picked_;
 };
 
 class CheckBox : public Control {
@@ -174,7 +175,7 @@ class ListBox : public Control {
   ListBox(Form& form, std::string name, std::string tip = {});
   void Accept(ControlVisitor& visitor) override;
   Property<std::vector<std::string>> items;
-  Property<int> selected{-1};
+  Property<std::optional<std::size_t>> selected;
   Handler onSelect;
   Handler onOpen;
 

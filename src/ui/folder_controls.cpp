@@ -58,7 +58,7 @@ void DirListBox::Refresh(FileSystem& files) {
     lines.push_back(std::string(2 * depth, ' ') + (name.empty() ? folders_[i].Text() : name));
   }
   items = std::move(lines);
-  if (!folders_.empty()) selected = static_cast<int>(ownLine);
+  if (!folders_.empty()) selected = ownLine;
 }
 
 void FileListBox::SetPath(FileSystem& files, const WinPath& folder) {

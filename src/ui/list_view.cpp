@@ -16,7 +16,7 @@ void ListView::Accept(ControlVisitor& visitor) {
 void ListView::SetRowCount(std::size_t count) {
   checked_.assign(count, false);
   ++generation_;
-  selected = -1;
+  selected = std::nullopt;
   Changed();
 }
 
@@ -40,12 +40,12 @@ void ListView::check(std::size_t row, bool checked) {
 }
 
 void ListView::pick(std::size_t row) {
-  if (CanAct() && row < RowCount()) selected = static_cast<int>(row);
+  if (CanAct() && row < RowCount()) selected = row;
 }
 
 void ListView::open(std::size_t row) {
   if (!CanAct() || row >= RowCount()) return;
-  selected = static_cast<int>(row);
+  selected = row;
   Run("DblClick", onDblClick);
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -33,8 +34,7 @@ class ListView : public Control {
   /// The checked rows, ascending.
   std::vector<std::size_t> CheckedRows() const;
 
-  /// -1 for none.
-  Property<int> selected{-1};
+  Property<std::optional<std::size_t>> selected;
   Handler onDblClick;
 
   void check(std::size_t row, bool checked);

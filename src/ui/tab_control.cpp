@@ -15,7 +15,7 @@ void TabControl::Accept(ControlVisitor& visitor) {
 
 void TabControl::pick(std::size_t index) {
   if (!CanAct() || index >= tabs_.size()) return;
-  selected = static_cast<int>(index);
+  selected = index;
   Run("Click", onClick);
 }
 

@@ -18,7 +18,7 @@ class TabControl : public Control {
 
   /// The tabs' captions, from the left. They never change.
   const std::vector<std::string>& Tabs() const { return tabs_; }
-  Property<int> selected{0};
+  Property<std::size_t> selected{0};
   Handler onClick;
 
   /// A position without a tab is ignored.

@@ -25,12 +25,14 @@ struct EveryControlForm : Form {
     cmdOk.onClick = act("ok");
     cmdInner.onClick = act("inner");
     cmdClose.onClick = [this] { Hide(); };
-    picker.onClick = [this] { acts += "picker=" + picker.text.Get() + "#" + std::to_string(picker.Index()) + " "; };
+    picker.onClick = [this] {
+      acts += "picker=" + picker.text.Get() + "#" + std::to_string(picker.Index().value()) + " ";
+    };
     box.onChange = [this] { acts += "box=" + box.text.Get() + " "; };
     check.onClick = [this] { acts += check.checked ? "checked " : "unchecked "; };
     first.onClick = second.onClick = [this] { acts += first.IsChosen() ? "first " : "second "; };
-    list.onSelect = [this] { acts += "list=" + std::to_string(list.selected) + " "; };
-    list.onOpen = [this] { acts += "open=" + std::to_string(list.selected) + " "; };
+    list.onSelect = [this] { acts += "list=" + std::to_string(list.selected->value()) + " "; };
+    list.onOpen = [this] { acts += "open=" + std::to_string(list.selected->value()) + " "; };
   }
 
   LayoutNode Layout() override {

@@ -51,14 +51,14 @@ TEST_F(ControlsTest, OnlyActsRunHandlersAndOnlyWhereAControlIsOn) {
 }
 
 TEST_F(ControlsTest, PickerKnowsWhichOfEqualItemsWasPicked) {
-  EXPECT_EQ(form.picker.Index(), -1) << "its text is none of its items";
+  EXPECT_EQ(form.picker.Index(), std::nullopt) << "its text is none of its items";
   form.picker.pick(2);
-  EXPECT_EQ(form.picker.Index(), 2);
+  EXPECT_EQ(form.picker.Index(), 2U);
   form.picker.Add("four");
-  EXPECT_EQ(form.picker.Index(), 1) << "other items: the first with the text";
+  EXPECT_EQ(form.picker.Index(), 1U) << "other items: the first with the text";
   EXPECT_THROW(form.picker.pick("five"), std::invalid_argument);
   form.picker.Clear();
-  EXPECT_EQ(form.picker.Index(), -1);
+  EXPECT_EQ(form.picker.Index(), std::nullopt);
   form.picker.type("typed");
   EXPECT_EQ(form.picker.text.Get(), "") << "a picker takes no typing";
   form.typed.type("*.x");
@@ -73,7 +73,7 @@ TEST_F(ControlsTest, SelectionEndsWithTheTextOrTheItems) {
   form.list.selected = 2;
   form.list.items = {"a"};
   form.list.pick(1);
-  EXPECT_EQ(form.list.selected, -1) << "a line that is not there";
+  EXPECT_EQ(form.list.selected, std::nullopt) << "a line that is not there";
   for (const std::size_t line : {2, 0, 1, 2, 3}) form.several.toggle(line);
   EXPECT_THAT(form.several.selected.Get(), testing::ElementsAre(0, 1));
   form.several.items = {"a"};

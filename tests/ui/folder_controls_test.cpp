@@ -72,7 +72,7 @@ TEST_F(FolderControlsTest, ExistingDrivesAreListedOnceHoweverOftenFilled) {
   form.drives.Fill(drives);
   EXPECT_THAT(form.drives.items.Get(), ElementsAre("A:\\", "C:\\", "Z:\\"));
   form.drives.ShowDriveOf(WinPath("c:\\Data\\Mail"));
-  EXPECT_EQ(form.drives.Index(), 1);
+  EXPECT_EQ(form.drives.Index(), 1U);
 }
 
 TEST_F(FolderControlsTest, TheListsShowTheWayDownTheFoldersInsideAndTheFiles) {
@@ -80,7 +80,7 @@ TEST_F(FolderControlsTest, TheListsShowTheWayDownTheFoldersInsideAndTheFiles) {
   form.folders.onSelect = form.folders.onOpen = [&] { ++ran; };
   form.folders.SetPath(files, drives, WinPath("C:\\Data\\"));
   EXPECT_THAT(form.folders.items.Get(), ElementsAre("C:\\", "  Data", "    Mail", "    zoo"));
-  EXPECT_EQ(form.folders.selected, 1) << "the folder itself";
+  EXPECT_EQ(form.folders.selected, 1U) << "the folder itself";
   EXPECT_EQ(form.folders.FolderAt(0), WinPath("C:\\"));
   EXPECT_EQ(form.folders.FolderAt(3), WinPath("C:\\Data\\zoo"));
   files.folders["C:\\Data"].push_back({.name = "New", .isDirectory = true});

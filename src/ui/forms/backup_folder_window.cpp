@@ -41,7 +41,7 @@ Form3::Form3(ProgramWindows& windows)
   cmdClse.isCancel = true;
   Drive1.onClick = [this] { Drive1_Change(); };
   Dir1.onOpen = [this] {
-    SetDir(Dir1.FolderAt(static_cast<std::size_t>(Dir1.selected.Get())));
+    SetDir(Dir1.FolderAt(Dir1.selected->value()));
     Dir1_Change();
   };
   txtbkPth.onChange = [this] { session_.LookAt(PathOrNone(txtbkPth.text)); };

@@ -315,7 +315,7 @@ void Form2::cmdCloseForm2_Click() {
 }
 
 void Form2::lvFiles_DblClick() {
-  const auto row = static_cast<std::size_t>(lvFiles.selected.Get());
+  const std::size_t row = lvFiles.selected->value();
   windows_.form1.OpenExplorer2(WinPath(session_.search.found.Folder(row)), session_.search.found.Name(row));
 }
 

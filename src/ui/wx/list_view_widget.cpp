@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -123,10 +124,10 @@ Widget MakeListViewWidget(ListView& control, wxWindow& parent) {
       SizeColumns(control, *list);
     }
     const wxDataViewItem shown = list->GetSelection();
-    const int selected = shown.IsOk() ? static_cast<int>(rowOf(shown)) : -1;
-    if (control.selected < 0 && selected >= 0) list->UnselectAll();
-    if (control.selected >= 0 && selected != control.selected) {
-      const wxDataViewItem item = rows->GetItem(static_cast<unsigned>(control.selected.Get()));
+    const auto selected = shown.IsOk() ? std::optional(rowOf(shown)) : std::nullopt;
+    if (!control.selected.Get() && selected) list->UnselectAll();
+    if (control.selected.Get() && !(control.selected == selected)) {
+      const wxDataViewItem item = rows->GetItem(static_cast<unsigned>(*control.selected.Get()));
       list->Select(item);
       list->EnsureVisible(item);
     }

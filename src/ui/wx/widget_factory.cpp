@@ -163,8 +163,8 @@ void Factory::Visit(ComboBox& control) {
     if (box->GetStrings() != items) box->Set(items);
     const wxString text = ToWx(control.text.Get());
     if (box->GetValue() == text) return;
-    if (control.Index() >= 0) {
-      box->SetSelection(control.Index());
+    if (const auto index = control.Index()) {
+      box->SetSelection(static_cast<int>(*index));
     } else {
       box->ChangeValue(text);
     }
@@ -259,13 +259,15 @@ void Factory::Visit(ListBox& control) {
   widget_.show = [list, &control] {
     ShowWithTip(control, *list);
     ShowItems(control.items, *list);
-    if (list->GetSelection() == control.selected) return;
-    list->SetSelection(control.selected);
-    if (control.selected >= 0) list->EnsureVisible(control.selected);
+    const int wanted = control.selected.Get() ? static_cast<int>(*control.selected.Get()) : wxNOT_FOUND;
+    if (list->GetSelection() == wanted) return;
+    list->SetSelection(wanted);
+    if (wanted != wxNOT_FOUND) list->EnsureVisible(wanted);
   };
   list->Bind(wxEVT_LISTBOX, [&control](wxCommandEvent& event) {
-    const int line = event.GetSelection();
-    if (line >= 0 && line != control.selected) control.pick(static_cast<std::size_t>(line));
+    if (event.GetSelection() < 0) return;
+    const auto line = static_cast<std::size_t>(event.GetSelection());
+    if (!(control.selected == line)) control.pick(line);
   });
   list->Bind(wxEVT_LISTBOX_DCLICK, [&control](wxCommandEvent& event) {
     if (event.GetSelection() >= 0) control.open(static_cast<std::size_t>(event.GetSelection()));
@@ -307,9 +309,8 @@ void Factory::Visit(TabControl& control) {
   widget_.window = book;
   widget_.show = [book, &control] {
     ShowWithTip(control, *book);
-    const auto selected = static_cast<std::size_t>(control.selected.Get());
-    book->ChangeSelection(selected);
-    wxWindow* page = book->GetPage(selected);
+    book->ChangeSelection(control.selected);
+    wxWindow* page = book->GetPage(control.selected);
     page->CallAfter([page] { page->Layout(); });  // some widgets know their best size only when they have been shown
   };
   book->Bind(wxEVT_NOTEBOOK_PAGE_CHANGED, [book, &control](wxBookCtrlEvent& event) {

@@ -19,13 +19,13 @@ constexpr int kNarrow = 320;
 
 struct ListForm : Form {
   explicit ListForm(HandlerGuard& guard) : Form(guard, "ListForm", "List") {
-    list.onDblClick = [this] { opened.push_back(list.selected); };
+    list.onDblClick = [this] { opened.push_back(list.selected->value()); };
     list.SetRowCount(5);
   }
   LayoutNode Layout() override { return Column({Item(list, 1)}); }
 
   std::size_t asked = 0;
-  std::vector<int> opened;
+  std::vector<std::size_t> opened;
   ListView list{*this, "list", {"File Name", "Path"}, [this](std::size_t row, std::size_t column) {
                   ++asked;
                   const std::string number = std::to_string(row);
@@ -49,14 +49,14 @@ TEST_F(ListViewWidgetTest, MouseAndKeysCheckSelectAndOpen) {
   ClickAt(InRow(1, kOnBox));
   EXPECT_EQ(form.list.CheckedRows(), std::vector<std::size_t>{1});
   ClickAt(InRow(2, kOnText));
-  EXPECT_EQ(form.list.selected, 2);
+  EXPECT_EQ(form.list.selected, 2U);
   Press(WXK_DOWN);
-  EXPECT_EQ(form.list.selected, 3);
+  EXPECT_EQ(form.list.selected, 3U);
   Press(WXK_SPACE);
   EXPECT_EQ(form.list.CheckedRows(), (std::vector<std::size_t>{1, 3}));
   EXPECT_TRUE(form.opened.empty());
   DoubleClickAt(InRow(4, kOnText));
-  EXPECT_EQ(form.opened, std::vector<int>{4});
+  EXPECT_EQ(form.opened, std::vector<std::size_t>{4});
   EXPECT_EQ(form.list.CheckedRows(), (std::vector<std::size_t>{1, 3}));
 }
 
@@ -114,15 +114,15 @@ TEST_F(TabControlTest, OnePageIsSeenAndAPersonPicksIt) {
   EXPECT_EQ(wxWindow::FindFocus()->GetName(), "third") << "the controls' order, not that of the page";
   Press(WXK_PAGEUP, wxMOD_CONTROL);
   EXPECT_TRUE(Seen(form.first));
-  EXPECT_EQ(form.tabs.selected, 0);
+  EXPECT_EQ(form.tabs.selected.Get(), 0U);
   EXPECT_EQ(form.picks, 1);
 
   // The second tab begins right of the middle of the first one's text.
   const auto& book = Widget<wxNotebook>(form.tabs);
-  for (int x = 20; form.tabs.selected == 0 && x < book.GetSize().x; x += 20) {
+  for (int x = 20; form.tabs.selected.Get() == 0 && x < book.GetSize().x; x += 20) {
     ClickAt(book.GetScreenPosition() + wxPoint(x, 15));
   }
-  EXPECT_EQ(form.tabs.selected, 1);
+  EXPECT_EQ(form.tabs.selected.Get(), 1U);
   EXPECT_EQ(form.picks, 2) << "a click on the tab that is seen picks nothing";
   EXPECT_EQ(book.GetPageText(1), "Two & three");
 }
