@@ -45,7 +45,7 @@ struct NoDialogs : Dialogs {
   }
   std::optional<WinPath> OpenFile(const FileDialog& /*dialog*/) override { return std::nullopt; }
   std::optional<WinPath> SaveFile(const FileDialog& /*dialog*/) override { return std::nullopt; }
-  std::optional<WinPath> BrowseForFolder(const std::string& /*title*/) override { return std::nullopt; }
+  std::optional<WinPath> BrowseForFolder(const FolderDialog& /*dialog*/) override { return std::nullopt; }
   OverwriteAnswer AskOverwrite(const OverwriteQuestion& /*question*/) override { return OverwriteAnswer::Cancel; }
   std::unique_ptr<Progress> ShowProgress(const std::string& /*title*/) override {
     return std::make_unique<NoProgress>();

@@ -40,7 +40,7 @@ std::optional<WinPath> ConsoleDialogs::SaveFile(const FileDialog& /*dialog*/) {
   return std::nullopt;
 }
 
-std::optional<WinPath> ConsoleDialogs::BrowseForFolder(const std::string& /*title*/) {
+std::optional<WinPath> ConsoleDialogs::BrowseForFolder(const FolderDialog& /*dialog*/) {
   return std::nullopt;
 }
 

@@ -17,7 +17,7 @@ class ConsoleDialogs : public Dialogs {
                                    const std::string& proposed) override;
   std::optional<WinPath> OpenFile(const FileDialog& dialog) override;
   std::optional<WinPath> SaveFile(const FileDialog& dialog) override;
-  std::optional<WinPath> BrowseForFolder(const std::string& title) override;
+  std::optional<WinPath> BrowseForFolder(const FolderDialog& dialog) override;
   OverwriteAnswer AskOverwrite(const OverwriteQuestion& question) override;
   std::unique_ptr<Progress> ShowProgress(const std::string& title) override;
 };

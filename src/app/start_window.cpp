@@ -105,7 +105,7 @@ void StartWindow::ShowFault(const std::string& fault) {
 }
 
 void StartWindow::cmdChoose_Click() {
-  const auto chosen = dialogs_.BrowseForFolder("Choose the folder that is drive C:");
+  const auto chosen = dialogs_.BrowseForFolder({.title = "Choose the folder that is drive C:"});
   if (chosen) Look({.folder = paths_.HostPath(*chosen), .profile = {}, .drives = {}});
 }
 
@@ -122,7 +122,7 @@ void StartWindow::cmdOpen_Click() {
 }
 
 void StartWindow::cmdSample_Click() {
-  const auto chosen = dialogs_.BrowseForFolder("Choose where to make the sample disk");
+  const auto chosen = dialogs_.BrowseForFolder({.title = "Choose where to make the sample disk"});
   if (!chosen) return;
   try {
     const SampleDisk sample = MakeSampleDisk(paths_.HostPath(*chosen) / kSampleFolder, {});

@@ -179,8 +179,8 @@ void BackupFolder::StoreOverwrite(bool overwrite) {
   store_.SetKeyValue(kIdentitiesKey, kOverwriteValue, RegValue(overwrite ? 1 : 0), ValueType::Dword);
 }
 
-std::optional<WinPath> BrowseForFolder(Dialogs& dialogs) {
-  auto folder = dialogs.BrowseForFolder("Select a directory");
+std::optional<WinPath> BrowseForFolder(Dialogs& dialogs, const WinPath& opensOn) {
+  auto folder = dialogs.BrowseForFolder({.title = "Select a directory", .folder = opensOn});
   return folder && !folder->Empty() ? folder : std::nullopt;
 }
 

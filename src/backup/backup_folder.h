@@ -87,8 +87,9 @@ class BackupFolder {
   bool asked_ = false;
 };
 
-/// Asks for a folder with the shell's picker, "Select a directory"; nothing when the person cancels.
-std::optional<WinPath> BrowseForFolder(Dialogs& dialogs);
+/// Asks for a folder with the shell's picker, "Select a directory"; nothing when the person cancels. It opens on the
+/// user's home, where backups go, unless another folder is named.
+std::optional<WinPath> BrowseForFolder(Dialogs& dialogs, const WinPath& opensOn = {});
 
 /// Makes every missing folder along `path`; true when it is there afterwards.
 bool CreatePath(FileSystem& files, const WinPath& path);

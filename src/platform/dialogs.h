@@ -32,10 +32,15 @@ struct Message {
 
 struct FileDialog {
   std::string title;
-  WinPath folder;      ///< where it opens
-  std::string name;    ///< proposed file name
-  std::string filter;  ///< "Registration Files (*.reg) | *.reg"
-  bool askOverwrite = false;
+  WinPath folder;             ///< where it opens
+  std::string name;           ///< proposed file name
+  std::string filter;         ///< "Registration Files (*.reg) | *.reg"; a pattern's case does not matter
+  bool askOverwrite = false;  ///< a file that is there already, in whatever case, is replaced only after a question
+};
+
+struct FolderDialog {
+  std::string title;
+  WinPath folder = {};  ///< where it opens; empty for the user's home on this computer
 };
 
 /// A file that is there already, as the overwrite question shows it. Times are FILETIMEs, sizes bytes.
@@ -65,7 +70,7 @@ class Dialogs {
                                            const std::string& proposed) = 0;
   virtual std::optional<WinPath> OpenFile(const FileDialog& dialog) = 0;
   virtual std::optional<WinPath> SaveFile(const FileDialog& dialog) = 0;
-  virtual std::optional<WinPath> BrowseForFolder(const std::string& title) = 0;
+  virtual std::optional<WinPath> BrowseForFolder(const FolderDialog& dialog) = 0;
   virtual OverwriteAnswer AskOverwrite(const OverwriteQuestion& question) = 0;
   virtual std::unique_ptr<Progress> ShowProgress(const std::string& title) = 0;
 };

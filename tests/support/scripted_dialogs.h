@@ -40,7 +40,7 @@ struct ScriptedDialogs : Dialogs {
   std::vector<InputShown> inputs;
   std::vector<FileDialog> openFileDialogs;
   std::vector<FileDialog> saveFileDialogs;
-  std::vector<std::string> folderDialogs;
+  std::vector<FolderDialog> folderDialogs;
   std::vector<OverwriteQuestion> overwriteQuestions;
   std::vector<ProgressShown> progress;
   int openProgressDisplays = 0;
@@ -83,9 +83,9 @@ struct ScriptedDialogs : Dialogs {
     saveFileDialogs.push_back(dialog);
     return Take(saveFileAnswers, std::optional<WinPath>(), "save " + dialog.name);
   }
-  std::optional<WinPath> BrowseForFolder(const std::string& title) override {
-    folderDialogs.push_back(title);
-    return Take(folderAnswers, std::optional<WinPath>(), "folder: " + title);
+  std::optional<WinPath> BrowseForFolder(const FolderDialog& dialog) override {
+    folderDialogs.push_back(dialog);
+    return Take(folderAnswers, std::optional<WinPath>(), "folder: " + dialog.title);
   }
   OverwriteAnswer AskOverwrite(const OverwriteQuestion& question) override {
     overwriteQuestions.push_back(question);

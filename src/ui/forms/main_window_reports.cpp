@@ -29,7 +29,7 @@ void Form1::MoveWAB_Click() {
     dialogs.Show({.text = kNoFileToMove, .icon = MessageIcon::Exclamation});
     return;
   }
-  const auto folder = BrowseForFolder(dialogs);
+  const auto folder = BrowseForFolder(dialogs, WinPath("C:\\"));  // it stays on the disk
   if (!folder) return;
   const auto refusal = AddressBook(session_.platform, session_.store).MoveTo(*folder);
   if (refusal) return ShowRefusal(dialogs, *refusal);

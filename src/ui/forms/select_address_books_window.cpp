@@ -61,7 +61,7 @@ void Form9::getem(const DiskPath& folder) {
 }
 
 void Form9::cmdBrowse1_Click() {
-  const auto folder = BrowseForFolder(session_.platform.GetDialogs());
+  const auto folder = BrowseForFolder(session_.platform.GetDialogs(), WinPath("C:\\"));
   if (!folder) return;
   const DiskPath chosen(session_.platform.GetDrives(), *folder);
   if (chosen.IsUsable()) txtOutPath3.text = folder->Text();

@@ -7,11 +7,13 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 #include <wx/dirdlg.h>
 #include <wx/filedlg.h>
 #include <wx/msgdlg.h>
 #include <wx/textdlg.h>
+#include <wx/utils.h>
 
 #include "ui/wx/overwrite_dialog.h"
 #include "ui/wx/progress_window.h"
@@ -66,7 +68,18 @@ MessageAnswer AnswerOf(int id, MessageButtons buttons) {
   }
 }
 
-/// "Text (*.txt) | *.txt" as the toolkit expects it: no blanks around the bars, and patterns in both cases.
+/// A pattern that matches in any case, as Windows' own do: "*.WAB" as "*.[wW][aA][bB]".
+wxString InAnyCase(const wxString& pattern) {
+  wxString result;
+  for (const wxUniChar c : pattern) {
+    const wxString lower = wxString(c).Lower();
+    const wxString upper = wxString(c).Upper();
+    result += lower == upper ? wxString(c) : "[" + lower + upper + "]";
+  }
+  return result;
+}
+
+/// "Text (*.txt) | *.txt" as the toolkit expects it: no blanks around the bars.
 wxString ToolkitFilter(const std::string& filter) {
   wxString result;
   std::size_t start = 0;
@@ -74,8 +87,7 @@ wxString ToolkitFilter(const std::string& filter) {
     const std::size_t bar = std::min(filter.find('|', start), filter.size());
     const wxString part = ToWx(Trim(std::string_view(filter).substr(start, bar - start)));
     if (start > 0) result += '|';
-    result += part;
-    if (isPattern && part.Upper() != part) result += ';' + part.Upper();
+    result += isPattern ? InAnyCase(part) : part;
     start = bar + 1;
   }
   return result;
@@ -127,8 +139,28 @@ std::optional<WinPath> WxDialogs::OpenFile(const FileDialog& dialog) {
   return AskForFile(dialog, wxFD_OPEN | wxFD_FILE_MUST_EXIST);
 }
 
+// The toolkit's own question would come for a name in the same case only.
 std::optional<WinPath> WxDialogs::SaveFile(const FileDialog& dialog) {
-  return AskForFile(dialog, wxFD_SAVE | (dialog.askOverwrite ? wxFD_OVERWRITE_PROMPT : 0));
+  FileDialog asked = dialog;
+  while (true) {
+    const std::optional<WinPath> file = AskForFile(asked, wxFD_SAVE);
+    if (!file || !dialog.askOverwrite || MayReplace(*file)) return file;
+    asked.folder = file->Parent();
+    asked.name = file->Name();
+  }
+}
+
+/// True when nothing is there under that name in any case, and when the user agrees to replace it.
+bool WxDialogs::MayReplace(const WinPath& file) {
+  const std::filesystem::path there = paths_->HostPath(file);
+  std::error_code code;
+  if (there.empty() || !std::filesystem::exists(there, code)) return true;
+  const Message question{.text = "\"" + OneLine(there.filename().string()) + "\" is already in " +
+                                 OneLine(file.Parent().Text()) + ".\n\nDo you want to replace it?",
+                         .buttons = MessageButtons::YesNo,
+                         .icon = MessageIcon::Question,
+                         .noIsDefault = true};
+  return Show(question) == MessageAnswer::Yes;
 }
 
 std::optional<WinPath> WxDialogs::AskForFile(const FileDialog& dialog, long style) {
@@ -140,8 +172,9 @@ std::optional<WinPath> WxDialogs::AskForFile(const FileDialog& dialog, long styl
   return Answer(HostPathOf(window.GetPath()));
 }
 
-std::optional<WinPath> WxDialogs::BrowseForFolder(const std::string& title) {
-  wxDirDialog window(ActiveWindow(), ToWx(title), ToWxPath(paths_->HostPath(WinPath("C:\\"))));
+std::optional<WinPath> WxDialogs::BrowseForFolder(const FolderDialog& dialog) {
+  const wxString folder = dialog.folder.Empty() ? wxGetHomeDir() : ToWxPath(paths_->HostPath(dialog.folder));
+  wxDirDialog window(ActiveWindow(), ToWx(dialog.title), folder);
   if (window.ShowModal() != wxID_OK) return std::nullopt;
   return Answer(HostPathOf(window.GetPath()));
 }

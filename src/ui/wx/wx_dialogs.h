@@ -26,12 +26,13 @@ class WxDialogs : public Dialogs {
                                    const std::string& proposed) override;
   std::optional<WinPath> OpenFile(const FileDialog& dialog) override;
   std::optional<WinPath> SaveFile(const FileDialog& dialog) override;
-  std::optional<WinPath> BrowseForFolder(const std::string& title) override;
+  std::optional<WinPath> BrowseForFolder(const FolderDialog& dialog) override;
   OverwriteAnswer AskOverwrite(const OverwriteQuestion& question) override;
   std::unique_ptr<Progress> ShowProgress(const std::string& title) override;
 
  private:
   std::optional<WinPath> AskForFile(const FileDialog& dialog, long style);
+  bool MayReplace(const WinPath& file);
   std::optional<WinPath> Answer(const std::filesystem::path& chosen);
 
   const HostPaths* paths_;

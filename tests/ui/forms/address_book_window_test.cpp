@@ -155,7 +155,8 @@ TEST_F(Form6Test, TheMoveCommandAsksForAFolderAndNeedsAFile) {
   store->SetKeyValue(kAddressBookKey, "", "book.wab", ValueType::Sz);
   menu.click("MoveWAB");
   EXPECT_EQ(Value(""), "book.wab");
-  EXPECT_EQ(dialogs.folderDialogs.size(), 2U);
+  ASSERT_EQ(dialogs.folderDialogs.size(), 2U);
+  EXPECT_EQ(dialogs.folderDialogs[0].folder, WinPath("C:\\")) << "the file stays on the disk";
 }
 
 }  // namespace

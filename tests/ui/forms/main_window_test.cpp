@@ -128,7 +128,8 @@ TEST_F(Form1Test, ABrowsedFolderBecomesTheBackupFolder) {
   form.menuBar.click("brbkfldr");
   EXPECT_EQ(form.lblbkuppth.caption, "D:\\Mail");
   EXPECT_EQ(windows->form3.txtbkPth.text, "D:\\Mail");
-  EXPECT_EQ(dialogs.folderDialogs.front(), "Select a directory");
+  EXPECT_EQ(dialogs.folderDialogs.front().title, "Select a directory");
+  EXPECT_EQ(dialogs.folderDialogs.front().folder, WinPath()) << "backups go to this computer: it opens on the home";
 
   OpenResult key = Store().OpenKey(CurrentUser(kIdentitiesKey));
   platform->GetRegistry().DeleteValue(key.key, "Quillbox");

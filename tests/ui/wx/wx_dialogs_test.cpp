@@ -9,6 +9,11 @@
 #include <wx/textctrl.h>
 #include <wx/timer.h>
 
+#include <deque>
+#include <memory>
+#include <string>
+#include <vector>
+
 #include "platform/offline/offline_drives.h"
 #include "support/temp_folder.h"
 #include "support/window_test.h"
@@ -31,6 +36,18 @@ struct WxDialogsTest : testing::Test {
   }
   void AnswerWith(int key, int modifiers = wxMOD_NONE) {
     WhenAsked([=] { wxUIActionSimulator().Char(key, modifiers); });
+  }
+
+  /// Presses one key after the other, letters with Alt, with time between for what each opens.
+  void AnswerInTurn(const std::vector<int>& keys) {
+    auto left = std::make_shared<std::deque<int>>(keys.begin(), keys.end());
+    timer.Bind(wxEVT_TIMER, [this, left](wxTimerEvent&) {
+      if (left->empty()) return timer.Stop();
+      const int key = left->front();
+      left->pop_front();
+      wxUIActionSimulator().Char(key, key < 128 && key > ' ' ? wxMOD_ALT : wxMOD_NONE);
+    });
+    timer.Start(800);
   }
 
   TempFolder folder;
@@ -122,7 +139,28 @@ TEST_F(WxDialogsTest, FileDialogsAnswerInWindowsPaths) {
   AnswerWith(WXK_ESCAPE);
   EXPECT_EQ(dialogs.OpenFile(dialog), std::nullopt);
   AnswerWith(WXK_RETURN);
-  EXPECT_EQ(dialogs.BrowseForFolder("Select a directory"), WinPath("C:\\"));
+  EXPECT_EQ(dialogs.BrowseForFolder({.title = "Select a directory", .folder = WinPath("C:\\")}), WinPath("C:\\"));
+  setenv("HOME", (folder.Path() / "Backup").c_str(), 1);
+  AnswerWith(WXK_RETURN);
+  EXPECT_EQ(dialogs.BrowseForFolder({.title = "Select a directory"}), WinPath("C:\\Backup"));
+}
+
+TEST_F(WxDialogsTest, APatternListsNamesInAnyCase) {
+  std::filesystem::create_directories(folder.Path() / "Books");
+  folder.File("Books/Aaa.txt", "");
+  folder.File("Books/Ann Miller.wab", "");
+  AnswerInTurn({WXK_DOWN, WXK_RETURN, WXK_ESCAPE});
+  const FileDialog dialog{"", WinPath("C:\\Books"), "", "Address Book (*.WAB) | *.WAB", false};
+  EXPECT_EQ(dialogs.OpenFile(dialog), WinPath("C:\\Books\\Ann Miller.wab"));
+}
+
+TEST_F(WxDialogsTest, AFileOfThatNameInAnotherCaseIsAskedAboutOnce) {
+  folder.File("Report.txt", "");
+  const FileDialog dialog{"", WinPath("C:\\"), "REPORT.TXT", "Text Files (*.txt) | *.txt", true};
+  AnswerInTurn({WXK_RETURN, 'Y', WXK_ESCAPE, WXK_ESCAPE});
+  EXPECT_EQ(dialogs.SaveFile(dialog), WinPath("C:\\REPORT.TXT"));
+  AnswerInTurn({WXK_RETURN, WXK_RETURN, WXK_ESCAPE});
+  EXPECT_EQ(dialogs.SaveFile(dialog), std::nullopt) << "Enter is No, and leads back to the name";
 }
 
 TEST_F(WxDialogsTest, ProgressAppearsLateTakesTheOtherWindowsOutAndCancels) {
