@@ -1,10 +1,13 @@
 // Every question and message to the person goes through here: the one seam that tests answer.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 
 #include "text/win_path.h"
 
@@ -73,6 +76,16 @@ class Dialogs {
   virtual std::optional<WinPath> BrowseForFolder(const FolderDialog& dialog) = 0;
   virtual OverwriteAnswer AskOverwrite(const OverwriteQuestion& question) = 0;
   virtual std::unique_ptr<Progress> ShowProgress(const std::string& title) = 0;
+  /// Calls `step` every few milliseconds until it returns false, and it may show a message: for what goes on elsewhere
+  /// and must not hold up the windows. Where there are none, this returns only when `step` has ended. `step` must not
+  /// use what may be gone by then.
+  virtual void Meanwhile(const std::function<bool()>& step);
 };
+
+inline constexpr std::chrono::milliseconds kMeanwhile{20};  ///< between two steps
+
+inline void Dialogs::Meanwhile(const std::function<bool()>& step) {
+  while (step()) std::this_thread::sleep_for(kMeanwhile);
+}
 
 }  // namespace quillbox

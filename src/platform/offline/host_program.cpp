@@ -37,6 +37,10 @@ struct Differences {
   posix_spawnattr_t attributes;
 };
 
+int ExitCode(int status) {
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
 }  // namespace
 
 pid_t StartProgram(HostProgram program) {
@@ -55,7 +59,14 @@ int WaitForEnd(pid_t process) {
   while (waitpid(process, &status, 0) < 0) {
     if (errno != EINTR) return -1;
   }
-  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  return ExitCode(status);
+}
+
+std::optional<int> EndOf(pid_t process) {
+  int status = 0;
+  const pid_t ended = waitpid(process, &status, WNOHANG);
+  if (ended == 0) return std::nullopt;
+  return ended < 0 ? -1 : ExitCode(status);
 }
 
 }  // namespace quillbox

@@ -4,6 +4,7 @@
 
 #include <sys/types.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,5 +24,8 @@ pid_t StartProgram(HostProgram program);
 /// Waits for a program's end. Its exit code, or 128 and the signal's number when a signal ended it; -1 when it is not
 /// known.
 int WaitForEnd(pid_t process);
+
+/// The same without waiting: nothing while the program runs. An end is reported once.
+std::optional<int> EndOf(pid_t process);
 
 }  // namespace quillbox

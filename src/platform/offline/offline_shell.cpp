@@ -1,9 +1,8 @@
 #include "platform/offline/offline_shell.h"
 
-#include <sys/wait.h>
-
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <string_view>
 #include <system_error>
 
@@ -18,8 +17,22 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::array kPageSchemes = {"http://", "https://"};
+/// An opener that cannot do its work says so by its exit code, and soon.
+constexpr std::chrono::seconds kSoon{1};
 
 }  // namespace
+
+/// An opener that was started.
+struct OfflineShell::Child {
+  pid_t process;
+  std::optional<int> exitCode = std::nullopt;  ///< once it has ended
+  bool isWatched = true;                       ///< false when the shell is gone
+
+  bool HasEnded() {
+    if (!exitCode) exitCode = EndOf(process);
+    return exitCode.has_value();
+  }
+};
 
 OfflineShell::OfflineShell(OfflineFiles& files, SystemFacts& facts, Dialogs& dialogs, Log& log, std::string opener,
                            std::unique_ptr<CopyIo> io)
@@ -27,6 +40,7 @@ OfflineShell::OfflineShell(OfflineFiles& files, SystemFacts& facts, Dialogs& dia
 
 OfflineShell::~OfflineShell() {
   ReapEnded();
+  for (const auto& child : started_) child->isWatched = false;
 }
 
 void OfflineShell::BeginCopyStep() {
@@ -55,33 +69,44 @@ void OfflineShell::Explore(const WinPath& folder, const std::string& /*parameter
     return;
   }
   const std::string host = place->Path().string();
-  if (Start(host)) return;
-  dialogs_.Show({"No file manager could be started. On this computer the folder is:\n\n" + OneLine(host), kProgramName,
-                 MessageButtons::Ok, MessageIcon::Information});
+  Start(host, {.text = "No file manager could be started. On this computer the folder is:\n\n" + OneLine(host),
+               .icon = MessageIcon::Information});
 }
 
 void OfflineShell::OpenUrl(const std::string& url) {
   const bool isPage = std::any_of(kPageSchemes.begin(), kPageSchemes.end(),
                                   [&](std::string_view scheme) { return StartsWithIgnoreCase(url, scheme); });
-  if (isPage && Start(url)) return;
+  if (isPage) {
+    return Start(url,
+                 {.text = "No browser could be started. The page is:\n\n" + url, .icon = MessageIcon::Information});
+  }
   log_.Write("the page was not opened: " + url);
-  dialogs_.Show(
-      {isPage ? "No browser could be started. The page is:\n\n" + url : "This is not the address of a page:\n\n" + url,
-       kProgramName, MessageButtons::Ok, MessageIcon::Information});
+  dialogs_.Show({.text = "This is not the address of a page:\n\n" + url, .icon = MessageIcon::Information});
 }
 
-/// Starts the opener detached from this program, which it outlives. False when it isn't there.
-bool OfflineShell::Start(const std::string& argument) try {
+/// Starts the opener detached from this program, which it outlives. Shows `failure` when it isn't there, and later when
+/// it has ended soon with an exit code that says so; the windows go on meanwhile.
+void OfflineShell::Start(const std::string& argument, const Message& failure) try {
   ReapEnded();
-  started_.push_back(StartProgram({.program = opener_, .arguments = {argument}, .ownSession = true}));
-  return true;
-} catch (const std::system_error& failure) {
-  log_.Write(opener_ + " could not be started: " + ReasonOf(failure.code()));
-  return false;
+  const auto child =
+      std::make_shared<Child>(Child{StartProgram({.program = opener_, .arguments = {argument}, .ownSession = true})});
+  started_.push_back(child);
+  const auto end = std::chrono::steady_clock::now() + kSoon;
+  dialogs_.Meanwhile([this, child, end, argument, failure] {
+    if (!child->isWatched) return false;
+    if (!child->HasEnded()) return std::chrono::steady_clock::now() < end;
+    if (child->exitCode == 0) return false;
+    log_.Write(opener_ + " did not open " + argument + ": its exit code is " + std::to_string(*child->exitCode));
+    dialogs_.Show(failure);
+    return false;
+  });
+} catch (const std::system_error& fault) {
+  log_.Write(opener_ + " could not be started: " + ReasonOf(fault.code()));
+  dialogs_.Show(failure);
 }
 
 void OfflineShell::ReapEnded() {
-  std::erase_if(started_, [](pid_t child) { return waitpid(child, nullptr, WNOHANG) != 0; });
+  std::erase_if(started_, [](const auto& child) { return child->HasEnded(); });
 }
 
 }  // namespace quillbox

@@ -2,8 +2,6 @@
 // programs. Failures are shown to the person.
 #pragma once
 
-#include <sys/types.h>
-
 #include <memory>
 #include <optional>
 #include <string>
@@ -36,7 +34,8 @@ class OfflineShell : public Shell {
   void EndCommand();
 
  private:
-  bool Start(const std::string& argument);
+  struct Child;
+  void Start(const std::string& argument, const Message& failure);
   void ReapEnded();
 
   OfflineFiles& files_;
@@ -44,7 +43,7 @@ class OfflineShell : public Shell {
   Dialogs& dialogs_;
   Log& log_;
   std::string opener_;
-  std::vector<pid_t> started_;
+  std::vector<std::shared_ptr<Child>> started_;
   std::unique_ptr<CopyIo> io_;
   std::optional<CopyCommand> copies_;  ///< of the running command; none before its first
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <deque>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -13,6 +14,7 @@
 #include <wx/filedlg.h>
 #include <wx/msgdlg.h>
 #include <wx/textdlg.h>
+#include <wx/timer.h>
 #include <wx/utils.h>
 
 #include "ui/wx/overwrite_dialog.h"
@@ -102,6 +104,34 @@ wxString ToWxPath(const std::filesystem::path& path) {
 }
 
 }  // namespace
+
+class WxDialogs::Steps : public wxTimer {
+ public:
+  void Add(const std::function<bool()>& step) {
+    waiting_.push_back(step);
+    if (!IsRunning()) Start(static_cast<int>(kMeanwhile.count()));
+  }
+  /// While a step shows a message the others wait: a timer does not run inside itself.
+  void Notify() override {
+    for (std::size_t left = waiting_.size(); left > 0; --left) {
+      const std::function<bool()> step = std::move(waiting_.front());
+      waiting_.pop_front();
+      if (step()) waiting_.push_back(step);
+    }
+    if (waiting_.empty()) Stop();
+  }
+
+ private:
+  std::deque<std::function<bool()>> waiting_;
+};
+
+WxDialogs::WxDialogs(const HostPaths& paths) : paths_(&paths) {}
+WxDialogs::~WxDialogs() = default;
+
+void WxDialogs::Meanwhile(const std::function<bool()>& step) {
+  if (!steps_) steps_ = std::make_unique<Steps>();
+  steps_->Add(step);
+}
 
 MessageAnswer WxDialogs::Show(const Message& message) {
   wxMessageDialog dialog(

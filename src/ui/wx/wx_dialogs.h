@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,7 +18,8 @@ class WxDialogs : public Dialogs {
  public:
   /// The file dialogs show the host's folders; `paths` translates the answers into Windows paths. A file that is not on
   /// any drive of the disk is refused with a message.
-  explicit WxDialogs(const HostPaths& paths) : paths_(&paths) {}
+  explicit WxDialogs(const HostPaths& paths);
+  ~WxDialogs() override;
   /// `paths` translates from now on: another disk has been opened.
   void UseHostPaths(const HostPaths& paths) { paths_ = &paths; }
 
@@ -29,13 +31,18 @@ class WxDialogs : public Dialogs {
   std::optional<WinPath> BrowseForFolder(const FolderDialog& dialog) override;
   OverwriteAnswer AskOverwrite(const OverwriteQuestion& question) override;
   std::unique_ptr<Progress> ShowProgress(const std::string& title) override;
+  void Meanwhile(const std::function<bool()>& step) override;
 
  private:
   std::optional<WinPath> AskForFile(const FileDialog& dialog, long style);
   bool MayReplace(const WinPath& file);
   std::optional<WinPath> Answer(const std::filesystem::path& chosen);
 
+  /// Calls the steps of Meanwhile().
+  class Steps;
+
   const HostPaths* paths_;
+  std::unique_ptr<Steps> steps_;
 };
 
 }  // namespace quillbox

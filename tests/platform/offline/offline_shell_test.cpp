@@ -400,6 +400,16 @@ TEST_F(OfflineShellTest, ExploresOnlyFoldersAndNeverThroughAShell) {
   EXPECT_EQ(disk.Read("out"), "1" + (disk / "$(touch x); it's").string());
   shell.OpenUrl("file:///etc/passwd");
   EXPECT_EQ(dialogs.messages.size(), messages + 1);
+
+  disk.File("opener", "#!/bin/sh\nexit 3\n");
+  shell.Explore(WinPath("C:\\Mail"), "");
+  EXPECT_EQ(dialogs.LastMessage(),
+            "No file manager could be started. On this computer the folder is:\n\n" + (disk / "Mail").string());
+  shell.OpenUrl("https://example.com/");
+  EXPECT_EQ(dialogs.LastMessage(), "No browser could be started. The page is:\n\nhttps://example.com/");
+  disk.File("opener", "#!/bin/sh\nsleep 1.3\nexit 3\n");
+  shell.Explore(WinPath("C:\\Mail"), "");
+  EXPECT_EQ(dialogs.messages.size(), messages + 3) << "a browser that was open for a while has opened the page";
 }
 
 }  // namespace

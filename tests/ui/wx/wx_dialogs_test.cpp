@@ -163,6 +163,23 @@ TEST_F(WxDialogsTest, AFileOfThatNameInAnotherCaseIsAskedAboutOnce) {
   EXPECT_EQ(dialogs.SaveFile(dialog), std::nullopt) << "Enter is No, and leads back to the name";
 }
 
+TEST_F(WxDialogsTest, WhatGoesOnElsewhereDoesNotHoldUpTheWindows) {
+  std::string seen;
+  dialogs.Meanwhile([&] {
+    seen += "a";
+    return seen == "a";
+  });
+  dialogs.Meanwhile([&] {
+    seen += "b";
+    AnswerWith(WXK_RETURN);
+    dialogs.Show({.text = "It has failed."});
+    seen += "B";
+    return false;
+  });
+  EXPECT_EQ(seen, "");
+  EXPECT_TRUE(WaitFor([&] { return seen.size() == 4; })) << seen;
+}
+
 TEST_F(WxDialogsTest, ProgressAppearsLateTakesTheOtherWindowsOutAndCancels) {
   const auto progress = dialogs.ShowProgress("Copying");
   EXPECT_TRUE(progress->Update("Inbox.dbx", 0, 100));
