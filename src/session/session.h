@@ -5,8 +5,10 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "backup/backup_folder.h"
+#include "backup/backup_record.h"
 #include "backup/file_search.h"
 #include "core/address_book_slots.h"
 #include "core/identity_catalogue.h"
@@ -76,6 +78,10 @@ class Session {
   void SetOverwrite(bool overwrite);
   bool Overwrite() const { return overwrite_; }
 
+  /// What the last backup of this run did; nothing before the first.
+  const std::optional<BackupRecord>& LastBackup() const { return lastBackup_; }
+  void KeepBackup(BackupRecord record) { lastBackup_ = std::move(record); }
+
   // The address book.
 
   /// The address book's part of the start: loads the slots. False when the address book's key cannot be opened, and
@@ -113,6 +119,7 @@ class Session {
   std::optional<WinPath> folderInView_;
   bool hasLooked_ = false;  ///< folderInView_ has its first value
   bool overwrite_ = false;
+  std::optional<BackupRecord> lastBackup_;
   SlotNames slots_;
   WinPath addressBookFolder_;
 };

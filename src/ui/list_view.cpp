@@ -4,8 +4,8 @@
 
 namespace quillbox {
 
-ListView::ListView(Form& form, std::string name, std::vector<std::string> columns, CellText text)
-    : Control(form, std::move(name)), columns_(std::move(columns)), text_(std::move(text)) {
+ListView::ListView(Form& form, std::string name, std::vector<std::string> columns, CellText text, Checks checks)
+    : Control(form, std::move(name)), columns_(std::move(columns)), text_(std::move(text)), checks_(checks) {
   Watch(selected);
 }
 
@@ -34,7 +34,7 @@ std::vector<std::size_t> ListView::CheckedRows() const {
 }
 
 void ListView::check(std::size_t row, bool checked) {
-  if (!CanAct() || row >= RowCount()) return;
+  if (!CanAct() || !HasCheckBoxes() || row >= RowCount()) return;
   checked_[row] = checked;
   Changed();
 }

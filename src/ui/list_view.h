@@ -1,4 +1,5 @@
-// A list of rows with columns and a check box each, for very many rows: it keeps no texts but asks for those in view.
+// A list of rows with columns and a check box each if wanted, for very many rows: it keeps no texts but asks for those
+// in view.
 #pragma once
 
 #include <cstddef>
@@ -17,10 +18,14 @@ class ListView : public Control {
   /// The text of a cell; row and column are within the list.
   using CellText = std::function<std::string(std::size_t row, std::size_t column)>;
 
-  ListView(Form& form, std::string name, std::vector<std::string> columns, CellText text);
+  enum class Checks { Boxes, None };
+
+  ListView(Form& form, std::string name, std::vector<std::string> columns, CellText text,
+           Checks checks = Checks::Boxes);
   void Accept(ControlVisitor& visitor) override;
 
   const std::vector<std::string>& Columns() const { return columns_; }
+  bool HasCheckBoxes() const { return checks_ == Checks::Boxes; }
   std::size_t RowCount() const { return checked_.size(); }
   std::string Text(std::size_t row, std::size_t column) const { return text_(row, column); }
 
@@ -45,6 +50,7 @@ class ListView : public Control {
  private:
   std::vector<std::string> columns_;
   CellText text_;
+  Checks checks_;
   std::vector<bool> checked_;
   unsigned generation_ = 0;
 };

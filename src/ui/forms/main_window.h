@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "backup/backup_record.h"
 #include "backup/identity_backup.h"
 #include "backup/registry_items.h"
 #include "core/disk_path.h"
@@ -89,6 +90,9 @@ class Form1 : public Form {
   void ExportSilently(RegistryItem item);
   void RestoreSilently(RegistryItem item);
   void BackUpAll(const BackupScope& scope);
+  /// Begins the record of a backup; EndRecord keeps it for the window that shows it.
+  void BeginRecord(const char* command);
+  void EndRecord();
   /// Runs a command of several steps and says in one message what went wrong with registry files, and what ended it
   /// early. `what` begins a sentence.
   void ReportFailure(const std::string& what, const Handler& command);
@@ -174,6 +178,7 @@ class Form1 : public Form {
   void svNewsRules_Click();
   void regEntry_Click();
   void msc_Click();
+  void lastBackup_Click();
   void crtnewID_Click();
   void CloneIdentity_Click();
   void remIdent_Click();
@@ -185,6 +190,7 @@ class Form1 : public Form {
 
   Session& session_;
   ProgramWindows& windows_;
+  BackupRecord record_;  ///< of the backup that runs
 };
 
 }  // namespace quillbox

@@ -1,4 +1,6 @@
 // The main window's backup folder, the quick backup, and the backups of all identities.
+#include <utility>
+
 #include "backup/identity_backup.h"
 #include "backup/registry_items.h"
 #include "core/copy_tally.h"
@@ -29,6 +31,7 @@ void Form1::cmdQuickBackup_Click() {
   const CommandFailures::Scope failures(session_.store.Failures());
   const HourglassScope hourglass(*this);
   sb1.panels[0] = "";
+  BeginRecord("Quick Backup");
   const IdentityInfo identity = Selected();
   IdentityBackup backup(session_.platform, session_.store, session_.backupFolder, ToStatus());
   const auto target = backup.EnterIdentityFolder(*folder, identity.username);
@@ -37,13 +40,18 @@ void Form1::cmdQuickBackup_Click() {
     const PleaseWaitScope pleaseWait(cmdQuickBackup);
     backup.Save(identity, *target, kQuickBackup, session_.Overwrite());
     ShowCopies({}, backup.Notes());
+    record_.folder = *folder;
+    record_.leftOut = backup.GetLeftOut();
   }
+  EndRecord();
   session_.backupFolder.Enter(*folder);
   sb1.panels[0] = "Backup Complete";
 }
 
 void Form1::cmdbkupall_Click() {
+  BeginRecord("Backup of All Identities");
   ReportFailure("The backup", [this] { BackUpAll(kBackupOfAll); });
+  EndRecord();
 }
 
 void Form1::bkAll_Click() {
@@ -51,6 +59,7 @@ void Form1::bkAll_Click() {
 }
 
 void Form1::cmdComplete_Click() {
+  BeginRecord("Complete Backup");
   ReportFailure("The complete backup", [this] {
     const BusyScope busy(*this, cmdComplete);
     bkupallIdentities();
@@ -59,6 +68,7 @@ void Form1::cmdComplete_Click() {
     CopyAddressBook(CopyPart::OneOfSeveral);
     bkupcomplete();
   });
+  EndRecord();
 }
 
 void Form1::bkupcomplete() {
@@ -72,8 +82,10 @@ void Form1::BackUpAll(const BackupScope& scope) {
   {
     const BusyScope busy(*this, cmdbkupall);
     sb1.panels[0] = "";
+    record_.folder = *folder;
     IdentityBackup backup(session_.platform, session_.store, session_.backupFolder, ToStatus());
     const auto saved = backup.SaveAll(*folder, session_.Catalogue(), scope, session_.Overwrite());
+    record_.leftOut = backup.GetLeftOut();
     if (!saved) return ShowCopies({}, backup.Notes());
     ShowCopies(std::to_string(*saved) + " Identities Backed Up", backup.Notes());
   }
@@ -87,11 +99,27 @@ void Form1::ReportFailure(const std::string& what, const Handler& command) {
     command();
   } catch (const Error& error) {
     ShowCopies();
+    record_.endedEarly = Describe(error);
     session_.platform.GetLog().Write(what + " ended early: " + Describe(error));
     session_.platform.GetDialogs().Show(
         {.text = what + " ended early. What was done until then stays done.\n\n" + Describe(error),
          .icon = MessageIcon::Exclamation});
   }
+}
+
+void Form1::BeginRecord(const char* command) {
+  record_ = {
+      .command = command, .ended = 0, .folder = {}, .copies = {}, .exports = {}, .leftOut = {}, .endedEarly = {}};
+  session_.store.TakeExports();
+}
+
+/// Without a backup folder nothing was begun.
+void Form1::EndRecord() {
+  if (record_.folder.Empty()) return;
+  record_.ended = session_.platform.GetClock().Now();
+  record_.copies = session_.platform.GetShell().FinishCopies();
+  record_.exports = session_.store.TakeExports();
+  session_.KeepBackup(std::exchange(record_, {}));
 }
 
 StatusSink Form1::ToStatus() {

@@ -56,6 +56,7 @@ const Form1::MenuRow Form1::kMenu[] = {
     {"&Tools > Save News Rules to File", "svNewsRules", &Form1::svNewsRules_Click},
     {"&Tools > Registry Entries", "regEntry", &Form1::regEntry_Click},
     {"&Tools > Miscellaneous Settings", "msc", &Form1::msc_Click},
+    {"&Tools > Last Backup", "lastBackup", &Form1::lastBackup_Click},
     {"Replace > {USER_ID}", "repUSERID", &Form1::repUSERID_Click, MenuState::Off},
     {"Replace > {USER_ID} String", "usrIDString", &Form1::usrIDString_Click},
     {"Replace > Change Startup Identity", "chgStartIdent", &Form1::chgStartIdent_Click},
@@ -135,6 +136,10 @@ void Form1::regEntry_Click() {
 
 void Form1::msc_Click() {
   windows_.form12.Open();
+}
+
+void Form1::lastBackup_Click() {
+  windows_.lastBackup.Open();
 }
 
 void Form1::mnuURL_Click() {

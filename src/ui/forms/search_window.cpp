@@ -243,6 +243,13 @@ void Form2::cmdCopyFiles_Click() {
   if (!folder) return;
   const BusyScope busy(*this, cmdCopyFiles);
   CopyChecked(*folder);
+  session_.KeepBackup({.command = "Back Up Files",
+                       .ended = session_.platform.GetClock().Now(),
+                       .folder = *folder,
+                       .copies = session_.platform.GetShell().FinishCopies(),
+                       .exports = {},
+                       .leftOut = {},
+                       .endedEarly = {}});
   sb2.panels[0] = "Copy Complete";
 }
 

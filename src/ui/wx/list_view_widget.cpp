@@ -24,7 +24,7 @@ constexpr int kLeastWidth = 300;
 /// How many of a column's longest texts are measured to find the widest.
 constexpr std::size_t kTextsMeasured = 40;
 
-/// Column 0 holds the check box and the row's first text.
+/// Column 0 holds the row's first text, with its check box in a list that has them.
 class Rows : public wxDataViewVirtualListModel {
  public:
   explicit Rows(ListView& control) : control_(control) {}
@@ -32,7 +32,7 @@ class Rows : public wxDataViewVirtualListModel {
   void GetValueByRow(wxVariant& value, unsigned row, unsigned column) const override {
     if (row >= control_.RowCount()) return;
     const wxString text = ToWx(control_.Text(row, column));
-    if (column == 0) {
+    if (column == 0 && control_.HasCheckBoxes()) {
       value << wxDataViewCheckIconText(text, wxBitmapBundle(),
                                        control_.IsChecked(row) ? wxCHK_CHECKED : wxCHK_UNCHECKED);
     } else {
@@ -80,8 +80,9 @@ void SizeColumns(const ListView& control, wxDataViewCtrl& list) {
 
 void AddColumns(const ListView& control, wxDataViewCtrl& list) {
   for (unsigned column = 0; column < control.Columns().size(); ++column) {
-    wxDataViewRenderer* renderer = column == 0 ? static_cast<wxDataViewRenderer*>(new wxDataViewCheckIconTextRenderer)
-                                               : new wxDataViewTextRenderer("string", wxDATAVIEW_CELL_INERT);
+    const bool hasBox = column == 0 && control.HasCheckBoxes();
+    wxDataViewRenderer* renderer = hasBox ? static_cast<wxDataViewRenderer*>(new wxDataViewCheckIconTextRenderer)
+                                          : new wxDataViewTextRenderer("string", wxDATAVIEW_CELL_INERT);
     list.AppendColumn(new wxDataViewColumn(ToWx(control.Columns()[column]), renderer, column, wxCOL_WIDTH_DEFAULT,
                                            wxALIGN_LEFT, wxDATAVIEW_COL_RESIZABLE));
   }

@@ -1,0 +1,82 @@
+#include "ui/forms/last_backup_window.h"
+
+#include "support/sample_windows.h"
+
+namespace quillbox {
+namespace {
+
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+class LastBackupTest : public SampleWindows {
+ protected:
+  LastBackupForm& Open() {
+    windows->form1.menuBar.click("lastBackup");
+    return windows->lastBackup;
+  }
+  /// "Inbox.dbx | 1234 bytes | copied to ..." of the row.
+  std::string Row(std::size_t row) {
+    const ListView& list = windows->lastBackup.lvSteps;
+    return list.Text(row, 0) + " | " + list.Text(row, 1) + " | " + list.Text(row, 2);
+  }
+};
+
+TEST_F(LastBackupTest, SaysWhatWasNotDoneFirstAndChecksEveryCopy) {
+  Form1& main = Start();
+  Store().DeleteKey(CurrentUser("Software\\Microsoft\\Internet Account Manager"));
+  EXPECT_EQ(Open().lblBackup.caption, "No backup was made since the program was started.");
+  EXPECT_FALSE(windows->lastBackup.cmdCheck.enabled);
+  windows->lastBackup.close();
+  main.cmdComplete.click();
+  LastBackupForm& form = Open();
+  EXPECT_THAT(form.lblBackup.caption.Get(), StartsWith("Complete Backup, "));
+  EXPECT_EQ(form.lblFolder.caption, "Backup folder: D:\\Backup");
+  EXPECT_EQ(form.sb1.panels[0], "21 files copied; 1 left out; 6 registry keys exported, 1 not exported");
+  EXPECT_THAT(Row(0), AllOf(HasSubstr("comp.lang.c++.dbx | "), HasSubstr("left out: its name has a full stop")));
+  EXPECT_EQ(
+      Row(1),
+      "HKEY_CURRENT_USER\\SOFTWARE\\Microsoft\\Internet Account Manager\\Accounts |  | nothing to export: the key "
+      "does not exist");
+  EXPECT_THAT(Row(2),
+              AllOf(HasSubstr("\\Ann Miller.wab | "), HasSubstr(" bytes | copied to D:\\Backup\\Ann Miller.wab")));
+
+  form.cmdCheck.click();
+  EXPECT_EQ(form.sb1.panels[0], "21 copies are the same as the source; 6 registry files can be read");
+  const auto inbox = BackupFolderOnHost() / "Büro/Inbox.dbx";
+  std::string content = Content(inbox);
+  content[3]++;
+  std::ofstream(inbox) << content;
+  std::filesystem::remove(BackupFolderOnHost() / "AllIdentities.reg");
+  form.cmdCheck.click();
+  EXPECT_EQ(form.sb1.panels[0],
+            "20 copies are the same as the source, 1 is NOT; 5 registry files can be read, 1 can NOT");
+  EXPECT_THAT(Row(0), AllOf(StartsWith("D:\\Mail\\Office\\Inbox.dbx"),
+                            HasSubstr("DIFFERENT from D:\\Backup\\Büro\\Inbox.dbx, first at offset 3")));
+  EXPECT_THAT(Row(1), HasSubstr("NOT READABLE: D:\\Backup\\AllIdentities.reg: "));
+
+  dialogs.saveFileAnswers = {WinPath("C:\\report.txt")};
+  form.cmdSave.click();
+  EXPECT_THAT(Content(sample.driveC / "report.txt"), AllOf(StartsWith("\xEF\xBB\xBF"
+                                                                      "Complete Backup, "),
+                                                           HasSubstr("\r\nBackup folder: D:\\Backup\r\n"),
+                                                           HasSubstr("\r\nD:\\Mail\\Office\\Inbox.dbx\r\n  ")));
+  form.close();
+  EXPECT_TRUE(main.visible);
+}
+
+TEST_F(LastBackupTest, AFailureAndACancelledCheckAreSaid) {
+  Form1& main = Start();
+  main.cmdQuickBackup.click();
+  dialogs.overwriteAnswers = {OverwriteAnswer::No, OverwriteAnswer::YesToAll};
+  main.cmdQuickBackup.click();
+  LastBackupForm& form = Open();
+  EXPECT_THAT(form.lblBackup.caption.Get(), StartsWith("Quick Backup, "));
+  EXPECT_THAT(Row(0), AllOf(HasSubstr(".dbx | "), HasSubstr(" bytes | not replaced: D:\\Backup\\Main Identity\\")));
+  dialogs.onProgress = [](const auto& /*shown*/) { return false; };
+  form.cmdCheck.click();
+  EXPECT_EQ(form.sb1.panels[0], "Check cancelled: 0 copies are the same as the source");
+}
+
+}  // namespace
+}  // namespace quillbox
