@@ -172,16 +172,9 @@ MultiListBox::MultiListBox(Form& form, std::string name, std::string tip) : Cont
   Watch(selected);
 }
 
-void MultiListBox::toggle(std::size_t index) {
-  if (!CanAct() || index >= items->size()) return;
-  std::vector<std::size_t> changed = selected;
-  const auto at = std::lower_bound(changed.begin(), changed.end(), index);
-  if (at != changed.end() && *at == index) {
-    changed.erase(at);
-  } else {
-    changed.insert(at, index);
-  }
-  selected = std::move(changed);
+void MultiListBox::choose(const std::vector<std::size_t>& indexes) {
+  if (!CanAct() || (!indexes.empty() && indexes.back() >= items->size())) return;
+  selected = indexes;
 }
 
 StatusBar::StatusBar(Form& form, std::string name, std::size_t panelCount)

@@ -39,6 +39,9 @@ class Control {
   Property<bool> enabled{true};
   Property<std::string> tooltip;
   Property<Colour> colour{Colour::Default};
+  /// What a screen reader calls a control without a caption of its own. Left empty, it is the caption of the label
+  /// right before the control, or else the tooltip.
+  std::string spokenName;
 
   /// Set by the renderer: called after any property of this control has changed.
   std::function<void()> onChanged;
@@ -75,6 +78,7 @@ class TextBox : public Control {
   void Accept(ControlVisitor& visitor) override;
   Property<std::string> text;
   Property<bool> readOnly{false};
+  bool isShort = false;  ///< its texts are short: where it grows with the window it may begin narrow
   /// True once all of the text was selected and until the text changes.
   Property<bool> allSelected{false};
   void SelectAll() { allSelected = true; }
@@ -193,8 +197,8 @@ class MultiListBox : public Control {
   /// The positions of the selected items, ascending.
   Property<std::vector<std::size_t>> selected;
 
-  /// Selects the item, or deselects it.
-  void toggle(std::size_t index);
+  /// Makes `indexes`, ascending, the selection; nothing when one of them is not in the list.
+  void choose(const std::vector<std::size_t>& indexes);
 };
 
 class StatusBar : public Control {

@@ -52,8 +52,7 @@ void Form::close() {
 }
 
 void Form::escape() {
-  if (Button* button = CancelButton()) return button->click();
-  close();
+  if (Button* button = CancelButton()) button->click();
 }
 
 Button* Form::CancelButton() const {

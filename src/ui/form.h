@@ -64,7 +64,7 @@ class Form {
   /// The title bar's close button. By default this clicks the button that Esc clicks, or hides the window when it has
   /// none.
   virtual void close();
-  /// The Esc key: clicks the window's cancel button, or closes a window that has none.
+  /// The Esc key: clicks the window's cancel button, if it has one.
   void escape();
 
   /// All controls, in tab order.

@@ -42,7 +42,7 @@ TEST_F(ControlsTest, OnlyActsRunHandlersAndOnlyWhereAControlIsOn) {
 
   for (Control* control : form.Controls()) control->enabled = false;
   ActOnAll();
-  form.several.toggle(0);
+  form.several.choose({0});
   EXPECT_TRUE(form.several.selected->empty());
   form.box.enabled = true;
   form.box.readOnly = true;
@@ -74,7 +74,8 @@ TEST_F(ControlsTest, SelectionEndsWithTheTextOrTheItems) {
   form.list.items = {"a"};
   form.list.pick(1);
   EXPECT_EQ(form.list.selected, std::nullopt) << "a line that is not there";
-  for (const std::size_t line : {2, 0, 1, 2, 3}) form.several.toggle(line);
+  form.several.choose({0, 1});
+  form.several.choose({1, 3});
   EXPECT_THAT(form.several.selected.Get(), testing::ElementsAre(0, 1));
   form.several.items = {"a"};
   EXPECT_TRUE(form.several.selected->empty());
@@ -121,6 +122,9 @@ TEST_F(ControlsTest, ClosingPressesTheCancelButtonAndMenusRunTheirItems) {
   form.cmdClose.enabled = false;
   form.close();
   EXPECT_TRUE(form.visible) << "the button is off";
+  form.cmdClose.isCancel = false;
+  form.escape();
+  EXPECT_TRUE(form.visible) << "Esc does nothing in a window without a cancel button";
   form.menuBar.click("SaveAs");
   form.menuBar.click("SaveAsHTML");
   EXPECT_EQ(TakeActs(), "SaveAs ") << "the other item is off";

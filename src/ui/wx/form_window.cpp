@@ -2,20 +2,26 @@
 
 #include <wx/app.h>
 #include <wx/bookctrl.h>
+#include <wx/button.h>
+#include <wx/combobox.h>
 #include <wx/cursor.h>
 #include <wx/font.h>
 #include <wx/panel.h>
 #include <wx/sizer.h>
 #include <wx/statbox.h>
 #include <wx/statusbr.h>
+#include <wx/textctrl.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <limits>
 #include <stdexcept>
+#include <string>
 
+#include "text/win_path.h"
 #include "ui/wx/layout_builder.h"
 #include "ui/wx/menu_builder.h"
+#include "ui/wx/port.h"
 #include "ui/wx/program_icon.h"
 #include "ui/wx/wx_runtime.h"
 #include "ui/wx/wx_text.h"
@@ -95,9 +101,31 @@ void FormWindow::Make() {
 
 wxWindow* FormWindow::MakeWidgetOf(Control& control, wxWindow& parent, bool growing) {
   const std::size_t position = PositionOf(control);
-  widgets_[position] = MakeWidget(control, parent, growing);
+  widgets_[position] = MakeWidget(control, parent, growing, SpokenName(position));
   positions_[widgets_[position].window] = position;
   return widgets_[position].window;
+}
+
+std::string FormWindow::SpokenName(std::size_t position) const {
+  const auto& controls = form_.Controls();
+  const Control& control = *controls[position];
+  if (!control.spokenName.empty()) return control.spokenName;
+  const auto* label = position == 0 ? nullptr : dynamic_cast<const Label*>(controls[position - 1]);
+  return label && !label->caption->empty() ? Trim(label->caption.Get()) : control.tooltip.Get();
+}
+
+/// Entries, pickers and buttons of a window are equally high, whatever the toolkit knows about each before it is shown.
+void FormWindow::GiveOneHeight() {
+  const auto isField = [](wxWindow* window) {
+    return dynamic_cast<wxTextCtrl*>(window) || dynamic_cast<wxComboBox*>(window) || dynamic_cast<wxButton*>(window);
+  };
+  int height = 0;
+  for (const Widget& widget : widgets_) {
+    if (isField(widget.window)) height = std::max(height, NaturalHeight(*widget.window));
+  }
+  for (const Widget& widget : widgets_) {
+    if (isField(widget.window)) widget.window->SetMinSize(wxSize(widget.window->GetMinWidth(), height));
+  }
 }
 
 void FormWindow::MakeContent() {
@@ -116,6 +144,7 @@ void FormWindow::MakeContent() {
     }
     control->onChanged = [this, control] { OnControlChanged(*control); };
   }
+  GiveOneHeight();
   OrderTabs(*content_);
 }
 
@@ -134,6 +163,8 @@ std::size_t FormWindow::TabPosition(wxWindow& window) const {
 }
 
 void FormWindow::OrderTabs(wxWindow& parent) {
+  // A panel without anything to go to would take the focus itself.
+  if (dynamic_cast<wxPanel*>(&parent)) parent.SetCanFocus(false);
   std::vector<wxWindow*> children(parent.GetChildren().begin(), parent.GetChildren().end());
   std::stable_sort(children.begin(), children.end(),
                    [this](wxWindow* a, wxWindow* b) { return TabPosition(*a) < TabPosition(*b); });
@@ -146,14 +177,17 @@ void FormWindow::OrderTabs(wxWindow& parent) {
 void FormWindow::OnControlChanged(const Control& control) {
   const Widget& widget = widgets_[PositionOf(control)];
   const bool wasShown = widget.window->IsShown();
+  const bool wasEnabled = widget.window->IsThisEnabled();
   widget.show();
-  AskForFit(wasShown != widget.window->IsShown());
+  const bool changesShown = wasShown != widget.window->IsShown();
+  orderAsked_ = orderAsked_ || changesShown || wasEnabled != widget.window->IsThisEnabled();
+  AskForFit(changesShown);
   // A handler that works for long gives the window no other chance to show the change.
   if (pointer_ == Pointer::Hourglass) PaintNow();
 }
 
 void FormWindow::OnKey(wxKeyEvent& event) {
-  if (event.GetKeyCode() == WXK_ESCAPE && !event.HasAnyModifiers()) {
+  if (event.GetKeyCode() == WXK_ESCAPE && !event.HasAnyModifiers() && !IsPopupOpen()) {
     form_.escape();
   } else {
     event.Skip();
@@ -171,6 +205,9 @@ void FormWindow::AskForFit(bool heightToo) {
 
 void FormWindow::Fit() {
   fitAsked_ = false;
+  // The toolkit leaves what was hidden or disabled when the order was set out of it for good.
+  if (orderAsked_) OrderTabs(*content_);
+  orderAsked_ = false;
   const wxSize needed = window_->ClientToWindowSize(content_->GetSizer()->CalcMin());
   const int asked = window_->FromDIP(form_.heightTwips * kPixelsPerInch / kTwipsPerInch);
   const wxSize now = window_->GetSize();

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <map>
+#include <string>
 #include <vector>
 
 #include "ui/controls.h"
@@ -29,6 +30,8 @@ class FormWindow {
   void Follow();
   void Make();
   void MakeContent();
+  void GiveOneHeight();
+  std::string SpokenName(std::size_t position) const;
   wxWindow* MakeWidgetOf(Control& control, wxWindow& parent, bool growing);
   std::size_t PositionOf(const Control& control) const;
   void OrderTabs(wxWindow& parent);
@@ -47,6 +50,7 @@ class FormWindow {
   Pointer pointer_ = Pointer::Normal;
   int heightTwips_ = 0;
   bool fitAsked_ = false;
+  bool orderAsked_ = false;
   bool fitHeight_ = true;
 };
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -21,6 +22,7 @@ constexpr int kCheckBoxWidth = 28;
 constexpr int kShownLines = 9;
 constexpr int kLineHeight = 24;
 constexpr int kLeastWidth = 300;
+constexpr int kLeastPath = 120;
 /// How many of a column's longest texts are measured to find the widest.
 constexpr std::size_t kTextsMeasured = 40;
 
@@ -71,11 +73,33 @@ int WidestText(const ListView& control, std::size_t column, const wxWindow& wind
   return widest;
 }
 
-void SizeColumns(const ListView& control, wxDataViewCtrl& list) {
+/// The widths that the columns' contents need.
+std::vector<int> NeededWidths(const ListView& control, const wxDataViewCtrl& list) {
+  std::vector<int> widths;
   for (unsigned column = 0; column < list.GetColumnCount(); ++column) {
     const int extra = kColumnPadding + (column == 0 ? kCheckBoxWidth : 0);
-    list.GetColumn(column)->SetWidth(WidestText(control, column, list) + list.FromDIP(extra));
+    widths.push_back(WidestText(control, column, list) + list.FromDIP(extra));
   }
+  return widths;
+}
+
+/// Gives the columns these widths. The last one gets no more than the room that the others leave, and shortens its
+/// texts in the middle where that is not enough.
+void SizeColumns(const std::vector<int>& widths, wxDataViewCtrl& list) {
+  int room = list.GetClientSize().x;
+  for (unsigned column = 0; column < widths.size(); ++column) {
+    const bool isLast = column + 1 == widths.size();
+    const int width = isLast ? std::min(widths[column], std::max(room, list.FromDIP(kLeastPath))) : widths[column];
+    list.GetColumn(column)->SetWidth(width);
+    room -= width;
+  }
+}
+
+std::string TipOf(const ListView& control, const wxDataViewCtrl& list, const std::vector<int>& widths,
+                  std::size_t row) {
+  const auto last = static_cast<unsigned>(widths.size() - 1);
+  if (row >= control.RowCount() || list.GetColumn(last)->GetWidth() >= widths.back()) return {};
+  return FromWx(ToWx(control.Text(row, last)));
 }
 
 void AddColumns(const ListView& control, wxDataViewCtrl& list) {
@@ -83,6 +107,7 @@ void AddColumns(const ListView& control, wxDataViewCtrl& list) {
     const bool hasBox = column == 0 && control.HasCheckBoxes();
     wxDataViewRenderer* renderer = hasBox ? static_cast<wxDataViewRenderer*>(new wxDataViewCheckIconTextRenderer)
                                           : new wxDataViewTextRenderer("string", wxDATAVIEW_CELL_INERT);
+    renderer->EnableEllipsize(wxELLIPSIZE_MIDDLE);
     list.AppendColumn(new wxDataViewColumn(ToWx(control.Columns()[column]), renderer, column, wxCOL_WIDTH_DEFAULT,
                                            wxALIGN_LEFT, wxDATAVIEW_COL_RESIZABLE));
   }
@@ -105,8 +130,14 @@ Widget MakeListViewWidget(ListView& control, wxWindow& parent) {
   const wxObjectDataPtr<Rows> rows(new Rows(control));
   list->AssociateModel(rows.get());
   AddColumns(control, *list);
-  SizeColumns(control, *list);
+  const auto widths = std::make_shared<std::vector<int>>(NeededWidths(control, *list));
+  SizeColumns(*widths, *list);
   GiveRowsOneHeight(*list);
+  ShowRowTips(*list, [&control, list, widths](std::size_t row) { return TipOf(control, *list, *widths, row); });
+  list->Bind(wxEVT_SIZE, [list, widths](wxSizeEvent& event) {
+    event.Skip();
+    SizeColumns(*widths, *list);
+  });
 
   const auto rowOf = [rows](const wxDataViewItem& item) { return static_cast<std::size_t>(rows->GetRow(item)); };
   list->Bind(wxEVT_DATAVIEW_SELECTION_CHANGED, [&control, rowOf](wxDataViewEvent& event) {
@@ -118,11 +149,12 @@ Widget MakeListViewWidget(ListView& control, wxWindow& parent) {
 
   Widget widget;
   widget.window = list;
-  widget.show = [list, rows, &control, rowOf, generation = control.Generation() - 1]() mutable {
+  widget.show = [list, rows, widths, &control, rowOf, generation = control.Generation() - 1]() mutable {
     if (generation != control.Generation()) {
       generation = control.Generation();
       rows->Reset(static_cast<unsigned>(control.RowCount()));
-      SizeColumns(control, *list);
+      *widths = NeededWidths(control, *list);
+      SizeColumns(*widths, *list);
     }
     const wxDataViewItem shown = list->GetSelection();
     const auto selected = shown.IsOk() ? std::optional(rowOf(shown)) : std::nullopt;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "ui/form.h"
+#include "ui/wx/port.h"
 #include "ui/wx/wx_text.h"
 
 namespace quillbox {
@@ -45,8 +46,12 @@ void AddMenuBar(Form& form, wxFrame& frame) {
   auto* bar = new wxMenuBar;
   Menus menus(*bar);
   for (const MenuItem& item : form.menuBar.Items()) {
-    const bool inBar = item.path.size() == 1;
-    wxMenu& menu = menus.At(MenuPath(item.path.begin(), inBar ? item.path.end() : item.path.end() - 1));
+    if (item.path.size() == 1) {
+      MakeCommandOfBar(menus.At(item.path), [&form, &item] { form.menuBar.click(item.name); });
+      bar->EnableTop(bar->GetMenuCount() - 1, item.enabled);
+      continue;
+    }
+    wxMenu& menu = menus.At(MenuPath(item.path.begin(), item.path.end() - 1));
     wxMenuItem* leaf = menu.Append(wxID_ANY, ToWx(item.Caption()));
     leaf->Enable(item.enabled);
     frame.Bind(

@@ -7,8 +7,8 @@ namespace quillbox {
 
 class Form;
 
-/// Gives `frame` the menu bar of `form`, if the form has one. An item in the bar itself becomes a menu with that one
-/// item, since a bar can only open menus. Choosing an item clicks that of the form.
+/// Gives `frame` the menu bar of `form`, if the form has one. Choosing an item, or clicking one in the bar itself,
+/// clicks that of the form.
 void AddMenuBar(Form& form, wxFrame& frame);
 
 }  // namespace quillbox

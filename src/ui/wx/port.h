@@ -2,15 +2,53 @@
 // has its own file (port_gtk.cpp), so that no other file of this layer depends on one.
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <string>
 
+class wxComboBox;
 class wxDataViewCtrl;
+class wxDialog;
+class wxListBox;
+class wxMenu;
+class wxStaticBox;
+class wxTextCtrl;
 class wxWindow;
 
 namespace quillbox {
 
-/// Sets the name that a screen reader says for a widget without a text of its own.
+/// Sets the name that a screen reader says for a widget without a text of its own, and for the parts of it that can
+/// have the focus.
 void SetAccessibleName(wxWindow& window, const std::string& name);
+
+/// Has a screen reader say the texts of a message when its window opens.
+void MarkAsAlert(wxDialog& dialog);
+
+/// The height that the theme gives the widget, in device-independent pixels. The toolkit's own best height of an entry
+/// depends on whether it has been shown.
+int NaturalHeight(wxWindow& window);
+
+/// Leaves the choice of a closed combo box alone when the mouse wheel turns above it, and makes the box a single stop
+/// of the Tab key.
+void TameComboBox(wxComboBox& box);
+
+/// Draws the entry like the window behind it, as a text that can be selected but not changed.
+void ShowReadOnly(wxTextCtrl& entry, bool readOnly);
+
+/// Keeps the title of the frame clear of its line.
+void SetTitleBesideLine(wxStaticBox& frame);
+
+/// True while a menu or the list of a combo box is open.
+bool IsPopupOpen();
+
+/// Makes an empty menu of a menu bar a command that runs `act` when it is clicked in the bar.
+void MakeCommandOfBar(wxMenu& menu, std::function<void()> act);
+
+/// Has a plain click on a line of a list of several select or deselect that line alone, as with Ctrl.
+void ToggleByClick(wxListBox& list);
+
+/// Shows a tooltip with the text that `tipOf` gives for the row under the mouse; none for an empty text.
+void ShowRowTips(wxDataViewCtrl& list, std::function<std::string(std::size_t row)> tipOf);
 
 /// Gives all rows of the list the same height, so that it does not measure each one: with 100,000 rows that takes
 /// seconds. Its columns must have their widths already.

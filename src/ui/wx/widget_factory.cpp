@@ -3,6 +3,7 @@
 #include <wx/button.h>
 #include <wx/checkbox.h>
 #include <wx/combobox.h>
+#include <wx/dcclient.h>
 #include <wx/listbox.h>
 #include <wx/notebook.h>
 #include <wx/panel.h>
@@ -22,6 +23,7 @@
 #include "ui/tab_control.h"
 #include "ui/wx/list_view_widget.h"
 #include "ui/wx/port.h"
+#include "ui/wx/readable_colour.h"
 #include "ui/wx/wx_text.h"
 
 namespace quillbox {
@@ -35,6 +37,8 @@ constexpr int kEntryExtra = 30;
 constexpr int kArrowExtra = 40;
 /// The greatest width that a label asks for; a longer text is shortened in the middle and the tooltip has all of it.
 constexpr int kLabelCharacters = 120;
+/// The greatest width of an option's caption, for the same reason.
+constexpr int kOptionCharacters = 45;
 constexpr int kListCharacters = 24;
 constexpr int kListLines = 7;
 
@@ -52,7 +56,8 @@ void ShowCommon(const Control& control, wxWindow& window) {
   if (window.IsShown() != control.visible) window.Show(control.visible);
   if (window.IsThisEnabled() != control.enabled) window.Enable(control.enabled);
   const bool coloured = control.colour.Get() != Colour::Default;
-  const wxColour wanted = coloured ? ColourOf(control.colour) : wxNullColour;
+  const wxColour wanted =
+      coloured ? Readable(ColourOf(control.colour), window.GetParent()->GetBackgroundColour()) : wxNullColour;
   if (coloured ? window.GetForegroundColour() != wanted : window.UseForegroundColour()) {
     window.SetForegroundColour(wanted);
     window.Refresh();
@@ -70,7 +75,8 @@ wxString Joined(const wxString& first, const wxString& second) {
 
 class Factory : public ControlVisitor {
  public:
-  Factory(wxWindow& parent, bool growing) : parent_(parent), growing_(growing) {}
+  Factory(wxWindow& parent, bool growing, const std::string& spokenName)
+      : parent_(parent), growing_(growing), spokenName_(spokenName) {}
 
   Widget Take() { return std::move(widget_); }
 
@@ -91,11 +97,17 @@ class Factory : public ControlVisitor {
   void MakeWrappedLabel(Label& control);
   wxListBox& MakeListBox(long style);
   int Characters(int count) const { return count * parent_.GetCharWidth(); }
-  int FieldWidth() const { return parent_.GetTextExtent(growing_ ? kGrowingText : kFieldText).x; }
-  wxSize EntrySize(int extra) const { return {FieldWidth() + parent_.FromDIP(extra), -1}; }
+  int WidthOf(const wxString& text) const { return parent_.GetTextExtent(text).x; }
+  int FieldWidth() const { return WidthOf(growing_ ? kGrowingText : kFieldText); }
+  /// A growing picker fits its items, where they are known when it is made.
+  int PickerWidth(const std::vector<std::string>& items) const;
+  void SetEntryWidth(wxWindow& entry, int textWidth, int extra) const {
+    entry.SetMinSize(wxSize(textWidth + parent_.FromDIP(extra), -1));
+  }
 
   wxWindow& parent_;
   bool growing_;
+  const std::string& spokenName_;
   Widget widget_;
 };
 
@@ -136,11 +148,13 @@ void Factory::MakeWrappedLabel(Label& control) {
 
 void Factory::Visit(TextBox& control) {
   auto* box = new wxTextCtrl(&parent_, wxID_ANY);
-  box->SetMinSize(EntrySize(kEntryExtra));
+  SetEntryWidth(*box, control.isShort ? WidthOf(kFieldText) : FieldWidth(), kEntryExtra);
+  SetAccessibleName(*box, spokenName_);
   widget_.window = box;
   widget_.show = [box, &control, selected = false]() mutable {
     ShowWithTip(control, *box);
     box->SetEditable(!control.readOnly);
+    ShowReadOnly(*box, control.readOnly);
     const wxString text = ToWx(control.text.Get());
     if (box->GetValue() != text) box->ChangeValue(text);
     if (control.allSelected && !selected) box->SelectAll();
@@ -149,12 +163,21 @@ void Factory::Visit(TextBox& control) {
   box->Bind(wxEVT_TEXT, [box, &control](wxCommandEvent&) { control.type(FromWx(box->GetValue())); });
 }
 
+int Factory::PickerWidth(const std::vector<std::string>& items) const {
+  if (!growing_ || items.empty()) return FieldWidth();
+  int widest = WidthOf(kFieldText);
+  for (const std::string& item : items) widest = std::max(widest, WidthOf(ToWx(item)));
+  return std::min(widest, FieldWidth());
+}
+
 /// A picker is an entry that cannot be typed into: unlike the toolkit's read-only kind it can show a text that is not
 /// among its items, and a long path can be scrolled and copied.
 void Factory::Visit(ComboBox& control) {
   auto* box = new wxComboBox(&parent_, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, 0, nullptr, wxCB_DROPDOWN);
-  box->SetMinSize(EntrySize(kEntryExtra + kArrowExtra));
+  SetEntryWidth(*box, PickerWidth(control.items), kEntryExtra + kArrowExtra);
   box->SetEditable(control.editable);
+  TameComboBox(*box);
+  SetAccessibleName(*box, spokenName_);
   widget_.window = box;
   widget_.show = [box, &control] {
     ShowWithTip(control, *box);
@@ -184,12 +207,12 @@ void Factory::Visit(ComboBox& control) {
 
 void Factory::Visit(CheckBox& control) {
   auto* box = new wxCheckBox(&parent_, wxID_ANY, ToWx(control.caption.Get()));
+  if (control.caption->empty()) SetAccessibleName(*box, spokenName_);
   widget_.window = box;
   widget_.show = [box, &control] {
     ShowWithTip(control, *box);
     const wxString caption = ToWx(control.caption.Get());
     if (box->GetLabel() != caption) box->SetLabel(caption);
-    if (caption.empty()) SetAccessibleName(*box, control.tooltip);
     box->SetValue(control.checked);
   };
   box->Bind(wxEVT_CHECKBOX, [show = widget_.show, &control](wxCommandEvent&) {
@@ -205,10 +228,16 @@ void Factory::Visit(OptionButton& control) {
   none->Hide();
   auto* button = new wxRadioButton(&parent_, wxID_ANY, ToWx(control.caption.Get()));
   widget_.window = button;
-  widget_.show = [none, button, &control] {
-    ShowWithTip(control, *button);
+  widget_.show = [none, button, &control, widest = Characters(kOptionCharacters)] {
+    ShowCommon(control, *button);
     const wxString caption = ToWx(control.caption.Get());
-    if (button->GetLabelText() != caption) button->SetLabelText(caption);
+    const wxString shown =
+        wxControl::Ellipsize(caption, wxClientDC(button), wxELLIPSIZE_MIDDLE, widest, wxELLIPSIZE_FLAGS_NONE);
+    SetTip(*button, Joined(shown == caption ? wxString() : caption, ToWx(control.tooltip.Get())));
+    if (button->GetLabelText() != shown) {
+      button->SetLabelText(shown);
+      button->SetSize(button->GetBestSize());  // until the window is laid out again
+    }
     (control.IsChosen() ? button : none)->SetValue(true);
   };
   button->Bind(wxEVT_RADIOBUTTON, [show = widget_.show, &control](wxCommandEvent&) {
@@ -231,6 +260,7 @@ void Factory::Visit(Button& control) {
 
 void Factory::Visit(Frame& control) {
   auto* box = new wxStaticBox(&parent_, wxID_ANY, ToWx(control.caption.Get()));
+  SetTitleBesideLine(*box);
   widget_.window = box;
   widget_.show = [box, &control] {
     ShowWithTip(control, *box);
@@ -244,6 +274,7 @@ void Factory::Visit(Frame& control) {
 wxListBox& Factory::MakeListBox(long style) {
   auto* list = new wxListBox(&parent_, wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, nullptr, style | wxLB_HSCROLL);
   list->SetMinSize(wxSize(Characters(kListCharacters), kListLines * parent_.GetCharHeight() * 3 / 2));
+  SetAccessibleName(*list, spokenName_);
   widget_.window = list;
   return *list;
 }
@@ -276,6 +307,7 @@ void Factory::Visit(ListBox& control) {
 
 void Factory::Visit(MultiListBox& control) {
   wxListBox* list = &MakeListBox(wxLB_MULTIPLE);
+  ToggleByClick(*list);
   const auto isSelected = [&control](int line) {
     return std::binary_search(control.selected->begin(), control.selected->end(), static_cast<std::size_t>(line));
   };
@@ -286,15 +318,18 @@ void Factory::Visit(MultiListBox& control) {
       if (list->IsSelected(line) != isSelected(line)) list->SetSelection(line, isSelected(line));
     }
   };
-  list->Bind(wxEVT_LISTBOX, [list, &control, isSelected](wxCommandEvent&) {
-    for (int line = 0; line < static_cast<int>(list->GetCount()); ++line) {
-      if (list->IsSelected(line) != isSelected(line)) control.toggle(static_cast<std::size_t>(line));
-    }
+  list->Bind(wxEVT_LISTBOX, [list, &control](wxCommandEvent&) {
+    wxArrayInt lines;
+    list->GetSelections(lines);
+    std::vector<std::size_t> indexes(lines.begin(), lines.end());
+    std::sort(indexes.begin(), indexes.end());
+    control.choose(indexes);
   });
 }
 
 void Factory::Visit(ListView& control) {
   widget_ = MakeListViewWidget(control, parent_);
+  SetAccessibleName(*widget_.window, spokenName_);
   widget_.show = [list = widget_.window, showRows = widget_.show, &control] {
     ShowWithTip(control, *list);
     showRows();
@@ -306,6 +341,7 @@ void Factory::Visit(TabControl& control) {
   for (const std::string& caption : control.Tabs()) {
     book->AddPage(new wxPanel(book), wxControl::EscapeMnemonics(ToWx(caption)));
   }
+  SetAccessibleName(*book, spokenName_);
   widget_.window = book;
   widget_.show = [book, &control] {
     ShowWithTip(control, *book);
@@ -321,7 +357,8 @@ void Factory::Visit(TabControl& control) {
 }
 
 void Factory::Visit(StatusBar& control) {
-  auto* bar = new wxStatusBar(&parent_);
+  auto* bar = new wxStatusBar(&parent_, wxID_ANY, wxSTB_SIZEGRIP | wxSTB_ELLIPSIZE_MIDDLE | wxSTB_SHOW_TIPS);
+  SetAccessibleName(*bar, spokenName_);
   bar->SetFieldsCount(static_cast<int>(control.panels.size()));
   widget_.window = bar;
   widget_.show = [bar, &control] {
@@ -334,8 +371,8 @@ void Factory::Visit(StatusBar& control) {
 
 }  // namespace
 
-Widget MakeWidget(Control& control, wxWindow& parent, bool growing) {
-  Factory factory(parent, growing);
+Widget MakeWidget(Control& control, wxWindow& parent, bool growing, const std::string& spokenName) {
+  Factory factory(parent, growing, spokenName);
   control.Accept(factory);
   Widget widget = factory.Take();
   widget.window->SetName(control.Name());

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 #include "ui/controls.h"
 
@@ -18,7 +19,7 @@ struct Widget {
 
 /// The widget of `control` in `parent`, up to date. `growing`: its place in the layout gets the width left over, so
 /// that it need not ask for the whole width of its text. "&" marks the access key in captions of buttons, check boxes
-/// and frames; in those of labels it is shown.
-Widget MakeWidget(Control& control, wxWindow& parent, bool growing);
+/// and frames; in those of labels it is shown. `spokenName` is what a screen reader calls a widget without a caption.
+Widget MakeWidget(Control& control, wxWindow& parent, bool growing, const std::string& spokenName);
 
 }  // namespace quillbox

@@ -28,10 +28,13 @@ class Form6Test : public SampleWindows {
     return windows->form9;
   }
   static void Select(Form9& form, std::initializer_list<const char*> names) {
+    std::vector<std::size_t> lines = form.lstFiles9.selected;
     for (const char* name : names) {
       const auto& items = form.lstFiles9.items.Get();
-      form.lstFiles9.toggle(static_cast<std::size_t>(std::find(items.begin(), items.end(), name) - items.begin()));
+      lines.push_back(static_cast<std::size_t>(std::find(items.begin(), items.end(), name) - items.begin()));
     }
+    std::sort(lines.begin(), lines.end());
+    form.lstFiles9.choose(lines);
   }
   std::string Value(const char* name) { return Read(kAddressBookKey, name).AsText(); }
   std::vector<std::string> Slots() { return {Value("WAB0"), Value("WAB1"), Value("WAB2"), Value("WAB3")}; }
