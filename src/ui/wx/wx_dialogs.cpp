@@ -12,11 +12,11 @@
 
 #include <wx/dirdlg.h>
 #include <wx/filedlg.h>
-#include <wx/msgdlg.h>
 #include <wx/textdlg.h>
 #include <wx/timer.h>
 #include <wx/utils.h>
 
+#include "ui/wx/message_dialog.h"
 #include "ui/wx/overwrite_dialog.h"
 #include "ui/wx/progress_window.h"
 #include "ui/wx/wx_runtime.h"
@@ -24,51 +24,6 @@
 
 namespace quillbox {
 namespace {
-
-long StyleOf(MessageButtons buttons) {
-  switch (buttons) {
-    case MessageButtons::Ok:
-      return wxOK;
-    case MessageButtons::OkCancel:
-      return wxOK | wxCANCEL;
-    case MessageButtons::YesNo:
-      return wxYES_NO;
-    case MessageButtons::YesNoCancel:
-      return wxYES_NO | wxCANCEL;
-  }
-  return wxOK;
-}
-
-long StyleOf(MessageIcon icon) {
-  switch (icon) {
-    case MessageIcon::None:
-      return wxICON_NONE;
-    case MessageIcon::Exclamation:
-      return wxICON_WARNING;
-    case MessageIcon::Question:
-      return wxICON_QUESTION;
-    case MessageIcon::Error:
-      return wxICON_ERROR;
-    case MessageIcon::Information:
-      return wxICON_INFORMATION;
-  }
-  return wxICON_NONE;
-}
-
-/// Closing a message's window without a choice counts as its harmless button.
-MessageAnswer AnswerOf(int id, MessageButtons buttons) {
-  switch (id) {
-    case wxID_OK:
-      return MessageAnswer::Ok;
-    case wxID_YES:
-      return MessageAnswer::Yes;
-    case wxID_NO:
-      return MessageAnswer::No;
-    default:
-      if (buttons == MessageButtons::Ok) return MessageAnswer::Ok;
-      return buttons == MessageButtons::YesNo ? MessageAnswer::No : MessageAnswer::Cancel;
-  }
-}
 
 /// A pattern that matches in any case, as Windows' own do: "*.WAB" as "*.[wW][aA][bB]".
 wxString InAnyCase(const wxString& pattern) {
@@ -134,26 +89,7 @@ void WxDialogs::Meanwhile(const std::function<bool()>& step) {
 }
 
 MessageAnswer WxDialogs::Show(const Message& message) {
-  wxMessageDialog dialog(
-      ActiveWindow(), ToWxLines(message.text), ToWx(message.title),
-      StyleOf(message.buttons) | StyleOf(message.icon) | wxCENTRE | (message.noIsDefault ? wxNO_DEFAULT : 0));
-  // The words are English whatever language the session has.
-  const ButtonWords words = message.words.value_or(ButtonWords{"&Yes", "&No"});
-  switch (message.buttons) {
-    case MessageButtons::Ok:
-      dialog.SetOKLabel("OK");
-      break;
-    case MessageButtons::OkCancel:
-      dialog.SetOKCancelLabels("OK", "Cancel");
-      break;
-    case MessageButtons::YesNo:
-      dialog.SetYesNoLabels(ToWx(words.yes), ToWx(words.no));
-      break;
-    case MessageButtons::YesNoCancel:
-      dialog.SetYesNoCancelLabels(ToWx(words.yes), ToWx(words.no), "Cancel");
-      break;
-  }
-  return AnswerOf(dialog.ShowModal(), message.buttons);
+  return ShowMessage(message, ActiveWindow());
 }
 
 std::optional<std::string> WxDialogs::Input(const std::string& prompt, const std::string& title,

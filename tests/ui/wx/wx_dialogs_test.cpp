@@ -5,6 +5,7 @@
 #include <wx/filedlg.h>
 #include <wx/frame.h>
 #include <wx/gauge.h>
+#include <wx/statbmp.h>
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
 #include <wx/timer.h>
@@ -73,6 +74,8 @@ TEST_F(WxDialogsTest, EveryButtonOfAMessageGivesItsAnswer) {
       {OkCancel, {}, WXK_ESCAPE, MessageAnswer::Cancel},
       {YesNo, {}, 'Y', MessageAnswer::Yes},
       {YesNo, {}, 'N', MessageAnswer::No},
+      {YesNo, {}, WXK_RETURN, MessageAnswer::Yes},
+      {YesNo, {}, WXK_ESCAPE, MessageAnswer::No},
       {YesNo, own, 'G', MessageAnswer::Yes},
       {YesNo, own, 'S', MessageAnswer::No},
       {YesNoCancel, {}, 'N', MessageAnswer::No},
@@ -84,6 +87,31 @@ TEST_F(WxDialogsTest, EveryButtonOfAMessageGivesItsAnswer) {
     EXPECT_EQ(dialogs.Show({.text = "Proceed?", .buttons = test.buttons, .words = test.words}), test.answer)
         << test.key;
   }
+}
+
+TEST_F(WxDialogsTest, AMessageShowsItsIconAndAllOfItsText) {
+  using enum MessageIcon;
+  for (const MessageIcon icon : {None, Exclamation, Question, Error, Information}) {
+    int drawn = 0;
+    WhenAsked([&drawn] {
+      for (const wxWindow* child : OpenDialog()->GetChildren()) {
+        const auto* image = dynamic_cast<const wxStaticBitmap*>(child);
+        if (image && image->IsShownOnScreen() && image->GetSize().x >= 32 && image->GetBitmap().IsOk()) ++drawn;
+      }
+      wxUIActionSimulator().Char(WXK_RETURN);
+    });
+    dialogs.Show({.text = "Proceed?", .icon = icon});
+    EXPECT_EQ(drawn, icon == None ? 0 : 1) << static_cast<int>(icon);
+  }
+  std::string lines;
+  for (int i = 0; i < 200; ++i) lines += "line " + std::to_string(i) + "\n";
+  wxSize size;
+  WhenAsked([&size] {
+    size = OpenDialog()->GetSize();
+    wxUIActionSimulator().Char(WXK_ESCAPE);
+  });
+  dialogs.Show({.text = lines});
+  EXPECT_LT(size.y, wxGetDisplaySize().y) << "a long text scrolls";
 }
 
 TEST_F(WxDialogsTest, InputIsTypedOrCancelled) {
