@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -100,6 +101,9 @@ struct Platform {
   virtual void EndCommand() = 0;
   /// One line on the system that is being worked on, for the window's title: the disk's folder and profile.
   virtual std::string SystemDescription() = 0;
+  /// A sentence on the keys below `roots` whose changes do not reach the disk because it is write-protected; empty when
+  /// all of them do.
+  virtual std::string WriteProtection(std::initializer_list<RegistryRoot> /*roots*/) { return {}; }
 };
 
 }  // namespace quillbox

@@ -22,7 +22,7 @@ constexpr Shown kMinutes{ShownAs::Minutes};
 constexpr Written kWritesMinutes{
     WrittenAs::Number,
     {},
-    {.expected = "Please enter a number of minutes. Use -1 to turn off checking for mail.",
+    {.expected = "Please enter a number of minutes between -35791 and 35791. Use -1 to turn off checking for mail.",
      .unit = kMillisecondsPerMinute,
      .minusOneIsOff = true},
 };
@@ -54,11 +54,13 @@ constexpr Setting kGeneral[] = {
 };
 
 constexpr std::string_view kEnterPreviewSeconds = "Please enter a value between 0 and 480.";
+/// The tooltip names what Outlook Express offers; any number is stored.
+constexpr std::string_view kNoPreviewSeconds =
+    "Please enter a number of seconds between -2147483648 and 2147483647. Use -1 to turn this off.";
 constexpr std::string_view kEnterHeaders = "Please enter a value between 50 and 1000. Use -1 to disable.";
 
 constexpr Shown kDigitsOrOff{ShownAs::DigitsOrOff};
-constexpr Written kWritesPreviewSeconds{
-    WrittenAs::Number, {}, {.expected = kEnterPreviewSeconds, .minusOneIsOff = true}};
+constexpr Written kWritesPreviewSeconds{WrittenAs::Number, {}, {.expected = kNoPreviewSeconds, .minusOneIsOff = true}};
 constexpr Written kWritesHeaders{
     WrittenAs::Number,
     {},

@@ -30,7 +30,8 @@ constexpr Exceptions kChangesDelay{.button = {"cmdChmgDelay", "Change Delay"}};
 constexpr Exceptions kChangesMailTitle{.label = "lblOETitleBar", .button = {"cmdChngOETitle", "Change"}};
 constexpr Exceptions kChangesWebTitle{.label = "lblIETitleBar", .button = {"cmdChngIETitle", "Change"}, .section = 1};
 constexpr Shown kNothing{ShownAs::Choice};
-constexpr Written kWritesSeconds{WrittenAs::Number, {}, {.expected = "Please enter a number of seconds."}};
+constexpr Written kWritesSeconds{
+    WrittenAs::Number, {}, {.expected = "Please enter a number of seconds between -2147483648 and 2147483647."}};
 
 constexpr Setting kRows[] = {
     {"NoSplash", "", "cmbNoSplash", Settings, "NoSplash", kOnByZero, Missing::Stores(0), kWritesChoice},

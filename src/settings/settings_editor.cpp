@@ -126,7 +126,7 @@ SettingsEditor::Outcome SettingsEditor::WriteNumber(const std::string& userId, c
   const std::optional<std::int32_t> number = WholeNumber(*entered * entry.unit);
   if (!number) return refused();
   Store(setting, userId, *number);
-  return {.isWritten = true};
+  return {.isWritten = true, .shown = ShowNumber(setting.shown, *number)};
 }
 
 void SettingsEditor::Store(const Setting& setting, const std::string& userId, const RegValue& value) {

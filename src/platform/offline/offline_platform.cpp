@@ -201,9 +201,25 @@ std::string OfflinePlatform::SystemDescription() {
   if (const std::size_t places = DamagedPlaces(); places > 0) {
     text += " (" + DamagedIn(places) + ": what cannot be read is left out; changes go to a private copy)";
   } else if (UsesPrivateCopy()) {
-    text += " (write-protected: registry changes go to a private copy)";
+    text += " (write-protected: " + PrivateCopies({RegistryRoot::CurrentUser, RegistryRoot::LocalMachine}) +
+            "; registry changes go to a private copy)";
   }
   return text;
+}
+
+std::string OfflinePlatform::WriteProtection(std::initializer_list<RegistryRoot> roots) {
+  const std::string names = PrivateCopies(roots);
+  return names.empty() ? std::string() : "Write-protected: " + names + "; changes go to a private copy.";
+}
+
+std::string OfflinePlatform::PrivateCopies(std::initializer_list<RegistryRoot> roots) const {
+  std::string names;
+  for (const auto& hive : hives_) {
+    const auto root = hive == hives_.front() ? RegistryRoot::CurrentUser : RegistryRoot::LocalMachine;
+    if (!hive->IsPrivateCopy() || std::find(roots.begin(), roots.end(), root) == roots.end()) continue;
+    names += (names.empty() ? "" : " and ") + hive->DiskFile().Path().filename().string();
+  }
+  return names;
 }
 
 }  // namespace quillbox

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <initializer_list>
 #include <map>
 #include <memory>
 #include <optional>
@@ -68,6 +69,7 @@ class OfflinePlatform : public Platform {
   ChosenFolders& GetChosenFolders() override { return chosenFolders_; }
   void EndCommand() override;
   std::string SystemDescription() override;
+  std::string WriteProtection(std::initializer_list<RegistryRoot> roots) override;
 
   /// Problems of the disk that did not prevent its opening, a sentence each.
   const std::vector<std::string>& Warnings() const { return warnings_; }
@@ -79,6 +81,8 @@ class OfflinePlatform : public Platform {
   void MountHives(HiveMode mode);
   void MountMachineHive(const std::optional<FoundHive>& file, const char* name, HiveMode mode);
   HiveConsent ConsentFor(const HostPlace& hive, std::string registry);
+  /// The names of the hives below `roots` whose changes go to a private copy; empty when there are none.
+  std::string PrivateCopies(std::initializer_list<RegistryRoot> roots) const;
   /// With a damaged hive no hive of the disk is written.
   void LeaveDamagedDiskAlone();
   std::size_t DamagedPlaces() const;

@@ -13,10 +13,12 @@ Form12::Form12(ProgramWindows& windows)
       editor(windows.session.platform, windows.session.store),
       settings(*this, kOddsAndEnds, editor, windows.session.platform.GetDialogs(),
                [this] { return cmbUsr.text.Get(); }),
+      lblProtected(*this, "lblProtected"),
       cmdResIELogo(*this, "cmdResIELogo", "Restore IE Logo"),
       cmdClose(*this, "cmdClose", "Close"),
       session_(windows.session),
       windows_(windows) {
+  cmbUsr.spokenName = "Identity";
   cmdClose.isCancel = true;
   cmbUsr.onClick = [this] { cmbUsr_Click(); };
   cmdResIELogo.onClick = [this] { editor.RestoreBrowserLogo(); };
@@ -27,7 +29,7 @@ LayoutNode Form12::Layout() {
   return Column({
       Row({Item(cmbUsr, 1), Item(lblcurUsrName, 1)}),
       settings.Layout(),
-      Row({Space(), Item(cmdResIELogo), Item(cmdClose)}),
+      Row({Item(lblProtected, 1), Item(cmdResIELogo), Item(cmdClose)}),
   });
 }
 
@@ -41,15 +43,20 @@ void Form12::Form_Load() {
   ListAndShowUserIds(cmbUsr, session_.Catalogue());
   lblcurUsrName.caption = editor.Username(cmbUsr.text);
   settings.Load(SettingsEditor::Occasion::Opening);
+  lblProtected.caption = session_.platform.WriteProtection({RegistryRoot::CurrentUser, RegistryRoot::LocalMachine});
 }
 
 void Form12::cmbUsr_Click() {
+  if (!settings.SettleTyped(SettingControls::Which::OfIdentity)) {
+    cmbUsr.text = settings.ShownFor();
+    return;
+  }
   lblcurUsrName.caption = editor.Username(cmbUsr.text);
   settings.Load(SettingsEditor::Occasion::Shown, SettingControls::Which::OfIdentity);
 }
 
 void Form12::cmdClose_Click() {
-  windows_.ReturnToMainWindow(*this);
+  if (settings.SettleTyped()) windows_.ReturnToMainWindow(*this);
 }
 
 }  // namespace quillbox

@@ -19,6 +19,7 @@ class Form12 : public Form {
   Label lblcurUsrName;
   SettingsEditor editor;
   SettingControls settings;
+  Label lblProtected;
   Button cmdResIELogo;
   Button cmdClose;
 

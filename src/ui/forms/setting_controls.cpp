@@ -63,22 +63,24 @@ void SettingControls::AddRow(Form& form, const Setting& setting) {
       std::make_unique<Label>(form, LabelName(setting), std::string(setting.caption), std::string(setting.tooltip));
   if (setting.IsComboBox()) {
     row.combo = std::make_unique<ComboBox>(form, name, "", std::string(exceptions.boxTooltip));
-    row.combo->onClick = [this, &row] { Act(row); };
+    row.combo->items = ItemsOf(setting);
+    row.combo->onClick = [this, &row] { Act(row, userId_()); };
   } else {
     row.box = std::make_unique<TextBox>(form, name, "", std::string(exceptions.boxTooltip));
+    row.box->isShort = true;
     row.box->readOnly = setting.written.as == WrittenAs::Nothing;
   }
   if (!exceptions.button.name.empty()) {
     row.button =
         std::make_unique<Button>(form, std::string(exceptions.button.name), std::string(exceptions.button.caption),
                                  std::string(exceptions.button.tooltip));
-    row.button->onClick = [this, &row] { Act(row); };
+    row.button->onClick = [this, &row] { Act(row, userId_()); };
   }
   row.note = MakeLabel(form, exceptions.note);
 }
 
 void SettingControls::Load(SettingsEditor::Occasion occasion, Which which) {
-  const std::string userId = userId_();
+  const std::string userId = shownFor_ = userId_();
   for (const Setting& setting : tab_.rows) {
     if (which == Which::OfIdentity && !IsOfIdentity(setting.key)) continue;
     const auto row =
@@ -91,19 +93,55 @@ void SettingControls::Load(SettingsEditor::Occasion occasion, Which which) {
 
 void SettingControls::Clear() {
   for (Row& row : rows_) {
-    if (row.combo) row.combo->Clear();
-    if (row.box) row.box->text = "";
+    if (row.combo) row.combo->items = std::vector<std::string>{};
+    row.SetText("");
   }
+  shownFor_ = userId_();
 }
 
-/// A person has picked an item, or pressed the button beside a text.
-void SettingControls::Act(Row& row) {
-  const SettingsEditor::Outcome outcome = editor_.Write(*row.setting, userId_(), row.Text());
-  if (outcome.shown) row.SetText(*outcome.shown);
+void SettingControls::Row::SetText(std::string text) {
+  shown = text;
+  (combo ? combo->text : box->text) = std::move(text);
+}
+
+void SettingControls::Row::Enable(bool enabled) {
+  (combo ? combo->enabled : box->enabled) = enabled;
+  if (button) button->enabled = enabled;
+}
+
+bool SettingControls::IsTyped(Which which) const {
+  return std::any_of(rows_.begin(), rows_.end(), [which](const Row& row) {
+    return row.IsTyped() && (which == Which::All || IsOfIdentity(row.setting->key));
+  });
+}
+
+bool SettingControls::SettleTyped(Which which) {
+  for (Row& row : rows_) {
+    if (!row.IsTyped() || (which == Which::OfIdentity && !IsOfIdentity(row.setting->key))) continue;
+    const std::string question = "\"" + row.Text() + "\" was typed for \"" + std::string(row.setting->caption) +
+                                 "\" and is not applied yet. Apply it?";
+    const MessageAnswer answer =
+        dialogs_.Show({.text = question, .buttons = MessageButtons::YesNoCancel, .icon = MessageIcon::Question});
+    if (answer == MessageAnswer::Cancel) return false;
+    if (answer == MessageAnswer::No) {
+      row.SetText(row.shown);
+    } else if (!Act(row, shownFor_)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+/// A person has picked an item, or wants to apply a text.
+bool SettingControls::Act(Row& row, const std::string& userId) {
+  const SettingsEditor::Outcome outcome = editor_.Write(*row.setting, userId, row.Text());
+  if (outcome.isWritten) row.SetText(outcome.shown.value_or(row.Text()));
   if (Row* governed = Govern(row)) WriteGoverned(*governed, row.setting->exceptions.governs);
-  if (!outcome.message) return;
-  dialogs_.Show({.text = *outcome.message});
-  if (row.box) row.box->SelectAll();
+  if (outcome.message) {
+    dialogs_.Show({.text = *outcome.message});
+    if (row.box) row.box->SelectAll();
+  }
+  return outcome.isWritten;
 }
 
 SettingControls::Row* SettingControls::Govern(const Row& row) {

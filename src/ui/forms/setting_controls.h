@@ -21,11 +21,20 @@ class SettingControls {
   SettingControls(Form& form, const SettingsTab& tab, SettingsEditor& editor, Dialogs& dialogs,
                   std::function<std::string()> userId);
 
+  /// All settings, or those that each identity has for itself.
   enum class Which { All, OfIdentity };
   /// Shows the stored values, in the order of the rows; nothing is written but what the rows say of missing values.
   void Load(SettingsEditor::Occasion occasion, Which which = Which::All);
   /// Empties every list and every text.
   void Clear();
+
+  /// The identity whose settings are shown.
+  const std::string& ShownFor() const { return shownFor_; }
+  /// True when a text was typed that its "Change" button has not been pressed for.
+  bool IsTyped(Which which = Which::All) const;
+  /// Asks about each such text whether to apply it. False when one could not be applied, or when the person wants to go
+  /// on with it.
+  bool SettleTyped(Which which = Which::All);
 
   LayoutNode Layout();
 
@@ -38,13 +47,17 @@ class SettingControls {
     std::unique_ptr<Button> button;
     std::unique_ptr<Label> note;
 
+    std::string shown;  ///< the text that was last shown, before the person typed
+
     const std::string& Text() const { return combo ? combo->text.Get() : box->text.Get(); }
-    void SetText(std::string text) { (combo ? combo->text : box->text) = std::move(text); }
-    void Enable(bool enabled) { (combo ? combo->enabled : box->enabled) = enabled; }
+    void SetText(std::string text);
+    void Enable(bool enabled);
+    bool IsTyped() const { return button && Text() != shown; }
   };
 
   void AddRow(Form& form, const Setting& setting);
-  void Act(Row& row);
+  /// True when what the control says was handed to the registry.
+  bool Act(Row& row, const std::string& userId);
   /// Enables or disables the control that `row` governs; null when it governs none.
   Row* Govern(const Row& row);
   void WriteGoverned(Row& governed, const Governs& rule);
@@ -55,6 +68,7 @@ class SettingControls {
   SettingsEditor& editor_;
   Dialogs& dialogs_;
   std::function<std::string()> userId_;
+  std::string shownFor_;
   std::deque<Row> rows_;                          // as seen; their controls' handlers refer to them
   std::vector<std::unique_ptr<Label>> headings_;  // as the sections; null for those without
   std::vector<std::unique_ptr<Label>> notes_;

@@ -36,12 +36,14 @@ Form13::Form13(ProgramWindows& windows)
               "NOTE: Some registry entries will not appear until that item has been selected in Outlook Express's "
               "Options."),
       lblNote2(*this, "lblNote2", "If an items is disabled, it has not been set in Tools | Options"),
+      lblProtected(*this, "lblProtected"),
       cmdClose10(*this, "cmdClose10", "Close", "Close this window."),
       session_(windows.session),
       windows_(windows) {
   lblOERegSet.wraps = true;
+  SSTab1.spokenName = "Settings";
   cmdClose10.isCancel = true;
-  cmboUserIDs10.onClick = [this] { ShowIdentity(); };
+  cmboUserIDs10.onClick = [this] { cmboUserIDs10_Click(); };
   cmdClose10.onClick = [this] { cmdClose10_Click(); };
 }
 
@@ -62,11 +64,14 @@ LayoutNode Form13::Layout() {
       Row({Item(lbluseridlbl), Item(cmboUserIDs10, 1), Item(lblusernamelbl), Item(lblusername), Item(lbluserid, 1)}),
       Tabs(SSTab1, std::move(pages), 1),
       Item(lblNote),
+      Item(lblProtected),
       Row({Item(lblNote2, 1), Item(cmdClose10)}),
   });
 }
 
 void Form13::Open() {
+  lblProtected.caption = session_.platform.WriteProtection({RegistryRoot::CurrentUser});
+  lblProtected.visible = !lblProtected.caption->empty();
   windows_.ReplaceMainWindow(*this);
   Form_Load();
 }
@@ -75,6 +80,20 @@ void Form13::Form_Load() {
   ListAndShowUserIds(cmboUserIDs10, session_.Catalogue());
   SSTab1.selected = 0;
   ShowIdentity();
+}
+
+bool Form13::SettleTyped() {
+  for (std::size_t tab = 0; tab < tabs.size(); ++tab) {
+    if (!tabs[tab]->IsTyped()) continue;
+    SSTab1.selected = tab;
+    if (!tabs[tab]->SettleTyped()) return false;
+  }
+  return true;
+}
+
+void Form13::cmboUserIDs10_Click() {
+  if (SettleTyped()) return ShowIdentity();
+  cmboUserIDs10.text = tabs.front()->ShownFor();
 }
 
 void Form13::ShowIdentity() {
@@ -89,7 +108,7 @@ void Form13::ShowIdentity() {
 }
 
 void Form13::cmdClose10_Click() {
-  windows_.ReturnToMainWindow(*this);
+  if (SettleTyped()) windows_.ReturnToMainWindow(*this);
 }
 
 }  // namespace quillbox

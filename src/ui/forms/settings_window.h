@@ -30,6 +30,7 @@ class Form13 : public Form {
   std::vector<std::unique_ptr<SettingControls>> tabs;
   Label lblNote;
   Label lblNote2;
+  Label lblProtected;
   Button cmdClose10;
 
   /// Shows this window in place of the main window, with everything read afresh.
@@ -40,6 +41,9 @@ class Form13 : public Form {
  private:
   std::vector<std::unique_ptr<SettingControls>> MakeTabs(Dialogs& dialogs);
   void Form_Load();
+  /// Asks about what was typed and not applied; false when the person wants to go on with it.
+  bool SettleTyped();
+  void cmboUserIDs10_Click();
   /// Shows what the chosen identity has stored, or says that it was never used.
   void ShowIdentity();
   void cmdClose10_Click();

@@ -149,12 +149,14 @@ TEST_F(Form12Test, TheSlideShowDelayFollowsTheInlineImages) {
   EXPECT_EQ(stored("Automatic Slide Show Delay"), RegValue(0));
   EXPECT_EQ(Box("txtAutomaticSlideShowDelay").text, "0");
   EXPECT_FALSE(Box("txtAutomaticSlideShowDelay").enabled);
+  EXPECT_FALSE(windows->form12.Named<Button>("cmdChmgDelay").enabled);
   Combo("cmbAutomaticallyInlineImages").pick("Top to Bottom");
+  EXPECT_TRUE(windows->form12.Named<Button>("cmdChmgDelay").enabled);
   EXPECT_EQ(stored("Automatic Slide Show Delay"), RegValue(6));
   EXPECT_EQ(Box("txtAutomaticSlideShowDelay").text, "6");
   Box("txtAutomaticSlideShowDelay").type("fast");
   Press("cmdChmgDelay");
-  EXPECT_EQ(dialogs.LastMessage(), "Please enter a number of seconds.");
+  EXPECT_EQ(dialogs.LastMessage(), "Please enter a number of seconds between -2147483648 and 2147483647.");
   EXPECT_EQ(stored("Automatic Slide Show Delay"), RegValue(6));
   Box("txtAutomaticSlideShowDelay").type("12");
   Press("cmdChmgDelay");
@@ -187,6 +189,9 @@ TEST_F(Form12Test, AMachineThatCannotBeWrittenIsShownAsItIs) {
     fs::permissions(entry, entry.is_directory() ? fs::perms{0755} : fs::perms{0644});
   }
   fs::permissions(temp.Path(), fs::perms{0755});
+  const fs::path profile = sample.driveC / "Documents and Settings" / sample.profile;
+  fs::permissions(profile, fs::perms{0777});
+  fs::permissions(profile / "NTUSER.DAT", fs::perms{0666});
   fs::remove_all(temp / "state");
   windows.reset();
   store.reset();
@@ -196,6 +201,10 @@ TEST_F(Form12Test, AMachineThatCannotBeWrittenIsShownAsItIs) {
     OpenDisk();
     windows->form1.Open();
     Open();
+    EXPECT_EQ(windows->form12.lblProtected.caption, "Write-protected: software; changes go to a private copy.");
+    EXPECT_TRUE(windows->form1.lblSystem.caption->ends_with(
+        "(write-protected: software; registry changes go to a private copy)"));
+    EXPECT_EQ(platform->WriteProtection({RegistryRoot::CurrentUser}), "") << "the person's own hive can be written";
     EXPECT_EQ(Combo("cmbNomodifyaccts").text, "On");
     EXPECT_EQ(Combo("cmbHideMessenger").text, "Off");
     EXPECT_EQ(Combo("cmbDisableHotmail").text, "Disabled") << "what cannot be asked with full access counts as 0";

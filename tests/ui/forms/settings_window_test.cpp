@@ -155,8 +155,17 @@ TEST_F(Form13Test, NumbersAreEnteredAndOthersAreRefused) {
          {"nan", 2147483640, "nan", true},
          {"5 min", 2147483640, "5 min", true}});
   check("txtMarkPreviewAsRead", "cmdMarkPreviewAsRead", "\\Mail", "MarkPreviewAsRead",
-        {{"999", 999, "999"}, {" 7 ", 7, " 7 "}, {"seven", 7, "seven", true}, {"-1", -1, "Off"}});
+        {{"999", 999, "999"},
+         {" 7 ", 7, "7"},
+         {"seven", 7, "seven", true},
+         {"1.6", 2, "2"},
+         {"-5", -5, "Off"},
+         {"-1", -1, "Off"}});
   EXPECT_EQ(Box("txtMarkPreviewAsRead").tooltip, "Please enter a value between 0 and 480.");
+  Enter("txtMarkPreviewAsRead", "seven", "cmdMarkPreviewAsRead");
+  EXPECT_EQ(dialogs.LastMessage(),
+            "Please enter a number of seconds between -2147483648 and 2147483647. Use -1 to turn this off.")
+      << "999 was stored";
   check("txtDownloadatatime", "cmdDownloadatatime", "\\News", "Download at a time",
         {{"1000", 1000, "1000"},
          {"1001", 50, "50", true},
@@ -167,6 +176,34 @@ TEST_F(Form13Test, NumbersAreEnteredAndOthersAreRefused) {
          {"51", 51, "51"},
          {"0", 50, "50", true}});
   EXPECT_EQ(dialogs.LastMessage(), "Please enter a value between 50 and 1000. Use -1 to disable.");
+}
+
+TEST_F(Form13Test, ANumberThatIsTypedButNotAppliedIsAskedAbout) {
+  Form13& form = Open();
+  const auto stored = [this](std::size_t identity) { return Read(Key("\\Mail", identity), "Poll For Mail"); };
+  Box("txtPollForMail").type("15");
+  form.SSTab1.pick(3);
+  dialogs.messageAnswers = {MessageAnswer::Cancel};
+  form.close();
+  EXPECT_EQ(dialogs.LastMessage(),
+            "\"15\" was typed for \"Poll For Mail      (Minutes)\" and is not applied yet. Apply it?");
+  EXPECT_TRUE(form.visible && form.SSTab1.selected.Get() == 0) << "the number is in view";
+  EXPECT_EQ(stored(0), RegValue(1800000));
+
+  dialogs.messageAnswers = {MessageAnswer::Cancel, MessageAnswer::Yes};
+  form.cmboUserIDs10.pick(1);
+  EXPECT_EQ(form.cmboUserIDs10.text, UserId(0));
+  form.cmboUserIDs10.pick(1);
+  EXPECT_EQ(stored(0), RegValue(900000)) << "of the identity that was shown";
+  EXPECT_EQ(Shown("txtPollForMail"), "-1");
+
+  Box("txtPollForMail").type("soon");
+  dialogs.messageAnswers = {MessageAnswer::Yes, MessageAnswer::No};
+  form.close();
+  EXPECT_TRUE(form.visible) << "the text was refused";
+  form.close();
+  EXPECT_FALSE(form.visible);
+  EXPECT_EQ(stored(1), RegValue(-1));
 }
 
 TEST_F(Form13Test, TheReceiptForListsFollowsTheOneForAll) {
