@@ -33,8 +33,8 @@ trap 'kill $program 2>/dev/null || true' EXIT
 window=$(timeout 60 xdotool search --sync --onlyvisible --name '^Quillbox$' | tail -n 1)
 sleep 1
 xdotool windowfocus --sync "$window" || true
-# Enter presses the window's default button, which is Quick Backup.
-xdotool key --window "$window" Return
+# From the first picker Tab goes to the other two, the check box and Quick Backup.
+xdotool key --window "$window" --delay 100 Tab Tab Tab Tab space
 
 waited=0
 until [ -s "$backup/Main Identity/IAM.reg" ]; do

@@ -52,7 +52,8 @@ Form6::Form6(ProgramWindows& windows)
       book_(session_.platform, session_.store) {
   txtwabloc.readOnly = true;
   txtRestore.readOnly = true;
-  cmdChangeWab.isDefault = true;
+  txtwabloc.spokenName = "Path of the current address book";
+  txtRestore.spokenName = "Restored address book";
   cmdClose.isCancel = true;
   cmdBrowse1.onClick = [this] { cmdBrowse1_Click(); };
   cmdChangeWab.onClick = [this] { cmdChangeWab_Click(); };

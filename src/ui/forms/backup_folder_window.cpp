@@ -69,7 +69,7 @@ LayoutNode Form3::Layout() {
 
 void Form3::OpenFrom(Form& opener) {
   opener_ = &opener;
-  if (!std::exchange(loaded_, true)) Form_Load();
+  std::exchange(loaded_, true) ? Refresh() : Form_Load();
   opener.Hide();
   Show();
 }
@@ -82,6 +82,14 @@ void Form3::Form_Load() {
   SetDir(*folder);
   File1.SetPath(session_.platform.GetFiles(), Dir1.Path());
   Drive1.ShowDriveOf(Dir1.Path());
+}
+
+/// Shows what is on the drives now, in the folder where the window was left.
+void Form3::Refresh() {
+  Drive1.Fill(session_.platform.GetDrives());
+  if (Dir1.Path().Empty()) return;
+  Dir1.Refresh(session_.platform.GetFiles());
+  File1.SetPath(session_.platform.GetFiles(), Dir1.Path());
 }
 
 void Form3::SetDir(const WinPath& folder) {

@@ -38,6 +38,7 @@ class Form3 : public Form {
 
  private:
   void Form_Load();
+  void Refresh();
   void SetDir(const WinPath& folder);
   void Drive1_Change();
   void Dir1_Change();

@@ -51,8 +51,9 @@ Form4::Form4(ProgramWindows& windows)
       session_(windows.session),
       windows_(windows) {
   Label1.wraps = true;
+  cmbSource.spokenName = "Source identity";
+  cmbDestination.spokenName = "Destination identity";
   txtuserid.readOnly = true;
-  cmdClone.isDefault = true;
   cmdClose.isCancel = true;
   cmbSource.onClick = [this] { ShowUsername(lblSourceUser, cmbSource.text); };
   cmbDestination.onClick = [this] { ShowUsername(lblDestUName, cmbDestination.text); };

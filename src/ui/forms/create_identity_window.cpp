@@ -22,7 +22,6 @@ Form7::Form7(ProgramWindows& windows)
       windows_(windows) {
   txtNewUsername.readOnly = true;
   txtNewGUID.readOnly = true;
-  cmdCreateNewIdentity.isDefault = true;
   cmdclose.isCancel = true;
   cmdCreateNewIdentity.onClick = [this] { cmdCreateNewIdentity_Click(); };
   cmdclose.onClick = [this] { cmdClose_Click(); };

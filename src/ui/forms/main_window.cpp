@@ -68,8 +68,6 @@ Form1::Form1(ProgramWindows& windows)
   Frame1.visible = false;
   Text1.readOnly = true;
   txtwabloc.readOnly = true;
-  cmdQuickBackup.isDefault = true;
-  cmdExit.isCancel = true;
   BuildMenu();
   WatchSession();
   cmbUserNames.onClick = [this] { cmbUserNames_Click(); };
@@ -90,7 +88,7 @@ Form1::Form1(ProgramWindows& windows)
 
 LayoutNode Form1::Layout() {
   return Column({
-      Grid(3, {1, 2},
+      Grid(3, {0, 1, 2},
            {Item(Label12), Item(lblSelUserID), Item(Label4), Item(cmbUserNames), Item(cmbUserIDs), Item(inpth1)}),
       Row({Item(lblbkip), Item(lblbkuppth, 1), Item(Label1), Item(Label2)}),
       Row({Item(chkOverwrite), Item(cmdQuickBackup, 1), Item(cmdbkupall, 1)}),

@@ -41,6 +41,8 @@ Form8::Form8(ProgramWindows& windows)
       session_(windows.session),
       windows_(windows) {
   for (Label* label : {&Label2, &lbllbl3, &Label1, &lbllbl1, &lbllbl2}) label->wraps = true;
+  cmbDefUserID.spokenName = "Default identity";
+  cmbStartAs.spokenName = "Identity to start as";
   // Two buttons make changes, so Enter presses neither.
   cmdClose.isDefault = true;
   cmdClose.isCancel = true;

@@ -1,5 +1,7 @@
 #include "ui/forms/program_windows.h"
 
+#include <initializer_list>
+
 namespace quillbox {
 
 void ProgramWindows::ReplaceMainWindow(Form& window) {
@@ -13,7 +15,7 @@ void ProgramWindows::ReturnToMainWindow(Form& window) {
 }
 
 void ProgramWindows::UnloadAll() {
-  for (Form* window : All()) window->Hide();
+  for (Form* window : std::initializer_list<Form*>{&form2, &form3, &form4, &form6, &form9, &form1}) window->Hide();
   quit();
 }
 

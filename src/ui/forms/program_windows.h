@@ -71,7 +71,7 @@ class ProgramWindows {
   void ReplaceMainWindow(Form& window);
   void ReturnToMainWindow(Form& window);
 
-  /// Hides every window and ends the program.
+  /// Hides the windows that may be open, the main window last, and ends the program, which closes any other.
   void UnloadAll();
   /// Ends the program; set by whoever runs the windows.
   std::function<void()> quit = [] {};

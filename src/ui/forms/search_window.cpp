@@ -72,6 +72,9 @@ Form2::Form2(ProgramWindows& windows)
       session_(windows.session),
       windows_(windows) {
   cboFileType.editable = true;
+  lvFiles.spokenName = "Files found";
+  cmbResIdentity.spokenName = "Identity to restore to";
+  IdentyPth.spokenName = "Folder to restore to";
   cmdSearch.isDefault = true;
   cmdCloseForm2.isCancel = true;
   cmdSearch.onClick = [this] { cmdSearch_Click(); };

@@ -1,12 +1,16 @@
 #include "ui/forms/select_address_books_window.h"
 
+#include <algorithm>
+
 #include "core/file_helpers.h"
 #include "core/refusal_message.h"
+#include "text/unicode.h"
 #include "ui/forms/program_windows.h"
 
 namespace quillbox {
 namespace {
 
+constexpr const char* kEmptySlots = "No address book is selected. Empty all four slots?";
 constexpr const char* kTooMany =
     "You have selected more than four WAB files. The last ones selected will not be added.";
 
@@ -24,7 +28,8 @@ Form9::Form9(ProgramWindows& windows)
       windows_(windows),
       book_(session_.platform, session_.store) {
   txtOutPath3.readOnly = true;  // the list shows this folder
-  cmdSelWABs.isDefault = true;
+  txtOutPath3.spokenName = "Folder of the address books";
+  lstFiles9.spokenName = "Address books in the folder";
   cndClose9.isCancel = true;
   cmdBrowse1.onClick = [this] { cmdBrowse1_Click(); };
   cmdSelWABs.onClick = [this] { cmdSelWABs_Click(); };
@@ -57,6 +62,8 @@ void Form9::getem(const DiskPath& folder) {
   if (!folder.IsUsable()) return ShowRefusal(session_.platform.GetDialogs(), folder.Refusal());
   std::vector<std::string> names = FileList(session_.platform.GetFiles(), folder.Path().Join("*.wab"));
   std::erase(names, "");
+  std::sort(names.begin(), names.end(),
+            [](const std::string& a, const std::string& b) { return UpperCase(a) < UpperCase(b); });
   lstFiles9.items = std::move(names);
 }
 
@@ -68,12 +75,22 @@ void Form9::cmdBrowse1_Click() {
   getem(chosen);
 }
 
+/// Asks where there is something to lose.
+bool Form9::MayEmptySlots() {
+  if (session_.Slots() == SlotNames()) return true;
+  return session_.platform.GetDialogs().Show({.text = kEmptySlots,
+                                              .buttons = MessageButtons::YesNo,
+                                              .icon = MessageIcon::Question,
+                                              .noIsDefault = true}) == MessageAnswer::Yes;
+}
+
 void Form9::cmdSelWABs_Click() {
   const std::vector<std::size_t>& selected = lstFiles9.selected;
   if (selected.size() > kSlotCount) {
     session_.platform.GetDialogs().Show({.text = kTooMany});
     return deselect();
   }
+  if (selected.empty() && !MayEmptySlots()) return;
   SlotFiles files;
   SlotNames names;
   for (std::size_t slot = 0; slot < selected.size(); ++slot) {

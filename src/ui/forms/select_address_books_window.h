@@ -33,6 +33,7 @@ class Form9 : public Form {
   /// Lists the address book files of a folder.
   void getem(const DiskPath& folder);
   void deselect() { lstFiles9.selected = std::vector<std::size_t>{}; }
+  bool MayEmptySlots();
   void cmdBrowse1_Click();
   void cmdSelWABs_Click();
   void cndClose9_Click();

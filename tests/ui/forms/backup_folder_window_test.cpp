@@ -69,6 +69,16 @@ TEST_F(Form3Test, ANewFolderIsMadeRightBehindThePathShown) {
   EXPECT_EQ(dialogs.inputs.front().prompt, "Enter folder name");
 }
 
+TEST_F(Form3Test, TheListsAreFreshAtEachOpening) {
+  Form3& form = OpenForm3();
+  form.close();
+  temp.File("disk/D/Backup/Later/x");
+  temp.File("disk/D/Backup/later.txt", "x");
+  windows->form1.menuBar.click("crtbkfldr2");
+  EXPECT_THAT(form.Dir1.items.Get(), Contains("    Later"));
+  EXPECT_THAT(form.File1.items.Get(), Contains("later.txt"));
+}
+
 TEST_F(Form3Test, WithoutABackupFolderItStartsAtC) {
   windows->form1.Open();
   windows->form1.menuBar.click("crtbkfldr2");

@@ -170,13 +170,16 @@ TEST_F(Form1Test, SwitchedOffItemsCannotBeChosen) {
   EXPECT_EQ(form.sb1.panels[0], "");
 }
 
-TEST_F(Form1Test, ClosingTheWindowEndsTheProgram) {
+TEST_F(Form1Test, ClosingTheWindowUnloadsTheOthersInOrderAndEndsTheProgram) {
   Form1& form = Start();
-  int quits = 0;
-  windows->quit = [&] { ++quits; };
+  std::vector<std::string> ends;
+  for (Form* window : windows->All()) {
+    window->Show();
+    window->onChanged = [&ends, window] { ends.push_back(window->Name()); };
+  }
+  windows->quit = [&] { ends.emplace_back("quit"); };
   form.close();
-  EXPECT_EQ(quits, 1);
-  EXPECT_FALSE(form.visible);
+  EXPECT_THAT(ends, ElementsAre("Form2", "Form3", "Form4", "Form6", "Form9", "Form1", "quit"));
 }
 
 TEST_F(Form1Test, AfterALoadThatStoppedNothingIsSelectedAndAllIsBackedUp) {
