@@ -9,8 +9,14 @@
 namespace quillbox {
 namespace {
 
-const char* Reason(PathFault fault) {
-  switch (fault) {
+std::string Root(const WinPath& path) {
+  return {path.Drive(), ':', '\\'};
+}
+
+std::string Reason(const PathRefusal& refusal) {
+  switch (refusal.fault) {
+    case PathFault::NotAttached:
+      return "drive " + Root(refusal.path).substr(0, 2) + " is not attached";
     case PathFault::NoSuchDrive:
       return "that Windows has no such drive";
     case PathFault::NotFull:
@@ -25,9 +31,17 @@ std::variant<WinPath, PathFault> Decide(Drives& drives, std::string text) {
   std::replace(text.begin(), text.end(), '/', '\\');
   const WinPath path(text);
   if (text.starts_with("\\\\")) return PathFault::OnNetwork;
-  if (path.Drive() != 0 && !drives.IsOwnDrive(path.Drive())) return PathFault::NoSuchDrive;
+  if (path.Drive() != 0 && !drives.IsOwnDrive(path.Drive())) {
+    const bool isMissing = drives.TypeOfDrive(WinPath(Root(path))) == DriveType::NoRoot;
+    return isMissing ? PathFault::NotAttached : PathFault::NoSuchDrive;
+  }
   if (!path.IsAbsolute()) return PathFault::NotFull;
   return Resolve(path, path);
+}
+
+DiskPath Offered(Drives& drives, WinPath path, RegistryValueName source) {
+  if (path.IsAbsolute()) drives.OfferToAttach(path);
+  return {drives, std::move(path), std::move(source)};
 }
 
 }  // namespace
@@ -38,7 +52,7 @@ std::string PathRefusal::Clause() const {
     const std::string value = source->value.empty() ? "the default value" : "the value \"" + source->value + "\"";
     words += ", which the disk's registry names in " + value + " of " + OneLine(FullName(source->key)) + ",";
   }
-  return words + " is not used: " + Reason(fault);
+  return words + " is not used: " + Reason(*this);
 }
 
 std::string PathRefusal::Sentence() const {
@@ -57,11 +71,11 @@ DiskPath::DiskPath(Drives& drives, WinPath path, std::optional<RegistryValueName
 }
 
 DiskPath CheckStoreFolder(Drives& drives, const std::string& userId, WinPath folder) {
-  return {drives, std::move(folder), RegistryValueName{CurrentUser(IdentitySettingsKey(userId)), "Store Root"}};
+  return Offered(drives, std::move(folder), {CurrentUser(IdentitySettingsKey(userId)), "Store Root"});
 }
 
 DiskPath CheckAddressBook(Drives& drives, WinPath file, const std::string& value) {
-  return {drives, std::move(file), RegistryValueName{CurrentUser(kAddressBookKey), value}};
+  return Offered(drives, std::move(file), {CurrentUser(kAddressBookKey), value});
 }
 
 }  // namespace quillbox

@@ -14,7 +14,8 @@
 namespace quillbox {
 
 enum class PathFault {
-  NoSuchDrive,  ///< a drive of this computer, or one that is not there
+  NotAttached,  ///< a drive that is not there
+  NoSuchDrive,  ///< a drive of this computer
   NotFull,      ///< it would depend on the current directory
   OnNetwork,    ///< a share of another computer
 };
@@ -56,6 +57,8 @@ class DiskPath {
   WinPath stored_;
   std::variant<WinPath, PathRefusal> result_;
 };
+
+// For a path that a command is about to use. Where its drive is not there, the user can name it first.
 
 /// The message store folder `folder` of an identity, as ReadStoreFolder gives it.
 DiskPath CheckStoreFolder(Drives& drives, const std::string& userId, WinPath folder);

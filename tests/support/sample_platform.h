@@ -86,6 +86,9 @@ class SamplePlatform : public ::testing::Test {
     options.profile = sample.profile;
     options.drives = {{'D', sample.driveD}};
     options.stateFolder = temp / "state";
+    options.driveNamed = [this](char letter, const std::filesystem::path& folder) {
+      named.push_back(std::string(1, letter) + "=" + folder.string());
+    };
     options.registryEditor = QUILLBOX_BIN_DIR "/regedit";
     platform = std::make_unique<RecordingPlatform>(options, dialogs);
     store = std::make_unique<RegistryStore>(*platform);
@@ -104,6 +107,7 @@ class SamplePlatform : public ::testing::Test {
   TempFolder temp;
   ScriptedDialogs dialogs;
   SampleDisk sample;
+  std::vector<std::string> named;  ///< drives, on the spot
   std::unique_ptr<RecordingPlatform> platform;
   std::unique_ptr<RegistryStore> store;
 };

@@ -44,6 +44,15 @@ DriveMap::DriveMap(const fs::path& cFolder, const std::map<char, fs::path>& more
   bounds_ = std::make_shared<const DiskBounds>(std::move(ofTheDisk));
 }
 
+void DriveMap::Add(char letter, const fs::path& folder) {
+  std::map<char, fs::path> folders;
+  for (const auto& [other, drive] : drives_) folders.emplace(other, drive.folder.folder);
+  folders[letter] = folder;
+  DriveMap more(folders.at(kSystemDrive), folders);
+  more.leftAlone_ = leftAlone_;
+  *this = std::move(more);
+}
+
 const fs::path* DriveMap::FolderOf(char letter) const {
   const auto drive = drives_.find(letter);
   return drive == drives_.end() ? nullptr : &drive->second.folder.folder;

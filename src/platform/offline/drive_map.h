@@ -21,6 +21,9 @@ class DriveMap {
   /// folder for it.
   explicit DriveMap(const std::filesystem::path& cFolder, const std::map<char, std::filesystem::path>& more = {});
 
+  /// One more drive of the disk, or another folder for one. Places that were found before stay what they are.
+  void Add(char letter, const std::filesystem::path& folder);
+
   /// The host folder of a drive, or null when there is no such drive. Letters in upper case.
   const std::filesystem::path* FolderOf(char letter) const;
   /// True for the drive that is the host's own root.

@@ -55,6 +55,11 @@ bool OfflineDrives::IsOwnDrive(char letter) {
   return map_.FolderOf(upper) != nullptr && !map_.IsHostDrive(upper);
 }
 
+void OfflineDrives::OfferToAttach(const WinPath& path) {
+  if (path.Drive() == 0 || map_.FolderOf(path.Drive()) != nullptr || !askForFolder) return;
+  if (const std::optional<fs::path> folder = askForFolder(path)) map_.Add(path.Drive(), *folder);
+}
+
 std::optional<std::string> OfflineDrives::VolumeLabel(const WinPath& root) {
   const fs::path* folder = map_.FolderOf(root.Drive());
   if (folder == nullptr || !IsHostFolder(*folder)) return std::nullopt;

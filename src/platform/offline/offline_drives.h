@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -21,6 +22,9 @@ class OfflineDrives : public Drives, public HostPaths {
   const DriveMap& Map() const { return map_; }
   /// From now on nothing is written on the disk's own drives: what the user asks for is refused with that reason.
   void LeaveDiskAlone() { map_.LeaveDiskAlone(); }
+  /// Asks for the folder of a drive that is not there, for OfferToAttach(); nothing when there is none.
+  std::function<std::optional<std::filesystem::path>(const WinPath& path)> askForFolder;
+
   /// `path` made absolute with the current drive and directories.
   WinPath Absolute(const WinPath& path) const;
   /// Where `path` is on the host, whether it exists or not; why not, when it is not on a known drive or leads out of
@@ -31,6 +35,7 @@ class OfflineDrives : public Drives, public HostPaths {
 
   DriveType TypeOfDrive(const WinPath& root) override;
   bool IsOwnDrive(char letter) override;
+  void OfferToAttach(const WinPath& path) override;
   std::optional<std::string> VolumeLabel(const WinPath& root) override;
   Status SetCurrentDrive(char letter) override;
   Status SetCurrentDirectory(const WinPath& path) override;

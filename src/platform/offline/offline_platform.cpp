@@ -20,6 +20,7 @@ namespace {
 constexpr const char* kSoftware = "SOFTWARE";
 constexpr const char* kSystem = "SYSTEM";
 constexpr const char* kSalvageOption = "--salvage";
+constexpr const char* kDriveOption = "--drive";
 const RegistryPath kCodePages = {RegistryRoot::LocalMachine, "SYSTEM\\CurrentControlSet\\Control\\Nls\\CodePage"};
 
 const std::map<char, fs::path>& Checked(const std::map<char, fs::path>& drives) {
@@ -43,6 +44,10 @@ std::optional<DiskLock> LockDisk(const WindowsDisk& disk, const ProfileFolder& p
   return DiskLock(folders, options.lockFds, log);
 }
 
+std::string DriveArgument(char letter, const fs::path& folder) {
+  return std::string(1, letter) + "=" + fs::absolute(folder).string();
+}
+
 RegistryEditor EditorFor(const WindowsDisk& disk, const ProfileFolder& profile, const OfflineOptions& options,
                          const std::optional<DiskLock>& lock) {
   RegistryEditor editor;
@@ -51,9 +56,7 @@ RegistryEditor EditorFor(const WindowsDisk& disk, const ProfileFolder& profile, 
   const auto add = [&](const char* option, std::string value) {
     editor.diskArguments.insert(editor.diskArguments.end(), {option, std::move(value)});
   };
-  for (const auto& [letter, folder] : options.drives) {
-    add("--drive", std::string(1, letter) + "=" + fs::absolute(folder).string());
-  }
+  for (const auto& [letter, folder] : options.drives) add(kDriveOption, DriveArgument(letter, folder));
   if (!options.stateFolder.empty()) add("--state-folder", fs::absolute(options.stateFolder).string());
   if (lock) editor.lockFds = lock->Descriptors();
   return editor;
@@ -71,11 +74,13 @@ OfflinePlatform::OfflinePlatform(const OfflineOptions& options, Dialogs& dialogs
       profile_(ChooseProfile(disk_, options.profile)),
       lock_(LockDisk(disk_, profile_, options, log_)),
       drives_(DriveMap(disk_.folder, options.drives)),
+      missingDrives_(dialogs, drives_),
       files_(drives_),
       registry_(clock_, files_, log_),
       chosenFolders_(stateFolder_, {disk_.folder, profile_.name}, drives_, registry_),
       shell_(files_, facts_, dialogs_, log_),
       processes_(registry_, drives_, log_, EditorFor(disk_, profile_, options, lock_)) {
+  AskForMissingDrives(options);
   MountHives(options.readOnly ? HiveMode::Read : HiveMode::Write);
   facts_ =
       RegistryFacts(ReadEnvironment(registry_, {disk_.windowsPath, profile_.winFolder, profile_.name}), FindCodePage());
@@ -96,6 +101,15 @@ OfflinePlatform::~OfflinePlatform() {
   } catch (const std::exception& failure) {
     log_.Write(std::string("the last changes of the registry were not written: ") + failure.what());
   }
+}
+
+void OfflinePlatform::AskForMissingDrives(const OfflineOptions& options) {
+  drives_.askForFolder = [this](const WinPath& path) { return missingDrives_.FolderFor(path); };
+  missingDrives_.onNamed = [this, named = options.driveNamed](char letter, const fs::path& folder) {
+    processes_.PassOn(kDriveOption);
+    processes_.PassOn(DriveArgument(letter, folder));
+    if (named) named(letter, folder);
+  };
 }
 
 HiveConsent OfflinePlatform::ConsentFor(const HostPlace& hive, std::string registry) {
@@ -189,6 +203,7 @@ unsigned OfflinePlatform::FindCodePage() {
 void OfflinePlatform::EndCommand() {
   shell_.EndCommand();
   files_.EndCommand();
+  missingDrives_.EndCommand();
   registry_.Commit();
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <initializer_list>
 #include <map>
 #include <memory>
@@ -14,6 +15,7 @@
 #include "platform/offline/folder_memory.h"
 #include "platform/offline/hive_file.h"
 #include "platform/offline/log.h"
+#include "platform/offline/missing_drives.h"
 #include "platform/offline/offline_drives.h"
 #include "platform/offline/offline_files.h"
 #include "platform/offline/offline_processes.h"
@@ -42,6 +44,8 @@ struct OfflineOptions {
   std::filesystem::path registryEditor = {};          ///< empty for the one beside the running program
   bool readOnly = false;                              ///< changes nothing, and needs no lock
   Salvage salvage = Salvage::Ask;
+  /// Called when the user has named a drive that the disk's registry asked for.
+  std::function<void(char letter, const std::filesystem::path& folder)> driveNamed = {};
 };
 
 class OfflinePlatform : public Platform {
@@ -77,6 +81,7 @@ class OfflinePlatform : public Platform {
   bool UsesPrivateCopy() const;
 
  private:
+  void AskForMissingDrives(const OfflineOptions& options);
   void FinishInterrupted();
   void MountHives(HiveMode mode);
   void MountMachineHive(const std::optional<FoundHive>& file, const char* name, HiveMode mode);
@@ -102,6 +107,7 @@ class OfflinePlatform : public Platform {
   std::vector<std::unique_ptr<HiveFile>> hives_;
   RegistryFacts facts_;
   OfflineDrives drives_;
+  MissingDrives missingDrives_;
   OfflineFiles files_;
   OfflineRegistry registry_;
   FolderMemory chosenFolders_;

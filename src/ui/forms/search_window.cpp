@@ -128,6 +128,14 @@ void Form2::gdrive() {
   EnableSearch();
 }
 
+/// Offers a drive that was attached since the list was filled. The one that was chosen stays so.
+void Form2::ShowNewDrives() {
+  if (ListDrives(session_.platform.GetDrives()).items == drives_.items) return;
+  const std::string chosen = cboDrives.text;
+  gdrive();
+  cboDrives.text = chosen;
+}
+
 void Form2::EnableSearch() {
   cmdSearch.enabled = !Trim(cboFileType.text.Get()).empty();
 }
@@ -162,6 +170,7 @@ void Form2::Open() {
   if (!loaded_) Form_Load();
   txtbackupPath.caption = session_.backupFolder.Text();
   ShowIdentities();
+  ShowNewDrives();
   Show();
 }
 
@@ -278,6 +287,7 @@ void Form2::resDBXFiles_Click() {
          .icon = MessageIcon::Exclamation});
     return;
   }
+  ShowNewDrives();
   CopyChecked(target.Path());
   sb2.panels[0] = "Restore Complete";
 }

@@ -69,6 +69,7 @@ class Form2 : public Form {
   void Unload();
   void EnableSearch();
   void ShowIdentities();
+  void ShowNewDrives();
   void ClearStatus();
   void SearchIn(const std::vector<WinPath>& roots);
   void GetFiles(const WinPath& path, const std::string& pattern, SearchReport& report, Progress& progress);
