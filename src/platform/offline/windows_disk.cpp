@@ -5,6 +5,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "platform/offline/disk_image.h"
 #include "platform/offline/drive_map.h"
 #include "platform/offline/folder_finder.h"
 #include "platform/offline/hive_file.h"
@@ -193,7 +194,10 @@ WindowsDisk FindWindowsDisk(const fs::path& given, const std::map<char, fs::path
   const fs::file_status status = fs::status(given, code);
   if (!fs::exists(status))
     Fail(given, status.type() == fs::file_type::none ? SystemReason(code.value()) : "there is no such folder");
-  if (!fs::is_directory(status)) Fail(given, "it is a file, not a folder");
+  if (!fs::is_directory(status)) {
+    const std::optional<MountAdvice> advice = AdviceOnMounting(given);
+    Fail(given, advice ? advice->Clause() : "it is a file, not a folder");
+  }
 
   WindowsDisk disk;
   disk.folder = fs::canonical(given);
@@ -225,6 +229,28 @@ WindowsDisk FindWindowsDisk(const fs::path& given, const std::map<char, fs::path
     Fail(disk.folder, fault + refused);
   }
   return disk;
+}
+
+std::vector<WindowsDisk> FindDisksNear(const fs::path& folder) {
+  std::error_code code;
+  const fs::path given = fs::canonical(folder, code);
+  if (code || !fs::is_directory(given, code)) return {};
+  std::vector<fs::path> candidates;
+  if (const fs::path around = DiskAround(given); !around.empty()) {
+    candidates.push_back(around);
+  } else {
+    for (const NamedFolder& child : FoldersIn({HostPlace::Anywhere(given), WinPath("C:\\")})) {
+      candidates.push_back(child.place.Path());
+    }
+  }
+  std::vector<WindowsDisk> disks;
+  for (const fs::path& candidate : candidates) {
+    try {
+      disks.push_back(FindWindowsDisk(candidate));
+    } catch (const Error&) {  // NOLINT(bugprone-empty-catch): not a disk
+    }
+  }
+  return disks;
 }
 
 const ProfileFolder& ChooseProfile(const WindowsDisk& disk, const std::string& name) {

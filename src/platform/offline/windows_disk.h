@@ -51,6 +51,9 @@ struct WindowsDisk {
 WindowsDisk FindWindowsDisk(const std::filesystem::path& folder,
                             const std::map<char, std::filesystem::path>& drives = {});
 
+/// The disks that someone who chose `folder` may have meant: the one that it is a part of, or those in its folders.
+std::vector<WindowsDisk> FindDisksNear(const std::filesystem::path& folder);
+
 /// The profile called `name` (without regard to case), or the only one when `name` is empty. Throws Error, which lists
 /// the profiles, when there is none or more than one.
 const ProfileFolder& ChooseProfile(const WindowsDisk& disk, const std::string& name);

@@ -8,10 +8,17 @@
 namespace quillbox {
 namespace {
 
+using testing::ElementsAre;
 using testing::HasSubstr;
 
 std::string WhyNot(const std::filesystem::path& folder) {
   return FaultOf([&] { FindWindowsDisk(folder); });
+}
+
+std::vector<std::filesystem::path> Near(const std::filesystem::path& folder) {
+  std::vector<std::filesystem::path> folders;
+  for (const WindowsDisk& disk : FindDisksNear(folder)) folders.push_back(disk.folder);
+  return folders;
 }
 
 TEST(WindowsDisk, FindsThePeopleWhereverWindowsKeptThem) {
@@ -55,7 +62,13 @@ TEST(WindowsDisk, SaysWhatIsWrongWithAFolder) {
   temp.File("xp/Documents and Settings/Anna/NTUSER.DAT");
   for (const char* part : {"xp/windows", "xp/Documents and Settings", "xp/Documents and Settings/Anna"}) {
     EXPECT_THAT(WhyNot(temp / part), HasSubstr("choose the disk itself, " + (temp / "xp").string())) << part;
+    EXPECT_THAT(Near(temp / part), ElementsAre(temp / "xp")) << part;
   }
+  temp.File("image", std::string("\xEB\x52\x90NTFS    ") + std::string(600, '\0'));
+  EXPECT_THAT(WhyNot(temp / "image"), HasSubstr("mount it with \"sudo mount -o ro,loop '" + (temp / "image").string()));
+  temp.File("other/Users/Ben/NTUSER.DAT");
+  EXPECT_THAT(Near(temp.Path()), ElementsAre(temp / "98", temp / "other", temp / "xp")) << "one level too high";
+  EXPECT_THAT(Near(temp / "none"), ElementsAre());
 }
 
 TEST(WindowsDisk, OneOfSeveralProfilesHasToBeNamed) {
