@@ -28,7 +28,6 @@ TEST(GeneralDateTest, PicturesAreFilled) {
 using GeneralDateOnDisk = SamplePlatform;
 
 TEST_F(GeneralDateOnDisk, ThePersonsStyleIsUsed) {
-  MakeDisk();
   const Key key = store->CreateKey(CurrentUser("Control Panel\\International"));
   store->SetValueEx(key, "sShortDate", ValueType::Sz, "yyyy-MM-dd");
   store->SetValueEx(key, "sTimeFormat", ValueType::Sz, "");

@@ -1,9 +1,6 @@
 // The offline platform on a small sample disk in a temporary folder, with what it would show, start or open recorded.
 #pragma once
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <memory>
 #include <string>
@@ -13,6 +10,7 @@
 #include "core/registry_store.h"
 #include "platform/offline/offline_platform.h"
 #include "sample/sample_disk.h"
+#include "support/matchers.h"
 #include "support/scripted_dialogs.h"
 #include "support/temp_folder.h"
 #include "support/test_log.h"
@@ -72,8 +70,9 @@ struct RecordingPlatform : OfflinePlatform {
 
 class SamplePlatform : public ::testing::Test {
  protected:
-  void MakeDisk(const SampleOptions& options = {.smallStores = true}) {
-    sample = MakeSampleDisk(temp / "disk", options);
+  void SetUp() override { MakeDisk(); }
+  void MakeDisk() {
+    sample = MakeSampleDisk(temp / "disk", {.smallStores = true});
     OpenDisk();
   }
 

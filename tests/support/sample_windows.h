@@ -16,8 +16,6 @@ class SampleWindows : public SamplePlatform {
   /// What the status bar says of "comp.lang.c++.dbx" in the first identity's store.
   static constexpr const char* kLeftOut = "1 file left out (full stop in its name)";
 
-  void SetUp() override { MakeDisk(); }
-
   void OpenDisk() override {
     windows.reset();
     SamplePlatform::OpenDisk();
@@ -37,9 +35,7 @@ class SampleWindows : public SamplePlatform {
     Store().SetKeyValue(kIdentitiesKey, "Quillbox", folder, ValueType::Sz);
   }
   std::filesystem::path BackupFolderOnHost() const { return sample.driveD / "Backup"; }
-  std::filesystem::path OnHost(const std::string& path) {
-    return platform->GetDrives().HostPath(WinPath(path));
-  }
+  std::filesystem::path OnHost(const std::string& path) { return platform->GetDrives().HostPath(WinPath(path)); }
   const std::vector<IdentityInfo>& Identities() { return windows->session.Catalogue().identities; }
   void SetUsername(const std::string& userId, const std::string& username) {
     Store().SetKeyValue(IdentityKey(userId), "Username", username, ValueType::Sz);

@@ -1,7 +1,7 @@
 // A hive on a disk of the test's own, and the small services that the offline platform asks for.
 #pragma once
 
-#include <gtest/gtest.h>
+#include "support/matchers.h"
 
 #include <filesystem>
 #include <string>
@@ -77,18 +77,5 @@ struct TwoDrives {
   OfflineDrives drives{DriveMap(c, {{'D', d}})};
   OfflineFiles files{drives};
 };
-
-/// What `act` is refused with; "(done)" when it went through.
-template <class Act>
-std::string FaultOf(const Act& act) {
-  try {
-    act();
-  } catch (const Error& error) {
-    return Describe(error);
-  } catch (const std::system_error& error) {
-    return ReasonOf(error.code());
-  }
-  return "(done)";
-}
 
 }  // namespace quillbox
