@@ -10,6 +10,7 @@
 #include "core/registry_store.h"
 #include "platform/offline/offline_platform.h"
 #include "sample/sample_disk.h"
+#include "support/faulty_copy_io.h"
 #include "support/matchers.h"
 #include "support/scripted_dialogs.h"
 #include "support/temp_folder.h"
@@ -47,10 +48,13 @@ struct RecordingShell : Shell {
 
 struct RecordingPlatform : OfflinePlatform {
   using OfflinePlatform::OfflinePlatform;
-  /// From now on copies are made with `io`, which may fail.
-  void CopyWith(std::unique_ptr<CopyIo> io) {
+  /// From now on copies have the faults that are set in what this returns.
+  FaultyCopyIo& CopyWithFaults() {
+    auto io = std::make_unique<FaultyCopyIo>();
+    FaultyCopyIo& faults = *io;
     faultyShell = std::make_unique<OfflineShell>(GetFiles(), GetSystemFacts(), GetDialogs(), log, "", std::move(io));
     shell.inner = faultyShell.get();
+    return faults;
   }
   Shell& GetShell() override { return shell; }
   Processes& GetProcesses() override { return processes; }

@@ -7,12 +7,6 @@
 namespace quillbox {
 namespace {
 
-using ::testing::AllOf;
-using ::testing::Contains;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::Not;
-
 class IdentityWindowsTest : public SampleWindows {
  protected:
   /// Starts the program and opens a window by its menu item.

@@ -1,12 +1,11 @@
-#include "support/file_size_limit.h"
+#include <sys/resource.h>
+
+#include <csignal>
+
 #include "support/sample_windows.h"
 
 namespace quillbox {
 namespace {
-
-using ::testing::AllOf;
-using ::testing::HasSubstr;
-using ::testing::StartsWith;
 
 /// The menu items of one row; "*" stands for the {USER_ID}. The signatures, a hive file here, have no command.
 struct Item {
@@ -26,6 +25,26 @@ const Item kItems[] = {
     {RegistryItem::Accounts, "regIAM", "resIAM",
      "  \"HKEY_CURRENT_USER\\SOFTWARE\\Microsoft\\Internet Account Manager\\Accounts\""},
     {RegistryItem::Signatures, "sigs", "resSigs", ""},
+};
+
+/// A full disk: writes beyond a size fail while an object of this class lives.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) : signal_(std::signal(SIGXFSZ, SIG_IGN)) {
+    getrlimit(RLIMIT_FSIZE, &before_);
+    const rlimit limited = {bytes, before_.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limited);
+  }
+  ~FileSizeLimit() {
+    setrlimit(RLIMIT_FSIZE, &before_);
+    std::signal(SIGXFSZ, signal_);
+  }
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+ private:
+  void (*signal_)(int);
+  rlimit before_ = {};
 };
 
 class RegistryItemsTest : public SampleWindows {
@@ -127,12 +146,14 @@ TEST_F(RegistryItemsTest, TheKindOfWindowsChoosesTheFormAndTheNameOfSignatures) 
   const std::string windows98 = "Software\\Microsoft\\Windows\\CurrentVersion";
   Store().CreateKey({RegistryRoot::LocalMachine, windows98});
   Store().SetKeyValue2(windows98, "ProductName", "Microsoft Windows 98", ValueType::Sz);
+  EXPECT_EQ(signatures(), "Signatures.reg regedit /s /e:A ") << "of two names that of Windows NT counts";
   Store().DeleteKey(nt);
   EXPECT_EQ(signatures(), "Signatures.reg regedit /s /e ");
+  Store().DeleteKey({RegistryRoot::LocalMachine, windows98});
+  EXPECT_EQ(signatures(), "Signatures.reg regedit /s /e ") << "without any the last one that was known";
 
   // Started anew on a registry that does not say which Windows it is: nothing is exported, and all items but one say
   // that they are done.
-  Store().DeleteKey({RegistryRoot::LocalMachine, windows98});
   platform->EndCommand();
   OpenDisk();
   form = &Start();
@@ -173,20 +194,17 @@ TEST_F(RegistryItemsTest, FilesThatCannotBeMergedAreToldAndDamageNothing) {
   Save("msgRules", file);
   const std::string good = temp.Read("disk/D/Backup/item.reg");
   const RegistrySnapshot before = Snapshot();
-  const struct {
-    std::string content, told;
-  } files[] = {
-      {"not a registry file", "this is not a registry file"},
+  const std::pair<std::string, std::string> files[] = {
       {std::string("\0\1\2\xFF", 4), "this is not a registry file"},
       {good.substr(0, good.rfind('=') + 2), "line "},
       {"REGEDIT4\r\n\r\n[HKEY_USERS\\S-1\\Identities]\r\n\"x\"=\"y\"\r\n", "line 3: \"HKEY_USERS\\S-1\\Identities\""},
   };
-  for (const auto& bad : files) {
+  for (const auto& [content, told] : files) {
     dialogs.messages.clear();
-    temp.File("disk/D/Backup/item.reg", bad.content);
+    temp.File("disk/D/Backup/item.reg", content);
     Restore("resMsgRules", file);
-    ASSERT_EQ(dialogs.messages.size(), 1u) << bad.told;
-    EXPECT_THAT(dialogs.LastMessage(), AllOf(HasSubstr("D:\\Backup\\item.reg"), HasSubstr(bad.told)));
+    ASSERT_EQ(dialogs.messages.size(), 1u) << told;
+    EXPECT_THAT(dialogs.LastMessage(), AllOf(HasSubstr("D:\\Backup\\item.reg"), HasSubstr(told)));
     EXPECT_EQ(form->sb1.panels[0], "Message Rules Import Complete");
     EXPECT_EQ(Snapshot(), before);
   }

@@ -1,17 +1,203 @@
-#include "support/faulty_copy_io.h"
-#include "support/file_size_limit.h"
+// Backups and restores by the main window's buttons: of the selected identity, of all identities, of all there is.
 #include "support/sample_ids.h"
 #include "support/sample_windows.h"
 
 namespace quillbox {
 namespace {
 
-using ::testing::AllOf;
-using ::testing::Contains;
-using ::testing::EndsWith;
-using ::testing::HasSubstr;
-using ::testing::Not;
-using ::testing::StartsWith;
+class QuickBackupTest : public SampleWindows {
+ protected:
+  Form1& StartOn(const std::string& username) {
+    Form1& form = Start();
+    form.cmbUserNames.pick(username);
+    return form;
+  }
+  std::filesystem::path StoreOnHost() { return OnHost(windows->form1.Text1.text); }
+  void Rename(const std::string& username) {
+    SetUsername(windows->form1.Label6.caption, username);
+    windows->session.GetInputPaths();
+    windows->form1.cmbUserNames.pick(username);
+  }
+  /// The files that a quick backup of the selected identity copies.
+  std::vector<std::string> Copies() {
+    std::vector<std::string> names = Names(StoreOnHost());
+    std::erase_if(names, [](const std::string& name) {
+      return !name.ends_with(".dbx") || name == "Pop3uidl.dbx" || name.find('.') != name.size() - 4;
+    });
+    names.push_back("Ann Miller.wab");
+    return names;
+  }
+  /// "0 of 12 files copied: REASON; 1 file left out ...".
+  std::string Copied(std::size_t count, const char* reason) {
+    return std::to_string(count) + " of " + std::to_string(Copies().size()) + " files copied: " + reason + "; " +
+           kLeftOut;
+  }
+  /// Nothing but the backup folder itself may have come to be.
+  void ExpectNoBackup() { EXPECT_TRUE(Names(BackupFolderOnHost()).empty()); }
+};
+
+TEST_F(QuickBackupTest, TheFolderHoldsExactlyWhatBelongsToTheIdentity) {
+  Form1& form = StartOn("Main Identity");
+  form.cmdQuickBackup.click();
+  EXPECT_EQ(form.sb1.panels[0], "Backup Complete");
+  EXPECT_EQ(form.sb1.panels[1], kLeftOut);
+  EXPECT_THAT(platform->log.Text(), HasSubstr("comp.lang.c++.dbx: its name has a full stop"));
+  EXPECT_EQ(form.cmdQuickBackup.caption, "QuickBackup --- Backup The Selected Identity Now");
+  EXPECT_EQ(form.pointer, Pointer::Normal);
+  EXPECT_TRUE(dialogs.messages.empty());
+
+  std::vector<std::string> expected = Copies();
+  for (const char* file : {"HKLMOutlookExpress.reg", "IAM.reg", "Main Identity.reg", "WAB.reg"}) {
+    expected.emplace_back(file);
+  }
+  const auto folder = BackupFolderOnHost() / "Main Identity";
+  EXPECT_THAT(Names(folder), UnorderedElementsAreArray(expected));
+  EXPECT_EQ(Content(folder / "Inbox.dbx"), Content(StoreOnHost() / "Inbox.dbx"));
+  EXPECT_EQ(std::filesystem::last_write_time(folder / "Inbox.dbx"),
+            std::filesystem::last_write_time(StoreOnHost() / "Inbox.dbx"));
+  EXPECT_THAT(Content(folder / "Main Identity.reg"),
+              HasSubstr("REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Identities\\" + form.Label6.caption.Get() + "]\r\n"));
+  EXPECT_THAT(Content(folder / "IAM.reg"), HasSubstr("\"Account Name\"="));
+  EXPECT_EQ(platform->GetDrives().CurrentDirectory().Text(), kBackup);
+  const std::string target = std::string(kBackup) + "\\Main Identity\\";
+  EXPECT_THAT(
+      platform->processes.commandLines,
+      ElementsAre("regedit /s /e:A \"" + target + "Main Identity.reg\"  HKEY_CURRENT_USER\\Identities\\" +
+                      form.Label6.caption.Get(),
+                  "regedit /s /e:A \"" + target + "WAB.reg\"  \"HKEY_CURRENT_USER\\Software\\Microsoft\\WAB\"",
+                  "regedit /s /e:A \"" + target +
+                      "HKLMOutlookExpress.reg\"  \"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Outlook Express\"",
+                  "regedit /s /e:A \"" + target +
+                      "IAM.reg\"  \"HKEY_CURRENT_USER\\SOFTWARE\\Microsoft\\Internet Account Manager\\Accounts\""));
+}
+
+TEST_F(QuickBackupTest, ExistingFilesAreReplacedOnlyWhenThePersonSaysSo) {
+  Form1& form = StartOn("Main Identity");
+  form.cmdQuickBackup.click();
+  const auto inbox = BackupFolderOnHost() / "Main Identity/Inbox.dbx";
+  const std::string original = Content(inbox);
+  std::ofstream(inbox) << "older";
+
+  dialogs.overwriteAnswers = {OverwriteAnswer::Cancel, OverwriteAnswer::Cancel};  // messages, address book
+  form.cmdQuickBackup.click();
+  EXPECT_EQ(Content(inbox), "older");
+  EXPECT_EQ(form.sb1.panels[0], "Backup Complete");
+  EXPECT_EQ(form.sb1.panels[1], Copied(0, "cancelled"));
+
+  form.chkOverwrite.click();
+  form.cmdQuickBackup.click();
+  EXPECT_EQ(Content(inbox), original);
+  EXPECT_EQ(dialogs.overwriteQuestions.size(), 2u);
+}
+
+TEST_F(QuickBackupTest, AnEmptyIdentityIsRefusedFirst) {
+  Form1& form = StartOn("Guest");
+  form.cmdQuickBackup.click();
+  EXPECT_EQ(dialogs.LastMessage(),
+            "This Identity is empty, there are no values to save. Please select another Identity.");
+  EXPECT_EQ(dialogs.messages.back().icon, MessageIcon::Exclamation);
+  ExpectNoBackup();
+  EXPECT_TRUE(platform->processes.commandLines.empty());
+}
+
+TEST_F(QuickBackupTest, AUsernameNeverLeavesTheBackupFolder) {
+  Form1& form = StartOn("Main Identity");
+  for (const char* username : {"..\\..\\x", "..", "CON", "a:b", "a/b", ""}) {
+    SCOPED_TRACE(username);
+    dialogs.messages.clear();
+    Rename(username);
+    form.cmdQuickBackup.click();
+    ASSERT_EQ(dialogs.messages.size(), 1u);
+    EXPECT_THAT(dialogs.LastMessage(), HasSubstr(std::string("The backup of \"") + username + "\" was not made"));
+    EXPECT_EQ(form.sb1.panels[0], "");
+    EXPECT_EQ(form.pointer, Pointer::Normal);
+  }
+  ExpectNoBackup();
+  EXPECT_TRUE(platform->processes.commandLines.empty());
+  EXPECT_FALSE(std::filesystem::exists(sample.driveD / "x"));
+}
+
+TEST_F(QuickBackupTest, AFolderThatCannotBeMadeIsNamedWithTheReason) {
+  Form1& form = StartOn("Main Identity");
+  temp.File("disk/D/Backup/Main Identity", "a file in the way");
+  form.cmdQuickBackup.click();
+  EXPECT_THAT(dialogs.LastMessage(), HasSubstr("D:\\Backup\\Main Identity"));
+  EXPECT_EQ(Content(BackupFolderOnHost() / "Main Identity"), "a file in the way");
+
+  std::filesystem::remove_all(BackupFolderOnHost());
+  form.cmdQuickBackup.click();
+  EXPECT_THAT(dialogs.LastMessage(), HasSubstr("\"D:\\Backup\" cannot be used because the folder does not exist"));
+}
+
+TEST_F(QuickBackupTest, AFullDiskIsOneQuestionAndSaidBesideTheCompletion) {
+  Form1& form = StartOn("Main Identity");
+  platform->CopyWithFaults().writeError = ENOSPC;
+  for (const MessageAnswer answer : {MessageAnswer::Yes, MessageAnswer::No}) {
+    dialogs.messages.clear();
+    dialogs.messageAnswers = {answer};
+    form.cmdQuickBackup.click();
+    EXPECT_EQ(dialogs.messages.size(), 1u);
+    EXPECT_EQ(form.sb1.panels[0], "Backup Complete");
+    EXPECT_EQ(form.sb1.panels[1], Copied(0, "the disk is full"));
+  }
+}
+
+TEST_F(QuickBackupTest, AStoreThatIsGoneIsToldAndTheRestBackedUp) {
+  Form1& form = StartOn("Main Identity");
+  std::filesystem::remove_all(StoreOnHost());
+  form.cmdQuickBackup.click();
+  EXPECT_THAT(dialogs.LastMessage(), HasSubstr("\"" + form.Text1.text.Get() + "\" does not exist"));
+  EXPECT_EQ(form.sb1.panels[1], "1 message store not copied");
+  EXPECT_EQ(Names(BackupFolderOnHost() / "Main Identity"),
+            (std::vector<std::string>{"Ann Miller.wab", "HKLMOutlookExpress.reg", "IAM.reg", "Main Identity.reg",
+                                      "WAB.reg"}));
+}
+
+TEST_F(QuickBackupTest, FilesOfTheHostThatADiskLinksToAreNeitherCopiedNorReplaced) {
+  temp.File("bashrc", "the person's own");
+  Form1& form = StartOn("Main Identity");
+  std::filesystem::remove(StoreOnHost() / "Inbox.dbx");
+  std::filesystem::create_symlink(temp / "bashrc", StoreOnHost() / "Inbox.dbx");
+  std::filesystem::create_directories(BackupFolderOnHost() / "Main Identity");
+  std::filesystem::create_symlink(temp / "bashrc", BackupFolderOnHost() / "Main Identity/WAB.reg");
+  const std::string messages = form.Text1.text;
+  dialogs.messageAnswers = {MessageAnswer::Yes};
+  form.cmdQuickBackup.click();
+  EXPECT_THAT(dialogs.Texts(),
+              Contains(HasSubstr("Cannot copy Inbox.dbx.\n\n" + messages + "\\Inbox.dbx: it leads out of the disk.")));
+  EXPECT_THAT(dialogs.Texts(),
+              Contains(HasSubstr(std::string(kBackup) + "\\Main Identity\\WAB.reg: it leads out of the disk")));
+  EXPECT_EQ(form.sb1.panels[1], Copied(Copies().size() - 1, "it leads out of the disk"));
+  EXPECT_EQ(Content(temp / "bashrc"), "the person's own");
+  EXPECT_THAT(Names(BackupFolderOnHost() / "Main Identity"), Not(Contains("Inbox.dbx")));
+  EXPECT_THAT(Names(BackupFolderOnHost() / "Main Identity"), Contains("Folders.dbx"));
+
+  const auto host = StoreOnHost();
+  std::filesystem::rename(host, temp / "store");
+  std::filesystem::create_directory_symlink(temp / "store", host);
+  form.chkOverwrite.click();
+  form.cmdQuickBackup.click();
+  EXPECT_THAT(dialogs.Texts(),
+              Contains("The messages of \"Main Identity\" cannot be copied: its message store folder \"" + messages +
+                       "\" cannot be used: it leads out of the disk. The rest of the backup goes on."));
+}
+
+TEST_F(QuickBackupTest, AnUnknownWindowsCopiesTheFilesAndExportsNothing) {
+  Store().DeleteKey({RegistryRoot::LocalMachine, "Software\\Microsoft\\Windows NT\\CurrentVersion"});
+  Form1& form = StartOn("Main Identity");
+  const std::string why =
+      "Registry backups are switched off because the registry does not say which Windows it is of: it has no "
+      "\"ProductName\" in HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows NT\\CurrentVersion or "
+      "HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows\\CurrentVersion. Files are backed up all the same.";
+  EXPECT_THAT(dialogs.Texts(), ElementsAre(why));
+  EXPECT_THAT(platform->log.Text(), HasSubstr(why));
+  form.menuBar.click("qbk");
+  EXPECT_EQ(form.sb1.panels[1], std::string(kLeftOut) + "; no registry keys exported");
+  EXPECT_TRUE(platform->processes.commandLines.empty());
+  EXPECT_THAT(Names(BackupFolderOnHost() / "Main Identity"), Contains("Inbox.dbx"));
+  EXPECT_THAT(Names(BackupFolderOnHost() / "Main Identity"), Not(Contains("IAM.reg")));
+  EXPECT_EQ(form.sb1.panels[0], "Backup Complete");
+}
 
 constexpr const char* kIamKey = "Software\\Microsoft\\Internet Account Manager\\Accounts";
 constexpr const char* kWabKey = "Software\\Microsoft\\WAB";
@@ -179,6 +365,7 @@ TEST_F(CompleteBackupTest, OnlyStoresWithAKnownPlaceAreRestored) {
   EXPECT_THAT(Names(StoreOf("Büro")), Contains("Inbox.dbx"));
   EXPECT_EQ(Names(BackupFolderOnHost() / "Guest"), std::vector<std::string>{"Inbox.dbx"});
   EXPECT_EQ(form->sb1.panels[0], "Restore Complete");
+  EXPECT_EQ(form->sb1.panels[1], "2 message stores not copied");
 }
 
 TEST_F(CompleteBackupTest, IdentitiesOfOneNameShareAFolderAndLoseNothingUnasked) {
@@ -218,41 +405,19 @@ TEST_F(CompleteBackupTest, CancelOfAQuestionEndsItsStepOnly) {
   EXPECT_EQ(FilesIn(BackupFolderOnHost() / "Büro").count("Inbox.dbx"), 1u);
 }
 
-TEST_F(CompleteBackupTest, TheTallyOfAllItsStepsFollowsThePrescribedCount) {
-  auto io = std::make_unique<FaultyCopyIo>();
-  io->createError = EROFS;
-  platform->CopyWith(std::move(io));
+TEST_F(CompleteBackupTest, WhatAllItsStepsCouldNotDoIsToldTogether) {
+  for (const char* inTheWay : {"AllIdentities.reg", "Büro/SignaturesWinXP.reg"}) {
+    temp.Folder(std::string("disk/D/Backup/") + inTheWay);
+  }
+  platform->CopyWithFaults().createError = EROFS;
   dialogs.messageAnswers = {MessageAnswer::Yes};
   form->cmdComplete.click();
-  EXPECT_EQ(dialogs.messages.size(), 1u) << "one question for the address book and all stores";
+  EXPECT_EQ(dialogs.messages.size(), 2u) << "one question for the address book and all stores, one message at the end";
+  EXPECT_THAT(dialogs.LastMessage(), AllOf(StartsWith("Not everything was done:"), HasSubstr("AllIdentities.reg"),
+                                           HasSubstr("SignaturesWinXP.reg")));
   EXPECT_EQ(form->sb1.panels[0], "Backup Complete");
   EXPECT_THAT(form->sb1.panels[1].Get(),
               AllOf(StartsWith("2 Identities Backed Up; 0 of "), HasSubstr(" files copied: the disk is read-only; ")));
-}
-
-TEST_F(CompleteBackupTest, AFullDiskLeavesTheEarlierBackupAndTheStores) {
-  form->cmdComplete.click();
-  form->chkOverwrite.click();
-  const Files saved = FilesIn(BackupFolderOnHost() / "Büro");
-  const std::string signatures = Content(BackupFolderOnHost() / "Büro/SignaturesWinXP.reg");
-  const auto messages = StoreOf("Büro");
-  const Files before = FilesIn(messages);
-  CancelAddressBookRestore();
-  {
-    const FileSizeLimit full(1024);
-    dialogs.overwriteAnswers = {OverwriteAnswer::No};  // the address book file
-    // The first file that is too large, here and in the restore.
-    dialogs.messageAnswers = {MessageAnswer::Yes, MessageAnswer::No};
-    form->cmdComplete.click();
-    EXPECT_THAT(dialogs.LastMessage(), AllOf(StartsWith("Not everything was done:"), HasSubstr("AllIdentities.reg"),
-                                             HasSubstr("SignaturesWinXP.reg")));
-    form->cmdRestore.click();
-  }
-  EXPECT_EQ(FilesIn(BackupFolderOnHost() / "Büro"), saved);
-  EXPECT_EQ(Content(BackupFolderOnHost() / "Büro/SignaturesWinXP.reg"), signatures);
-  EXPECT_EQ(FilesIn(messages), before);
-  EXPECT_EQ(form->sb1.panels[0], "Restore Complete");
-  EXPECT_THAT(form->sb1.panels[1].Get(), EndsWith(" files copied: File too large"));
 }
 
 }  // namespace
