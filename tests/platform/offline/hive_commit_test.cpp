@@ -1,7 +1,6 @@
 // Two hives that change in one command: both or none, whatever fails and whenever the program is killed.
 #include "platform/offline/hive_commit.h"
 
-#include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -11,16 +10,11 @@
 
 #include "platform/offline/offline_fixture.h"
 #include "support/host_calls.h"
-#include "text/error.h"
 
 namespace quillbox {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::AnyOf;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::MatchesRegex;
 using Values = std::pair<std::string, std::string>;
 
 const Values kBefore = {"old", "old"};
@@ -268,8 +262,8 @@ TEST_P(HiveRecord, WhatCannotBeMendedIsSaid) {
   MakeHiveFile(kMachine, "changed by Windows");
   Hive again = Hive::Load(ReadBytes(kMachine), "software");
   WriteBytes(kMachine, again.Image(kTestTime + 5));
-  EXPECT_THAT(Reopen(), ElementsAre(testing::AllOf(HasSubstr("config/software: a command was interrupted"),
-                                                   HasSubstr("Ann/NTUSER.DAT"))));
+  EXPECT_THAT(Reopen(),
+              ElementsAre(AllOf(HasSubstr("config/software: a command was interrupted"), HasSubstr("Ann/NTUSER.DAT"))));
   EXPECT_EQ(OnDisk(), Values("new", "changed by Windows"));
   EXPECT_THAT(Leftovers(), ElementsAre());
   EXPECT_TRUE(Reopen().empty()) << "said once";

@@ -1,7 +1,5 @@
 // A disk whose links lead to the host's own files: nothing there may be read, written, made or even listed.
 #include <fcntl.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
@@ -13,8 +11,6 @@ namespace quillbox {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 /// Runs with the kernel's openat2 and without it.
 struct HostileDiskTest : testing::TestWithParam<bool>, TwoDrives {
@@ -83,7 +79,7 @@ TEST_P(HostileDiskTest, FoldersOutsideAreNotListedEnteredOrFilled) {
   WalkStep step;
   const auto walk = files.Walk(WinPath("C:\\out"), "*");
   ASSERT_TRUE(walk->Step(step));
-  EXPECT_THAT(step.unread, testing::ElementsAre("C:\\out\\: it leads out of the disk"));
+  EXPECT_THAT(step.unread, ElementsAre("C:\\out\\: it leads out of the disk"));
   EXPECT_FALSE(walk->Step(step));
 }
 

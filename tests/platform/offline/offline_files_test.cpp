@@ -1,25 +1,28 @@
 #include "platform/offline/offline_files.h"
 
 #include <fcntl.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
 #include "offline_fixture.h"
+#include "platform/offline/environment.h"
 #include "platform/offline/folder_finder.h"
+#include "platform/offline/folder_memory.h"
 #include "platform/offline/host_file.h"
+#include "platform/offline/windows_names.h"
+#include "text/unicode.h"
 
 namespace quillbox {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::UnorderedElementsAre;
-
 struct OfflineFilesTest : testing::Test, TwoDrives {
+  const DriveMap map{c, {{'D', d}}};
+  /// Where a Windows path is on this computer.
+  std::string Below(const std::string& path) {
+    const PlaceResult place = map.PlaceOf(WinPath(path));
+    return place ? place->Path().lexically_relative(temp.Path()).string() : "(none)";
+  }
   std::vector<std::string> Names(const std::string& pattern) { return Names(files.Find(WinPath(pattern))); }
   static std::vector<std::string> Names(const std::unique_ptr<FileFinder>& finder) {
     std::vector<std::string> names;
@@ -58,7 +61,6 @@ TEST_F(OfflineFilesTest, TellsSizeTimeAndWhatALinkLeadsTo) {
   EXPECT_EQ(entry->name, "a.dbx");
   EXPECT_EQ(entry->size, 5u);
   EXPECT_EQ(entry->modified, 126'444'736'000'000'007u);
-  EXPECT_TRUE(files.Stat(WinPath("C:\\to-d"))->isDirectory);
   const FolderFinder::Options namesOnly = {.isRoot = true, .namesOnly = true};
   EXPECT_THAT(Names(std::make_unique<FolderFinder>(HostPlace::Anywhere(c), "*", namesOnly)),
               UnorderedElementsAre("a.dbx", "to-d\\", "dangling"));
@@ -86,8 +88,8 @@ TEST_F(OfflineFilesTest, EachDriveHasACurrentDirectoryOfItsOwn) {
   EXPECT_EQ(drives.SetCurrentDirectory(WinPath("d:\\Backup")), Status::Success);
   EXPECT_EQ(drives.CurrentDirectory().Text(), "c:\\Mail") << "the drive stays";
   EXPECT_EQ(drives.SetCurrentDrive('d'), Status::Success);
-  EXPECT_THAT(Names("*"), testing::Contains("y"));
-  EXPECT_THAT(Names("C:*"), testing::Contains("x"));
+  EXPECT_THAT(Names("*"), Contains("y"));
+  EXPECT_THAT(Names("C:*"), Contains("x"));
   EXPECT_TRUE(files.Stat(WinPath("..\\BACKUP\\y")).has_value());
   for (const char* missing : {"", "nowhere", "y", "E:\\", "Q:"}) {
     EXPECT_EQ(drives.SetCurrentDirectory(WinPath(missing)), Status::PathNotFound) << missing;
@@ -147,13 +149,165 @@ TEST_F(OfflineFilesTest, ADeviceOfTheHostIsWrittenToAndNeverReplaced) {
   EXPECT_THROW(NewFile(HostPlace::Anywhere(temp / "null")), std::system_error);
 }
 
-TEST_F(OfflineFilesTest, KnowsItsDrives) {
-  EXPECT_EQ(drives.TypeOfDrive(WinPath("c:\\")), DriveType::Fixed);
-  EXPECT_EQ(drives.TypeOfDrive(WinPath("D:\\")), DriveType::Fixed);
-  EXPECT_EQ(drives.TypeOfDrive(WinPath("Z:\\")), DriveType::Remote);
-  EXPECT_EQ(drives.TypeOfDrive(WinPath("E:\\")), DriveType::NoRoot);
-  EXPECT_EQ(drives.VolumeLabel(WinPath("C:\\")), "") << "no volume is mounted on the folder";
-  EXPECT_EQ(drives.VolumeLabel(WinPath("E:\\")), std::nullopt);
+TEST(WindowsName, NamesThatWindowsCannotHoldSurviveBothWays) {
+  const std::string names[] = {"plain.dbx",        "a:b?c\"<>|*\\d",   "tab\there",
+                               "ends with blank ", "ends.with.stop.",  "...",
+                               "\xE4\xF6\xFC",     "cut\xE2\x82",      "\xED\xA0\x80",
+                               "\xC0\xAF",         "\xF4\x90\x80\x80", "\xE2\x82\xAC\xFF\xF0\x9F\x98\x80",
+                               ".hidden"};
+  for (const std::string& name : names) {
+    const std::string shown = WindowsName(name);
+    EXPECT_FALSE(FileNameFault(shown)) << name;
+    EXPECT_EQ(HostName(shown), name);
+  }
+  EXPECT_EQ(WindowsName("a:b"),
+            "a\xEF\x80\xBA"
+            "b");
+  EXPECT_EQ(ToUtf16(WindowsName("x\xFF")), (std::u16string{u'x', 0xDCFF}));
+}
+
+TEST(WindowsName, NoNameLeavesItsFolder) {
+  const std::string stop = "\xEF\x80\xAE";
+  for (const std::string& name : {stop, "." + stop, std::string("\xEF\x80\xAF")}) EXPECT_EQ(HostName(name), name);
+}
+
+TEST_F(OfflineFilesTest, NamesMatchWithoutRegardToCaseAndAreKeptAsStored) {
+  temp.File("c/Documents and Settings/J\xC3\xBCrgen/Inbox.DBX");
+  temp.File("c/odd/a:\xFF");
+  EXPECT_EQ(Below("C:\\DOCUMENTS and settings\\J\xC3\x9CRGEN\\inbox.dbx"),
+            "c/Documents and Settings/J\xC3\xBCrgen/Inbox.DBX");
+  EXPECT_EQ(Below("C:\\odd\\" + WindowsName("A:\xFF")), "c/odd/a:\xFF");
+  EXPECT_EQ(Below("C:\\ODD\\New Folder\\Both"), "c/odd/New Folder/Both") << "what is not there is kept as given";
+  EXPECT_EQ(Below("D:\\"), "d");
+}
+
+TEST_F(OfflineFilesTest, PathsOutsideTheDrivesHaveNoPlace) {
+  for (const char* path : {"E:\\x", "relative", "C:x", "\\\\server\\share\\x", "C:\\..\\x", "C:\\a\\..\\..\\x", ""}) {
+    EXPECT_EQ(Below(path), "(none)") << path;
+  }
+  EXPECT_EQ(Below(std::string("C:\\a\0b", 6)), "(none)");
+}
+
+TEST_F(OfflineFilesTest, HostPathsAreShownInTheClosestDrive) {
+  const auto inner = temp.Folder("c/mounted/inner");
+  const DriveMap nested(c, {{'D', inner}});
+  const auto shown = [&](const std::filesystem::path& host) { return nested.WindowsPathOf(host).value().Text(); };
+  EXPECT_EQ(shown(c / "a" / "b:c"), "C:\\a\\" + WindowsName("b:c"));
+  EXPECT_EQ(shown(inner / "a"), "D:\\a");
+  EXPECT_EQ(shown(inner), "D:\\");
+  EXPECT_EQ(shown("/"), "Z:\\");
+  EXPECT_EQ(shown("/no/such/place"), "Z:\\no\\such\\place");
+  std::filesystem::create_directory_symlink(c, temp / "link");
+  EXPECT_EQ(shown(temp / "link/x"), "C:\\x");
+}
+
+TEST(Environment, ExpandsOnceAndLeavesTheUnknownAsItReads) {
+  Environment environment;
+  environment.Set("UserProfile", "C:\\Documents and Settings\\Anna");
+  environment.Set("Empty", "");
+  environment.Set("Loop", "%Loop%%UserProfile%");
+  const struct {
+    const char *text, *expanded;
+  } rows[] = {{"%USERPROFILE%\\x", "C:\\Documents and Settings\\Anna\\x"},
+              {"<%empty%>", "<>"},
+              {"%unknown%", "%unknown%"},
+              {"100% %Empty%%", "100% %"},
+              {"50%%UserProfile%", "50%C:\\Documents and Settings\\Anna"},
+              {"%no%USERPROFILE%", "%noC:\\Documents and Settings\\Anna"},
+              {"%loop%", "%Loop%%UserProfile%"},
+              {"%%", "%%"},
+              {"", ""}};
+  for (const auto& row : rows) EXPECT_EQ(environment.Expand(row.text), row.expanded) << row.text;
+}
+
+TEST(Environment, ValuesThatGrowWithoutBoundStayAsTheyRead) {
+  Environment environment;
+  environment.Set("A", std::string(30'000, 'x'));
+  EXPECT_EQ(environment.Expand("%A%%A%"), "%A%%A%");
+  std::string many;
+  for (int i = 0; i < 100'000; ++i) many += "%A%";
+  EXPECT_EQ(environment.Expand(many), many);
+}
+
+/// The disk is the drive C; the folders that are chosen are elsewhere.
+struct FolderMemoryTest : testing::Test, OfflineFixture {
+  FolderMemoryTest() { AddIdentity("{A}"); }
+
+  static RegistryPath Identity(const char* userId) {
+    return {RegistryRoot::CurrentUser, std::string("Identities\\") + userId};
+  }
+  void AddIdentity(const char* userId) { registry.Create(Identity(userId)); }
+  void RemoveIdentity(const char* userId) { registry.DeleteTree(Identity(userId)); }
+  /// A new start of the program on the disk.
+  FolderMemory Memory(const char* profile = "Ann") { return {state, {disk.Path(), profile}, drives, registry}; }
+  static WinPath OnZ(const std::filesystem::path& host) { return WinPath(quillbox::OnZ(host)); }
+
+  TempFolder temp;
+  std::filesystem::path home = temp.Folder("home/backup");
+  std::filesystem::path state = temp / "state";
+  HiveFile hive = NewHive("NTUSER.DAT");
+  bool mounted = (registry.Mount({RegistryRoot::CurrentUser, ""}, hive), true);
+};
+
+TEST_F(FolderMemoryTest, AChoiceIsRememberedForItsDiskAndProfile) {
+  EXPECT_FALSE(Memory().IsChosen(OnZ(home)));
+  Memory().Choose(OnZ(home));
+  EXPECT_TRUE(Memory().IsChosen(OnZ(home)));
+  EXPECT_TRUE(Memory().IsChosen(WinPath(OnZ(temp / "HOME").Text() + "/x/../backup\\"))) << "under any of its names";
+  EXPECT_FALSE(Memory("Bob").IsChosen(OnZ(home)));
+  EXPECT_FALSE(Memory().IsChosen(OnZ(temp / "home")));
+  EXPECT_FALSE(FolderMemory(state, {temp.Folder("other"), "Ann"}, drives, registry).IsChosen(OnZ(home)));
+  std::filesystem::create_directory_symlink(disk.Path(), temp / "link");
+  EXPECT_TRUE(FolderMemory(state, {temp / "link", "Ann"}, drives, registry).IsChosen(OnZ(home)));
+}
+
+TEST_F(FolderMemoryTest, AnotherDiskAtTheSamePlaceIsAskedAbout) {
+  Memory().Choose(OnZ(home));
+  AddIdentity("{B}");
+  RemoveIdentity("{A}");
+  EXPECT_FALSE(Memory().IsChosen(OnZ(home)));
+  AddIdentity("{A}");
+  FolderMemory memory = Memory();
+  EXPECT_TRUE(memory.IsChosen(OnZ(home)));
+  RemoveIdentity("{A}");
+  RemoveIdentity("{B}");
+  EXPECT_TRUE(memory.IsChosen(OnZ(home))) << "in the run in which the identities were removed";
+  EXPECT_FALSE(Memory().IsChosen(OnZ(home)));
+  Memory().Choose(OnZ(home));
+  EXPECT_TRUE(Memory().IsChosen(OnZ(home))) << "a profile without identities";
+}
+
+TEST_F(FolderMemoryTest, TheFileIsPrivateSmallAndCheckedWhole) {
+  temp.Folder("home/a\nfolder x%");
+  const WinPath odd = OnZ(temp / "home").Join(WindowsName("a\nfolder x%"));
+  Memory().Choose(odd);
+  const auto folder = state / "backup-folders";
+  struct stat info = {};
+  ASSERT_EQ(stat(folder.c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 0777, 0700U);
+  ASSERT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1);
+  const auto file = std::filesystem::directory_iterator(folder)->path();
+  const std::string text = temp.Read(file.lexically_relative(temp.Path()).string());
+  EXPECT_EQ(text, "Quillbox backup folder 1\ndisk " + disk.Path().string() + "\nprofile Ann\nfolder " +
+                      (temp / "home/a%0Afolder x%25").string() + "\nidentity {A}\n");
+  EXPECT_TRUE(Memory().IsChosen(odd));
+  for (const std::string& damaged : {text.substr(0, text.size() / 2), "more\n" + text, std::string()}) {
+    std::ofstream(file) << damaged;
+    EXPECT_FALSE(Memory().IsChosen(odd)) << damaged;
+  }
+}
+
+TEST_F(FolderMemoryTest, AChoiceThatCannotBeWrittenHoldsForTheRun) {
+  temp.File("state/backup-folders", "in the way");
+  FolderMemory memory = Memory();
+  EXPECT_THROW(memory.Choose(OnZ(home)), Error);
+  EXPECT_TRUE(memory.IsChosen(OnZ(home)));
+  EXPECT_FALSE(Memory().IsChosen(OnZ(home)));
+}
+
+TEST_F(FolderMemoryTest, AFolderThatIsNotThereYetIsTakenAndAPathThatCannotBeIsNot) {
+  EXPECT_EQ(Memory().FaultOf(OnZ(home / "not/there/yet")), std::nullopt);
+  EXPECT_EQ(Memory().FaultOf(WinPath(std::string("Z:\\a\0b", 6))), FolderFault::NoSuchPlace);
 }
 
 }  // namespace

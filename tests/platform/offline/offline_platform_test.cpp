@@ -1,19 +1,161 @@
+// A disk as a whole: what is found on it, how it is opened, and the programs that are started on it.
 #include "platform/offline/offline_platform.h"
 
 #include <fcntl.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/file.h>
 
 #include <map>
 
-#include "sample_disk.h"
+#include "offline_fixture.h"
+#include "platform/offline/windows_disk.h"
 #include "support/scripted_dialogs.h"
+#include "text/unicode.h"
 
 namespace quillbox {
 namespace {
 
-using testing::HasSubstr;
+/// Makes a hive file, filled by rows of key, value name, type and text.
+struct HiveRow {
+  const char *key, *name;
+  std::uint32_t type;
+  const char* text;
+};
+void WriteHive(const std::filesystem::path& file, std::initializer_list<HiveRow> rows) {
+  Hive hive = Hive::Create("root", kTestTime);
+  for (const HiveRow& row : rows) {
+    const HiveKey key = hive.CreatePath(hive.Root(), row.key);
+    hive.SetValue(key, row.name, row.type, Utf16Bytes(ToUtf16(row.text) + u'\0'));
+  }
+  WriteHiveFile(file, hive);
+}
+
+struct XpDisk {
+  TempFolder temp;
+  std::filesystem::path folder = temp.Folder("c");
+  std::filesystem::path anna = folder / "Documents and Settings/Anna";
+
+  XpDisk() {
+    WriteHive(anna / "ntuser.dat",
+              {{"Environment", "TEMP", 2, "%USERPROFILE%\\Local Settings\\Temp"},
+               {"Environment", "MAIL", 2, "%systemdrive%\\Mail"},
+               {"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer", "Logon User Name", 1, "anna"},
+               {"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders", "AppData", 2,
+                "%USERPROFILE%\\Anwendungsdaten"}});
+    WriteHive(folder / "WINDOWS/system32/config/software",
+              {{"Microsoft\\Windows\\CurrentVersion", "ProgramFilesDir", 1, "C:\\Programme"}});
+    WriteHive(
+        folder / "WINDOWS/system32/config/system",
+        {{"ControlSet002\\Control\\Nls\\CodePage", "ACP", 1, "1250"},
+         {"ControlSet002\\Control\\Session Manager\\Environment", "TEMP", 2, "%SystemRoot%\\TEMP"},
+         {"ControlSet002\\Control\\Session Manager\\Environment", "ComSpec", 2, "%SystemRoot%\\system32\\CMD.EXE"},
+         {"Select", "Current", 4, "\2"}});
+  }
+};
+
+std::string WhyNot(const std::filesystem::path& folder) {
+  return FaultOf([&] { FindWindowsDisk(folder); });
+}
+
+std::vector<std::filesystem::path> Near(const std::filesystem::path& folder) {
+  std::vector<std::filesystem::path> folders;
+  for (const WindowsDisk& disk : FindDisksNear(folder)) folders.push_back(disk.folder);
+  return folders;
+}
+
+TEST(WindowsDisk, FindsThePeopleWhereverWindowsKeptThem) {
+  const struct {
+    const char *windows, *root;
+  } rows[] = {{"winnt", "WinNT/profiles"}, {"Windows", "USERS"}, {"WINXP", "documents AND settings"}};
+  for (const auto& row : rows) {
+    TempFolder disk;
+    disk.File(std::string(row.windows) + "/SYSTEM32/Config/Software");
+    if (std::string(row.root).starts_with("WinNT")) std::filesystem::rename(disk / "winnt", disk / "WinNT");
+    disk.File(std::string(row.root) + "/zoe/NTUSER.DAT");
+    disk.File(std::string(row.root) + "/Anna/ntuser.dat");
+    for (const char* other : {"All Users", "default user", "LocalService", "NetworkService", "Public"}) {
+      disk.File(std::string(row.root) + "/" + other + "/NTUSER.DAT");
+    }
+    disk.Folder(std::string(row.root) + "/no hive");
+    const WindowsDisk found = FindWindowsDisk(disk.Path());
+    ASSERT_EQ(found.profiles.size(), 2u) << row.root;
+    EXPECT_EQ(found.profiles[0].name, "Anna");
+    EXPECT_TRUE(std::filesystem::exists(found.profiles[0].hive.Place().Path()));
+    EXPECT_EQ(found.profiles[1].winFolder.Text().substr(0, 3), "C:\\");
+    EXPECT_EQ(found.profiles[1].winFolder.Name(), "zoe");
+    EXPECT_TRUE(EqualIgnoreCase(found.windowsPath.Text(), std::string("C:\\") + row.windows));
+    EXPECT_TRUE(std::filesystem::exists(found.softwareHive.value().Place().Path()));
+  }
+}
+
+TEST(WindowsDisk, SaysWhatIsWrongWithAFolder) {
+  TempFolder temp;
+  EXPECT_THAT(WhyNot(temp / "none"), HasSubstr("there is no such folder"));
+  EXPECT_THAT(WhyNot(temp.File("file")), HasSubstr("it is a file, not a folder"));
+  EXPECT_THAT(WhyNot(temp.Folder("empty")), HasSubstr("looked for a folder WINDOWS or WINNT"));
+  temp.Folder("nobody/Documents and Settings/Anna");
+  EXPECT_THAT(WhyNot(temp / "nobody"), HasSubstr("nobody/Documents and Settings"));
+  temp.File("98/WINDOWS/USER.DAT");
+  EXPECT_THAT(WhyNot(temp / "98"), HasSubstr("not supported yet"));
+  temp.File("98/WINNT/System32/config/software");
+  temp.File("98/Documents and Settings/Anna/NTUSER.DAT");
+  EXPECT_EQ(WhyNot(temp / "98"), "(done)") << "a newer Windows beside it";
+  temp.File("xp/windows/System32/config/software");
+  temp.File("xp/Documents and Settings/Anna/NTUSER.DAT");
+  for (const char* part : {"xp/windows", "xp/Documents and Settings", "xp/Documents and Settings/Anna"}) {
+    EXPECT_THAT(WhyNot(temp / part), HasSubstr("choose the disk itself, " + (temp / "xp").string())) << part;
+    EXPECT_THAT(Near(temp / part), ElementsAre(temp / "xp")) << part;
+  }
+  temp.File("image", std::string("\xEB\x52\x90NTFS    ") + std::string(600, '\0'));
+  EXPECT_THAT(WhyNot(temp / "image"), HasSubstr("mount it with \"sudo mount -o ro,loop '" + (temp / "image").string()));
+  temp.File("other/Users/Ben/NTUSER.DAT");
+  EXPECT_THAT(Near(temp.Path()), ElementsAre(temp / "98", temp / "other", temp / "xp")) << "one level too high";
+  EXPECT_THAT(Near(temp / "none"), ElementsAre());
+}
+
+TEST(WindowsDisk, OneOfSeveralProfilesHasToBeNamed) {
+  TempFolder temp;
+  for (const char* name : {"Anna", "Ben"}) temp.File(std::string("Users/") + name + "/NTUSER.DAT");
+  const WindowsDisk disk = FindWindowsDisk(temp.Path());
+  EXPECT_EQ(ChooseProfile(disk, "BEN").name, "Ben");
+  for (const char* name : {"", "Carl"}) {
+    EXPECT_THAT(FaultOf([&] { ChooseProfile(disk, name); }), HasSubstr("Anna, Ben"));
+  }
+}
+
+TEST(WindowsDisk, HivesThatLeadOutOfTheDiskAreRefused) {
+  const XpDisk disk;
+  std::filesystem::rename(disk.anna / "ntuser.dat", disk.temp / "outside.dat");
+  std::filesystem::create_symlink("../../../outside.dat", disk.anna / "ntuser.dat");
+  const std::filesystem::path config = disk.folder / "WINDOWS/system32/config";
+  std::filesystem::rename(config, disk.temp / "config");
+  std::filesystem::create_directory_symlink(disk.temp / "config", config);
+  disk.temp.File("people/Eve/NTUSER.DAT");
+  std::filesystem::create_directory_symlink(disk.temp / "people/Eve", disk.folder / "Documents and Settings/Eve");
+  std::filesystem::create_directory_symlink(disk.temp / "people", disk.folder / "Users");
+
+  const WindowsDisk found = FindWindowsDisk(disk.folder);
+  ASSERT_EQ(found.profiles.size(), 1u) << "nobody outside is a person of this disk";
+  const IdentityCount count = CountIdentities(found.profiles[0]);
+  ASSERT_TRUE(count.error.has_value());
+  EXPECT_EQ(Describe(*count.error),
+            (disk.anna / "ntuser.dat").string() + ": it leads out of the disk (while opening the hive)");
+  EXPECT_EQ(found.windowsPath.Text(), "C:\\WINDOWS");
+  EXPECT_THAT(FaultOf([&] { found.softwareHive.value().Place(); }),
+              HasSubstr("/config/software: it leads out of the disk"));
+}
+
+TEST(WindowsDisk, ProfilesOnAnotherDriveAreFoundThroughALink) {
+  TempFolder temp;
+  temp.File("c/WINDOWS/system32/config/software");
+  temp.File("d/People/Anna/NTUSER.DAT");
+  std::filesystem::create_directory_symlink(temp / "d/People", temp / "c/Documents and Settings");
+  EXPECT_THAT(WhyNot(temp / "c"),
+              HasSubstr((temp / "c/Documents and Settings").string() + ": it leads out of the disk"));
+  const WindowsDisk disk = FindWindowsDisk(temp / "c", {{'D', temp / "d"}});
+  ASSERT_EQ(disk.profiles.size(), 1u);
+  EXPECT_EQ(disk.profiles[0].winFolder.Text(), "C:\\Documents and Settings\\Anna");
+  EXPECT_EQ(disk.profiles[0].hive.Place().Path(), temp / "d/People/Anna/NTUSER.DAT");
+}
 
 struct OfflinePlatformTest : testing::Test {
   XpDisk disk;
@@ -126,9 +268,8 @@ TEST_F(SalvageTest, ADamagedHiveKeepsTheWholeDiskFromBeingWritten) {
     OfflinePlatform again(options, dialogs);
     EXPECT_EQ(again.GetRegistry().Open(kNewUserKey, Access::Full).status, Status::Success);
     EXPECT_EQ(again.GetRegistry().Open(kNewMachineKey, Access::Full).status, Status::Success);
-    EXPECT_THAT(
-        again.SystemDescription(),
-        testing::EndsWith("(damaged in 1 place: what cannot be read is left out; changes go to a private copy)"));
+    EXPECT_THAT(again.SystemDescription(),
+                EndsWith("(damaged in 1 place: what cannot be read is left out; changes go to a private copy)"));
     WriteBytes(row.hive, sound.at(row.hive));
     dialogs.messages.clear();
     std::filesystem::remove_all(options.stateFolder);
@@ -142,9 +283,9 @@ TEST_F(SalvageTest, ARegistryWhoseLogsCannotBeUsedIsWrittenOnlyIfThePersonSaysYe
   dialogs.messageAnswers = {MessageAnswer::No};
   EXPECT_THAT(WhyNot(), HasSubstr("its logs cannot be used (ntuser.dat.LOG: "));
   EXPECT_THAT(dialogs.LastMessage(),
-              testing::MatchesRegex("The registry of Anna was not closed cleanly, and its logs cannot be used:\n\n"
-                                    "ntuser.dat.LOG: [^\n]+\n\nWindows might still apply them. "
-                                    "Go on with the registry as it is\\?"));
+              MatchesRegex("The registry of Anna was not closed cleanly, and its logs cannot be used:\n\n"
+                           "ntuser.dat.LOG: [^\n]+\n\nWindows might still apply them. "
+                           "Go on with the registry as it is\\?"));
   EXPECT_EQ(Everything(), before);
   dialogs.messageAnswers = {MessageAnswer::Yes};
   {
@@ -177,6 +318,42 @@ TEST_F(OfflinePlatformTest, FoldersThatAreWrittenAreFreedOfWhatKilledProgramsLef
   }
   EXPECT_TRUE(std::filesystem::exists(inUse));
   EXPECT_TRUE(std::filesystem::exists(folders[3] / ".quillbox-notes.txt"));
+}
+
+TEST_F(OfflinePlatformTest, TheEditorGetsTheDiskItsLockAndTheRawCommandLine) {
+  options.drives = {{'D', disk.temp.Folder("data")}};
+  // A shell script in the registry editor's place, which reports to the file $OUT.
+  options.registryEditor = disk.temp.File("editor", "#!/bin/sh\nOUT='" + (disk.temp / "out").string() + R"('
+for a in "$@"; do
+  echo "<$a>" >> "$OUT"
+  if [ "$last" = --lock-fd ]; then [ -e "/proc/self/fd/$a" ] && echo passed >> "$OUT"; fi
+  last=$a
+done
+cp ')" + (disk.anna / "ntuser.dat").string() + "' \"$OUT.hive\"\necho 'line 3 makes no sense' >&2\nexit 1\n");
+  std::filesystem::permissions(options.registryEditor, std::filesystem::perms::owner_all);
+  OfflinePlatform platform(options, dialogs);
+  platform.GetDrives().SetCurrentDrive('D');
+  platform.GetRegistry().Create({RegistryRoot::CurrentUser, "Identities\\{3}"});
+  const std::string command = R"(REGEDIT.EXE /e:A Main.reg "HKEY_CURRENT_USER\Identities\{1}\)";
+  EXPECT_EQ(platform.GetProcesses().RunAndWait(command, ShowStyle::Normal).exitCode, 1);
+  EXPECT_THAT(disk.temp.Read("state/quillbox.log"), HasSubstr("ended with code 1: line 3 makes no sense"));
+  const std::string out = disk.temp.Read("out");
+  for (const std::string& part :
+       {"<--disk>\n<" + disk.folder.string() + ">", std::string("<--profile>\n<Anna>"),
+        "<--drive>\n<D=" + (disk.temp / "data").string() + ">",
+        "<--directory>\n<D:\\>\n<--command-line>\n<" + command + ">", std::string("passed\n")}) {
+    EXPECT_THAT(out, HasSubstr(part));
+  }
+  const Hive seen = Hive::Load(AsBytes(disk.temp.Read("out.hive")), "seen");
+  EXPECT_TRUE(seen.Find(seen.Root(), "Identities\\{3}").has_value()) << "written before the editor started";
+}
+
+TEST_F(OfflinePlatformTest, OtherCommandsAreNotStarted) {
+  options.registryEditor = disk.temp / "no editor";
+  OfflinePlatform platform(options, dialogs);
+  for (const char* command : {"regedit /s x.reg", "regedit32 x", "notepad x", "", " regedit"}) {
+    EXPECT_FALSE(platform.GetProcesses().RunAndWait(command, ShowStyle::Normal).started) << command;
+  }
 }
 
 }  // namespace
