@@ -1,7 +1,5 @@
 // Hives with damage: refused as a whole, with place and reason, and salvaged, with all that is not damaged as a hive
 // that passes the check.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -9,15 +7,10 @@
 #include <random>
 
 #include "registry/hive_tools.h"
-#include "text/error.h"
+#include "support/matchers.h"
 
 namespace quillbox {
 namespace {
-
-using testing::AnyOf;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 using Change = std::function<void(Bytes&)>;
 
@@ -204,7 +197,7 @@ TEST(DamagedHive, IsRefusedWithItsFaultAndLosesNothingElse) {
     const bool isNote = fault.part.find(": ") != std::string::npos;
     EXPECT_THAT(Notes(*salvaged), ElementsAre(isNote ? fault.part : fault.part + ": " + fault.refusal));
     EXPECT_THAT(Refusal(file), HasSubstr(isNote ? "" : Place(salvaged->Damage()[0])));
-    EXPECT_THAT(Missing(Lines(hive), Lines(*salvaged)), testing::UnorderedElementsAreArray(fault.missing));
+    EXPECT_THAT(Missing(Lines(hive), Lines(*salvaged)), UnorderedElementsAreArray(fault.missing));
   }
 }
 
@@ -250,20 +243,13 @@ TEST(SalvagedHive, AKeyGoesToTheListOfItsParent) {
   EXPECT_THAT(Notes(*salvaged), ElementsAre("the root key: the cell of its subkey belongs to another record already"));
 }
 
-TEST(DamagedHive, NoEntryOfAListEndsIt) {
-  const Hive hive = LargeHive();
-  const Bytes good = LargeHive().Image(kMonday);
-  Bytes file = good;
+TEST(DamagedHive, NoEntryOfAListOfListsEndsIt) {
+  Hive hive = LargeHive();
+  Bytes file = hive.Image(kMonday);
   const ListCell index = Get(file, CellOf(hive, "Many"), KeyField::kSubkeyList);
   ASSERT_EQ(LoadTag(Record(file, index)), kLeafIndexTag);
-  for (const ListCell list : {index, Get(file, index, IndexEntry(0))}) {
-    const std::size_t count = Get(file, list, ListField::kCount);
-    for (const std::size_t entry : {std::size_t{0}, count / 2, count - 1}) {
-      Bytes damaged = good;
-      Put(damaged, list, LeafEntry(LoadTag(Record(damaged, list)), entry), KeyCell());
-      EXPECT_THAT(Refusal(damaged), HasSubstr("leads to no cell in use")) << "entry " << entry << " of " << count;
-    }
-  }
+  Put(file, index, IndexEntry(0), ListCell());
+  EXPECT_THAT(Refusal(file), HasSubstr("leads to no cell in use"));
 }
 
 TEST(DamagedHive, IgnoresWhatIsNeverStored) {

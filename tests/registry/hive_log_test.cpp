@@ -1,18 +1,12 @@
 #include "registry/hive_log.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <limits>
 
 #include "registry/hive_log_tools.h"
-#include "text/error.h"
+#include "support/matchers.h"
 
 namespace quillbox {
 namespace {
-
-using testing::ElementsAre;
-using testing::HasSubstr;
 
 TEST(Marvin, HashesAsPublishedAndAsInLogsOfWindows) {
   constexpr std::uint64_t kPublishedSeed = 0x004FB61A001BDBCC;
@@ -263,16 +257,13 @@ TEST(HiveLog, IsNotAppliedToAHiveThatIsCutOffUnlessItHasTheRest) {
   const auto from = static_cast<std::uint32_t>(bins.size() - 4 * kHivePage);
   const Bytes holds = LogFrom(7, {MakeLogEntry(7, bins.size(), {{from, bins.subspan(from)}})});
   EXPECT_EQ(Lines(LoadWith(Dirty(cut), {holds}), true), Lines(Hive::Load(whole, "whole"), true));
-  try {
-    // The gap, of 100 bytes, is in the data of a value, where nothing but its zeros would show it.
-    const Bytes lacks = LogFrom(7, {MakeLogEntry(7, bins.size(), {{from + 4096, bins.subspan(from + 4096)}})});
-    LoadWith(Dirty(cut), {Bytes(), lacks});
-    FAIL();
-  } catch (const Error& error) {
-    EXPECT_THAT(Describe(error), HasSubstr("should be"));
-    EXPECT_THAT(Describe(error),
-                HasSubstr("log 0 was not used: it is empty; log 1 was not used: the hive's file ends"));
-  }
+  // The gap, of 100 bytes, is in the data of a value, where nothing but its zeros would show it.
+  const Bytes lacks = LogFrom(7, {MakeLogEntry(7, bins.size(), {{from + 4096, bins.subspan(from + 4096)}})});
+  EXPECT_THAT(FaultOf([&] {
+                LoadWith(Dirty(cut), {Bytes(), lacks});
+              }),
+              AllOf(HasSubstr("should be"),
+                    HasSubstr("log 0 was not used: it is empty; log 1 was not used: the hive's file ends")));
 }
 
 TEST(HiveLog, ThatGivesNoWholeHiveMakesWayForTheNext) {

@@ -1,26 +1,16 @@
 #include "registry/hive.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
+#include <algorithm>
+#include <cstdlib>
 #include <functional>
 
-#include "registry/hive_tools.h"
-#include "text/error.h"
+#include "registry/reg_file_recorder.h"
+#include "support/damaged_hive.h"
+#include "support/matchers.h"
+#include "support/temp_folder.h"
 
 namespace quillbox {
 namespace {
-
-using testing::HasSubstr;
-
-std::string ErrorOf(const std::function<void()>& work) {
-  try {
-    work();
-  } catch (const Error& error) {
-    return Describe(error);
-  }
-  return "no error";
-}
 
 std::string Numbered(int number) {
   return "key " + std::to_string(static_cast<unsigned>(number) * 2654435761U);
@@ -106,11 +96,11 @@ TEST(Hive, StoresBigDataAsItsVersionDoes) {
     const bool hasRecord = std::search(image.begin(), image.end(), record.begin(), record.end()) != image.end();
     EXPECT_EQ(hasRecord, each == &hive);
   }
-  EXPECT_THAT(ErrorOf([&] { old.SetValue(old.CreateSubkey(old.Root(), "k"), "v", 3, tooBig); }),
+  EXPECT_THAT(FaultOf([&] { old.SetValue(old.CreateSubkey(old.Root(), "k"), "v", 3, tooBig); }),
               HasSubstr("empty\\k: its data are 1048577 bytes long"));
   hive.SetValue(hive.Root(), "too big for 1.3", 3, tooBig);
-  EXPECT_THAT(ErrorOf([&] { (void)hive.SaveSubtree(hive.Root(), kMonday); }), HasSubstr("too big for 1.3"));
-  EXPECT_THAT(ErrorOf([&] { old.ReplaceSubtree(old.Root(), hive); }), HasSubstr("1048576"));
+  EXPECT_THAT(FaultOf([&] { (void)hive.SaveSubtree(hive.Root(), kMonday); }), HasSubstr("too big for 1.3"));
+  EXPECT_THAT(FaultOf([&] { old.ReplaceSubtree(old.Root(), hive); }), HasSubstr("1048576"));
 }
 
 /// The key and all below it as a hive whose keys have another security descriptor.
@@ -182,7 +172,7 @@ TEST(Hive, StampsTheKeysThatAChangeTouches) {
   EXPECT_TRUE(hive.Changed());
   EXPECT_EQ(hive.Time(parent), kTuesday);
   EXPECT_EQ(hive.Time(hive.Root()), kMonday);
-  EXPECT_THAT(ErrorOf([&] { (void)hive.Time(child); }), HasSubstr("has been deleted"));
+  EXPECT_THAT(FaultOf([&] { (void)hive.Time(child); }), HasSubstr("has been deleted"));
 }
 
 TEST(Hive, CarriesASubtreeWithAllThatBelongsToIt) {
@@ -241,7 +231,7 @@ TEST(Hive, RefusesWhatExceedsALimitAndStaysAsItWas) {
       {"cannot be deleted", [&] { hive.DeleteTree(hive.Root()); }},
       {"512 levels", [&] { hive.ReplaceSubtree(*hive.Find(hive.Root(), "d"), hive); }},
   };
-  for (const auto& [text, fault] : faults) EXPECT_THAT(ErrorOf(fault), HasSubstr(text));
+  for (const auto& [text, fault] : faults) EXPECT_THAT(FaultOf(fault), HasSubstr(text));
   EXPECT_FALSE(hive.Changed());
   EXPECT_EQ(Lines(hive), Lines(Hive::Load(before, "before")));
   hive.CreateSubkey(hive.Root(), std::string(255, 'n'));
@@ -262,6 +252,59 @@ TEST(Hive, FindsKeysOfAListInAnotherOrder) {
   }
   for (const HiveKey key : hive.Subkeys(hive.Root())) hive.DeleteTree(key);
   EXPECT_EQ(Lines(Hive::Load(hive.Image(kMonday), "empty")), std::vector<std::string>{""});
+}
+
+/// Programs of others read what we write. A program that is not installed is skipped.
+class OtherReaders : public testing::Test {
+ protected:
+  /// Twenty thousand keys, a third of them deleted and some made again, and values of every form.
+  OtherReaders() : hive_(Hive::Create("Test", kMonday)) {
+    const auto name = [](int number) {
+      return "Keys\\key " + std::to_string(static_cast<unsigned>(number) * 2654435761U);
+    };
+    const Bytes text = Utf16Bytes(std::u16string_view(u"text", 5));
+    for (int number = 0; number < 20000; ++number) {
+      hive_.SetValue(hive_.CreatePath(hive_.Root(), name(number)), "Username", 1, text);
+    }
+    for (int number = 0; number < 20000; number += 3) hive_.DeleteTree(*hive_.Find(hive_.Root(), name(number)));
+    for (int number = 0; number < 20000; number += 30) hive_.CreatePath(hive_.Root(), name(number) + "\\below");
+    const HiveKey values = hive_.CreateSubkey(hive_.Root(), "Values");
+    hive_.SetValue(values, "", 1, text);
+    hive_.SetValue(values, "number", 4, Pattern(4));
+    for (const std::size_t size : {5U, 16344U, 16345U, 100000U}) {
+      hive_.SetValue(values, "bytes " + std::to_string(size), 3, Pattern(size));
+    }
+    WriteBytes(folder_ / "hive", hive_.Image(kMonday));
+  }
+
+  static bool IsMissing(const std::string& program) {
+    return std::system(("command -v " + program + " >/dev/null").c_str()) != 0;
+  }
+
+  /// Runs `command` in the test's folder; what it wrote to its output is in the file `out` there.
+  int Run(const std::string& command) const {
+    return std::system(("cd '" + folder_.Path().string() + "' && " + command + " >out 2>errors").c_str());
+  }
+
+  TempFolder folder_;
+  Hive hive_;
+};
+
+TEST_F(OtherReaders, HivexregeditExportsTheSame) {
+  if (IsMissing("hivexregedit")) GTEST_SKIP() << "hivexregedit is not installed";
+  ASSERT_EQ(Run("hivexregedit --export hive '\\' --prefix Test"), 0) << folder_.Read("errors");
+  std::vector<std::string> expected;
+  AppendLines(expected, hive_, hive_.Root(), "Test", false);
+  std::sort(expected.begin(), expected.end());
+  EXPECT_EQ(ContentsOf(folder_.Read("out")), expected);
+}
+
+TEST_F(OtherReaders, HivexmlAndReglookupComplainOfNothing) {
+  for (const std::string command : {"hivexml", "reglookup -s"}) {
+    if (IsMissing(command)) GTEST_SKIP() << command << " is not installed";
+    EXPECT_EQ(Run(command + " hive"), 0);
+    EXPECT_EQ(folder_.Read("errors"), "");
+  }
 }
 
 }  // namespace

@@ -1,15 +1,10 @@
 #include "registry/reg_file.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "registry/reg_file_recorder.h"
-#include "text/error.h"
+#include "support/matchers.h"
 
 namespace quillbox {
 namespace {
-
-using testing::ElementsAre;
 
 Bytes Stored(std::u16string text) {
   return Utf16Bytes(text += u'\0');
