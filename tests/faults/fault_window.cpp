@@ -43,14 +43,13 @@ bool Give(ProgramWindows& windows, const std::string& command) {
 }
 
 int Run(const std::filesystem::path& folder, const std::filesystem::path& state, const std::string& command) {
-  OfflineOptions options;
-  options.folder = folder / "C";
-  options.profile = "Ann Miller";
-  options.drives = {{'D', folder / "D"}};
-  options.stateFolder = state;
-  options.registryEditor = QUILLBOX_BIN_DIR "/regedit";
   AgreeingDialogs dialogs;
-  OfflinePlatform platform(options, dialogs);
+  OfflinePlatform platform({.folder = folder / "C",
+                            .profile = "Ann Miller",
+                            .drives = {{'D', folder / "D"}},
+                            .stateFolder = state,
+                            .registryEditor = QUILLBOX_BIN_DIR "/regedit"},
+                           dialogs);
   for (const std::string& warning : platform.Warnings()) Print("message", warning);
   ProgramWindows windows(platform);
   if (command == "prepare") windows.session.backupFolder.Choose(WinPath("D:\\Backup"));

@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <tuple>
+#include <string>
 
+#include "sample/dbx_writer.h"
 #include "support/damaged_hive.h"
 #include "support/temp_folder.h"
+#include "text/byte_order.h"
 #include "text/error.h"
 
 namespace quillbox {
@@ -23,20 +25,15 @@ class SampleDiskTest : public testing::Test {
 using namespace std::string_literals;
 
 TEST_F(SampleDiskTest, HivesHoldWhatWasAskedFor) {
-  SampleOptions options;
-  options.smallStores = true;
-  options.productName = "Microsoft Windows 2000";
-  options.codePage = 1250;
-  const SampleDisk disk = MakeSampleDisk(folder_ / "disk", options);
-  const std::tuple<const char*, const char*, const char*, std::string> values[] = {
-      {"software", "Microsoft\\Windows NT\\CurrentVersion", "ProductName", "Microsoft Windows 2000\0"s},
-      {"system", "ControlSet001\\Control\\Nls\\CodePage", "ACP", "1250\0"s}};
-  for (const auto& [file, key, name, text] : values) {
-    const Hive hive = Hive::Load(ReadBytes(disk.driveC / "WINDOWS" / "system32" / "config" / file), file);
+  const SampleDisk disk = MakeSampleDisk(
+      folder_ / "disk", {.smallStores = true, .productName = "Microsoft Windows 2000", .codePage = 1250});
+  const auto valueOf = [&](const char* file, const char* key, const char* name) {
+    const Hive hive = Hive::Load(ReadBytes(disk.driveC / "WINDOWS/system32/config" / file), file);
     const HiveValue value = hive.Value(hive.Find(hive.Root(), key).value(), name).value();
-    EXPECT_EQ(value.type, 1U);
-    EXPECT_EQ(ToUtf8(Utf16FromBytes(value.data)), text);
-  }
+    return std::to_string(value.type) + " " + ToUtf8(Utf16FromBytes(value.data));
+  };
+  EXPECT_EQ(valueOf("software", "Microsoft\\Windows NT\\CurrentVersion", "ProductName"), "1 Microsoft Windows 2000\0"s);
+  EXPECT_EQ(valueOf("system", "ControlSet001\\Control\\Nls\\CodePage", "ACP"), "1 1250\0"s);
 }
 
 TEST_F(SampleDiskTest, StoresAreLikeRealOnesAndTheSameEachTime) {
@@ -65,13 +62,61 @@ TEST_F(SampleDiskTest, NeverTouchesWhatIsThere) {
   EXPECT_THROW(MakeSampleDisk(used / "letter.txt"), Error);
   EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 1) << "nothing left beside it";
   EXPECT_EQ(std::distance(fs::directory_iterator(used), {}), 1);
-  SampleOptions options;
-  options.smallStores = true;
-  options.profile = "..";
-  EXPECT_THROW(MakeSampleDisk(folder_ / "other", options), Error);
-  options.profile = "Ann Miller";
+  EXPECT_THROW(MakeSampleDisk(folder_ / "other", {.smallStores = true, .profile = ".."}), Error);
   fs::create_directory(folder_ / "empty");
-  EXPECT_TRUE(fs::exists(MakeSampleDisk((folder_ / "empty").string() + "/", options).driveC));
+  EXPECT_TRUE(fs::exists(MakeSampleDisk((folder_ / "empty").string() + "/", {.smallStores = true}).driveC));
+}
+
+std::uint32_t Number(const Bytes& file, std::size_t offset) {
+  (void)file.at(offset + 3);
+  return Load32(&file[offset]);
+}
+
+/// The records in the tree's order, as its readers walk it; checks what the nodes say about each other.
+void Walk(const Bytes& file, std::uint32_t node, std::uint32_t parent, std::vector<std::uint32_t>& records) {
+  EXPECT_EQ(Number(file, node), node);
+  EXPECT_EQ(Number(file, node + 0x0C), parent);
+  const auto child = [&](std::size_t pointerAt, std::size_t countAt) {
+    const std::size_t before = records.size();
+    if (Number(file, pointerAt) != 0) Walk(file, Number(file, pointerAt), node, records);
+    EXPECT_EQ(Number(file, countAt), records.size() - before);
+  };
+  child(node + 0x08, node + 0x14);
+  for (std::size_t i = 0; i < file.at(node + 0x11); ++i) {
+    const std::size_t entry = node + 0x18 + 12 * i;
+    records.push_back(Number(file, entry));
+    child(entry + 4, entry + 8);
+  }
+}
+
+std::string TextAt(const Bytes& file, std::uint32_t segment) {
+  std::string text;
+  while (segment != 0) {
+    EXPECT_EQ(Number(file, segment), segment);
+    const std::uint32_t used = Number(file, segment + 8);
+    text.append(file.begin() + segment + 16, file.begin() + segment + 16 + used);
+    segment = Number(file, segment + 12);
+  }
+  return text;
+}
+
+TEST(DbxWriter, TheTreeLeadsToEveryMessageInOrder) {
+  for (const std::size_t count : {0u, 1u, 51u, 52u, 103u, 104u, 700u, 2703u}) {
+    std::vector<DbxMessage> messages(count);
+    for (std::size_t i = 0; i < count; ++i) messages[i].text = std::string(1 + i * 7 % 1500, 'a') + std::to_string(i);
+    const Bytes file = MessageStore(messages);
+    EXPECT_EQ(Number(file, 0x7C), file.size());
+    EXPECT_EQ(Number(file, 0xC4), count);
+    std::vector<std::uint32_t> records;
+    if (count != 0) Walk(file, Number(file, 0xE4), 0, records);
+    ASSERT_EQ(records.size(), count);
+    for (std::size_t i = 0; i < count; ++i) {
+      EXPECT_EQ(Number(file, records[i]), records[i]);
+      ASSERT_EQ(file.at(records[i] + 12 + 4 * 4), 0x84) << "the field that says where the text is";
+      EXPECT_EQ(TextAt(file, Number(file, records[i] + 12 + 4 * 4) >> 8), messages[i].text);
+    }
+  }
+  EXPECT_THROW(MessageStore(std::vector<DbxMessage>(kMaxDbxRecords + 1)), Error);
 }
 
 }  // namespace

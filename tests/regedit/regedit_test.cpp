@@ -1,6 +1,4 @@
-// The registry editor as it is really used: started as a program on a disk.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+// The registry editor: its command line, and as it is really used, started as a program on a disk.
 #include <stdlib.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -9,6 +7,7 @@
 
 #include "platform/offline/offline_fixture.h"
 #include "platform/offline/offline_platform.h"
+#include "regedit/command_line.h"
 #include "regedit/export.h"
 #include "registry/reg_file_recorder.h"
 #include "support/damaged_hive.h"
@@ -17,9 +16,76 @@
 namespace quillbox {
 namespace {
 
-using testing::AllOf;
-using testing::EndsWith;
-using testing::HasSubstr;
+/// A request in one line: what would be done with which file and key, or the fault.
+std::string Told(const RegeditRequest& request) {
+  if (request.fault) return "fault";
+  const RegeditCommand& command = request.command;
+  std::string text = command.silent ? "silent " : "";
+  if (command.action == RegeditAction::Merge) {
+    text += "merge <" + command.file + ">";
+  } else {
+    text += command.form == RegFileForm::Regedit4 ? "export8 <" : "export16 <";
+    text += command.file + "> <" + FullName(command.key) + ">";
+  }
+  return command.isHostFile ? text + " host" : text;
+}
+
+TEST(RegeditCommandLine, TakesWindowsCommandLinesApart) {
+  constexpr std::pair<const char*, const char*> kRows[] = {
+      {R"(regedit /s /e:A "WAB.reg"  "HKEY_CURRENT_USER\Software\Microsoft\WAB")",
+       R"(silent export8 <WAB.reg> <HKEY_CURRENT_USER\Software\Microsoft\WAB>)"},
+      {R"(regedit /s /e:A "B:\My Mail\u.reg" HKEY_CURRENT_USER\Identities\{0-1} x )",
+       R"(silent export8 <B:\My Mail\u.reg> <HKEY_CURRENT_USER\Identities\{0-1} x>)"},
+      {R"(regedit /s /e:A "All.reg"  "HKEY_CURRENT_USER\Identities\")",
+       R"(silent export8 <All.reg> <HKEY_CURRENT_USER\Identities>)"},
+      {R"("C:\My Windows\regedit.exe" /S /E a.reg "hkcu\Identities)",
+       R"(silent export16 <a.reg> <HKEY_CURRENT_USER\Identities>)"},
+      {R"(regedit /s /c "C:\My Mail\All Identities.reg)", R"(silent merge <C:\My Mail\All Identities.reg>)"},
+      {R"(regedit /s /c C:\My Mail\a.reg  )", R"(silent merge <C:\My Mail\a.reg>)"},
+      {R"(regedit "a.reg")", "merge <a.reg>"},
+      {R"(regedit /s /e:A "never closed HKEY_CURRENT_USER\Identities)", "fault"},
+      {R"(regedit /s /e:A "a.reg"  "HKEY_NOWHERE\Identities")", "fault"},
+      {R"(regedit /s /e:A "a.reg")", "fault"},
+      {R"(regedit /s /e:A "a.reg" "HKEY_CURRENT_USER\A" more)", "fault"},
+      {R"(regedit /x "a.reg")", "fault"},
+      {R"(regedit /s /c ")", "fault"},
+      {"regedit", "fault"},
+      {"", "fault"},
+  };
+  for (const auto& [line, told] : kRows) EXPECT_EQ(Told(ParseCommandLine(line)), told) << line;
+}
+
+TEST(RegeditCommandLine, TakesHostArgumentsApart) {
+  const std::pair<std::vector<std::string>, const char*> rows[] = {
+      {{"--disk", "/mnt", "/e:A", "/tmp/a b.reg", R"(HKEY_CURRENT_USER\Identities\)"},
+       R"(export8 </tmp/a b.reg> <HKEY_CURRENT_USER\Identities> host)"},
+      {{"/s", "x.reg", "--disk", "c"}, "silent merge <x.reg> host"},
+      {{"--disk", "c", "/c", R"(D:\x.reg)"}, R"(merge <D:\x.reg>)"},
+      {{"--disk", "c", "--command-line", R"(regedit /s /c "a b.reg)"}, "silent merge <a b.reg>"},
+      {{"x.reg"}, "fault"},
+      {{"--disk"}, "fault"},
+      {{"--disk", "c"}, "fault"},
+      {{"--disk", "c", "a.reg", "b.reg"}, "fault"},
+      {{"--disk", "c", "/e", "a.reg"}, "fault"},
+      {{"--disk", "c", "--depth", "3", "a.reg"}, "fault"},
+      {{"--disk", "c", "--drive", "D", "a.reg"}, "fault"},
+      {{"--disk", "c", "--drive", "Z=/mnt", "a.reg"}, "fault"},
+      {{"--disk", "c", "--lock-fd", "7x", "a.reg"}, "fault"},
+      {{"--disk", "c", "--command-line", "regedit /x", "a.reg"}, "fault"},
+  };
+  for (const auto& [arguments, told] : rows) {
+    EXPECT_EQ(Told(ParseArguments(arguments)), told) << testing::PrintToString(arguments);
+  }
+}
+
+TEST(RegeditCommandLine, NamesTheDisk) {
+  const RegeditDisk disk = ParseArguments({"--disk", "c", "--drive", "d=/mnt/d", "--drive", "E=e", "--lock-fd", "3",
+                                           "--lock-fd", "4", "--directory", "D:\\bk", "a.reg"})
+                               .disk;
+  EXPECT_EQ(disk.drives, (std::map<char, std::string>{{'D', "/mnt/d"}, {'E', "e"}}));
+  EXPECT_EQ(disk.lockFds, (std::vector<int>{3, 4}));
+  EXPECT_EQ(disk.directory, WinPath("D:\\bk"));
+}
 
 struct Outcome {
   int code = -1;
@@ -72,7 +138,7 @@ TEST_F(RegeditProgram, TextThatEightBitsCannotHoldGetsTheUnicodeForm) {
   ASSERT_EQ(Run("--disk c wide.reg").code, 0);
   const Outcome exported = Run("--disk c /e:A out.reg HKEY_CURRENT_USER\\\\Identities");
   EXPECT_THAT(exported.out + exported.err, HasSubstr("[HKEY_CURRENT_USER\\Identities\\Key] \"Username\""));
-  EXPECT_THAT(folder.Read("out.reg"), testing::StartsWith("\xFF\xFEW"));
+  EXPECT_THAT(folder.Read("out.reg"), StartsWith("\xFF\xFEW"));
   EXPECT_THAT(ContentsOf(folder.Read("out.reg")), testing::IsSupersetOf(ContentsOf(folder.Read("wide.reg"))));
 
   Hive system = Hive::Create("system", kTestTime);
@@ -81,7 +147,7 @@ TEST_F(RegeditProgram, TextThatEightBitsCannotHoldGetsTheUnicodeForm) {
                   Utf16Bytes({u"932\0", 4}));
   WriteBytes(folder / "c/WINDOWS/system32/config/system", system.Image(kTestTime));
   EXPECT_EQ(Run("--disk c /e:A out.reg HKEY_CURRENT_USER\\\\Identities").code, 0);
-  EXPECT_THAT(folder.Read("out.reg"), AllOf(testing::StartsWith("REGEDIT4"), HasSubstr("\"Username\"=\"\x95\x5C\"")));
+  EXPECT_THAT(folder.Read("out.reg"), AllOf(StartsWith("REGEDIT4"), HasSubstr("\"Username\"=\"\x95\x5C\"")));
 }
 
 TEST_F(RegeditProgram, CountsWhatItMergesAndNamesWhatItCannot) {
@@ -237,8 +303,7 @@ TEST_F(RegeditOnADamagedDisk, AllIsRefusedUnlessItIsToBeSalvaged) {
   const Outcome exported = Run("--disk c --salvage /e:A out.reg HKEY_CURRENT_USER");
   EXPECT_EQ(exported.code, 0) << exported.err;
   EXPECT_THAT(exported.err, HasSubstr("the root key is damaged: "));
-  EXPECT_THAT(folder.Read("out.reg"),
-              AllOf(HasSubstr("[HKEY_CURRENT_USER\\Sound]"), testing::Not(HasSubstr("Damaged"))));
+  EXPECT_THAT(folder.Read("out.reg"), AllOf(HasSubstr("[HKEY_CURRENT_USER\\Sound]"), Not(HasSubstr("Damaged"))));
   EXPECT_EQ(Run("--salvage --disk c c/more.reg").code, 0);
   EXPECT_EQ(folder.Read("c/Documents and Settings/Ann/NTUSER.DAT"), damaged);
   EXPECT_EQ(Run("--disk c /e:A out.reg HKEY_CURRENT_USER").code, 0) << "the private copy is sound";
@@ -248,11 +313,9 @@ TEST_F(RegeditOnADamagedDisk, AllIsRefusedUnlessItIsToBeSalvaged) {
 TEST_F(RegeditOnADamagedDisk, TheProgramThatHasAskedHandsTheAnswerOn) {
   ScriptedDialogs dialogs;
   dialogs.messageAnswers = {MessageAnswer::Yes};
-  OfflineOptions options;
-  options.folder = folder / "c";
-  options.stateFolder = folder / "state";
-  options.registryEditor = QUILLBOX_BIN_DIR "/regedit";
-  OfflinePlatform platform(options, dialogs);
+  const std::string editor = QUILLBOX_BIN_DIR "/regedit";
+  OfflinePlatform platform({.folder = folder / "c", .stateFolder = folder / "state", .registryEditor = editor},
+                           dialogs);
   platform.GetRegistry().Create({RegistryRoot::CurrentUser, "Before"});
   const ProcessEnd end = platform.GetProcesses().RunAndWait("regedit /s C:\\more.reg", ShowStyle::Normal);
   EXPECT_EQ(end.exitCode, 0) << end.errors;
