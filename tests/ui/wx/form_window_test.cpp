@@ -222,6 +222,22 @@ TEST_F(FormWindowTest, EnterPressesTheDefaultButtonAndEscapeTheCancelOne) {
   EXPECT_EQ(platform.commandsEnded, 3);
 }
 
+TEST_F(FormWindowTest, EscapeClosesAnOpenMenuOrListBeforeTheWindow) {
+  const wxPoint fileMenu = Window().GetScreenPosition() + wxPoint(20, 10);
+  const std::pair<const char*, std::function<void()>> popups[] = {
+      {"menu bar", [] { Press(WXK_F10); }},
+      {"menu", [&] { ClickAt(fileMenu); }},
+      {"list", [this] { ClickOn(Widget<wxComboBox>(form.picker)); }},
+  };
+  for (const auto& [what, open] : popups) {
+    open();
+    Press(WXK_ESCAPE);
+    EXPECT_TRUE(form.visible) << what;
+    form.Show();
+    Settle();
+  }
+}
+
 TEST_F(FormWindowTest, MenuShowsSubmenusGreysAndRuns) {
   wxMenuBar& bar = *Window().GetMenuBar();
   ASSERT_EQ(bar.GetMenuCount(), 2U);
