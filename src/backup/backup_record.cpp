@@ -73,18 +73,24 @@ std::string CountsOf(const Steps& steps, const char* one, const char* several, c
 }  // namespace
 
 BackupLine LineOf(const CopyResult& copy) {
-  return {copy.source.Text(), std::to_string(copy.size) + " bytes", OutcomeOf(copy)};
+  return {copy.source.Name(), std::to_string(copy.size) + " bytes", OutcomeOf(copy), copy.source.Parent().Text()};
 }
 
 BackupLine LineOf(const KeyExport& made) {
-  return {made.key, {}, OutcomeOf(made)};
+  return {made.file.Name(), {}, OutcomeOf(made), made.key};
+}
+
+BackupLine LineOf(const LeftOut& leftOut) {
+  const WinPath file(leftOut.what);
+  const bool isFile = leftOut.kind == LeftOut::Kind::NameWithFullStop;
+  return {isFile ? file.Name() : leftOut.what, {}, "left out: " + leftOut.why, isFile ? file.Parent().Text() : ""};
 }
 
 std::vector<BackupLine> LinesNotDone(const BackupRecord& record) {
   std::vector<BackupLine> lines;
-  if (record.endedEarly) lines.push_back({"The backup", {}, "ended early: " + *record.endedEarly});
+  if (record.endedEarly) lines.push_back({"The backup", {}, "ended early: " + *record.endedEarly, {}});
   AddLines(lines, record.copies, false);
-  for (const LeftOut& leftOut : record.leftOut) lines.push_back({leftOut.what, {}, "left out: " + leftOut.why});
+  for (const LeftOut& leftOut : record.leftOut) lines.push_back(LineOf(leftOut));
   AddLines(lines, record.exports, false);
   return lines;
 }
@@ -118,9 +124,8 @@ std::string TextOf(const BackupRecord& record, const std::string& ended, const s
   std::string text = kUtf8Mark + record.command + ", " + ended + kLineEnd + "Backup folder: " + record.folder.Text() +
                      kLineEnd + SummaryOf(record) + "." + kLineEnd;
   for (const BackupLine& line : lines) {
-    text += kLineEnd + OneLine(line.what) + kLineEnd + "  ";
-    if (!line.size.empty()) text += line.size + ", ";
-    text += OneLine(line.outcome) + kLineEnd;
+    text += kLineEnd + OneLine(line.what + (line.from.empty() ? "" : ", from " + line.from)) + kLineEnd;
+    text += "  " + line.size + (line.size.empty() ? "" : ", ") + OneLine(line.outcome) + kLineEnd;
   }
   return text;
 }

@@ -24,13 +24,15 @@ struct BackupRecord {
 
 /// One thing that a backup copied, exported, or did not.
 struct BackupLine {
-  std::string what;     ///< the file, or the registry key
+  std::string what;     ///< a file's name
   std::string size;     ///< "10240 bytes"; empty where there is none
   std::string outcome;  ///< "copied to D:\\Backup\\Inbox.dbx", "failed: the disk is full"
+  std::string from;     ///< the folder of the file that was to be copied, or the registry key
 };
 
 BackupLine LineOf(const CopyResult& copy);
 BackupLine LineOf(const KeyExport& made);
+BackupLine LineOf(const LeftOut& leftOut);
 /// What failed and what was left out.
 std::vector<BackupLine> LinesNotDone(const BackupRecord& record);
 /// What was copied and exported, in that order.

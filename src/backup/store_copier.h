@@ -34,8 +34,8 @@ struct LeftOut {
     NameWithFullStop,
   };
   Kind kind;
-  std::string what;
-  std::string why;  ///< a clause
+  std::string what;  ///< the full path of a file; otherwise words ("the messages of ...")
+  std::string why;   ///< a clause
 };
 
 /// The .dbx files of one folder, and where they go.

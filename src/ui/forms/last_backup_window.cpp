@@ -14,7 +14,7 @@ constexpr const char* kNoBackup = "No backup was made since the program was star
 
 /// The cells of a row, from left to right.
 std::string CellOf(const BackupLine& line, std::size_t column) {
-  const std::string* const cells[] = {&line.what, &line.size, &line.outcome};
+  const std::string* const cells[] = {&line.what, &line.size, &line.outcome, &line.from};
   return OneLine(*cells[column]);
 }
 
@@ -25,7 +25,7 @@ LastBackupForm::LastBackupForm(ProgramWindows& windows)
       lblBackup(*this, "lblBackup"),
       lblFolder(*this, "lblFolder"),
       lvSteps(
-          *this, "lvSteps", {"What", "Size", "Result"},
+          *this, "lvSteps", {"What", "Size", "Result", "From"},
           [this](std::size_t row, std::size_t column) { return CellOf(lines_[row], column); }, ListView::Checks::None),
       cmdCheck(*this, "cmdCheck", "Check", "Reads the copies and their sources again and compares them."),
       cmdSave(*this, "cmdSave", "Save", "Saves this list as a text file."),
@@ -33,6 +33,7 @@ LastBackupForm::LastBackupForm(ProgramWindows& windows)
       sb1(*this, "sb1", 1),
       session_(windows.session),
       windows_(windows) {
+  lvSteps.spokenName = "What the last backup did";
   cmdClose.isDefault = true;
   cmdClose.isCancel = true;
   cmdCheck.onClick = [this] { cmdCheck_Click(); };

@@ -21,7 +21,7 @@ constexpr int kColumnPadding = 16;
 constexpr int kCheckBoxWidth = 28;
 constexpr int kShownLines = 9;
 constexpr int kLineHeight = 24;
-constexpr int kLeastWidth = 300;
+constexpr int kLeastColumnWidth = 150;
 constexpr int kLeastPath = 120;
 /// How many of a column's longest texts are measured to find the widest.
 constexpr std::size_t kTextsMeasured = 40;
@@ -126,7 +126,8 @@ void ShowChecksInView(const wxDataViewCtrl& list, Rows& rows) {
 
 Widget MakeListViewWidget(ListView& control, wxWindow& parent) {
   auto* list = new wxDataViewCtrl(&parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxDV_SINGLE | wxDV_ROW_LINES);
-  list->SetMinSize(list->FromDIP(wxSize(kLeastWidth, kShownLines * kLineHeight)));
+  const int columns = static_cast<int>(control.Columns().size());
+  list->SetMinSize(list->FromDIP(wxSize(columns * kLeastColumnWidth, kShownLines * kLineHeight)));
   const wxObjectDataPtr<Rows> rows(new Rows(control));
   list->AssociateModel(rows.get());
   AddColumns(control, *list);
