@@ -28,8 +28,8 @@ void MarkAsAlert(wxDialog& dialog);
 /// depends on whether it has been shown.
 int NaturalHeight(wxWindow& window);
 
-/// Leaves the choice of a closed combo box alone when the mouse wheel turns above it, and makes the box a single stop
-/// of the Tab key.
+/// Leaves the choice of a closed combo box alone when the mouse wheel turns above it, makes the box a single stop of
+/// the Tab key, and shortens items in the middle that would make its list wider than a screen.
 void TameComboBox(wxComboBox& box);
 
 /// Draws the entry like the window behind it, as a text that can be selected but not changed.

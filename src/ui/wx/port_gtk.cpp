@@ -20,6 +20,7 @@ namespace quillbox {
 namespace {
 
 constexpr int kTitleIndent = 8;
+constexpr int kListCharacters = 120;
 
 /// Applies `css` to `widget` alone.
 void AddStyle(GtkWidget* widget, const char* css) {
@@ -126,6 +127,11 @@ void TameComboBox(wxComboBox& box) {
   const auto stop = +[](GtkWidget*, GdkEvent*, gpointer) -> gboolean { return TRUE; };
   g_signal_connect(box.GetHandle(), "scroll-event", G_CALLBACK(stop), nullptr);
   gtk_container_forall(GTK_CONTAINER(box.GetHandle()), TakeArrowOutOfTabOrder, nullptr);
+  GList* cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(box.GetHandle()));
+  for (GList* cell = cells; cell; cell = cell->next) {
+    g_object_set(cell->data, "ellipsize", PANGO_ELLIPSIZE_MIDDLE, "max-width-chars", kListCharacters, nullptr);
+  }
+  g_list_free(cells);
 }
 
 void ShowReadOnly(wxTextCtrl& entry, bool readOnly) {
