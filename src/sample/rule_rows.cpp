@@ -12,8 +12,9 @@ namespace {
 enum class Stored : std::uint32_t { None = 0, Number = 19, Text = 30, Words = 65, Folder = 0x10041 };
 constexpr std::uint32_t kValueTypeMask = 0xFFFF;
 constexpr std::uint32_t kRuleVersion = 5;
+constexpr std::uint32_t kSetVersion = 0x50000;
 
-// "Logic" of a criterion: how it is joined with the one before.
+// "Logic" of a criterion: how it is joined with the next one; the last has 0.
 constexpr std::uint32_t kAnd = 1;
 constexpr std::uint32_t kOr = 2;
 
@@ -31,6 +32,7 @@ struct Rule {
   std::uint32_t logic;
   std::vector<Entry> criteria;
   std::vector<Entry> actions;
+  std::string_view key = {};  ///< its name, if it is not its number
 };
 
 const Rule kHomeMail[] = {
@@ -97,7 +99,10 @@ const Rule kHomeNews[] = {
 };
 
 const Rule kViews[] = {
-    {"Hide Read Messages", true, kAnd, {{26}}, {{15}}},
+    {"Hide Read Messages", true, kAnd, {{25}}, {{15}}, "FFA"},
+    {"Show Downloaded Messages", true, kAnd, {{28}}, {{15}}, "FFB"},
+    {"Hide Read or Ignored Messages", true, kOr, {{25}, {28}}, {{15}}, "FFC"},
+    {"Show All Messages", true, kAnd, {{20}}, {{15}}, "FFF"},
 };
 
 const Rule kOfficeMail[] = {
@@ -114,10 +119,21 @@ std::string EntryName(std::size_t index) {
   return name;
 }
 
-void WriteOrder(Hive& hive, HiveKey key, std::size_t count) {
+std::string KeyName(const Rule& rule, std::size_t index) {
+  return rule.key.empty() ? EntryName(index) : std::string(rule.key);
+}
+
+/// `nameOf` gives the name of the key at a position.
+template <class F>
+void WriteOrder(Hive& hive, HiveKey key, std::size_t count, F nameOf) {
   std::string order;
-  for (std::size_t i = 0; i < count; ++i) order += (i == 0 ? "" : " ") + EntryName(i);
+  for (std::size_t i = 0; i < count; ++i) order += (i == 0 ? "" : " ") + nameOf(i);
   SetText(hive, key, "Order", RowType::Sz, order);
+}
+
+/// "Logic" of criterion `index` of `count`.
+std::uint32_t LogicOf(std::size_t index, std::size_t count, std::uint32_t joined) {
+  return index + 1 == count ? 0 : joined;
 }
 
 /// NUL-ended texts one after the other, and one NUL more.
@@ -161,23 +177,23 @@ void WriteEntry(Hive& hive, HiveKey key, const Entry& entry, const CodePage& cod
 void WriteRules(Hive& hive, HiveKey settings, std::string_view path, std::span<const Rule> rules,
                 const CodePage& codePage) {
   const HiveKey set = hive.CreatePath(settings, path);
-  WriteOrder(hive, set, rules.size());
-  SetNumber(hive, set, "Version", kRuleVersion);
+  WriteOrder(hive, set, rules.size(), [&](std::size_t r) { return KeyName(rules[r], r); });
+  SetNumber(hive, set, "Version", kSetVersion);
   for (std::size_t r = 0; r < rules.size(); ++r) {
     const Rule& rule = rules[r];
-    const HiveKey key = hive.CreateSubkey(set, EntryName(r));
+    const HiveKey key = hive.CreateSubkey(set, KeyName(rule, r));
     SetText(hive, key, "Name", RowType::Sz, rule.name);
     SetNumber(hive, key, "Enabled", rule.enabled ? 1 : 0);
     SetNumber(hive, key, "Version", kRuleVersion);
     const HiveKey criteria = hive.CreateSubkey(key, "Criteria");
-    WriteOrder(hive, criteria, rule.criteria.size());
+    WriteOrder(hive, criteria, rule.criteria.size(), EntryName);
     for (std::size_t i = 0; i < rule.criteria.size(); ++i) {
       const HiveKey entry = hive.CreateSubkey(criteria, EntryName(i));
       WriteEntry(hive, entry, rule.criteria[i], codePage);
-      SetNumber(hive, entry, "Logic", i == 0 ? 0 : rule.logic);
+      SetNumber(hive, entry, "Logic", LogicOf(i, rule.criteria.size(), rule.logic));
     }
     const HiveKey actions = hive.CreateSubkey(key, "Actions");
-    WriteOrder(hive, actions, rule.actions.size());
+    WriteOrder(hive, actions, rule.actions.size(), EntryName);
     for (std::size_t i = 0; i < rule.actions.size(); ++i) {
       WriteEntry(hive, hive.CreateSubkey(actions, EntryName(i)), rule.actions[i], codePage);
     }
@@ -186,13 +202,13 @@ void WriteRules(Hive& hive, HiveKey settings, std::string_view path, std::span<c
 
 void WriteBlocked(Hive& hive, HiveKey settings, std::string_view path, std::span<const std::string_view> senders) {
   const HiveKey list = hive.CreatePath(settings, path);
-  SetNumber(hive, list, "Version", kRuleVersion);
+  SetNumber(hive, list, "Version", kSetVersion);
   const HiveKey criteria = hive.CreateSubkey(list, "Criteria");
-  WriteOrder(hive, criteria, senders.size());
+  WriteOrder(hive, criteria, senders.size(), EntryName);
   for (std::size_t i = 0; i < senders.size(); ++i) {
     const HiveKey entry = hive.CreateSubkey(criteria, EntryName(i));
     WriteEntry(hive, entry, {kSenderCriterion, 0, Stored::Text, senders[i], 0}, CodePage());
-    SetNumber(hive, entry, "Logic", i == 0 ? 0 : kOr);
+    SetNumber(hive, entry, "Logic", LogicOf(i, senders.size(), kOr));
   }
 }
 

@@ -7,6 +7,7 @@
 
 #include "sample/dbx_writer.h"
 #include "support/damaged_hive.h"
+#include "support/sample_ids.h"
 #include "support/temp_folder.h"
 #include "text/byte_order.h"
 #include "text/error.h"
@@ -34,6 +35,23 @@ TEST_F(SampleDiskTest, HivesHoldWhatWasAskedFor) {
   };
   EXPECT_EQ(valueOf("software", "Microsoft\\Windows NT\\CurrentVersion", "ProductName"), "1 Microsoft Windows 2000\0"s);
   EXPECT_EQ(valueOf("system", "ControlSet001\\Control\\Nls\\CodePage", "ACP"), "1 1250\0"s);
+}
+
+TEST_F(SampleDiskTest, RulesViewsAndBlockedSendersAreBuiltLikeRealOnes) {
+  const SampleDisk disk = MakeSampleDisk(folder_ / "disk", {.smallStores = true});
+  const fs::path file = disk.driveC / "Documents and Settings" / disk.profile / "NTUSER.DAT";
+  const Hive hive = Hive::Load(ReadBytes(file), file.string());
+  const auto read = [&](const std::string& key, const char* name) {
+    const std::string path = "Identities\\" + kMain + "\\Software\\Microsoft\\Outlook Express\\5.0\\" + key;
+    return hive.Value(hive.Find(hive.Root(), path).value(), name).value().data;
+  };
+  EXPECT_EQ(ToUtf8(Utf16FromBytes(read("Rules\\Filter", "Order"))), "FFA FFB FFC FFF\0"s);
+  EXPECT_EQ(ToUtf8(Utf16FromBytes(read("Rules\\Filter\\FFF", "Name"))), "Show All Messages\0"s);
+  for (const char* key : {"Rules\\Mail", "Rules\\Filter", "Block Senders\\Mail"}) {
+    EXPECT_EQ(read(key, "Version"), (Bytes{0, 0, 5, 0})) << key;
+  }
+  EXPECT_EQ(read("Rules\\Mail\\000\\Criteria\\000", "Logic"), (Bytes{2, 0, 0, 0})) << "or";
+  EXPECT_EQ(read("Rules\\Mail\\000\\Criteria\\001", "Logic"), (Bytes{0, 0, 0, 0})) << "the last";
 }
 
 TEST_F(SampleDiskTest, StoresAreLikeRealOnesAndTheSameEachTime) {
