@@ -56,7 +56,8 @@ FormWindow::~FormWindow() {
 }
 
 void FormWindow::Follow() {
-  if (!window_ && form_.visible) Make();
+  const bool isNew = !window_ && form_.visible;
+  if (isNew) Make();
   if (!window_) return;
   window_->SetTitle(ToWx(form_.caption.Get()));
   if (heightTwips_ != form_.heightTwips) {
@@ -68,11 +69,22 @@ void FormWindow::Follow() {
     window_->Show(form_.visible);
     if (form_.visible) {
       window_->Raise();
+      if (isNew) FocusFirst();
       AskForFit(false);  // some widgets know their best size only when they have been shown
     }
     wxWakeUpIdle();
   }
   FollowPointer();
+}
+
+/// Left to itself the toolkit may begin in a panel behind the controls.
+void FormWindow::FocusFirst() {
+  const auto canBegin = [](const Widget& widget) {
+    return widget.window->IsShownOnScreen() && widget.window->IsEnabled() && widget.window->AcceptsFocus() &&
+           !IsGroup(widget.window);
+  };
+  const auto first = std::find_if(widgets_.begin(), widgets_.end(), canBegin);
+  if (first != widgets_.end()) first->window->SetFocus();
 }
 
 void FormWindow::FollowPointer() {

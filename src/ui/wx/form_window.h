@@ -39,6 +39,7 @@ class FormWindow {
   void OnControlChanged(const Control& control);
   void OnKey(wxKeyEvent& event);
   void FollowPointer();
+  void FocusFirst();
   void AskForFit(bool heightToo);
   void Fit();
 
