@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <fstream>
 #include <string_view>
 #include <system_error>
@@ -26,22 +25,6 @@ constexpr std::array kSystemFolders = {"/proc", "/sys", "/dev"};
 
 bool IsIn(const fs::path& path, const fs::path& folder) {
   return std::mismatch(path.begin(), path.end(), folder.begin(), folder.end()).second == folder.end();
-}
-
-/// `text` in one line: "%" and control characters as "%" and two digits.
-std::string Escaped(std::string_view text) {
-  std::string escaped;
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte >= 0x20 && byte != 0x7F && c != '%') {
-      escaped += c;
-      continue;
-    }
-    std::array<char, 4> code = {};
-    std::snprintf(code.data(), code.size(), "%%%02X", static_cast<unsigned>(byte));
-    escaped += code.data();
-  }
-  return escaped;
 }
 
 std::string Canonical(const fs::path& path) {
@@ -114,7 +97,7 @@ bool FolderMemory::IsRemembered(const fs::path& place) const {
   const std::set<std::string> now = Identities();
   if (remembered.empty()) return now.empty();
   return std::any_of(now.begin(), now.end(),
-                     [&](const std::string& userId) { return remembered.count(Escaped(userId)) > 0; });
+                     [&](const std::string& userId) { return remembered.count(StateLine(userId)) > 0; });
 }
 
 void FolderMemory::Choose(const WinPath& folder) {
@@ -124,7 +107,7 @@ void FolderMemory::Choose(const WinPath& folder) {
   std::string text = Lines(*place);
   std::size_t count = 0;
   for (const std::string& userId : Identities()) {
-    if (++count <= kMaxIdentities) text += std::string(kIdentity) + Escaped(userId) + '\n';
+    if (++count <= kMaxIdentities) text += std::string(kIdentity) + StateLine(userId) + '\n';
   }
   if (!MakePrivateFolder(folder_)) throw Error(kDoing, {folder_.string(), {}, {}}, "the folder cannot be made");
   const HostPlace file = HostPlace::Anywhere(file_);
@@ -132,8 +115,8 @@ void FolderMemory::Choose(const WinPath& folder) {
 }
 
 std::string FolderMemory::Lines(const fs::path& place) const {
-  return std::string(kFirstLine) + "\ndisk " + Escaped(disk_) + "\nprofile " + Escaped(profile_) + "\nfolder " +
-         Escaped(place.string()) + '\n';
+  return std::string(kFirstLine) + "\ndisk " + StateLine(disk_) + "\nprofile " + StateLine(profile_) + "\nfolder " +
+         StateLine(place.string()) + '\n';
 }
 
 std::set<std::string> FolderMemory::Identities() const {
