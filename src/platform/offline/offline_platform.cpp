@@ -6,6 +6,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/offline/stand_in.h"
 #include "platform/offline/state_folder.h"
 #include "text/code_page.h"
 #include "text/command_options.h"
@@ -70,8 +71,8 @@ OfflinePlatform::OfflinePlatform(const OfflineOptions& options, Dialogs& dialogs
       log_(stateFolder_),
       dialogs_(dialogs),
       clipboard_(clipboard),
-      disk_(FindWindowsDisk(options.folder, Checked(options.drives))),
-      profile_(ChooseProfile(disk_, options.profile)),
+      disk_(FindDisk(options)),
+      profile_(FindProfile(options)),
       lock_(LockDisk(disk_, profile_, options, log_)),
       drives_(DriveMap(disk_.folder, options.drives)),
       missingDrives_(dialogs, drives_),
@@ -81,7 +82,7 @@ OfflinePlatform::OfflinePlatform(const OfflineOptions& options, Dialogs& dialogs
       shell_(files_, facts_, dialogs_, log_),
       processes_(registry_, drives_, log_, EditorFor(disk_, profile_, options, lock_)) {
   AskForMissingDrives(options);
-  MountHives(options.readOnly ? HiveMode::Read : HiveMode::Write);
+  MountHives(options.readOnly ? HiveMode::Read : HiveMode::Write, options.registry);
   facts_ =
       RegistryFacts(ReadEnvironment(registry_, {disk_.windowsPath, profile_.winFolder, profile_.name}), FindCodePage());
 
@@ -91,6 +92,16 @@ OfflinePlatform::OfflinePlatform(const OfflineOptions& options, Dialogs& dialogs
   if (drives_.SetCurrentDirectory(directory) != Status::Success) {
     throw Error("changing the current directory", {directory.Text(), {}, {}}, "there is no such folder");
   }
+}
+
+WindowsDisk OfflinePlatform::FindDisk(const OfflineOptions& options) const {
+  const auto find = options.registry == RegistryUse::StandIn ? FindDiskToSearch : FindWindowsDisk;
+  return find(options.folder, Checked(options.drives));
+}
+
+ProfileFolder OfflinePlatform::FindProfile(const OfflineOptions& options) {
+  if (options.registry == RegistryUse::StandIn) return MakeStandIn(disk_, stateFolder_, clock_.Now());
+  return ChooseProfile(disk_, options.profile);
 }
 
 OfflinePlatform::~OfflinePlatform() {
@@ -136,13 +147,14 @@ void OfflinePlatform::FinishInterrupted() {
   warnings_ = FinishInterruptedCommit(PlacesOf(*machine, stateFolder_), profiles, log_);
 }
 
-void OfflinePlatform::MountHives(HiveMode mode) {
+void OfflinePlatform::MountHives(HiveMode mode, RegistryUse use) {
   if (mode == HiveMode::Write) FinishInterrupted();
   const bool hasUnfinished = !warnings_.empty();
   const HostPlace& user = profile_.hive.Place();
   hives_.push_back(
       std::make_unique<HiveFile>(user, mode, stateFolder_, log_, ConsentFor(user, "The registry of " + profile_.name)));
   registry_.Mount({RegistryRoot::CurrentUser, ""}, *hives_.back());
+  if (use == RegistryUse::StandIn) return;
   MountMachineHive(disk_.softwareHive, kSoftware, mode);
   MountMachineHive(disk_.systemHive, kSystem, HiveMode::Read);
   LeaveDamagedDiskAlone();
@@ -214,17 +226,23 @@ bool OfflinePlatform::UsesPrivateCopy() const {
 std::string OfflinePlatform::SystemDescription() {
   std::string text = disk_.folder.string() + ", " + profile_.name;
   if (const std::size_t places = DamagedPlaces(); places > 0) {
-    text += " (" + DamagedIn(places) + ": what cannot be read is left out; changes go to a private copy)";
+    text += " (" + DamagedIn(places) + ": what cannot be read is left out; " + WhereChangesGo() + ")";
   } else if (UsesPrivateCopy()) {
     text += " (write-protected: " + PrivateCopies({RegistryRoot::CurrentUser, RegistryRoot::LocalMachine}) +
-            "; registry changes go to a private copy)";
+            "; registry " + WhereChangesGo() + ")";
   }
   return text;
 }
 
 std::string OfflinePlatform::WriteProtection(std::initializer_list<RegistryRoot> roots) {
   const std::string names = PrivateCopies(roots);
-  return names.empty() ? std::string() : "Write-protected: " + names + "; changes go to a private copy.";
+  return names.empty() ? std::string() : "Write-protected: " + names + "; " + WhereChangesGo() + ".";
+}
+
+/// Of a disk that is not written.
+std::string OfflinePlatform::WhereChangesGo() const {
+  const std::optional<std::string> fault = StateFolderFault(stateFolder_);
+  return fault ? "changes cannot be saved, since " + *fault : "changes go to a private copy";
 }
 
 std::string OfflinePlatform::PrivateCopies(std::initializer_list<RegistryRoot> roots) const {

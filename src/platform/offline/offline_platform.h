@@ -34,6 +34,12 @@ enum class Salvage {
   AgreedBefore,  ///< the program that started this one has asked, and has logged it
 };
 
+/// Which registry is worked on.
+enum class RegistryUse {
+  OfTheDisk,
+  StandIn,  ///< an empty one of the program's own: for a disk whose registry cannot be opened
+};
+
 struct OfflineOptions {
   std::filesystem::path folder;                       ///< the host folder that is C:\ .
   std::string profile = {};                           ///< may be empty where there is only one
@@ -44,6 +50,7 @@ struct OfflineOptions {
   std::filesystem::path registryEditor = {};          ///< empty for the one beside the running program
   bool readOnly = false;                              ///< changes nothing, and needs no lock
   Salvage salvage = Salvage::Ask;
+  RegistryUse registry = RegistryUse::OfTheDisk;
   /// Called when the user has named a drive that the disk's registry asked for.
   std::function<void(char letter, const std::filesystem::path& folder)> driveNamed = {};
 };
@@ -75,6 +82,8 @@ class OfflinePlatform : public Platform {
   std::string SystemDescription() override;
   std::string WriteProtection(std::initializer_list<RegistryRoot> roots) override;
 
+  /// The folder's name of the profile that is open.
+  const std::string& ProfileName() const { return profile_.name; }
   /// Problems of the disk that did not prevent its opening, a sentence each.
   const std::vector<std::string>& Warnings() const { return warnings_; }
   /// True when a hive's changes go to a private copy in the state folder, since the disk cannot or must not be written.
@@ -83,15 +92,19 @@ class OfflinePlatform : public Platform {
  private:
   void AskForMissingDrives(const OfflineOptions& options);
   void FinishInterrupted();
-  void MountHives(HiveMode mode);
+  void MountHives(HiveMode mode, RegistryUse use);
   void MountMachineHive(const std::optional<FoundHive>& file, const char* name, HiveMode mode);
   HiveConsent ConsentFor(const HostPlace& hive, std::string registry);
   /// The names of the hives below `roots` whose changes go to a private copy; empty when there are none.
+  std::string WhereChangesGo() const;
   std::string PrivateCopies(std::initializer_list<RegistryRoot> roots) const;
   /// With a damaged hive no hive of the disk is written.
   void LeaveDamagedDiskAlone();
   std::size_t DamagedPlaces() const;
   unsigned FindCodePage();
+
+  WindowsDisk FindDisk(const OfflineOptions& options) const;
+  ProfileFolder FindProfile(const OfflineOptions& options);
 
   std::filesystem::path stateFolder_;
   Salvage salvage_;

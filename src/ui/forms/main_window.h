@@ -131,6 +131,7 @@ class Form1 : public Form {
   void cmdSearch_Click();
   void Search_Click();
   void dbxFiles_Click();
+  void openDisk_Click();
   void cmdExit_Click();
   void crtbkfldr2_Click();
   void brbkfldr_Click();

@@ -22,6 +22,7 @@ struct Form1::MenuRow {
 const Form1::MenuRow Form1::kMenu[] = {
     {"&File > OE Report > Save &As Text", "SaveAs", &Form1::SaveAs_Click},
     {"&File > OE Report > Save As HTML", "SaveAsHTML", &Form1::SaveAsHTML_Click},
+    {"&File > Open Another Disk...", "openDisk", &Form1::openDisk_Click},
     {"&File > E&xit", "Exit", &Form1::cmdExit_Click},
     {"Change > Change Address Book", "chAddBk", &Form1::chAddBk_Click},
     {"Change > Move Address Book", "MoveWAB", &Form1::MoveWAB_Click},
@@ -92,6 +93,10 @@ void Form1::BuildMenu() {
     item.onClick = [this, handler = row.handler] { (this->*handler)(); };
     menuBar.Add(std::move(item));
   }
+}
+
+void Form1::openDisk_Click() {
+  windows_.OpenAnotherDisk();
 }
 
 void Form1::cmdSearch_Click() {

@@ -10,8 +10,25 @@ void ProgramWindows::ReplaceMainWindow(Form& window) {
 }
 
 void ProgramWindows::ReturnToMainWindow(Form& window) {
+  if (searchAlone_) return OpenAnotherDisk();
   form1.Show();
   window.Hide();
+}
+
+void ProgramWindows::OpenSearchAlone() {
+  searchAlone_ = true;
+  form2.RunHandler("Open", [this] {
+    form2.FillFileTypes();
+    session.CheckBackupFolder(false);
+    form2.Open();
+    form2.ShowNoSearches();
+  });
+}
+
+void ProgramWindows::OpenAnotherDisk() {
+  session.platform.EndCommand();
+  for (Form* window : All()) window->Hide();
+  chooseDisk();
 }
 
 void ProgramWindows::UnloadAll() {

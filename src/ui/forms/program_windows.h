@@ -71,10 +71,21 @@ class ProgramWindows {
   void ReplaceMainWindow(Form& window);
   void ReturnToMainWindow(Form& window);
 
+  /// Shows the search window alone, on a disk whose registry could not be opened. Leaving it leads to another disk.
+  void OpenSearchAlone();
+  /// Saves what is still to be saved and leaves the disk for another one. Throws Error, with the disk still open, when
+  /// that fails.
+  void OpenAnotherDisk();
+  /// Leads to the choice of a disk; set by whoever runs the windows.
+  std::function<void()> chooseDisk = [] {};
+
   /// Hides the windows that may be open, the main window last, and ends the program, which closes any other.
   void UnloadAll();
   /// Ends the program; set by whoever runs the windows.
   std::function<void()> quit = [] {};
+
+ private:
+  bool searchAlone_ = false;
 };
 
 }  // namespace quillbox

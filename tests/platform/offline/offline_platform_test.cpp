@@ -270,6 +270,11 @@ TEST_F(SalvageTest, ADamagedHiveKeepsTheWholeDiskFromBeingWritten) {
     EXPECT_EQ(again.GetRegistry().Open(kNewMachineKey, Access::Full).status, Status::Success);
     EXPECT_THAT(again.SystemDescription(),
                 EndsWith("(damaged in 1 place: what cannot be read is left out; changes go to a private copy)"));
+    std::filesystem::remove_all(options.stateFolder);
+    std::ofstream(options.stateFolder) << "a file";
+    EXPECT_THAT(again.SystemDescription(),
+                HasSubstr("; changes cannot be saved, since " + options.stateFolder.string() +
+                          " cannot be written: Not a directory)"));
     WriteBytes(row.hive, sound.at(row.hive));
     dialogs.messages.clear();
     std::filesystem::remove_all(options.stateFolder);

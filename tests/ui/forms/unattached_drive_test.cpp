@@ -4,12 +4,6 @@
 namespace quillbox {
 namespace {
 
-using ::testing::AllOf;
-using ::testing::Contains;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::IsEmpty;
-
 class UnattachedDriveTest : public SampleWindows {
  protected:
   void SetUp() override {
