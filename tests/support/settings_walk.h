@@ -1,108 +1,227 @@
-// Picks every item of every setting of a window, checks with another program what is then on the disk, and has the
-// window read it again.
+// Walks every setting of a window as its golden text has it: the texts around it, what each item stores, what each
+// stored number shows, what a missing value shows, what typed numbers do.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <cctype>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <map>
-#include <span>
+#include <set>
 #include <string>
+#include <vector>
 
-#include "settings/setting.h"
+#include "core/registry_store.h"
+#include "support/golden_text.h"
+#include "support/matchers.h"
+#include "support/scripted_dialogs.h"
 #include "ui/form.h"
+#include "ui/tab_control.h"
 
 namespace quillbox {
 
-/// Values by "KEY|NAME" in lower case, their data as a .reg file has them ("dword:0000002a"). Empty without that
-/// program.
-using ExportedValues = std::map<std::string, std::string>;
-
-inline std::string LowerCase(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
-  return text;
-}
-
-inline bool CanExportHives() {
-  return std::system("command -v hivexregedit >/dev/null") == 0;
-}
-
-/// The values of `key` ("\\Identities") and of all keys below it.
-inline ExportedValues ExportHive(const std::filesystem::path& hive, const std::string& key) {
-  const std::string out = hive.string() + ".exported";
-  const std::string command = "hivexregedit --export '" + hive.string() + "' '" + key + "' >'" + out + "'";
-  EXPECT_EQ(std::system(command.c_str()), 0);
-  ExportedValues values;
-  std::ifstream in(out);
-  std::string section;
-  for (std::string line; std::getline(in, line);) {
-    const std::size_t end = line.find("\"=");
-    if (line.starts_with("[")) section = line.substr(1, line.size() - 2);
-    if (line.starts_with("\"") && end != std::string::npos) {
-      values[LowerCase(section + "|" + line.substr(1, end - 1))] = line.substr(end + 2);
-    }
-  }
-  std::filesystem::remove(out);
-  return values;
-}
-
 struct SettingsWalk {
   Form& form;
-  std::span<const SettingsTab* const> tabs;
-  std::function<std::string(SettingKey)> keyInHive;  ///< where ExportHive finds the settings' keys
-  std::function<ExportedValues()> readDisk;
-  std::function<void()> reload;
-  std::map<std::string, std::string> shownOtherwise;  ///< "control item": what is shown after a reload instead
+  Platform& platform;
+  RegistryStore& store;
+  ScriptedDialogs& dialogs;
+  std::string userId;            ///< the identity that the window shows
+  std::function<void()> reload;  ///< has the window read everything again
+  std::map<std::string, GoldenLine> keys = {};
 
-  /// The number of picks that were made.
-  std::size_t Run() const {
-    std::size_t all = 0;
-    for (std::size_t item = 0, before = 1; all != before; ++item) {
-      before = all;
-      all += PickEverywhere(item);
-    }
-    return all;
-  }
+  struct Block : GoldenLine {
+    std::string tab;
+    bool IsSetting() const { return words[0] == "combo" || words[0] == "box"; }
+  };
 
- private:
-  static std::string WrittenData(const Setting& setting, const std::string& item) {
-    const auto& choices = setting.written.choices.empty() ? setting.shown.choices : setting.written.choices;
-    for (const Choice& choice : choices) {
-      if (choice.text != item && choice.text != kAnyOther) continue;
-      char data[32];
-      std::snprintf(data, sizeof data, "dword:%08x", static_cast<unsigned>(choice.number));
-      return data;
-    }
-    return "no choice " + item;
-  }
-
-  std::size_t PickEverywhere(std::size_t item) const {
-    std::map<std::string, std::string> data;
-    std::map<std::string, std::string> shown;
-    for (const SettingsTab* tab : tabs) {
-      for (const Setting& setting : tab->rows) {
-        const std::string name(setting.control);
-        if (!setting.IsComboBox() || item >= form.Named<ComboBox>(name).items->size()) continue;
-        auto& combo = form.Named<ComboBox>(name);
-        combo.enabled = true;  // what disables one is another test's matter
-        combo.pick(item);
-        const std::string picked = combo.text;
-        data[LowerCase(keyInHive(setting.key) + "|" + std::string(setting.value))] = WrittenData(setting, picked);
-        const auto other = shownOtherwise.find(name + " " + picked);
-        shown[name] = other == shownOtherwise.end() ? picked : other->second;
+  /// Every control of the window is in the golden text and looks as it says.
+  void CheckTexts() {
+    std::set<std::string> names;
+    for (const Block& block : Blocks()) {
+      SCOPED_TRACE(block.Place());
+      const auto check = [&](const std::string& name, Control* control, const std::string& tooltip) {
+        EXPECT_TRUE(names.insert(name).second) << "twice";
+        EXPECT_EQ(control->tooltip, tooltip);
+        if (!block.tab.empty()) {
+          EXPECT_EQ(PageOf(name), block.tab);
+        }
+      };
+      if (block[0] == "label" || block[0] == "button") {
+        CheckCaption(block, check);
+      } else if (!block.IsSetting()) {
+        check(block[1], &form.Named<Control>(block[1]), "");
+      } else {
+        Label& label = LabelOf(block[1]);
+        check(label.Name(), &label, block.Fact("tip")[1]);
+        EXPECT_EQ(label.caption, block[2]);
+        if (const std::string name = block.Fact("named")[1]; !name.empty()) {
+          EXPECT_EQ(label.Name(), name);
+        }
+        check(block[1], &form.Named<Control>(block[1]), block.Fact("boxtip")[1]);
+        if (block[0] == "box") {
+          EXPECT_EQ(Box(block).readOnly, !block.Fact("readonly").words.empty());
+        }
+        if (const GoldenLine button = block.Fact("button"); !button.words.empty()) CheckCaption(button, check);
       }
     }
-    const ExportedValues stored = readDisk();
-    for (const auto& [value, wanted] : data) EXPECT_EQ(stored.count(value) ? stored.at(value) : "", wanted) << value;
+    for (const Control* control : form.Controls()) EXPECT_EQ(names.count(control->Name()), 1U) << control->Name();
+  }
+
+  /// Acts on each setting and looks at the registry, then the other way round.
+  void CheckValues() {
+    for (const Block& block : Blocks()) {
+      if (!block.IsSetting()) continue;
+      std::vector<std::string> items;
+      for (const GoldenLine& fact : block.facts) {
+        SCOPED_TRACE(block.Place() + ", line " + std::to_string(fact.number) + " " + fact[1]);
+        if (fact[0] == "item" || fact[0] == "pick") Pick(block, fact, items.size());
+        if (fact[0] == "item") Show(block, fact[2], fact[1]);
+        if (fact[0] == "item" || fact[0] == "pick") items.push_back(fact[1]);
+        if (fact[0] == "show") Show(block, fact[1], fact[2]);
+        if (fact[0] == "enter" || fact[0] == "refuse") Enter(block, fact);
+        if (fact[0] == "missing") ShowMissing(block, fact[1], "none");
+        if (fact[0] == "makes") ShowMissing(block, fact[2], block[5] + " " + block[4] + " " + fact[1]);
+      }
+      if (block[0] == "combo") {
+        EXPECT_EQ(form.Named<ComboBox>(block[1]).items, items) << block.Place();
+      }
+    }
+  }
+
+  /// The settings of the named key, as "control: what it shows".
+  std::vector<std::pair<std::string, std::string>> ShownWithoutKey(const std::string& key) {
+    std::vector<std::pair<std::string, std::string>> texts;
+    for (const Block& block : Blocks()) {
+      if (block.IsSetting() && block[3] == key) texts.emplace_back(block[1], block.Fact("nokey")[1]);
+    }
+    return texts;
+  }
+
+  std::string Text(const std::string& control) { return TextOf(form.Named<Control>(control)); }
+
+ private:
+  std::vector<Block> Blocks() {
+    std::map<std::string, std::vector<GoldenLine>> lists;
+    std::vector<Block> blocks;
+    std::string window, tab;
+    for (const GoldenLine& line : ReadGolden("ui/forms/settings_golden.txt")) {
+      if (line[0] == "list") lists[line[1]] = line.facts;
+      if (line[0] == "key") keys[line[1]] = line;
+      if (line[0] == "tab") tab = line[1];
+      if (line[0] == "window") {
+        window = line[1];
+        tab.clear();
+        if (window == form.Name()) {
+          EXPECT_EQ(form.caption, line[2]);
+        }
+      } else if (line[0] != "tab" && window == form.Name()) {
+        blocks.push_back({line, tab});
+        const auto& shared = lists[line.Fact("items")[1]];
+        auto& facts = blocks.back().facts;
+        facts.insert(facts.begin(), shared.begin(), shared.end());
+      }
+    }
+    return blocks;
+  }
+
+  template <class Check>
+  void CheckCaption(const GoldenLine& line, const Check& check) {
+    auto& control = form.Named<Control>(line[1]);
+    EXPECT_EQ(KindOf(control) + " " + TextOf(control), line[0] + " " + line[2]);
+    check(line[1], &control, line[3]);
+  }
+
+  TextBox& Box(const Block& block) { return form.Named<TextBox>(block[1]); }
+  /// The label right before a control, which is what says what the control is for.
+  Label& LabelOf(const std::string& control) {
+    const auto& all = form.Controls();
+    const auto found = std::find_if(all.begin(), all.end(), [&](Control* each) { return each->Name() == control; });
+    return dynamic_cast<Label&>(**std::prev(found));
+  }
+
+  /// The caption of the tab that a control is on.
+  std::string PageOf(const std::string& control) {
+    std::string page;
+    const std::function<void(const LayoutNode&, const std::string&)> search = [&](const LayoutNode& node,
+                                                                                  const std::string& in) {
+      if (node.control && node.control->Name() == control) page = in;
+      const auto* tabs = node.kind == LayoutNode::Kind::Tabs ? dynamic_cast<TabControl*>(node.control) : nullptr;
+      for (std::size_t i = 0; i < node.children.size(); ++i) search(node.children[i], tabs ? tabs->Tabs().at(i) : in);
+    };
+    search(form.Layout(), "");
+    return page;
+  }
+
+  RegistryPath PathOf(const Block& block) {
+    const GoldenLine& key = keys.at(block[3]);
+    std::string path = key[3];
+    if (const std::size_t at = path.find("{USER_ID}"); at != std::string::npos) path.replace(at, 9, userId);
+    return {key[2] == "HKLM" ? RegistryRoot::LocalMachine : RegistryRoot::CurrentUser, path};
+  }
+
+  /// "Launch Inbox dword 1" as the registry has it, the name in the case that it was written in; "none" without it.
+  std::string Stored(const Block& block) {
+    const OpenResult opened = platform.GetRegistry().Open(PathOf(block), Access::Read);
+    for (std::uint32_t i = 0;; ++i) {
+      const ValueResult value = platform.GetRegistry().EnumValue(opened.key, i);
+      if (value.status != Status::Success) return "none";
+      if (strcasecmp(value.name.c_str(), block[5].c_str()) != 0) continue;
+      if (value.type == ValueType::Sz && value.data.back() == 0) {
+        return value.name + " text " + std::string(value.data.begin(), value.data.end() - 1);
+      }
+      if (value.type != ValueType::Dword || value.data.size() != 4) return value.name + " of another type";
+      std::uint32_t number = 0;
+      for (std::size_t byte = 4; byte-- > 0;) number = number << 8 | value.data[byte];
+      return value.name + " dword " + std::to_string(static_cast<std::int32_t>(number));
+    }
+  }
+  void Remove(const Block& block) { platform.GetRegistry().DeleteValue(store.OpenKey(PathOf(block)).key, block[5]); }
+  std::string Written(const Block& block, const std::string& data) {
+    const std::string otherCase = block.Fact("writes")[1];
+    return (otherCase.empty() ? block[5] : otherCase) + " " + block[4] + " " + data;
+  }
+
+  void Pick(const Block& block, const GoldenLine& fact, std::size_t index) {
+    auto& combo = form.Named<ComboBox>(block[1]);
+    ASSERT_LT(index, combo.items->size());
+    EXPECT_EQ(combo.items->at(index), fact[1]);
+    Remove(block);
+    combo.enabled = true;  // what disables one is another test's matter
+    combo.pick(index);
+    EXPECT_EQ(Stored(block), Written(block, fact[2]));
+  }
+  void Show(const Block& block, const std::string& stored, const std::string& text) {
+    const RegistryPath path = PathOf(block);
+    const bool isText = block[4] == "text";
+    const RegValue value = isText ? RegValue(stored) : RegValue(std::stoi(stored));
+    const auto set =
+        path.root == RegistryRoot::LocalMachine ? &RegistryStore::SetKeyValue2 : &RegistryStore::SetKeyValue;
+    (store.*set)(path.subkey, block[5], value, isText ? ValueType::Sz : ValueType::Dword);
+    const std::string before = Stored(block);
     reload();
-    for (const auto& [name, text] : shown) EXPECT_EQ(form.Named<ComboBox>(name).text, text) << name;
-    return shown.size();
+    EXPECT_EQ(Text(block[1]), text);
+    EXPECT_EQ(Stored(block), before) << "showing must not write";
+  }
+  void ShowMissing(const Block& block, const std::string& text, const std::string& storedThen) {
+    if (!block[3].empty()) Remove(block);
+    reload();
+    EXPECT_EQ(Text(block[1]), text);
+    if (!block[3].empty()) {
+      EXPECT_EQ(Stored(block), storedThen);
+    }
+  }
+  void Enter(const Block& block, const GoldenLine& fact) {
+    const bool isRefused = fact[0] == "refuse";
+    Remove(block);
+    dialogs.messages.clear();
+    Box(block).type(fact[1]);
+    form.Named<Button>(block.Fact("button")[1]).click();
+    EXPECT_EQ(Text(block[1]), isRefused ? fact[1] : fact[3]);
+    EXPECT_EQ(Stored(block), isRefused ? "none" : Written(block, fact[2]));
+    EXPECT_EQ(dialogs.LastMessage(), isRefused ? fact[2] : fact[4]);
+    EXPECT_LE(dialogs.messages.size(), 1U);
+    if (!isRefused) return;
+    dialogs.messageAnswers = {MessageAnswer::No};  // the window asks what to do with what is typed
+    reload();
+    EXPECT_EQ(dialogs.messages.size(), 2U);
   }
 };
 

@@ -1,0 +1,88 @@
+// Reads a golden text: plain lines of words and "quoted texts", "#" before a comment. An indented line says more about
+// the last one that is not indented.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ui/controls.h"
+
+namespace quillbox {
+
+struct GoldenLine {
+  std::string file;
+  int number = 0;
+  std::vector<std::string> words;
+  std::vector<GoldenLine> facts;  ///< the indented lines below it
+
+  /// Empty beyond the last word.
+  std::string operator[](std::size_t index) const { return index < words.size() ? words[index] : ""; }
+  /// The first fact of that kind, or one without words.
+  GoldenLine Fact(const std::string& kind) const {
+    for (const GoldenLine& fact : facts) {
+      if (fact[0] == kind) return fact;
+    }
+    return {};
+  }
+  std::string Place() const { return file + ":" + std::to_string(number) + ": " + (*this)[0] + " " + (*this)[1]; }
+};
+
+inline std::vector<std::string> GoldenWords(const std::string& line) {
+  std::vector<std::string> words;
+  for (std::size_t at = 0; (at = line.find_first_not_of(' ', at)) != std::string::npos && line[at] != '#';) {
+    const bool quoted = line[at] == '"';
+    const std::size_t start = at + (quoted ? 1 : 0);
+    at = std::min(line.find(quoted ? '"' : ' ', start), line.size());
+    words.push_back(line.substr(start, at - start));
+    if (quoted) ++at;
+  }
+  return words;
+}
+
+/// `name` is the file's below tests/.
+inline std::vector<GoldenLine> ReadGolden(const std::string& name) {
+  std::ifstream in(std::filesystem::path(QUILLBOX_TESTS_DIR) / name);
+  EXPECT_TRUE(in.is_open()) << name;
+  std::vector<GoldenLine> lines;
+  int number = 0;
+  for (std::string text; std::getline(in, text);) {
+    GoldenLine line{name, ++number, GoldenWords(text), {}};
+    if (line.words.empty()) continue;
+    (text.front() == ' ' ? lines.back().facts : lines).push_back(std::move(line));
+  }
+  return lines;
+}
+
+/// What a golden text calls the control's kind.
+inline std::string KindOf(Control& control) {
+  const std::pair<const char*, Control*> kinds[] = {
+      {"label", dynamic_cast<Label*>(&control)},         {"box", dynamic_cast<TextBox*>(&control)},
+      {"combo", dynamic_cast<ComboBox*>(&control)},      {"check", dynamic_cast<CheckBox*>(&control)},
+      {"button", dynamic_cast<Button*>(&control)},       {"frame", dynamic_cast<Frame*>(&control)},
+      {"option", dynamic_cast<OptionButton*>(&control)},
+  };
+  for (const auto& [kind, found] : kinds) {
+    if (found) return kind;
+  }
+  return "other";
+}
+
+/// The caption or text that a control shows.
+inline std::string TextOf(Control& control) {
+  if (auto* box = dynamic_cast<TextBox*>(&control)) return box->text;
+  if (auto* combo = dynamic_cast<ComboBox*>(&control)) return combo->text;
+  if (auto* label = dynamic_cast<Label*>(&control)) return label->caption;
+  if (auto* button = dynamic_cast<Button*>(&control)) return button->caption;
+  if (auto* check = dynamic_cast<CheckBox*>(&control)) return check->caption;
+  if (auto* frame = dynamic_cast<Frame*>(&control)) return frame->caption;
+  if (auto* option = dynamic_cast<OptionButton*>(&control)) return option->caption;
+  return "";
+}
+
+}  // namespace quillbox
