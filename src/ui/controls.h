@@ -180,6 +180,7 @@ class ListBox : public Control {
   void Accept(ControlVisitor& visitor) override;
   Property<std::vector<std::string>> items;
   Property<std::optional<std::size_t>> selected;
+  int linesShown = 7;  ///< at the least, in a small window
   Handler onSelect;
   Handler onOpen;
 

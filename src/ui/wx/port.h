@@ -44,6 +44,10 @@ bool IsPopupOpen();
 /// Makes an empty menu of a menu bar a command that runs `act` when it is clicked in the bar.
 void MakeCommandOfBar(wxMenu& menu, std::function<void()> act);
 
+/// True unless the user is clicking or has pressed a key other than Tab: a list that gets the focus selects its first
+/// line by itself.
+bool IsFocusMoving();
+
 /// Has a plain click on a line of a list of several select or deselect that line alone, as with Ctrl.
 void ToggleByClick(wxListBox& list);
 

@@ -149,6 +149,17 @@ void SetTitleBesideLine(wxStaticBox& frame) {
   }
 }
 
+bool IsFocusMoving() {
+  GdkEvent* event = gtk_get_current_event();
+  if (event == nullptr) return true;
+  guint key = 0;
+  const GdkEventType type = gdk_event_get_event_type(event);
+  const bool isKey = type == GDK_KEY_PRESS && gdk_event_get_keyval(event, &key) == TRUE;
+  const bool isTab = key == GDK_KEY_Tab || key == GDK_KEY_ISO_Left_Tab || key == GDK_KEY_KP_Tab;
+  gdk_event_free(event);
+  return isKey ? isTab : type == GDK_FOCUS_CHANGE || type == GDK_MAP || type == GDK_EXPOSE;
+}
+
 bool IsPopupOpen() {
   GtkWidget* grabbing = gtk_grab_get_current();
   if (!grabbing) return false;

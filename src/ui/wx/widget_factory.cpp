@@ -95,7 +95,7 @@ class Factory : public ControlVisitor {
 
  private:
   void MakeWrappedLabel(Label& control);
-  wxListBox& MakeListBox(long style);
+  wxListBox& MakeListBox(long style, int lines = kListLines);
   int Characters(int count) const { return count * parent_.GetCharWidth(); }
   int WidthOf(const wxString& text) const { return parent_.GetTextExtent(text).x; }
   int FieldWidth() const { return WidthOf(growing_ ? kGrowingText : kFieldText); }
@@ -271,9 +271,9 @@ void Factory::Visit(Frame& control) {
   };
 }
 
-wxListBox& Factory::MakeListBox(long style) {
+wxListBox& Factory::MakeListBox(long style, int lines) {
   auto* list = new wxListBox(&parent_, wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, nullptr, style | wxLB_HSCROLL);
-  list->SetMinSize(wxSize(Characters(kListCharacters), kListLines * parent_.GetCharHeight() * 3 / 2));
+  list->SetMinSize(wxSize(Characters(kListCharacters), lines * parent_.GetCharHeight() * 3 / 2));
   SetAccessibleName(*list, spokenName_);
   widget_.window = list;
   return *list;
@@ -286,7 +286,7 @@ void ShowItems(const std::vector<std::string>& wanted, wxListBox& list) {
 }
 
 void Factory::Visit(ListBox& control) {
-  wxListBox* list = &MakeListBox(wxLB_SINGLE);
+  wxListBox* list = &MakeListBox(wxLB_SINGLE, control.linesShown);
   widget_.show = [list, &control] {
     ShowWithTip(control, *list);
     ShowItems(control.items, *list);
@@ -295,8 +295,9 @@ void Factory::Visit(ListBox& control) {
     list->SetSelection(wanted);
     if (wanted != wxNOT_FOUND) list->EnsureVisible(wanted);
   };
-  list->Bind(wxEVT_LISTBOX, [&control](wxCommandEvent& event) {
+  list->Bind(wxEVT_LISTBOX, [list, &control](wxCommandEvent& event) {
     if (event.GetSelection() < 0) return;
+    if (!control.selected.Get() && IsFocusMoving()) return list->SetSelection(wxNOT_FOUND);
     const auto line = static_cast<std::size_t>(event.GetSelection());
     if (!(control.selected == line)) control.pick(line);
   });

@@ -146,6 +146,17 @@ TEST_F(FormWindowTest, ActsOfAPersonRunTheHandlersOnce) {
   EXPECT_EQ(TakeActs(), "list=2 open=2 ");
 }
 
+TEST_F(FormWindowTest, AListIsNotPickedFromByTheFocusAlone) {
+  form.list.selected = std::nullopt;
+  ClickOn(Widget<wxTextCtrl>(form.box));
+  Press(WXK_TAB);
+  EXPECT_TRUE(Widget<wxListBox>(form.list).HasFocus());
+  EXPECT_EQ(Widget<wxListBox>(form.list).GetSelection(), wxNOT_FOUND);
+  EXPECT_EQ(TakeActs(), "");
+  Press(WXK_DOWN);
+  EXPECT_EQ(TakeActs().substr(0, 5), "list=");
+}
+
 TEST_F(FormWindowTest, APickerTakesNoTypingAndAnEditableComboDoes) {
   ClickOn(Widget<wxComboBox>(form.picker));
   Press(WXK_DOWN);
