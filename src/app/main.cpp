@@ -1,10 +1,14 @@
 // The program: opens a disk, then the main window on it.
 #include <cstdio>
+#include <ctime>
 #include <exception>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "app/disk_list.h"
+#include "app/no_display.h"
 #include "app/options.h"
 #include "app/start_window.h"
 #include "platform/offline/log.h"
@@ -15,60 +19,97 @@
 #include "ui/wx/wx_app.h"
 #include "ui/wx/wx_clipboard.h"
 #include "ui/wx/wx_dialogs.h"
+#include "ui/wx/wx_runtime.h"
 
 namespace quillbox {
 namespace {
 
+/// One disk's time, from its choice to its end.
 class Application {
  public:
-  Application(WindowSystem& system, Options options) : system_(system), options_(std::move(options)) {}
+  Application(WindowSystem& system, DiskChoice disk) : system_(system), disk_(std::move(disk)) {}
 
-  void Start() {
-    DiskChoice disk = options_.disk;
-    if (disk.folder.empty() && !options_.choose) disk = LoadLastDisk(StateFolder());
-    if (disk.folder.empty()) return ShowStartWindow(disk);
+  /// Opens the disk that was named, or asks.
+  void Start(bool choose) {
+    if (choose || disk_.folder.empty() || IsForSeveral(disk_)) return ShowStartWindow();
     try {
-      OpenDisk(disk);
+      OpenDisk(disk_);
     } catch (const Error& error) {
       log_.Write(Describe(error));
-      ShowStartWindow(disk);
-      start_->lblFault.caption = Describe(error);
+      ShowStartWindow();
+      if (!start_->lblFault.visible) start_->ShowFault(Describe(error));
     }
   }
 
+  /// True when the windows have ended so that another disk can be opened.
+  bool WantsAnotherDisk() const { return wantsAnother_; }
+
  private:
-  void ShowStartWindow(const DiskChoice& disk) {
-    start_ = std::make_unique<StartWindow>(guard_, dialogs_, [this](const DiskChoice& choice) { OpenDisk(choice); });
-    if (!disk.folder.empty()) start_->Look(disk);
+  /// Several profiles are a list to pick from.
+  static bool IsForSeveral(const DiskChoice& disk) try {
+    return disk.profile.empty() && FindWindowsDisk(disk.folder, disk.drives).profiles.size() > 1;
+  } catch (const Error&) {
+    return false;
+  }
+
+  void ShowStartWindow() {
+    start_ = std::make_unique<StartWindow>(guard_, dialogs_, StateFolder());
+    start_->onOpen = [this](const DiskChoice& choice) { OpenDisk(choice); };
+    start_->onSearch = [this](const DiskChoice& choice) { SearchDisk(choice); };
     start_->onClosed = [this] { system_.Quit(); };
+    if (!disk_.folder.empty()) start_->Look(disk_);
     start_->Show();
     system_.Attach(*start_);
   }
 
   void OpenDisk(const DiskChoice& disk) {
-    OfflineOptions offline;
-    offline.folder = disk.folder;
-    offline.profile = disk.profile;
-    offline.drives = disk.drives;
-    auto platform = std::make_unique<OfflinePlatform>(offline, dialogs_, &clipboard_);
-    platform_ = std::move(platform);
-    dialogs_.UseHostPaths(platform_->GetDrives());
-    try {
-      SaveLastDisk(StateFolder(), disk);
-    } catch (const Error& error) {
-      log_.Write(Describe(error));
-    }
-    windows_ = std::make_unique<ProgramWindows>(*platform_);
-    windows_->quit = [this] { system_.Quit(); };
-    for (Form* form : windows_->All()) system_.Attach(*form);
+    MakePlatform(disk, RegistryUse::OfTheDisk);
+    disk_.profile = platform_->ProfileName();
+    Remember();
     windows_->form1.Open();
     for (const std::string& warning : platform_->Warnings()) {
       dialogs_.Show({.text = warning, .icon = MessageIcon::Exclamation});
     }
   }
 
+  void SearchDisk(const DiskChoice& disk) {
+    MakePlatform(disk, RegistryUse::StandIn);
+    windows_->OpenSearchAlone();
+  }
+
+  void MakePlatform(const DiskChoice& disk, RegistryUse registry) {
+    OfflineOptions offline;
+    offline.folder = disk.folder;
+    offline.profile = disk.profile;
+    offline.drives = disk.drives;
+    offline.registry = registry;
+    offline.driveNamed = [this](char letter, const std::filesystem::path& folder) {
+      disk_.drives[letter] = folder;
+      Remember();
+    };
+    platform_ = std::make_unique<OfflinePlatform>(offline, dialogs_, &clipboard_);
+    disk_ = disk;
+    dialogs_.UseHostPaths(platform_->GetDrives());
+    windows_ = std::make_unique<ProgramWindows>(*platform_);
+    windows_->quit = [this] { system_.Quit(); };
+    windows_->chooseDisk = [this] {
+      wantsAnother_ = true;
+      system_.Quit();
+    };
+    for (Form* form : windows_->All()) system_.Attach(*form);
+  }
+
+  void Remember() {
+    try {
+      RememberDisk(StateFolder(), {disk_, std::time(nullptr)});
+    } catch (const Error& error) {
+      log_.Write(Describe(error));
+    }
+  }
+
   WindowSystem& system_;
-  Options options_;
+  DiskChoice disk_;
+  bool wantsAnother_ = false;
   FileLog log_{StateFolder()};
   HostOnlyPaths hostOnly_;
   WxDialogs dialogs_{hostOnly_};
@@ -79,13 +120,28 @@ class Application {
   std::unique_ptr<StartWindow> start_;
 };
 
+/// Opens one disk after the other. Each is closed, its changes written and its lock released, before the next is
+/// chosen: nothing of it is left for the next one.
+void RunDisks(const Options& options) {
+  DiskChoice disk = options.disk;
+  bool choose = options.choose;
+  for (bool another = true; another; choose = true, disk = {}) {
+    std::unique_ptr<Application> application;
+    RunWindows([&](WindowSystem& system) {
+      application = std::make_unique<Application>(system, disk);
+      application->Start(choose);
+    });
+    another = application->WantsAnotherDisk();
+  }
+}
+
 int Run(const std::vector<std::string>& arguments) {
   auto parsed = ParseOptions(arguments);
   if (const auto* fault = std::get_if<CommandFault>(&parsed)) {
     std::fprintf(stderr, "quillbox: %s\n%s", fault->reason.c_str(), kUsage);
     return 2;
   }
-  auto& options = std::get<Options>(parsed);
+  const auto& options = std::get<Options>(parsed);
   switch (options.end) {
     case OptionsEnd::Help:
       std::fputs(kUsage, stdout);
@@ -96,11 +152,14 @@ int Run(const std::vector<std::string>& arguments) {
     case OptionsEnd::Run:
       break;
   }
-  std::unique_ptr<Application> application;
-  RunWindows([&](WindowSystem& system) {
-    application = std::make_unique<Application>(system, std::move(options));
-    application->Start();
-  });
+  std::unique_ptr<WxRuntime> runtime;
+  try {
+    runtime = std::make_unique<WxRuntime>();
+  } catch (const Error& error) {
+    std::fprintf(stderr, "quillbox: %s\n%s", Describe(error).c_str(), TextWithoutDisplay(options.disk).c_str());
+    return 1;
+  }
+  RunDisks(options);
   return 0;
 }
 

@@ -1,13 +1,7 @@
 #include "app/options.h"
 
-#include <fstream>
-
-#include "text/error.h"
-
 namespace quillbox {
 namespace {
-
-constexpr const char* kLastDiskFile = "last-disk";
 
 std::filesystem::path Absolute(const std::string& path) {
   return std::filesystem::absolute(path).lexically_normal();
@@ -58,33 +52,6 @@ std::variant<Options, CommandFault> ParseOptions(const std::vector<std::string>&
     }
   }
   return options;
-}
-
-DiskChoice LoadLastDisk(const std::filesystem::path& stateFolder) {
-  DiskChoice disk;
-  std::ifstream file(stateFolder / kLastDiskFile);
-  for (std::string line; std::getline(file, line);) {
-    const std::size_t equals = line.find('=');
-    if (equals == std::string::npos) continue;
-    const std::string name = line.substr(0, equals);
-    const std::string value = line.substr(equals + 1);
-    if (name == "folder") disk.folder = value;
-    if (name == "profile") disk.profile = value;
-    if (name == "drive") {
-      const auto drive = ParseDriveOption(value);
-      if (const auto* known = std::get_if<DriveOption>(&drive)) disk.drives.emplace(known->letter, known->folder);
-    }
-  }
-  return disk;
-}
-
-void SaveLastDisk(const std::filesystem::path& stateFolder, const DiskChoice& disk) {
-  std::ofstream file(stateFolder / kLastDiskFile);
-  file << "folder=" << disk.folder.string() << "\nprofile=" << disk.profile << '\n';
-  for (const auto& [letter, folder] : disk.drives) file << "drive=" << letter << '=' << folder.string() << '\n';
-  if (!file.flush()) {
-    throw Error("remembering the disk", {(stateFolder / kLastDiskFile).string(), {}, {}}, "it could not be written");
-  }
 }
 
 }  // namespace quillbox

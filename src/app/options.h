@@ -1,4 +1,4 @@
-// The command line of the program, and the disk that it opened last.
+// The command line of the program.
 #pragma once
 
 #include <filesystem>
@@ -24,27 +24,22 @@ enum class OptionsEnd { Run, Help, Version };
 
 struct Options {
   OptionsEnd end = OptionsEnd::Run;
-  bool choose = false;  ///< ask for the disk even if one was open before
+  bool choose = false;  ///< show the disk in the start window instead of opening it
   DiskChoice disk;
 };
 
 inline constexpr const char* kUsage =
     "usage: quillbox [FOLDER] [--profile NAME] [--drive D=FOLDER]...\n"
     "\n"
-    "Opens FOLDER as drive C: of a Windows that isn't running. Without FOLDER it opens the\n"
-    "disk it had open last, or asks.\n"
+    "Opens FOLDER as drive C: of a Windows that isn't running. Without FOLDER it shows the\n"
+    "disks that it had open last, and asks.\n"
     "\n"
     "  --profile NAME     whose registry to open, where the disk holds several people's\n"
     "  --drive D=FOLDER   a further drive of that Windows\n"
-    "  --choose           asks for the disk even if one was open before\n"
+    "  --choose           shows FOLDER in the start window instead of opening it\n"
     "  --help, --version\n";
 
 /// `arguments` without the program's name. Host paths are made absolute.
 std::variant<Options, CommandFault> ParseOptions(const std::vector<std::string>& arguments);
-
-/// The disk opened last, kept in the state folder; empty when there is none.
-DiskChoice LoadLastDisk(const std::filesystem::path& stateFolder);
-/// Remembers `disk`. A failure is not a reason to stop: it throws Error for the log.
-void SaveLastDisk(const std::filesystem::path& stateFolder, const DiskChoice& disk);
 
 }  // namespace quillbox

@@ -1,8 +1,9 @@
 #include "app/options.h"
 
-#include <gtest/gtest.h>
-
+#include "app/disk_list.h"
+#include "support/matchers.h"
 #include "support/temp_folder.h"
+#include "text/error.h"
 
 namespace quillbox {
 namespace {
@@ -30,12 +31,24 @@ TEST(Options, AWrongCommandLineNamesItsFault) {
   for (const auto& [given, fault] : rows) EXPECT_EQ(std::get<CommandFault>(ParseOptions(given)).reason, fault);
 }
 
-TEST(Options, TheLastDiskIsRemembered) {
-  const TempFolder state;
-  EXPECT_EQ(LoadLastDisk(state.Path()), DiskChoice());
-  const DiskChoice disk{"/mnt/x = y", "Büro", {{'D', "/mnt/d"}, {'E', "/mnt/e"}}};
-  SaveLastDisk(state.Path(), disk);
-  EXPECT_EQ(LoadLastDisk(state.Path()), disk);
+TEST(DiskList, HasTheDiskOpenedLastOnTop) {
+  const TempFolder temp;
+  const std::filesystem::path state = temp / "state";
+  EXPECT_TRUE(LoadDisks(state).empty());
+  const KnownDisk first{{"/mnt/x = y\nfolder=/etc", "100%25 Büro", {{'D', "/mnt/d"}, {'E', "/mnt/e"}}}, 1};
+  const KnownDisk second{{"/mnt/z", "Ann", {}}, 2};
+  RememberDisk(state, first);
+  RememberDisk(state, second);
+  EXPECT_THAT(LoadDisks(state), ElementsAre(second, first));
+  const KnownDisk again{first.disk, 3};
+  RememberDisk(state, again);
+  EXPECT_THAT(LoadDisks(state), ElementsAre(again, second));
+  for (int i = 0; i < 30; ++i) RememberDisk(state, {{"/mnt/" + std::to_string(i), "Ann", {}}, 4});
+  EXPECT_EQ(LoadDisks(state).size(), 20u);
+  temp.File("state/last-disk", "folder=/mnt/xp\nprofile=Ann\n");
+  EXPECT_THAT(LoadDisks(state), ElementsAre(KnownDisk{{"/mnt/xp", "Ann", {}}, 0})) << "of the first version";
+  temp.File("file");
+  EXPECT_THROW(RememberDisk(temp / "file/state", first), Error);
 }
 
 }  // namespace

@@ -1,20 +1,16 @@
 #include "app/start_window.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
+#include "app/no_display.h"
 #include "platform/offline/offline_platform.h"
 #include "sample/sample_disk.h"
 #include "support/damaged_hive.h"
+#include "support/matchers.h"
 #include "support/scripted_dialogs.h"
 #include "support/temp_folder.h"
 #include "support/test_log.h"
 
 namespace quillbox {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 
 class StartWindowTest : public ::testing::Test {
  protected:
@@ -26,7 +22,23 @@ class StartWindowTest : public ::testing::Test {
   ScriptedDialogs dialogs;
   HandlerGuard guard{log, dialogs};
   std::vector<DiskChoice> opened;
-  StartWindow window{guard, dialogs, [this](const DiskChoice& choice) { opened.push_back(choice); }};
+  std::unique_ptr<StartWindow> made = Make();
+  StartWindow& window = *made;
+
+  /// As a new start of the program does.
+  std::unique_ptr<StartWindow> Make(const char* state = "state") {
+    auto start = std::make_unique<StartWindow>(guard, dialogs, temp / state);
+    start->onOpen = [this](const DiskChoice& choice) { opened.push_back(choice); };
+    start->onSearch = [this](const DiskChoice& choice) {
+      opened.push_back(choice);
+      opened.back().profile = "(search)";
+    };
+    return start;
+  }
+  /// A disk of the profiles that are named, with hives that cannot be read.
+  void MakeDisk(const std::string& folder, std::initializer_list<const char*> names) {
+    for (const char* name : names) temp.File(folder + "/Users/" + name + "/NTUSER.DAT", "no hive");
+  }
 };
 
 TEST_F(StartWindowTest, AChosenDiskShowsItsProfilesAndOpens) {
@@ -44,10 +56,106 @@ TEST_F(StartWindowTest, AChosenDiskShowsItsProfilesAndOpens) {
 TEST_F(StartWindowTest, AFolderThatIsNoDiskSaysWhy) {
   dialogs.folderAnswers = {WinPath(Wherever(""))};
   window.cmdChoose.click();
-  EXPECT_NE(window.lblFault.caption, "");
+  EXPECT_THAT(window.lblFault.caption.Get(), HasSubstr("There is no Windows in it"));
   EXPECT_FALSE(window.cmdOpen.enabled);
   window.cmdOpen.click();
   EXPECT_TRUE(opened.empty());
+  const std::string image = temp.File("xp.img", "\xEB\x52\x90NTFS    " + std::string(600, '\0')).string();
+  window.txtFolder.type(image);
+  window.cmdOpen.click();
+  EXPECT_EQ(window.lblFault.caption,
+            "This is the image of a disk (NTFS), not a folder. Mount it with this command, then choose /mnt:");
+  EXPECT_EQ(window.txtCommand.text, "sudo mount -o ro,loop '" + image + "' /mnt");
+  EXPECT_TRUE(window.txtCommand.visible && window.lblFault.visible && window.lblFault.wraps);
+  window.txtFolder.type("/");
+  EXPECT_FALSE(window.txtCommand.visible || window.lblFault.visible);
+}
+
+TEST_F(StartWindowTest, ATypedFolderOpensAndOneBesideTheDiskOffersIt) {
+  MakeDisk("xp", {"Ann"});
+  window.Show();
+  window.txtFolder.type(" " + (temp / "xp/Users").string() + " ");
+  window.cmdOpen.click();
+  EXPECT_EQ(window.lblProfiles.caption, "Open " + (temp / "xp").string() + "?");
+  EXPECT_TRUE(opened.empty()) << "an offer is not taken at once";
+  MakeDisk("other", {"Ben"});
+  window.txtFolder.type(temp.Path().string());
+  window.cmdOpen.click();
+  EXPECT_EQ(window.lblProfiles.caption, "Open one of these?");
+  EXPECT_THAT(window.lstProfiles.items.Get(),
+              ElementsAre(StartsWith((temp / "other").string() + ": Ben"), StartsWith((temp / "xp").string())));
+  window.lstProfiles.pick(1);
+  window.cmdOpen.click();
+  window.Show();
+  window.txtFolder.type((temp / "other").string());
+  window.cmdOpen.click();
+  EXPECT_THAT(opened, ElementsAre(DiskChoice{temp / "xp", "Ann", {}}, DiskChoice{temp / "other", "Ben", {}}));
+  EXPECT_FALSE(window.visible);
+}
+
+TEST_F(StartWindowTest, SeveralProfilesAreAListAndTheDiskCanBeSearchedWithoutThem) {
+  MakeDisk("xp", {"Ann", "Ben"});
+  window.txtFolder.type((temp / "xp").string());
+  window.cmdOpen.click();
+  EXPECT_EQ(window.lblFault.caption, "");
+  EXPECT_THAT(window.lstProfiles.items.Get(),
+              ElementsAre(StartsWith("Ann — cannot be read"), StartsWith("Ben — cannot be read")));
+  window.cmdSearch.click();
+  window.lstProfiles.open(1);
+  EXPECT_THAT(opened, ElementsAre(DiskChoice{temp / "xp", "(search)", {}}, DiskChoice{temp / "xp", "Ben", {}}));
+}
+
+TEST_F(StartWindowTest, FurtherDrivesAreAddedAndTakenAway) {
+  MakeDisk("xp", {"Ann"});
+  window.Look({temp / "xp", "", {{'D', temp.Folder("d")}}});
+  EXPECT_EQ(window.cmbLetter.text, "E:");
+  window.txtDrive.type((temp / "none").string());
+  window.cmdAddDrive.click();
+  EXPECT_THAT(window.lblFault.caption.Get(), HasSubstr("Drive E: needs a folder"));
+  dialogs.folderAnswers = {WinPath(Wherever("xp"))};
+  window.cmdChooseDrive.click();
+  EXPECT_THAT(window.lblDrives.caption.Get(),
+              EndsWith(": D: " + (temp / "d").string() + ", E: " + (temp / "xp").string()));
+  window.cmbLetter.pick("D:");
+  EXPECT_EQ(window.txtDrive.text, (temp / "d").string());
+  window.cmdRemoveDrive.click();
+  window.cmbLetter.pick("Y:");
+  window.txtDrive.type((temp / "d").string());
+  window.cmdOpen.click();
+  EXPECT_THAT(opened, ElementsAre(DiskChoice{temp / "xp", "Ann", {{'E', temp / "xp"}, {'Y', temp / "d"}}}))
+      << "a typed drive counts without a press of Add";
+}
+
+TEST_F(StartWindowTest, TheLastDisksAreListedWithProfileFolderAndTime) {
+  setenv("TZ", "UTC", 1);
+  tzset();
+  MakeDisk("xp", {"Ann", "Ben"});
+  RememberDisk(temp / "state", {{temp / "gone", "Eve", {}}, 0});
+  RememberDisk(temp / "state", {{temp / "xp", "Ben", {{'D', temp / "xp"}}}, 1'700'000'000});
+  const auto start = Make();
+  EXPECT_THAT(start->lstDisks.items.Get(), ElementsAre("Ben — " + (temp / "xp").string() + " — 2023-11-14 22:13",
+                                                       "Eve — " + (temp / "gone").string() + " (not there now)"));
+  start->cmdOpen.click();
+  EXPECT_THAT(opened, ElementsAre(DiskChoice{temp / "xp", "Ben", {{'D', temp / "xp"}}})) << "Enter opens the last one";
+  start->lstDisks.pick(1);
+  EXPECT_EQ(start->lblFault.caption, "There is no such folder.");
+  start->txtFolder.type((temp / "xp").string());
+  EXPECT_EQ(start->lstDisks.selected, std::nullopt);
+  EXPECT_FALSE(window.lstDisks.visible) << "there was none when it was made";
+}
+
+TEST_F(StartWindowTest, AStateFolderThatCannotBeWrittenIsSaid) {
+  temp.File("file");
+  EXPECT_FALSE(window.lblState.visible);
+  EXPECT_THAT(Make("file/state")->lblState.caption.Get(),
+              HasSubstr((temp / "file").string() + " cannot be written: Not a directory."));
+}
+
+TEST_F(StartWindowTest, WithoutADisplayTheDiskIsDescribed) {
+  MakeDisk("xp", {"Ann"});
+  const std::string text = TextWithoutDisplay({temp / "xp", "", {}});
+  EXPECT_THAT(text, StartsWith("The profiles on " + (temp / "xp").string() + ":\n  Ann — cannot be read: "));
+  EXPECT_THAT(text, HasSubstr("ssh -X"));
 }
 
 TEST_F(StartWindowTest, AHiveThatIsNotWholeSaysSoBesideItsProfile) {
@@ -72,21 +180,21 @@ TEST_F(StartWindowTest, AHiveThatIsNotWholeSaysSoBesideItsProfile) {
 TEST_F(StartWindowTest, AnAnswerOfNoLeavesTheWindowWithTheReason) {
   const SampleDisk sample = MakeSampleDisk(temp / "disk", {.smallStores = true});
   DamageKeys(sample.driveC / "Documents and Settings/Ann Miller/NTUSER.DAT", {"Environment"});
-  StartWindow asking(guard, dialogs, [this](const DiskChoice& choice) {
+  window.onOpen = [this](const DiskChoice& choice) {
     OfflineOptions options;
     options.folder = choice.folder;
     options.profile = choice.profile;
     options.stateFolder = temp / "state";
     const OfflinePlatform platform(options, dialogs);
     opened.push_back(choice);
-  });
-  asking.Look({.folder = sample.driveC, .profile = {}, .drives = {}});
-  asking.Show();
+  };
+  window.Look({.folder = sample.driveC, .profile = {}, .drives = {}});
+  window.Show();
   dialogs.messageAnswers = {MessageAnswer::No, MessageAnswer::Yes};
-  asking.cmdOpen.click();
-  EXPECT_TRUE(opened.empty() && asking.visible);
-  EXPECT_THAT(asking.lblFault.caption.Get(), HasSubstr("NTUSER.DAT, offset 0x"));
-  asking.cmdOpen.click();
+  window.cmdOpen.click();
+  EXPECT_TRUE(opened.empty() && window.visible);
+  EXPECT_THAT(window.lblFault.caption.Get(), HasSubstr("NTUSER.DAT, offset 0x"));
+  window.cmdOpen.click();
   EXPECT_EQ(opened.size(), 1u);
 }
 
