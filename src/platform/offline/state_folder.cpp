@@ -1,5 +1,6 @@
 #include "platform/offline/state_folder.h"
 
+#include <fcntl.h>
 #include <pwd.h>
 #include <unistd.h>
 
@@ -52,13 +53,16 @@ bool MakePrivateFolder(const fs::path& folder) {
 }
 
 std::optional<std::string> StateFolderFault(const fs::path& folder) {
-  if (MakePrivateFolder(folder) && access(folder.c_str(), W_OK | X_OK) == 0) return std::nullopt;
+  const auto mayWrite = [](const fs::path& path) {
+    return faccessat(AT_FDCWD, path.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+  };
+  if (MakePrivateFolder(folder) && mayWrite(folder)) return std::nullopt;
   // Why it could not be made is known by its nearest parent that is there.
   fs::path there = folder;
   while (access(there.c_str(), F_OK) != 0 && there != there.parent_path()) there = there.parent_path();
   std::error_code ignored;
   const bool isFolder = fs::is_directory(there, ignored);
-  const int code = isFolder && access(there.c_str(), W_OK | X_OK) != 0 ? errno : ENOTDIR;
+  const int code = isFolder && !mayWrite(there) ? errno : ENOTDIR;
   return there.string() + " cannot be written: " + SystemReason(code);
 }
 

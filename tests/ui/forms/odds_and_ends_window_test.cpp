@@ -116,6 +116,8 @@ TEST_F(Form12Test, AMachineThatCannotBeWrittenIsShownAsItIs) {
   fs::permissions(profile, fs::perms{0777});
   fs::permissions(profile / "NTUSER.DAT", fs::perms{0666});
   fs::remove_all(temp / "state");
+  fs::create_directory(temp / "state");
+  fs::permissions(temp / "state", fs::perms{0777});
   windows.reset();
   store.reset();
   platform.reset();
