@@ -101,8 +101,11 @@ TEST_F(IdentityWindowsTest, AnIdentityIsClonedOntoANewOneWithItsMessages) {
   EXPECT_EQ(form.lblDestinationUser.caption, "Bob");
   form.cmbSource.pick(kMain);
   EXPECT_EQ(form.lblSourceUser.caption, "Main Identity");
-  std::filesystem::create_directory(OnHost(Identities()[0].FolderText()) / "Old mail");
-  std::ofstream(OnHost(Identities()[0].FolderText()) / "Old mail/2003.dbx") << "old";
+  const auto folderOf = [&](const std::string& id) {
+    return OnHost(ReadStoreFolder(Store(), platform->GetSystemFacts(), id).value().Text());
+  };
+  std::filesystem::create_directory(folderOf(kMain) / "Old mail");
+  std::ofstream(folderOf(kMain) / "Old mail/2003.dbx") << "old";
   for (CheckBox* box : {&form.Check2, &form.chkCopyDBX}) box->click();
   form.cmdClone.click();
   EXPECT_EQ(form.StatusBar1.panels[0], "Cloning Complete");
@@ -110,9 +113,6 @@ TEST_F(IdentityWindowsTest, AnIdentityIsClonedOntoANewOneWithItsMessages) {
   EXPECT_EQ(form.lblDestUName.caption, "Bob");
   EXPECT_FALSE(form.Check2.checked || form.chkCopyDBX.checked);
   EXPECT_EQ(dialogs.messages.size(), 2u);
-  const auto folderOf = [&](const std::string& id) {
-    return OnHost(ReadStoreFolder(Store(), platform->GetSystemFacts(), id).value().Text());
-  };
   EXPECT_EQ(Names(folderOf(userId)), Names(folderOf(kMain)));
   EXPECT_EQ(Content(folderOf(userId) / "Old mail/2003.dbx"), "old");
   EXPECT_EQ(Read(IdentitySettingsKey(userId), "WindowTitle"), RegValue("Outlook Express at home"));
