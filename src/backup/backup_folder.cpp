@@ -139,6 +139,8 @@ BackupFolderCheck BackupFolder::Check(bool withMessage) {
   if (!hasData) Reset();
   if (withMessage) AskForConsent(PathOrNone(Stored()));
   if (hasData) check.folder = Get();
+  // A folder on a drive that is not attached is not gone.
+  if (check.folder && withMessage) platform_.GetDrives().OfferToAttach(*check.folder);
   if (!check.folder && withMessage) platform_.GetDialogs().Show({.text = kSelectAtStart});
   if (!check.folder || !DirExists(platform_.GetFiles(), *check.folder)) Reset();
   return check;

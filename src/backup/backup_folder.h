@@ -58,8 +58,8 @@ class BackupFolder {
   Status Probe();
 
   /// The check at start: writes the default when nothing is stored, resets a folder that is gone. With `withMessage`
-  /// the person is asked about a folder of this computer that is stored but was never chosen, once in a run, and a
-  /// missing choice is reported.
+  /// the person is asked about a folder of this computer that is stored but was never chosen, once in a run, and for
+  /// the drive of a folder when it is not attached, and a missing choice is reported.
   BackupFolderCheck Check(bool withMessage);
   /// The guard of a backup command: the folder, or nothing after the message has been shown.
   std::optional<WinPath> Guard(FolderMessage wording);

@@ -30,7 +30,7 @@ bool IsHostRoot(const DriveFolder& drive) {
 
 DriveMap::DriveMap(const fs::path& cFolder, const std::map<char, fs::path>& more) {
   std::map<char, fs::path> given = more;
-  given.try_emplace(kHostDrive, "/");
+  given[kHostDrive] = "/";
   given[kSystemDrive] = cFolder;
   std::vector<DriveFolder> ofTheDisk;
   for (const auto& [letter, folder] : given) {

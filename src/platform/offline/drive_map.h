@@ -17,8 +17,7 @@ class DriveMap {
   static constexpr char kSystemDrive = 'C';
   static constexpr char kHostDrive = 'Z';  ///< the host's own root folder
 
-  /// `cFolder` is C:\ ; `more` are further drives by upper-case letter. Z is the host's root unless `more` has another
-  /// folder for it.
+  /// `cFolder` is C:\ ; `more` are further drives by upper-case letter. Z is the host's root, whatever `more` has.
   explicit DriveMap(const std::filesystem::path& cFolder, const std::map<char, std::filesystem::path>& more = {});
 
   /// One more drive of the disk, or another folder for one. Places that were found before stay what they are.

@@ -33,6 +33,7 @@ namespace {
 constexpr const char* kFieldText = "Some short value";
 constexpr const char* kGrowingText = "{0DADA0D0-0DD0-0DD0-0DD0-0DDADA0D0DD0}";
 /// The width that an entry needs besides its text: for its border, and for the arrow of one with a list.
+constexpr int kLeastShare = 100;  // of a status bar, for a panel without a text
 constexpr int kEntryExtra = 30;
 constexpr int kArrowExtra = 40;
 /// The greatest width that a label asks for; a longer text is shortened in the middle and the tooltip has all of it.
@@ -357,6 +358,7 @@ void Factory::Visit(TabControl& control) {
   });
 }
 
+/// The panels share the bar as their texts need it: what was not done may be longer than what was.
 void Factory::Visit(StatusBar& control) {
   auto* bar = new wxStatusBar(&parent_, wxID_ANY, wxSTB_SIZEGRIP | wxSTB_ELLIPSIZE_MIDDLE | wxSTB_SHOW_TIPS);
   SetAccessibleName(*bar, spokenName_);
@@ -364,6 +366,11 @@ void Factory::Visit(StatusBar& control) {
   widget_.window = bar;
   widget_.show = [bar, &control] {
     ShowWithTip(control, *bar);
+    std::vector<int> shares;
+    for (const auto& panel : control.panels) {
+      shares.push_back(-std::max(bar->GetTextExtent(ToWx(panel.Get())).x, kLeastShare));
+    }
+    bar->SetStatusWidths(static_cast<int>(shares.size()), shares.data());
     for (std::size_t i = 0; i < control.panels.size(); ++i) {
       bar->SetStatusText(ToWx(control.panels[i].Get()), static_cast<int>(i));
     }

@@ -49,5 +49,18 @@ TEST_F(UnattachedDriveTest, IsAskedForOnceInACommandAndMissedInItsReport) {
   EXPECT_THAT(dialogs.LastMessage(), HasSubstr("drive E: is not attached."));
 }
 
+TEST_F(UnattachedDriveTest, OfTheBackupFolderIsAskedForBeforeTheSettingIsForgotten) {
+  for (const bool agrees : {true, false}) {
+    StoreBackupFolder("E:\\Mail");
+    platform->EndCommand();
+    OpenDisk();
+    dialogs.messageAnswers = {agrees ? MessageAnswer::Yes : MessageAnswer::No};
+    if (agrees) Name({WinPath(OnZ(temp / "disk/E"))});
+    windows->form1.Open();
+    EXPECT_EQ(windows->form1.lblbkuppth.caption, "E:\\Mail");
+    EXPECT_EQ(Read(kIdentitiesKey, "Quillbox"), RegValue(agrees ? "E:\\Mail" : "None Selected"));
+  }
+}
+
 }  // namespace
 }  // namespace quillbox
