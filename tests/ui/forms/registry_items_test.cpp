@@ -9,22 +9,35 @@ namespace {
 
 /// The menu items of one row; "*" stands for the {USER_ID}. The signatures, a hive file here, have no command.
 struct Item {
-  RegistryItem item;
-  const char *save, *restore;
+  const char *save, *exportFile, *exportDone;
+  const char *restore, *restoreFile, *restoreDone;
   std::string commandEnd;
+  std::string missing = {};    ///< the message without the key; empty: that is not asked
+  const char* noFolder = ".";  ///< how the message without a backup folder ends
 };
 const std::string kSettings = "  \"HKEY_CURRENT_USER\\Identities\\*\\Software\\Microsoft\\Outlook Express\\5.0\\";
 const Item kItems[] = {
-    {RegistryItem::Identity, "Identity", "resCurSelIdent", " HKEY_CURRENT_USER\\Identities\\*"},
-    {RegistryItem::AllIdentities, "allIdentities", "resAllIdent", "  \"HKEY_CURRENT_USER\\Identities\\\""},
-    {RegistryItem::AddressBook, "regAddBook", "resAddBook", "  \"HKEY_CURRENT_USER\\Software\\Microsoft\\WAB\""},
-    {RegistryItem::BlockedSenders, "blkSend", "resblkswnd", kSettings + "Block Senders\""},
-    {RegistryItem::DialogSuppressions, "dntshowdlg", "resdontshow", kSettings + "Dont Show Dialogs\""},
-    {RegistryItem::Machine, "expLMOE", "resHKLMOE", "  \"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Outlook Express\""},
-    {RegistryItem::MessageRules, "msgRules", "resMsgRules", kSettings + "Rules\""},
-    {RegistryItem::Accounts, "regIAM", "resIAM",
-     "  \"HKEY_CURRENT_USER\\SOFTWARE\\Microsoft\\Internet Account Manager\\Accounts\""},
-    {RegistryItem::Signatures, "sigs", "resSigs", ""},
+    {"Identity", "CurrentIdentity.reg", "Current Identity Export Complete", "resCurSelIdent", "",
+     "Current Identity Import Complete", " HKEY_CURRENT_USER\\Identities\\*"},
+    {"allIdentities", "AllIdentities.reg", "All Identities Export Complete", "resAllIdent", "",
+     "All Identities Import Complete", "  \"HKEY_CURRENT_USER\\Identities\\\""},
+    {"regAddBook", "AddressBook.reg", "Address Book Export Complete", "resAddBook", "AddressBook.reg",
+     "Address Book Import Complete", "  \"HKEY_CURRENT_USER\\Software\\Microsoft\\WAB\""},
+    {"blkSend", "BlockedSenders.reg", "Blocked Senders Export Complete", "resblkswnd", "BlockedSenders.reg",
+     "Blocked Senders Import Complete", kSettings + "Block Senders\"",
+     "There is not a Block Senders subkey to save for this Identity."},
+    {"dntshowdlg", "Dont Show Dialogs.reg", "Dont Show Dialogs Export Complete", "resdontshow", "DontShowDialog.reg",
+     "Dont Show Dialogs Import Complete", kSettings + "Dont Show Dialogs\"",
+     "There is not a Dont Show Dialogs subkey to save for this Identity."},
+    {"expLMOE", "HKLMOutlookExpress.reg", "HKLM Outlook Express Export Complete", "resHKLMOE", "HKLMOutlookExpress.reg",
+     "HKLM Outlook Express Import Complete", "  \"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Outlook Express\"", "", " "},
+    {"msgRules", "MessageRules.reg", "Message Rules Export Complete", "resMsgRules", "MessageRules.reg",
+     "Message Rules Import Complete", kSettings + "Rules\"", "There is not a Rules subkey to save for this Identity."},
+    {"regIAM", "IAM.reg", "Internet Accounts Manager Subkey Backup Complete", "resIAM", "IAM.reg",
+     "Internet Accounts Manager Import Complete",
+     "  \"HKEY_CURRENT_USER\\SOFTWARE\\Microsoft\\Internet Account Manager\\Accounts\"", "", " "},
+    {"sigs", "SignaturesXP.reg", "Signatures Export Complete", "resSigs", "SignaturesXP.reg",
+     "Signatures Import Complete", "", "There is not a signatures subkey to save for this Identity."},
 };
 
 /// A full disk: writes beyond a size fail while an object of this class lives.
@@ -65,6 +78,10 @@ class RegistryItemsTest : public SampleWindows {
     dialogs.openFileAnswers = {chosen};
     Click(item);
   }
+  /// "FOLDER|NAME|FILTER" of the dialog shown last.
+  static std::string Asked(const std::vector<FileDialog>& shown) {
+    return shown.back().folder.Text() + "|" + shown.back().name + "|" + shown.back().filter;
+  }
   std::string OfIdentity(std::string text) {
     const std::size_t star = text.find('*');
     return star == std::string::npos ? text : text.replace(star, 1, userId);
@@ -74,6 +91,7 @@ class RegistryItemsTest : public SampleWindows {
   Form1* form = nullptr;
   std::string userId;
   const WinPath file{"D:\\Backup\\item.reg"};
+  static constexpr const char* kFilter = "|Registration Files (*.reg) | *.reg";
 };
 
 TEST_F(RegistryItemsTest, EachItemIsSavedAndComesBackAsItWas) {
@@ -90,13 +108,14 @@ TEST_F(RegistryItemsTest, EachItemIsSavedAndComesBackAsItWas) {
     form->sb1.panels[1] = "old";
 
     Save(item.save, file);
-    EXPECT_EQ(dialogs.saveFileDialogs.back().folder.Text(), kBackup);
     EXPECT_TRUE(dialogs.saveFileDialogs.back().askOverwrite);
-    EXPECT_EQ(form->sb1.panels[0], RowOf(item.item).exportDone);
+    EXPECT_EQ(Asked(dialogs.saveFileDialogs), "D:\\Backup|" + std::string(item.exportFile) + kFilter);
+    EXPECT_EQ(form->sb1.panels[0], item.exportDone);
     EXPECT_EQ(form->sb1.panels[1], "");
     Store().DeleteKey(path);
     Restore(item.restore, file);
-    EXPECT_EQ(form->sb1.panels[0], RowOf(item.item).restoreDone);
+    EXPECT_EQ(Asked(dialogs.openFileDialogs), "D:\\Backup|" + std::string(item.restoreFile) + kFilter);
+    EXPECT_EQ(form->sb1.panels[0], item.restoreDone);
     EXPECT_EQ(SnapshotOf(platform->GetRegistry(), path), before);
     EXPECT_EQ(platform->processes.commandLines,
               (std::vector<std::string>{"regedit /s /e:A \"D:\\Backup\\item.reg\"" + OfIdentity(item.commandEnd),
@@ -111,11 +130,13 @@ TEST_F(RegistryItemsTest, SignaturesAreAHiveFileOnXp) {
   const RegistrySnapshot before = SnapshotOf(platform->GetRegistry(), key);
   platform->processes.commandLines.clear();
   Save("sigs", file);
+  EXPECT_EQ(form->sb1.panels[0], "Signatures Export Complete");
   EXPECT_EQ(dialogs.saveFileDialogs.back().name, "SignaturesXP.reg");
   EXPECT_THAT(temp.Read("disk/D/Backup/item.reg"), StartsWith("regf"));
   Store().DeleteKey(key.Child("00000000"));
   Store().CreateKey(key.Child("of another time"));
   Restore("resSigs", file);
+  EXPECT_EQ(dialogs.openFileDialogs.back().name, "SignaturesXP.reg");
   EXPECT_EQ(SnapshotOf(platform->GetRegistry(), key), before);
   EXPECT_EQ(form->sb1.panels[0], "Signatures Import Complete");
   EXPECT_TRUE(platform->processes.commandLines.empty());
@@ -161,7 +182,7 @@ TEST_F(RegistryItemsTest, TheKindOfWindowsChoosesTheFormAndTheNameOfSignatures) 
   for (const Item& item : kItems) {
     form->sb1.panels[0] = "before";
     Save(item.save, WinPath("D:\\never.reg"));
-    EXPECT_EQ(form->sb1.panels[0], item.item == RegistryItem::Accounts ? "before" : RowOf(item.item).exportDone);
+    EXPECT_EQ(form->sb1.panels[0], item.save == std::string("regIAM") ? "before" : item.exportDone);
   }
   EXPECT_TRUE(platform->processes.commandLines.empty());
   EXPECT_FALSE(std::filesystem::exists(sample.driveD / "never.reg"));
@@ -171,13 +192,10 @@ TEST_F(RegistryItemsTest, AMissingKeyIsToldBeforeAMissingFolder) {
   windows->session.backupFolder.Reset();
   form->cmbUserNames.pick("Guest");
   for (const Item& item : kItems) {
-    const RegistryItemRow& row = RowOf(item.item);
-    const bool withBlank = row.item == RegistryItem::Machine || row.item == RegistryItem::Accounts;
-    const std::string noFolder =
-        std::string("Please select a backup folder or create one from the Tools menu") + (withBlank ? " " : ".");
+    const std::string noFolder = "Please select a backup folder or create one from the Tools menu";
     Click(item.save);
-    EXPECT_EQ(dialogs.LastMessage(), row.missing ? row.missing : noFolder);
-    EXPECT_EQ(dialogs.messages.back().icon, row.missing ? MessageIcon::Exclamation : MessageIcon::None);
+    EXPECT_EQ(dialogs.LastMessage(), item.missing.empty() ? noFolder + item.noFolder : item.missing);
+    EXPECT_EQ(dialogs.messages.back().icon, item.missing.empty() ? MessageIcon::None : MessageIcon::Exclamation);
 
     form->sb1.panels[0] = "before";
     dialogs.openFileAnswers = {std::nullopt};
@@ -250,7 +268,8 @@ TEST_F(RegistryItemsTest, TheAddressBookFileGoesThereAndBack) {
   std::ofstream(book) << "newer";
   dialogs.overwriteAnswers = {OverwriteAnswer::Yes};
   Restore("resWAB", WinPath("D:\\Backup\\Ann Miller.wab"));
-  EXPECT_EQ(dialogs.openFileDialogs.back().name, "AddressBook.WAB");
+  EXPECT_EQ(Asked(dialogs.openFileDialogs), "D:\\Backup|AddressBook.WAB|Address Book (*.WAB) | *.WAB");
+  EXPECT_EQ(form->sb1.panels[0], " Address Book Copy Complete");
   EXPECT_EQ(Content(book), content);
 
   Store().DeleteKey(CurrentUser("Software\\Microsoft\\WAB"));
