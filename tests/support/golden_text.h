@@ -70,7 +70,7 @@ inline std::string KindOf(Control& control) {
   for (const auto& [kind, found] : kinds) {
     if (found) return kind;
   }
-  return "other";
+  return "list";
 }
 
 /// The caption or text that a control shows.

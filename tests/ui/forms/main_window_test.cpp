@@ -1,5 +1,6 @@
 #include "ui/forms/main_window.h"
 
+#include "support/golden_text.h"
 #include "support/sample_ids.h"
 #include "support/sample_windows.h"
 
@@ -160,14 +161,81 @@ TEST_F(Form1Test, EveryCommandReachesTheDiskWhenItEnds) {
   EXPECT_EQ(Read(kIdentitiesKey, "BackupOverWrite"), RegValue(1));
 }
 
-TEST_F(Form1Test, SwitchedOffItemsCannotBeChosen) {
-  Form1& form = Start();
-  for (const char* name : {"allIdentities", "resAllIdent", "bkAll", "repUSERID"}) {
-    EXPECT_FALSE(form.menuBar.Item(name).enabled) << name;
-    form.menuBar.click(name);
+/// The lines of the golden text from "window NAME" to the next window.
+std::vector<GoldenLine> WindowLines(const std::string& name) {
+  std::vector<GoldenLine> lines;
+  std::string window;
+  for (const GoldenLine& line : ReadGolden("ui/forms/windows_golden.txt")) {
+    if (line[0] == "window") window = line[1];
+    if (window == name) lines.push_back(line);
   }
-  form.menuBar.click("Notyet");
-  EXPECT_EQ(form.sb1.panels[0], "");
+  return lines;
+}
+
+TEST_F(Form1Test, EveryWindowHasTheTextsOfTheGoldenText) {
+  std::size_t checked = 0;
+  for (Form* form : windows->All()) {
+    for (const GoldenLine& line : WindowLines(form->Name())) {
+      SCOPED_TRACE(line.Place());
+      if (line[0] == "menu") continue;
+      ++checked;
+      if (line[0] == "window") {
+        EXPECT_EQ(form->caption, line[2]);
+        continue;
+      }
+      auto& control = form->Named<Control>(line[1]);
+      EXPECT_EQ(KindOf(control) + " " + TextOf(control), line[0] + " " + line[2]);
+      EXPECT_EQ(control.tooltip, line[3]);
+    }
+  }
+  EXPECT_GT(checked, 180U);
+}
+
+TEST_F(Form1Test, TheMenuHasTheItemsOfTheGoldenText) {
+  std::vector<std::string> wanted;
+  for (const GoldenLine& line : WindowLines("Form1")) {
+    if (line[0] != "menu") continue;
+    wanted.emplace_back();
+    for (const std::string& word : line.words) wanted.back() += word + " ";
+  }
+  std::vector<std::string> items;
+  for (const MenuItem& item : windows->form1.menuBar.Items()) {
+    items.emplace_back("menu ");
+    for (const std::string& caption : item.path)
+      items.back() += (&caption == &item.path[0] ? "" : "> ") + caption + " ";
+    items.back() += item.name + (item.enabled ? " " : " off ");
+  }
+  EXPECT_EQ(items, wanted);
+}
+
+TEST_F(Form1Test, CommandsClearThePanelsAndOpenTheWindowsOfTheGoldenText) {
+  Form1& form = Start();
+  form.cmbUserNames.pick("Main Identity");
+  dialogs.cancelsAll = true;
+  for (const GoldenLine& line : WindowLines("Form1")) {
+    const GoldenLine clears = line.Fact("clears");
+    if (clears.words.empty()) continue;
+    SCOPED_TRACE(line.Place() + " " + line.words.back());
+    for (auto& panel : form.sb1.panels) panel = "old";
+    if (line[0] == "menu") {
+      form.menuBar.click(line.words.back());
+    } else {
+      form.Named<Button>(line[1]).click();
+    }
+    std::vector<std::string> cleared = {"clears"};
+    for (const std::size_t panel : {0U, 1U}) {
+      if (form.sb1.panels[panel]->empty()) cleared.push_back(std::to_string(panel + 1));
+    }
+    EXPECT_EQ(cleared, clears.words);
+    const std::string opens = line.Fact("opens")[1];
+    EXPECT_EQ(form.visible, opens.empty());
+    for (Form* window : windows->All()) {
+      if (window == &form || !window->visible) continue;
+      EXPECT_EQ(window->Name(), opens);
+      window->close();
+    }
+    EXPECT_TRUE(form.visible);
+  }
 }
 
 TEST_F(Form1Test, ClosingTheWindowUnloadsTheOthersInOrderAndEndsTheProgram) {
