@@ -44,7 +44,25 @@ class SampleWindows : public SamplePlatform {
     return SnapshotOf(platform->GetRegistry(), CurrentUser(key));
   }
 
+  /// From now on `statuses` gets each text that the main window's first panel shows.
+  void WatchStatus() {
+    statuses.clear();
+    windows->form1.sb1.onChanged = [this] {
+      const std::string& text = windows->form1.sb1.panels[0];
+      if (!text.empty() && (statuses.empty() || statuses.back() != text)) statuses.push_back(text);
+    };
+  }
+  /// The statuses without those of single stores, such as "Inbox.dbx Backup Complete".
+  std::vector<std::string> StatusesButFiles(const std::string& ending) const {
+    std::vector<std::string> rest;
+    for (const std::string& text : statuses) {
+      if (!text.ends_with(".dbx" + ending)) rest.push_back(text);
+    }
+    return rest;
+  }
+
   std::unique_ptr<ProgramWindows> windows;
+  std::vector<std::string> statuses;
 };
 
 }  // namespace quillbox

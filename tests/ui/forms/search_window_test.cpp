@@ -8,7 +8,6 @@ namespace {
 using ::testing::Contains;
 using ::testing::Each;
 using ::testing::ElementsAre;
-using ::testing::EndsWith;
 using ::testing::IsEmpty;
 
 class Form2Test : public SampleWindows {
@@ -86,8 +85,17 @@ TEST_F(Form2Test, ADriveOrAllDrivesAreSearchedForWhatTheTypeSays) {
   EXPECT_EQ(form.cmdSearch.caption, "Search");
   EXPECT_EQ(dialogs.openProgressDisplays, 0);
 
-  form.cboFileType.pick("*.wa~");
-  EXPECT_EQ(form.Label13.caption, "Address Book Backup");
+  const std::pair<const char*, const char*> types[] = {
+      {"*.dbx", "Outlook Express 5+"},
+      {"*.mbx", "Outlook Express 4 Message Store"},
+      {"*.idx", "Outlook Express 4 Message Index"},
+      {"*.wab", "Address Book"},
+      {"*.wa~", "Address Book Backup"},
+  };
+  for (const auto& [pattern, description] : types) {
+    form.cboFileType.pick(pattern);
+    EXPECT_EQ(form.Label13.caption, description);
+  }
   form.cboDrives.pick(2);
   form.cmdSearch.click();
   EXPECT_THAT(Rows(form), ElementsAre("D:\\Elsewhere\\Book.wa~"));
@@ -144,6 +152,10 @@ TEST_F(Form2Test, CheckedFilesAreRestoredIntoTheChosenIdentityAfterAYes) {
   form.resDBXFiles.click();
   EXPECT_FALSE(std::filesystem::exists(sample.driveC / "Store"));
   EXPECT_EQ(dialogs.messages.back().buttons, MessageButtons::YesNo);
+  EXPECT_EQ(dialogs.messages.back().icon, MessageIcon::None);
+  EXPECT_EQ(dialogs.LastMessage(),
+            "Restoring DBX files will overwrite those that currently exist in Outlook Express's message stores folder. "
+            "Do you wish to overwrite these files?");
 
   form.cmdDeselectAll.click();
   form.resDBXFiles.click();
@@ -155,9 +167,10 @@ TEST_F(Form2Test, CheckedFilesAreRestoredIntoTheChosenIdentityAfterAYes) {
   EXPECT_EQ(form.sb2.panels[0], "Restore Complete");
   EXPECT_EQ(form.sb2.panels[1], "1 file copied");
 
-  form.IdentyPth.type(kEmptyIdentityMarker);
+  form.IdentyPth.type("This Identity is empty, there are no values to save.");
   form.resDBXFiles.click();
-  EXPECT_THAT(dialogs.LastMessage(), EndsWith("Please select another Identity."));
+  EXPECT_EQ(dialogs.LastMessage(),
+            "There is no message store folder to restore the files to. Please select another Identity.");
   EXPECT_EQ(form.sb2.panels[0], "") << "nothing is copied to a folder that the marker would name";
 }
 
