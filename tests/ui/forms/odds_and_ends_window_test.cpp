@@ -116,8 +116,6 @@ TEST_F(Form12Test, AMachineThatCannotBeWrittenIsShownAsItIs) {
   fs::permissions(profile, fs::perms{0777});
   fs::permissions(profile / "NTUSER.DAT", fs::perms{0666});
   fs::remove_all(temp / "state");
-  fs::create_directory(temp / "state");
-  fs::permissions(temp / "state", fs::perms{0777});
   windows.reset();
   store.reset();
   platform.reset();
@@ -126,9 +124,10 @@ TEST_F(Form12Test, AMachineThatCannotBeWrittenIsShownAsItIs) {
     OpenDisk();
     windows->form1.Open();
     Open();
-    EXPECT_EQ(windows->form12.lblProtected.caption, "Write-protected: software; changes go to a private copy.");
-    EXPECT_TRUE(windows->form1.lblSystem.caption->ends_with(
-        "(write-protected: software; registry changes go to a private copy)"));
+    const std::string where =
+        "software; changes cannot be saved, since " + temp.Path().string() + " cannot be written: Permission denied";
+    EXPECT_EQ(windows->form12.lblProtected.caption, "Write-protected: " + where + ".");
+    EXPECT_NE(windows->form1.lblSystem.caption->find("(write-protected: software; "), std::string::npos);
     EXPECT_EQ(platform->WriteProtection({RegistryRoot::CurrentUser}), "") << "the person's own hive can be written";
     EXPECT_EQ(Combo("cmbNomodifyaccts").text, "On");
     EXPECT_EQ(Combo("cmbHideMessenger").text, "Off");
