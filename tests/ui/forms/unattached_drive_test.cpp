@@ -57,8 +57,9 @@ TEST_F(UnattachedDriveTest, OfTheBackupFolderIsAskedForBeforeTheSettingIsForgott
     dialogs.messageAnswers = {agrees ? MessageAnswer::Yes : MessageAnswer::No};
     if (agrees) Name({WinPath(OnZ(temp / "disk/E"))});
     windows->form1.Open();
-    EXPECT_EQ(windows->form1.lblbkuppth.caption, "E:\\Mail");
-    EXPECT_EQ(Read(kIdentitiesKey, "Quillbox"), RegValue(agrees ? "E:\\Mail" : "None Selected"));
+    const char* expected = agrees ? "E:\\Mail" : "None Selected";
+    EXPECT_EQ(windows->form1.lblbkuppth.caption, expected);
+    EXPECT_EQ(Read(kIdentitiesKey, "Quillbox"), RegValue(expected));
   }
 }
 
