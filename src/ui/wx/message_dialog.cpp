@@ -64,6 +64,26 @@ std::vector<Choice> ChoicesOf(const Message& message) {
   return {ok};
 }
 
+/// `text` with a line end behind a backslash wherever a word, as a registry path, is wider than that many pixels.
+wxString BrokenAtBackslashes(const wxWindow& window, const wxString& text, int width) {
+  wxString broken;
+  wxString word;
+  for (const wxUniChar c : text) {
+    if (c == ' ' || c == '\n') {
+      word.clear();
+    } else {
+      if (window.GetTextExtent(word + c).x > width) {
+        const wxString rest = word.Contains('\\') ? word.AfterLast('\\') : wxString();
+        broken.insert(broken.length() - rest.length(), "\n");
+        word = rest;
+      }
+      word += c;
+    }
+    broken += c;
+  }
+  return broken;
+}
+
 class MessageDialog : public wxDialog {
  public:
   MessageDialog(const Message& message, wxWindow* parent) : wxDialog(parent, wxID_ANY, ToWx(message.title)) {
@@ -86,7 +106,7 @@ class MessageDialog : public wxDialog {
 
   wxWindow* MakeText(const wxString& words) {
     auto* text = new wxStaticText(this, wxID_ANY, "");
-    text->SetLabelText(words);
+    text->SetLabelText(BrokenAtBackslashes(*text, words, FromDIP(kWidest)));
     text->Wrap(FromDIP(kWidest));
     const int highest = wxDisplay(this).GetClientArea().height / kScreenShare;
     if (text->GetBestSize().y <= highest) return text;

@@ -112,6 +112,14 @@ TEST_F(WxDialogsTest, AMessageShowsItsIconAndAllOfItsText) {
   });
   dialogs.Show({.text = lines});
   EXPECT_LT(size.y, wxGetDisplaySize().y) << "a long text scrolls";
+  WhenAsked([&size] {
+    size = OpenDialog()->GetSize();
+    wxUIActionSimulator().Char(WXK_ESCAPE);
+  });
+  dialogs.Show({.text = "HKEY_CURRENT_USER\\Identities\\{2B7C0E64-91D3-4F5A-8C17-6E0D53A9F421}\\Software\\Microsoft"
+                        "\\Outlook Express\\" +
+                        std::string(150, 'x')});
+  EXPECT_LT(size.x, 640) << "a path breaks at its backslashes";
 }
 
 TEST_F(WxDialogsTest, InputIsTypedOrCancelled) {
