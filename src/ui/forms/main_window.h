@@ -100,6 +100,8 @@ class Form1 : public Form {
   /// Waits for the running command's copies and says in the second panel, after `first`, which did not go as asked, and
   /// `notes` on what was not tried.
   void ShowCopies(const std::string& first = {}, std::vector<std::string> notes = {});
+  /// What the backup did not try, and whether it copied nothing at all.
+  std::vector<std::string> NotesOf(IdentityBackup& backup);
   void CopyAddressBook(CopyPart part);
   void RestoreAddressBook(CopyPart part);
   void ShowAddressBookCopied();

@@ -39,7 +39,7 @@ void Form1::cmdQuickBackup_Click() {
   {
     const PleaseWaitScope pleaseWait(cmdQuickBackup);
     backup.Save(identity, *target, kQuickBackup, session_.Overwrite());
-    ShowCopies({}, backup.Notes());
+    ShowCopies({}, NotesOf(backup));
     record_.folder = *folder;
     record_.leftOut = backup.GetLeftOut();
   }
@@ -87,7 +87,7 @@ void Form1::BackUpAll(const BackupScope& scope) {
     const auto saved = backup.SaveAll(*folder, session_.Catalogue(), scope, session_.Overwrite());
     record_.leftOut = backup.GetLeftOut();
     if (!saved) return ShowCopies({}, backup.Notes());
-    ShowCopies(std::to_string(*saved) + " Identities Backed Up", backup.Notes());
+    ShowCopies(std::to_string(*saved) + " Identities Backed Up", *saved > 0 ? NotesOf(backup) : backup.Notes());
   }
   session_.backupFolder.Enter(*folder);
   sb1.panels[0] = "Backup Complete";
@@ -124,6 +124,12 @@ void Form1::EndRecord() {
 
 StatusSink Form1::ToStatus() {
   return [this](const std::string& text) { sb1.panels[0] = text; };
+}
+
+std::vector<std::string> Form1::NotesOf(IdentityBackup& backup) {
+  std::vector<std::string> notes = backup.Notes();
+  if (session_.platform.GetShell().FinishCopies().empty()) notes.insert(notes.begin(), "no files copied");
+  return notes;
 }
 
 void Form1::ShowCopies(const std::string& first, std::vector<std::string> notes) {

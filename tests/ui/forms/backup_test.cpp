@@ -192,6 +192,15 @@ TEST_F(QuickBackupTest, FilesOfTheHostThatADiskLinksToAreNeitherCopiedNorReplace
                        "\" cannot be used: it leads out of the disk. The rest of the backup goes on."));
 }
 
+TEST_F(QuickBackupTest, OfNothingIsNotCompleteAlone) {
+  Form1& form = StartOn("Main Identity");
+  Store().DeleteKey(CurrentUser("Software\\Microsoft\\WAB"));
+  for (const auto& entry : std::filesystem::directory_iterator(StoreOnHost())) std::filesystem::remove(entry);
+  form.cmdQuickBackup.click();
+  EXPECT_EQ(form.sb1.panels[0], "Backup Complete");
+  EXPECT_EQ(form.sb1.panels[1], "no files copied");
+}
+
 TEST_F(QuickBackupTest, AnUnknownWindowsCopiesTheFilesAndExportsNothing) {
   Store().DeleteKey({RegistryRoot::LocalMachine, "Software\\Microsoft\\Windows NT\\CurrentVersion"});
   Form1& form = StartOn("Main Identity");
