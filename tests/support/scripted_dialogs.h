@@ -65,6 +65,23 @@ struct ScriptedDialogs : Dialogs {
   /// The text of the message shown last; empty when there was none.
   std::string LastMessage() const { return messages.empty() ? std::string() : messages.back().text; }
 
+  /// "TEXT [Yes No, question]" of the message shown last.
+  std::string LastAsked() const {
+    static constexpr const char* kButtons[] = {"OK", "OK Cancel", "Yes No", "Yes No Cancel"};
+    static constexpr const char* kIcons[] = {"", ", exclamation", ", question", ", error", ", information"};
+    const Message& message = messages.back();
+    return message.text + " [" + kButtons[static_cast<std::size_t>(message.buttons)] +
+           kIcons[static_cast<std::size_t>(message.icon)] + "]";
+  }
+  /// "FOLDER|NAME|FILTER" of the dialog shown last.
+  static std::string LastFile(const std::vector<FileDialog>& shown) {
+    return shown.back().folder.Text() + "|" + shown.back().name + "|" + shown.back().filter;
+  }
+  /// "TITLE|PROMPT|PROPOSED" of the input box shown last.
+  std::string LastInput() const {
+    return inputs.back().title + "|" + inputs.back().prompt + "|" + inputs.back().proposed;
+  }
+
   MessageAnswer Show(const Message& message) override {
     messages.push_back(message);
     if (message.buttons == MessageButtons::Ok) return MessageAnswer::Ok;

@@ -56,6 +56,7 @@ TEST_F(Form6Test, ABrowsedFileIsUsedOnlyWhenThePersonSaysSo) {
   form.cmdBrowse1.click();
   form.cmdBrowse1.click();
   EXPECT_EQ(dialogs.openFileDialogs[1].folder.Text() + "Ann Miller.wab", first);
+  EXPECT_EQ(dialogs.openFileDialogs[1].filter, "Address Book (*.wab) | *.wab");
   EXPECT_EQ(form.sb1.panels[0], "Selection Made");
   EXPECT_EQ(form.txtNewAddBk.text, "b.wab");
   EXPECT_EQ(form.lblPathNewWabLoc.caption, "D:\\Books\\");

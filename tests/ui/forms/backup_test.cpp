@@ -98,14 +98,13 @@ TEST_F(QuickBackupTest, ExistingFilesAreReplacedOnlyWhenThePersonSaysSo) {
 TEST_F(QuickBackupTest, AnEmptyIdentityIsRefusedFirst) {
   Form1& form = StartOn("Guest");
   form.menuBar.click("resDBX");
-  EXPECT_EQ(dialogs.LastMessage(),
-            "This Identity is empty, there are no files to restore. Please select another Identity.");
-  EXPECT_EQ(dialogs.messages.back().icon, MessageIcon::Exclamation);
+  EXPECT_EQ(dialogs.LastAsked(),
+            "This Identity is empty, there are no files to restore. Please select another Identity. "
+            "[OK, exclamation]");
   EXPECT_TRUE(form.visible);
   form.cmdQuickBackup.click();
-  EXPECT_EQ(dialogs.LastMessage(),
-            "This Identity is empty, there are no values to save. Please select another Identity.");
-  EXPECT_EQ(dialogs.messages.back().icon, MessageIcon::Exclamation);
+  EXPECT_EQ(dialogs.LastAsked(),
+            "This Identity is empty, there are no values to save. Please select another Identity. [OK, exclamation]");
   ExpectNoBackup();
   EXPECT_TRUE(platform->processes.commandLines.empty());
 }

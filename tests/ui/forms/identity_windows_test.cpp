@@ -50,7 +50,8 @@ TEST_F(IdentityWindowsTest, ANewIdentityIsMadeOrNothingIs) {
   EXPECT_THAT(dialogs.Texts(), ElementsAre("This creates a new Identity in the registry.\nIf you do not wish to do "
                                            "this, press the NO button",
                                            "The new Identity: \n" + userId + "\nwill be created."));
-  EXPECT_EQ(dialogs.inputs.back().title, "USER_ID : " + userId);
+  EXPECT_EQ(dialogs.messages[0].buttons, MessageButtons::YesNo);
+  EXPECT_EQ(dialogs.LastInput(), "USER_ID : " + userId + "|Enter new Username.\n\nPress CANCEL to exit|");
   EXPECT_EQ(Read(IdentityKey(userId), "Identity Ordinal"), RegValue(4));
   EXPECT_THAT(windows->form1.cmbUserIDs.items.Get(), Contains(userId));
   ExpectClosedBy(form);
@@ -65,14 +66,16 @@ TEST_F(IdentityWindowsTest, ACloneNeedsOneDestinationAndABackupFolder) {
   const auto refused = [&](std::string source) {
     form.cmbSource.pick(source);
     form.cmdClone.click();
-    return dialogs.LastMessage();
+    return dialogs.LastAsked();
   };
-  EXPECT_EQ(refused(kMain), "No Destination Identity USER_IDs were checked to be cloned.");
+  EXPECT_EQ(refused(kMain), "No Destination Identity USER_IDs were checked to be cloned. [OK, exclamation]");
   form.Check1.click();
   form.cmbDestination.pick(kMain);
-  EXPECT_THAT(refused(kMain), HasSubstr("can not be the same Identity"));
+  EXPECT_EQ(refused(kMain),
+            "Source and Destination Identities can not be the same Identity, please choose another Destination "
+            "Identity. [OK, exclamation]");
   form.Check2.click();
-  EXPECT_EQ(refused(kMain), "Check only one Destination Identity USER_IDs to be cloned.");
+  EXPECT_EQ(refused(kMain), "Check only one Destination Identity USER_IDs to be cloned. [OK]");
   EXPECT_FALSE(form.Check1.checked || form.Check2.checked);
   form.Check2.click();
   EXPECT_THAT(refused(kMain), HasSubstr("not a {USER_ID}: \"Please create a new Identity\""));
@@ -85,7 +88,7 @@ TEST_F(IdentityWindowsTest, ACloneNeedsOneDestinationAndABackupFolder) {
   EXPECT_EQ(form.StatusBar1.panels[0], "");
   EXPECT_EQ(Snapshot(), before);
   windows->session.backupFolder.Reset();
-  EXPECT_EQ(refused(kMain), "Please select a backup folder or create one from the Tools menu");
+  EXPECT_EQ(refused(kMain), "Please select a backup folder or create one from the Tools menu [OK]");
 }
 
 TEST_F(IdentityWindowsTest, AnIdentityIsClonedOntoANewOneWithItsMessages) {
@@ -151,7 +154,12 @@ TEST_F(IdentityWindowsTest, RemovingAsksAndGoesOnToTheLastOne) {
   const RegistrySnapshot before = Snapshot();
   dialogs.messageAnswers = {MessageAnswer::No};
   form.cmdRemoveIdent.click();
-  EXPECT_EQ(dialogs.LastMessage(), "No Changes occurred.");
+  EXPECT_EQ(dialogs.LastAsked(), "No Changes occurred. [OK]");
+  dialogs.messages.pop_back();
+  EXPECT_EQ(dialogs.LastAsked(),
+            "Are you sure you want to delete this Identity from the registry? If not, press Cancel now. If you are "
+            "certain and fully understand what this will do, press OK to continue. There is absolutely no turning back "
+            "unless you backed up this Identity [Yes No]");
   EXPECT_EQ(Snapshot(), before);
 
   form.cmbDelIdent.pick(kOffice);
@@ -163,7 +171,8 @@ TEST_F(IdentityWindowsTest, RemovingAsksAndGoesOnToTheLastOne) {
     EXPECT_THAT(form.cmbDelIdent.items.Get(), Not(Contains(userId)));
     EXPECT_EQ(windows->form1.cmbUserIDs.items.Get(), form.cmbDelIdent.items.Get());
   }
-  EXPECT_THAT(dialogs.Texts(), Contains("Registry read error 2 Default User ID Username"));
+  EXPECT_THAT(dialogs.Texts(), AllOf(Contains("Registry read error 2 Default User ID Username"),
+                                     Contains("Identity has been removed.")));
   EXPECT_EQ(form.cmbDelIdent.text, "");
   EXPECT_EQ(form.lblusrnameIdent.caption, "");
   // With nothing shown there is nothing to ask about, and the key of all identities stays.
@@ -212,10 +221,10 @@ TEST_F(IdentityWindowsTest, ARenameRefusesNamesThatAreTaken) {
   const auto rename = [&] { form.menuBar.click("chgIdentName"); };
   rename();
   EXPECT_EQ(form.sb1.panels[0], "No changes made.");
-  EXPECT_EQ(dialogs.inputs.back().title, "Current Username: Main Identity");
+  EXPECT_EQ(dialogs.LastInput(), "Current Username: Main Identity|Enter new Username|Main Identity");
   for (int taken = 0; taken < 2; ++taken) {
     rename();
-    EXPECT_EQ(dialogs.LastMessage(), "Name already exists");
+    EXPECT_EQ(dialogs.LastAsked(), "Name already exists [OK, exclamation]");
     EXPECT_EQ(form.sb1.panels[0], "");
     EXPECT_EQ(Read(IdentityKey(kMain), "Username"), RegValue("Main Identity"));
   }
@@ -237,7 +246,7 @@ TEST_F(IdentityWindowsTest, ASavedFileIsCarriedOverAndMerged) {
   dialogs.openFileAnswers = {WinPath("D:\\Backup\\a.b.reg"), std::nullopt};
   form.cmpOpen.click();
   form.cmpOpen.click();
-  EXPECT_EQ(dialogs.openFileDialogs.back().folder.Text(), kBackup);
+  EXPECT_EQ(dialogs.LastFile(dialogs.openFileDialogs), "D:\\Backup|*.reg|Registration Files (*.reg) | *.reg");
   EXPECT_EQ(form.lblselectedfile.caption, "a");
   form.cmboUserIDs97.pick(kGuest);
   EXPECT_EQ(form.lblcurUsrName17.caption, "Guest");
@@ -290,7 +299,10 @@ TEST_F(IdentityWindowsTest, TheSwitchedOffReplacementWorksByPrompts) {
   run(std::nullopt);
   EXPECT_THAT(Names(BackupFolderOnHost()), ElementsAre("x.reg"));
   run(kOffice);
-  EXPECT_EQ(dialogs.inputs.back().title, "Current {USER_ID}: " + kMain);
+  EXPECT_EQ(dialogs.LastAsked(),
+            "You will be prompted for a {USER_ID} to replace the {USER_ID} in the registry file. If you are unsure as "
+            "to what to put here, press Cancel now and check the documentation on this part of the program. [Yes No]");
+  EXPECT_EQ(dialogs.LastInput(), "Current {USER_ID}: " + kMain + "|Enter new {USER_ID}|");
   EXPECT_EQ(form.sb1.panels[0], "File Saved as: D:\\Backup\\Newx.reg");
   EXPECT_EQ(Content(BackupFolderOnHost() / "Newx.reg"), "REGEDIT4\r\n" + kOffice + "\r\n");
 }

@@ -78,10 +78,6 @@ class RegistryItemsTest : public SampleWindows {
     dialogs.openFileAnswers = {chosen};
     Click(item);
   }
-  /// "FOLDER|NAME|FILTER" of the dialog shown last.
-  static std::string Asked(const std::vector<FileDialog>& shown) {
-    return shown.back().folder.Text() + "|" + shown.back().name + "|" + shown.back().filter;
-  }
   std::string OfIdentity(std::string text) {
     const std::size_t star = text.find('*');
     return star == std::string::npos ? text : text.replace(star, 1, userId);
@@ -109,12 +105,12 @@ TEST_F(RegistryItemsTest, EachItemIsSavedAndComesBackAsItWas) {
 
     Save(item.save, file);
     EXPECT_TRUE(dialogs.saveFileDialogs.back().askOverwrite);
-    EXPECT_EQ(Asked(dialogs.saveFileDialogs), "D:\\Backup|" + std::string(item.exportFile) + kFilter);
+    EXPECT_EQ(dialogs.LastFile(dialogs.saveFileDialogs), "D:\\Backup|" + std::string(item.exportFile) + kFilter);
     EXPECT_EQ(form->sb1.panels[0], item.exportDone);
     EXPECT_EQ(form->sb1.panels[1], "");
     Store().DeleteKey(path);
     Restore(item.restore, file);
-    EXPECT_EQ(Asked(dialogs.openFileDialogs), "D:\\Backup|" + std::string(item.restoreFile) + kFilter);
+    EXPECT_EQ(dialogs.LastFile(dialogs.openFileDialogs), "D:\\Backup|" + std::string(item.restoreFile) + kFilter);
     EXPECT_EQ(form->sb1.panels[0], item.restoreDone);
     EXPECT_EQ(SnapshotOf(platform->GetRegistry(), path), before);
     EXPECT_EQ(platform->processes.commandLines,
@@ -194,8 +190,8 @@ TEST_F(RegistryItemsTest, AMissingKeyIsToldBeforeAMissingFolder) {
   for (const Item& item : kItems) {
     const std::string noFolder = "Please select a backup folder or create one from the Tools menu";
     Click(item.save);
-    EXPECT_EQ(dialogs.LastMessage(), item.missing.empty() ? noFolder + item.noFolder : item.missing);
-    EXPECT_EQ(dialogs.messages.back().icon, item.missing.empty() ? MessageIcon::None : MessageIcon::Exclamation);
+    EXPECT_EQ(dialogs.LastAsked(),
+              item.missing.empty() ? noFolder + item.noFolder + " [OK]" : item.missing + " [OK, exclamation]");
 
     form->sb1.panels[0] = "before";
     dialogs.openFileAnswers = {std::nullopt};
@@ -268,7 +264,7 @@ TEST_F(RegistryItemsTest, TheAddressBookFileGoesThereAndBack) {
   std::ofstream(book) << "newer";
   dialogs.overwriteAnswers = {OverwriteAnswer::Yes};
   Restore("resWAB", WinPath("D:\\Backup\\Ann Miller.wab"));
-  EXPECT_EQ(Asked(dialogs.openFileDialogs), "D:\\Backup|AddressBook.WAB|Address Book (*.WAB) | *.WAB");
+  EXPECT_EQ(dialogs.LastFile(dialogs.openFileDialogs), "D:\\Backup|AddressBook.WAB|Address Book (*.WAB) | *.WAB");
   EXPECT_EQ(form->sb1.panels[0], " Address Book Copy Complete");
   EXPECT_EQ(Content(book), content);
 

@@ -30,15 +30,14 @@ TEST_F(ReportWindowsTest, TheRulesOfTheChosenIdentityAreCountedAndSaved) {
   EXPECT_EQ(form.lblNumRules.caption, "10");
   dialogs.saveFileAnswers = {std::nullopt};
   form.cmdHTML.click();
-  EXPECT_EQ(dialogs.saveFileDialogs[0].name, "Mail Rules.htm");
-  EXPECT_EQ(dialogs.saveFileDialogs[0].filter, "HTML Files (*.htm) | *.htm");
-  EXPECT_EQ(dialogs.saveFileDialogs[0].folder.Text(), kBackup);
+  EXPECT_EQ(dialogs.LastFile(dialogs.saveFileDialogs), "D:\\Backup|Mail Rules.htm|HTML Files (*.htm) | *.htm");
   EXPECT_TRUE(dialogs.saveFileDialogs[0].askOverwrite);
 
   form.cmboUserIDs97.pick(kOffice);
   EXPECT_EQ(form.lblcurUsrName17.caption, "Büro");
   EXPECT_EQ(form.lblNumRules.caption, "1");
   Save(form.cmdSave);
+  EXPECT_EQ(dialogs.LastFile(dialogs.saveFileDialogs), "D:\\Backup|Mail Rules.txt|Text Files (*.txt) | *.txt");
   EXPECT_THAT(Saved(), StartsWith("Mail Rules Text File created: "));
   EXPECT_THAT(Saved(), HasSubstr(std::string("{USER_ID}: ") + kOffice + "\r\n"));
   EXPECT_THAT(Saved(), HasSubstr("Name: Rechnungen f\xFCr B\xFCro\r\n"));
@@ -51,18 +50,19 @@ TEST_F(ReportWindowsTest, TheRulesOfTheChosenIdentityAreCountedAndSaved) {
 TEST_F(ReportWindowsTest, NewsRulesHaveAWindowOfTheirOwnAndNoneAreNotPrinted) {
   Start().menuBar.click("svNewsRules");
   RulesForm& form = windows->form11;
-  EXPECT_EQ(form.caption, "News - Message Rules");
   EXPECT_EQ(form.lblNumRules.caption, "5");
   Save(form.cmdHTML);
-  EXPECT_EQ(dialogs.saveFileDialogs[0].name, "News Rules.htm");
-  EXPECT_EQ(dialogs.saveFileDialogs[0].filter, "Text Files (*.htm) | *.htm");
+  EXPECT_EQ(dialogs.LastFile(dialogs.saveFileDialogs), "D:\\Backup|News Rules.htm|Text Files (*.htm) | *.htm");
+  Save(form.cmdSave);
+  EXPECT_EQ(dialogs.LastFile(dialogs.saveFileDialogs), "D:\\Backup|News Rules.txt|Text Files (*.txt) | *.txt");
+  EXPECT_THAT(Saved(), StartsWith("News Rules Text File created: "));
+  Save(form.cmdHTML);
   EXPECT_THAT(Saved(), StartsWith("<DIV>News Rules Text File created: "));
   form.cmboUserIDs97.pick(kOffice);
   form.cmdSave.click();
   form.cmdHTML.click();
   ASSERT_EQ(dialogs.messages.size(), 2U);
-  EXPECT_EQ(dialogs.LastMessage(), "No rules to print");
-  EXPECT_EQ(dialogs.messages[0].icon, MessageIcon::Exclamation);
+  EXPECT_EQ(dialogs.LastAsked(), "No rules to print [OK, exclamation]");
 }
 
 TEST_F(ReportWindowsTest, ABrokenRuleLeavesTheReportUpToItAndSaysNothing) {
@@ -85,9 +85,11 @@ TEST_F(ReportWindowsTest, TheIdentityReportTellsWhatTheMainWindowShowsAndTheSear
   form.cmbUserNames.pick("Büro");
   dialogs.saveFileAnswers = {WinPath(kFile), std::nullopt, WinPath("D:\\Backup\\r2")};
   form.menuBar.click("SaveAs");
-  EXPECT_THAT(dialogs.LastMessage(), StartsWith("If you are wanting to save the info"));
-  EXPECT_EQ(dialogs.saveFileDialogs[0].name, "Outlook Express Identity Info.txt");
-  EXPECT_EQ(dialogs.saveFileDialogs[0].folder.Text(), kBackup);
+  EXPECT_EQ(dialogs.LastAsked(),
+            "If you are wanting to save the info including the dbx file names and locations, peform a search first. "
+            "[OK]");
+  EXPECT_EQ(dialogs.LastFile(dialogs.saveFileDialogs),
+            "D:\\Backup|Outlook Express Identity Info.txt|Text Files (*.txt) | *.txt");
   EXPECT_EQ(form.sb1.panels[0], std::string(kFile) + " Report Complete");
   EXPECT_THAT(Saved(), HasSubstr("DBX Files Found: 0\r\n \r\nEnd Of File\r\n"));
   EXPECT_THAT(Saved(), HasSubstr(std::string("{USER ID}: \r\nB\xFCro: ") + kOffice + "\r\n \r\n"));
@@ -97,6 +99,8 @@ TEST_F(ReportWindowsTest, TheIdentityReportTellsWhatTheMainWindowShowsAndTheSear
   windows->form2.cmdSearch.click();
   form.menuBar.click("SaveAsHTML");
   EXPECT_EQ(form.sb1.panels[0], "") << "cancelled";
+  EXPECT_EQ(dialogs.LastFile(dialogs.saveFileDialogs),
+            "D:\\Backup|Outlook Express Identity Info.htm|Text Files (*.htm) | *.htm");
   form.menuBar.click("SaveAsHTML");
   EXPECT_EQ(dialogs.messages.size(), 1U) << "a search was performed";
   EXPECT_EQ(form.sb1.panels[0], "D:\\Backup\\r2 File Complete");

@@ -151,11 +151,9 @@ TEST_F(Form2Test, CheckedFilesAreRestoredIntoTheChosenIdentityAfterAYes) {
   dialogs.messageAnswers = {MessageAnswer::No, MessageAnswer::Yes, MessageAnswer::Yes, MessageAnswer::Yes};
   form.resDBXFiles.click();
   EXPECT_FALSE(std::filesystem::exists(sample.driveC / "Store"));
-  EXPECT_EQ(dialogs.messages.back().buttons, MessageButtons::YesNo);
-  EXPECT_EQ(dialogs.messages.back().icon, MessageIcon::None);
-  EXPECT_EQ(dialogs.LastMessage(),
+  EXPECT_EQ(dialogs.LastAsked(),
             "Restoring DBX files will overwrite those that currently exist in Outlook Express's message stores folder. "
-            "Do you wish to overwrite these files?");
+            "Do you wish to overwrite these files? [Yes No]");
 
   form.cmdDeselectAll.click();
   form.resDBXFiles.click();
