@@ -40,6 +40,7 @@ TEST_F(LastBackupTest, SaysWhatWasNotDoneFirstAndChecksEveryCopy) {
   EXPECT_THAT(Row(2),
               AllOf(HasSubstr("Ann Miller.wab | "), HasSubstr(" bytes | copied to D:\\Backup\\Ann Miller.wab")));
 
+  EXPECT_EQ(form.lvSteps.RowCount(), 29U) << "what was not done, and each copy and export";
   form.cmdCheck.click();
   EXPECT_EQ(form.sb1.panels[0], "21 copies are the same as the source; 6 registry files can be read");
   const auto inbox = BackupFolderOnHost() / "Büro/Inbox.dbx";

@@ -1,7 +1,6 @@
 #include "ui/forms/odds_and_ends_window.h"
 
-#include <unistd.h>
-
+#include "support/ordinary_user.h"
 #include "support/sample_windows.h"
 #include "support/settings_walk.h"
 
@@ -88,20 +87,6 @@ TEST_F(Form12Test, TheSlideShowDelayFollowsTheInlineImages) {
   EXPECT_EQ(Combo("cmbAutomaticallyInlineImages").items, choices);
 }
 
-/// Gives up an administrator's right to write everywhere while it lives.
-class OrdinaryPerson {
- public:
-  OrdinaryPerson() { change_ = geteuid() == 0 && seteuid(65534) == 0; }
-  ~OrdinaryPerson() {
-    if (change_ && seteuid(0) != 0) std::abort();
-  }
-  OrdinaryPerson(const OrdinaryPerson&) = delete;
-  OrdinaryPerson& operator=(const OrdinaryPerson&) = delete;
-
- private:
-  bool change_;
-};
-
 TEST_F(Form12Test, AMachineThatCannotBeWrittenIsShownAsItIs) {
   namespace fs = std::filesystem;
   Start();
@@ -120,7 +105,7 @@ TEST_F(Form12Test, AMachineThatCannotBeWrittenIsShownAsItIs) {
   store.reset();
   platform.reset();
   {
-    const OrdinaryPerson person;
+    const OrdinaryUser user;
     OpenDisk();
     windows->form1.Open();
     Open();
