@@ -59,30 +59,22 @@ inline std::vector<GoldenLine> ReadGolden(const std::string& name) {
   return lines;
 }
 
-/// What a golden text calls the control's kind.
-inline std::string KindOf(Control& control) {
-  const std::pair<const char*, Control*> kinds[] = {
-      {"label", dynamic_cast<Label*>(&control)},         {"box", dynamic_cast<TextBox*>(&control)},
-      {"combo", dynamic_cast<ComboBox*>(&control)},      {"check", dynamic_cast<CheckBox*>(&control)},
-      {"button", dynamic_cast<Button*>(&control)},       {"frame", dynamic_cast<Frame*>(&control)},
-      {"option", dynamic_cast<OptionButton*>(&control)},
-  };
-  for (const auto& [kind, found] : kinds) {
-    if (found) return kind;
-  }
-  return "list";
+/// A control's kind as a golden text names it, a blank, and the caption or text that it shows.
+inline std::string LookOf(Control& control) {
+  if (auto* label = dynamic_cast<Label*>(&control)) return "label " + label->caption.Get();
+  if (auto* box = dynamic_cast<TextBox*>(&control)) return "box " + box->text.Get();
+  if (auto* combo = dynamic_cast<ComboBox*>(&control)) return "combo " + combo->text.Get();
+  if (auto* check = dynamic_cast<CheckBox*>(&control)) return "check " + check->caption.Get();
+  if (auto* button = dynamic_cast<Button*>(&control)) return "button " + button->caption.Get();
+  if (auto* frame = dynamic_cast<Frame*>(&control)) return "frame " + frame->caption.Get();
+  if (auto* option = dynamic_cast<OptionButton*>(&control)) return "option " + option->caption.Get();
+  return "list ";
 }
 
-/// The caption or text that a control shows.
-inline std::string TextOf(Control& control) {
-  if (auto* box = dynamic_cast<TextBox*>(&control)) return box->text;
-  if (auto* combo = dynamic_cast<ComboBox*>(&control)) return combo->text;
-  if (auto* label = dynamic_cast<Label*>(&control)) return label->caption;
-  if (auto* button = dynamic_cast<Button*>(&control)) return button->caption;
-  if (auto* check = dynamic_cast<CheckBox*>(&control)) return check->caption;
-  if (auto* frame = dynamic_cast<Frame*>(&control)) return frame->caption;
-  if (auto* option = dynamic_cast<OptionButton*>(&control)) return option->caption;
-  return "";
+/// Holds a control against its line: KIND NAME "CAPTION OR TEXT" "TOOLTIP".
+inline void ExpectLook(Control& control, const GoldenLine& line) {
+  EXPECT_EQ(LookOf(control), line[0] + " " + line[2]) << line.Place();
+  EXPECT_EQ(control.tooltip, line[3]) << line.Place();
 }
 
 }  // namespace quillbox

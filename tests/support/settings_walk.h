@@ -32,37 +32,41 @@ struct SettingsWalk {
     bool IsSetting() const { return words[0] == "combo" || words[0] == "box"; }
   };
 
-  /// Every control of the window is in the golden text and looks as it says.
+  /// Every control of the window is in the golden text, on its tab, and looks as it says.
   void CheckTexts() {
     std::set<std::string> names;
+    std::vector<std::string> captions;
     for (const Block& block : Blocks()) {
       SCOPED_TRACE(block.Place());
-      const auto check = [&](const std::string& name, Control* control, const std::string& tooltip) {
-        EXPECT_TRUE(names.insert(name).second) << "twice";
-        EXPECT_EQ(control->tooltip, tooltip);
-        if (!block.tab.empty()) {
-          EXPECT_EQ(PageOf(name), block.tab);
-        }
-      };
-      if (block[0] == "label" || block[0] == "button") {
-        CheckCaption(block, check);
-      } else if (!block.IsSetting()) {
-        check(block[1], &form.Named<Control>(block[1]), "");
-      } else {
-        Label& label = LabelOf(block[1]);
-        check(label.Name(), &label, block.Fact("tip")[1]);
-        EXPECT_EQ(label.caption, block[2]);
-        if (const std::string name = block.Fact("named")[1]; !name.empty()) {
-          EXPECT_EQ(label.Name(), name);
-        }
-        check(block[1], &form.Named<Control>(block[1]), block.Fact("boxtip")[1]);
-        if (block[0] == "box") {
-          EXPECT_EQ(Box(block).readOnly, !block.Fact("readonly").words.empty());
-        }
-        if (const GoldenLine button = block.Fact("button"); !button.words.empty()) CheckCaption(button, check);
+      auto& control = form.Named<Control>(block[1]);
+      EXPECT_TRUE(names.insert(block[1]).second) << "twice";
+      if (!block.tab.empty() && (captions.empty() || captions.back() != block.tab)) captions.push_back(block.tab);
+      if (!block.tab.empty()) {
+        EXPECT_EQ(PageOf(control), captions.size() - 1);
       }
+      if (block[0] == "label" || block[0] == "button") ExpectLook(control, block);
+      if (!block.IsSetting()) continue;
+      // The label right before a control says what the control is for.
+      const auto& all = form.Controls();
+      Control& label = **std::prev(std::find(all.begin(), all.end(), &control));
+      EXPECT_EQ(LookOf(label), "label " + block[2]);
+      EXPECT_EQ(label.tooltip, block.Fact("tip")[1]);
+      const std::string name = block.Fact("named")[1];
+      EXPECT_TRUE(name.empty() || label.Name() == name) << label.Name();
+      names.insert(label.Name());
+      EXPECT_EQ(control.tooltip, block.Fact("boxtip")[1]);
+      if (block[0] == "box") {
+        EXPECT_EQ(Box(block).readOnly, !block.Fact("readonly").words.empty());
+      }
+      const GoldenLine button = block.Fact("button");
+      if (button.words.empty()) continue;
+      ExpectLook(form.Named<Control>(button[1]), button);
+      names.insert(button[1]);
     }
     for (const Control* control : form.Controls()) EXPECT_EQ(names.count(control->Name()), 1U) << control->Name();
+    if (!captions.empty()) {
+      EXPECT_EQ(form.Named<TabControl>("SSTab1").Tabs(), captions);
+    }
   }
 
   /// Acts on each setting and looks at the registry, then the other way round.
@@ -95,7 +99,10 @@ struct SettingsWalk {
     return texts;
   }
 
-  std::string Text(const std::string& control) { return TextOf(form.Named<Control>(control)); }
+  std::string Text(const std::string& control) {
+    const std::string look = LookOf(form.Named<Control>(control));
+    return look.substr(look.find(' ') + 1);
+  }
 
  private:
   std::vector<Block> Blocks() {
@@ -122,32 +129,18 @@ struct SettingsWalk {
     return blocks;
   }
 
-  template <class Check>
-  void CheckCaption(const GoldenLine& line, const Check& check) {
-    auto& control = form.Named<Control>(line[1]);
-    EXPECT_EQ(KindOf(control) + " " + TextOf(control), line[0] + " " + line[2]);
-    check(line[1], &control, line[3]);
-  }
-
   TextBox& Box(const Block& block) { return form.Named<TextBox>(block[1]); }
-  /// The label right before a control, which is what says what the control is for.
-  Label& LabelOf(const std::string& control) {
-    const auto& all = form.Controls();
-    const auto found = std::find_if(all.begin(), all.end(), [&](Control* each) { return each->Name() == control; });
-    return dynamic_cast<Label&>(**std::prev(found));
-  }
 
-  /// The caption of the tab that a control is on.
-  std::string PageOf(const std::string& control) {
-    std::string page;
-    const std::function<void(const LayoutNode&, const std::string&)> search = [&](const LayoutNode& node,
-                                                                                  const std::string& in) {
-      if (node.control && node.control->Name() == control) page = in;
-      const auto* tabs = node.kind == LayoutNode::Kind::Tabs ? dynamic_cast<TabControl*>(node.control) : nullptr;
-      for (std::size_t i = 0; i < node.children.size(); ++i) search(node.children[i], tabs ? tabs->Tabs().at(i) : in);
+  /// The number of the tab that a control is on.
+  std::size_t PageOf(const Control& control) {
+    const std::function<bool(const LayoutNode&)> has = [&](const LayoutNode& node) {
+      return node.control == &control || std::any_of(node.children.begin(), node.children.end(), has);
     };
-    search(form.Layout(), "");
-    return page;
+    const LayoutNode layout = form.Layout();
+    const auto tabs = std::find_if(layout.children.begin(), layout.children.end(),
+                                   [](const LayoutNode& node) { return node.kind == LayoutNode::Kind::Tabs; });
+    return static_cast<std::size_t>(std::find_if(tabs->children.begin(), tabs->children.end(), has) -
+                                    tabs->children.begin());
   }
 
   RegistryPath PathOf(const Block& block) {
