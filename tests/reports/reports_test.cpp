@@ -43,11 +43,29 @@ using GeneralDateOnDisk = SamplePlatform;
 
 TEST_F(GeneralDateOnDisk, ThePersonsStyleIsUsed) {
   const Key key = store->CreateKey(CurrentUser("Control Panel\\International"));
-  store->SetValueEx(key, "sShortDate", ValueType::Sz, "yyyy-MM-dd");
-  store->SetValueEx(key, "sTimeFormat", ValueType::Sz, "");
+  const auto set = [&](const char* name, const char* text) { store->SetValueEx(key, name, ValueType::Sz, text); };
+  set("sShortDate", "yyyy/MM/dd");
+  set("sDate", "-");
+  set("sTimeFormat", "");
   store->SetValueEx(key, "sTime", ValueType::Dword, 7);
-  const DateStyle style = ReadDateStyle(*store);
-  EXPECT_EQ(FormatGeneralDate(At("15:04:05"), style), "2004-03-07 3:04:05 PM");
+  EXPECT_EQ(FormatGeneralDate(At("15:04:05"), ReadDateStyle(*store)), "2004-03-07 3:04:05 PM");
+  set("sTimeFormat", "h:mm tt");
+  set("sTime", ".");
+  set("s1159", "early");
+  set("s2359", "late");
+  EXPECT_EQ(FormatGeneralDate(At("15:04:05"), ReadDateStyle(*store)), "2004-03-07 3.04 late");
+  EXPECT_EQ(FormatGeneralDate(At("03:04:05"), ReadDateStyle(*store)), "2004-03-07 3.04 early");
+}
+
+TEST(GeneralDateTest, MonthsAndDaysHaveTheirNames) {
+  for (int n = 0; n < 12; ++n) {
+    std::tm when = At("00:00:00");
+    when.tm_mon = n;
+    when.tm_wday = n % 7;
+    char names[32] = {};
+    std::strftime(names, sizeof names, "%A %B %a %b ", &when);
+    EXPECT_EQ(FormatGeneralDate(when, {.shortDate = "dddd MMMM ddd MMM", .time = ""}), names);
+  }
 }
 
 class IdentityReportTest : public SamplePlatform {

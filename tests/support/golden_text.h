@@ -71,10 +71,26 @@ inline std::string LookOf(Control& control) {
   return "list ";
 }
 
-/// Holds a control against its line: KIND NAME "CAPTION OR TEXT" "TOOLTIP".
+inline std::string MarksOf(Control& control) {
+  std::string marks;
+  const auto mark = [&](bool has, const char* word) { marks += has ? word : ""; };
+  if (auto* label = dynamic_cast<Label*>(&control)) mark(label->wraps, " wraps");
+  if (auto* box = dynamic_cast<TextBox*>(&control)) mark(box->readOnly, " readonly");
+  if (auto* combo = dynamic_cast<ComboBox*>(&control)) mark(combo->editable, " editable");
+  if (auto* button = dynamic_cast<Button*>(&control)) {
+    mark(button->isDefault, " default");
+    mark(button->isCancel, " cancel");
+  }
+  return marks;
+}
+
+/// Holds a control against its line: KIND NAME "CAPTION OR TEXT" "TOOLTIP" MARKS.
 inline void ExpectLook(Control& control, const GoldenLine& line) {
+  std::string marks;
+  for (std::size_t mark = 4; mark < line.words.size(); ++mark) marks += " " + line[mark];
   EXPECT_EQ(LookOf(control), line[0] + " " + line[2]) << line.Place();
   EXPECT_EQ(control.tooltip, line[3]) << line.Place();
+  EXPECT_EQ(MarksOf(control), marks) << line.Place();
 }
 
 }  // namespace quillbox

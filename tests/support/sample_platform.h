@@ -60,7 +60,6 @@ struct RecordingPlatform : OfflinePlatform {
   Processes& GetProcesses() override { return processes; }
   Log& GetLog() override { return log; }
   void EndCommand() override {
-    ++commandsEnded;
     if (faultyShell) faultyShell->EndCommand();
     OfflinePlatform::EndCommand();
   }
@@ -69,7 +68,6 @@ struct RecordingPlatform : OfflinePlatform {
   RecordingShell shell{OfflinePlatform::GetShell()};
   TestLog log;
   std::unique_ptr<OfflineShell> faultyShell;
-  int commandsEnded = 0;
 };
 
 class SamplePlatform : public ::testing::Test {

@@ -28,8 +28,6 @@ class Form3Test : public SampleWindows {
 
 TEST_F(Form3Test, OpensInPlaceOfTheMainWindowAtTheBackupFolder) {
   Form3& form = OpenForm3();
-  EXPECT_TRUE(form.visible);
-  EXPECT_FALSE(windows->form1.visible);
   EXPECT_EQ(form.txtbkPth.text, kBackup);
   EXPECT_EQ(form.Dir1.Path().Text(), kBackup);
   EXPECT_THAT(form.Drive1.items.Get(), Contains("C:\\"));

@@ -18,9 +18,6 @@ class Form13Test : public SampleWindows {
   SettingsWalk OpenWalk() {
     return {Open(), *platform, Store(), dialogs, UserId(0), [this] { Reload(); }};
   }
-  std::filesystem::path Hive() const {
-    return sample.driveC / "Documents and Settings" / sample.profile / "NTUSER.DAT";
-  }
   std::string UserId(std::size_t index) { return Identities().at(index).userId; }
   std::string Key(const std::string& below, std::size_t index = 0) {
     return IdentitySettingsKey(UserId(index)) + below;
@@ -45,23 +42,6 @@ TEST_F(Form13Test, EverySettingIsAsTheGoldenTextHasIt) {
   const RegistrySnapshot before = Snapshot();
   OpenDisk();
   EXPECT_EQ(Snapshot(), before) << "all of it is on the disk";
-}
-
-TEST_F(Form13Test, ShowingNeverWrites) {
-  Start();
-  const std::string before = Content(Hive());
-  windows->form1.menuBar.click("regEntry");
-  Form13& form = windows->form13;
-  for (std::size_t identity : {1U, 0U}) {
-    form.cmboUserIDs10.pick(identity);
-    for (std::size_t tab = 0; tab < form.SSTab1.Tabs().size(); ++tab) form.SSTab1.pick(tab);
-  }
-  Combo("cmbLaunchInbox").type("Off");
-  Box("txtLogFilePOP").type("other.log");
-  EXPECT_EQ(Shown("cmbLaunchInbox") + Shown("txtLogFilePOP"), "OnPop3.log");
-  form.close();
-  EXPECT_TRUE(windows->form1.visible && !form.visible);
-  EXPECT_TRUE(Content(Hive()) == before);
 }
 
 TEST_F(Form13Test, DataOfOtherTypesAreShownWhereTheySayANumberOrAText) {
