@@ -51,8 +51,10 @@ for group in GROUPS:
     for index, word in enumerate(words):
         NEXT.setdefault(word, words[(index + 1) % len(words)])
 
-# Lines whose texts nobody but a programmer sees, and those that are no table.
-SKIPPED = re.compile(r"^\s*(#|//|///|namespace|using|static_assert|case )|GetLog\(\)|log_\.|logic_error|spokenName")
+# Lines whose texts nobody but a programmer sees, layouts, and those that are no table.
+SKIPPED = re.compile(
+    r"^\s*(#|//|///|namespace|using|static_assert|case )|GetLog\(\)|log_\.|logic_error|spokenName|\bItem\(|Grid\("
+)
 TOKEN = re.compile(r'"(?:[^"\\]|\\.)*"|\b[A-Za-z_]\w*(?:::\w+)*|\b\d+\b|//.*')
 
 
