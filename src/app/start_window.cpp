@@ -90,7 +90,7 @@ WinPath HostOnlyPaths::WindowsPathOf(const fs::path& path) const {
   return WinPath("Z:" + text);
 }
 
-StartWindow::StartWindow(HandlerGuard& guard, Dialogs& dialogs, fs::path stateFolder)
+StartWindow::StartWindow(HandlerGuard& guard, Dialogs& dialogs, const fs::path& stateFolder)
     : Form(guard, "StartWindow", "Quillbox - Open a Windows disk"),
       lblWelcome(*this, "lblWelcome", kWelcome),
       lblState(*this, "lblState"),

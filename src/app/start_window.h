@@ -31,7 +31,7 @@ std::string ProfileLine(const ProfileFolder& profile);
 class StartWindow : public Form {
  public:
   /// The list of the last disks is in `stateFolder`.
-  StartWindow(HandlerGuard& guard, Dialogs& dialogs, std::filesystem::path stateFolder);
+  StartWindow(HandlerGuard& guard, Dialogs& dialogs, const std::filesystem::path& stateFolder);
 
   // In tab order.
   Label lblWelcome;
