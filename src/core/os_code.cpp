@@ -40,7 +40,7 @@ std::optional<std::string> WhyUnknown(Registry& registry, OsCode code) {
     if (status == Status::Success) return std::nullopt;
     return FullName(path) + " cannot be opened: " + registry.WhyRefused().value_or(StatusReason(status));
   };
-  if (const auto machine = refusal({RegistryRoot::LocalMachine, "Software"})) return machine;
+  if (auto machine = refusal({RegistryRoot::LocalMachine, "Software"})) return machine;
   return std::string("the registry does not say which Windows it is of: it has no \"") + kProductName + "\" in " +
          FullName(kNtVersion) + " or " + FullName(kWindowsVersion);
 }

@@ -25,15 +25,19 @@ constexpr const char* kRemoved[] = {kSourceFile, kDestinationFile, kIdentityFile
 constexpr const char* kAccountsKey = "SOFTWARE\\Microsoft\\Internet Account Manager\\Accounts";
 constexpr const char* kIdentityAccounts = "\\Software\\Microsoft\\Internet Account Manager";
 
-/// Every file in `folder` and below it but those in `except`, whole before anything is copied. What cannot be read is
-/// in the log.
-std::vector<WinPath> FilesBelow(Platform& platform, const WinPath& folder, const WinPath& except) {
+struct StoreFolders {
+  WinPath from, to;
+};
+
+/// Every file of the source and below it but those of the target, whole before anything is copied. What cannot be read
+/// is in the log.
+std::vector<WinPath> FilesBelow(Platform& platform, const StoreFolders& folders) {
   std::vector<WinPath> found;
-  const auto walk = platform.GetFiles().Walk(folder, "*.*");
+  const auto walk = platform.GetFiles().Walk(folders.from, "*.*");
   WalkStep step;
   while (walk->Step(step)) {
     for (const std::string& unread : step.unread) platform.GetLog().Write("not copied: " + unread);
-    if (StartsWithIgnoreCase(step.folder, WithBackslash(except.Text()))) continue;
+    if (StartsWithIgnoreCase(step.folder, WithBackslash(folders.to.Text()))) continue;
     for (const std::string& name : step.files) found.push_back(WinPath(step.folder).Join(name));
   }
   return found;
@@ -142,7 +146,7 @@ std::optional<CloneRefusal> IdentityClone::CopyMessages() {
   const WinPath& from = std::get<WinPath>(source);
   const WinPath to = DefaultStoreFolder(store_, platform_, request_.destination);
   if (!DirExists(files, to)) CreateFolder(files, to);
-  for (const WinPath& file : FilesBelow(platform_, from, to)) {
+  for (const WinPath& file : FilesBelow(platform_, {from, to})) {
     const WinPath target(to.Text() + file.Text().substr(WithBackslash(from.Text()).size()));
     files.MakePath(target.Parent());
     platform_.GetShell().CopyFile({.source = file, .target = target});

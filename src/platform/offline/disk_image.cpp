@@ -81,12 +81,18 @@ bool IsExtended(std::uint8_t type) {
   return type == 0x05 || type == 0x0F || type == 0x85;
 }
 
-/// The partitions of the PC's table in the sector `at`, and in the chain of tables that an extended partition is: the
-/// links in it count from its start, `extended` (0 in the first table).
-void AddPartitions(Image& image, std::uint64_t at, std::uint64_t extended, std::vector<Partition>& partitions,
-                   std::size_t& tablesLeft) {
+/// Where a table of the PC's is.
+struct TablePlace {
+  std::uint64_t at = 0;        ///< its sector
+  std::uint64_t extended = 0;  ///< where the extended partition that it is in starts; 0 for the first table
+};
+
+/// The partitions of the PC's table at `place`, and in the chain of tables that an extended partition is: the links in
+/// it count from its start.
+void AddPartitions(Image& image, const TablePlace& place, std::vector<Partition>& partitions, std::size_t& tablesLeft) {
   constexpr std::size_t kTable = 446;
   constexpr std::size_t kEntry = 16;
+  const auto [at, extended] = place;
   const Sector table = image.Read(at);
   if (tablesLeft == 0 || Load16(&table[510]) != 0xAA55) return;
   --tablesLeft;
@@ -98,7 +104,7 @@ void AddPartitions(Image& image, std::uint64_t at, std::uint64_t extended, std::
       partitions.push_back({at + part.start, part.length});
     } else {
       const std::uint64_t next = extended + part.start;
-      AddPartitions(image, next, extended == 0 ? next : extended, partitions, tablesLeft);
+      AddPartitions(image, {next, extended == 0 ? next : extended}, partitions, tablesLeft);
     }
   }
 }
@@ -138,7 +144,7 @@ std::optional<MountAdvice> AdviceOnPartitions(Image& image, const std::string& f
     AddUefiPartitions(image, partitions);
   } else {
     std::size_t tablesLeft = kMaxPartitions;
-    AddPartitions(image, 0, 0, partitions, tablesLeft);
+    AddPartitions(image, {}, partitions, tablesLeft);
   }
   std::sort(partitions.begin(), partitions.end(),
             [](const Partition& a, const Partition& b) { return a.start < b.start; });

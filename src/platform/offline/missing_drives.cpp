@@ -9,7 +9,7 @@ namespace fs = std::filesystem;
 std::optional<fs::path> MissingDrives::FolderFor(const WinPath& path) {
   const char letter = path.Drive();
   if (declined_.count(letter) > 0) return std::nullopt;
-  const std::optional<fs::path> folder = Ask(path);
+  std::optional<fs::path> folder = Ask(path);
   if (folder) {
     onNamed(letter, *folder);
   } else {
