@@ -347,7 +347,9 @@ TEST_F(CompleteBackupTest, ABackupFolderThatIsGoneIsToldOnce) {
   form->cmdComplete.click();
   ASSERT_EQ(dialogs.messages.size(), 2u);
   for (const Message& message : dialogs.messages) {
-    EXPECT_THAT(message.text, HasSubstr("D:\\Backup: the folder does not exist"));
+    EXPECT_THAT(message.text, MatchesRegex("The (complete )?backup ended early. What was done until then stays done."
+                                           "\n\n.*D:\\\\Backup: the folder does not exist.*"));
+    EXPECT_EQ(message.icon, MessageIcon::Exclamation);
   }
   EXPECT_EQ(form->cmdbkupall.caption, "Backup All Identities Now");
 

@@ -268,6 +268,12 @@ TEST_F(RegistryItemsTest, TheAddressBookFileGoesThereAndBack) {
   EXPECT_EQ(form->sb1.panels[0], " Address Book Copy Complete");
   EXPECT_EQ(Content(book), content);
 
+  windows->session.backupFolder.Reset();
+  form->sb1.panels[1] = "old";
+  Click("addBookFile");
+  EXPECT_EQ(dialogs.LastAsked(), "Please select a backup folder or create one from the Tools menu. [OK]");
+  EXPECT_EQ(form->sb1.panels[1], "");
+
   Store().DeleteKey(CurrentUser("Software\\Microsoft\\WAB"));
   Restore("resWAB", WinPath("D:\\Backup\\Ann Miller.wab"));
   EXPECT_THAT(dialogs.LastMessage(), HasSubstr("no folder to copy"));

@@ -124,6 +124,10 @@ TEST_F(Form2Test, CheckedFilesAreBackedUpAskingBeforeOneReplacesAnother) {
   form.cmdDeselectAll.click();
   form.cmdCopyFiles.click();
   EXPECT_EQ(form.sb2.panels[1], "No files were checked");
+  form.lvFiles.check(RowOf(form, "C:\\Mail\\b\\Old.dbx"), true);
+  platform->CopyWithFaults().writeError = ENOSPC;
+  form.cmdCopyFiles.click();
+  EXPECT_EQ(dialogs.messages.back().buttons, MessageButtons::Ok) << "after a single file nothing can go on";
 
   windows->session.backupFolder.Reset();
   form.cmdCopyFiles.click();
