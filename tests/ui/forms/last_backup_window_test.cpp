@@ -55,6 +55,11 @@ TEST_F(LastBackupTest, SaysWhatWasNotDoneFirstAndChecksEveryCopy) {
                             HasSubstr("DIFFERENT from D:\\Backup\\Büro\\Inbox.dbx, first at offset 3")));
   EXPECT_THAT(Row(1), HasSubstr("NOT READABLE: D:\\Backup\\AllIdentities.reg: "));
 
+  std::filesystem::remove(BackupFolderOnHost() / "Ann Miller.wab");
+  form.cmdCheck.click();
+  EXPECT_THAT(form.sb1.panels[0].Get(), StartsWith("19 copies are the same as the source, 2 are NOT; "));
+  EXPECT_THAT(Row(0), HasSubstr("NOT READABLE: D:\\Backup\\Ann Miller.wab: "));
+
   dialogs.saveFileAnswers = {WinPath("C:\\report.txt")};
   form.cmdSave.click();
   EXPECT_THAT(Content(sample.driveC / "report.txt"), AllOf(StartsWith("\xEF\xBB\xBF"
@@ -73,9 +78,17 @@ TEST_F(LastBackupTest, AFailureAndACancelledCheckAreSaid) {
   LastBackupForm& form = Open();
   EXPECT_THAT(form.lblBackup.caption.Get(), StartsWith("Quick Backup, "));
   EXPECT_THAT(Row(0), AllOf(HasSubstr(".dbx | "), HasSubstr(" bytes | not replaced: D:\\Backup\\Main Identity\\")));
+  form.close();
+  platform->CopyWithFaults().writeError = ENOSPC;
+  main.chkOverwrite.click();
+  dialogs.messageAnswers = {MessageAnswer::No};
+  main.cmdQuickBackup.click();
+  Open();
+  EXPECT_THAT(Row(0), HasSubstr(" | failed: the disk is full"));
+  EXPECT_THAT(Row(1), HasSubstr(" | not copied: the disk is full"));
   dialogs.onProgress = [](const auto& /*shown*/) { return false; };
   form.cmdCheck.click();
-  EXPECT_EQ(form.sb1.panels[0], "Check cancelled: 0 copies are the same as the source");
+  EXPECT_THAT(form.sb1.panels[0].Get(), StartsWith("Check cancelled: 0 copies are the same as the source"));
 }
 
 }  // namespace
