@@ -12,8 +12,6 @@
 
 namespace quillbox {
 
-namespace fs = std::filesystem;
-
 namespace {
 
 constexpr std::array kPageSchemes = {"http://", "https://"};

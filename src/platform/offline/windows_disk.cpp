@@ -156,7 +156,7 @@ bool IsOldWindows(const HostPlace& disk) {
 
 /// Where the disk begins when `folder` is a part of one; empty when the part is not known.
 fs::path DiskAround(const fs::path& folder) {
-  const fs::path root = folder.parent_path();
+  fs::path root = folder.parent_path();
   if (FindBelow(HostPlace::DiskRoot(folder), kConfigFolder)) return root;
   const auto below = [](const fs::path& parent, const fs::path& child) {
     const auto childInfo = StatPlace(HostPlace::Anywhere(child));

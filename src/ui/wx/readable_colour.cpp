@@ -30,6 +30,7 @@ double Contrast(const wxColour& a, const wxColour& b) {
   return (lighter + 0.05) / (darker + 0.05);
 }
 
+// NOLINTNEXTLINE(bugprone-easily-swappable-parameters): a colour on a background is the usual order
 wxColour Readable(const wxColour& colour, const wxColour& background) {
   const wxColour black(0, 0, 0);
   const wxColour white(255, 255, 255);

@@ -96,7 +96,8 @@ class Factory : public ControlVisitor {
 
  private:
   void MakeWrappedLabel(Label& control);
-  wxListBox& MakeListBox(long style, int lines = kListLines);
+  enum class Selecting : long { One = wxLB_SINGLE, Several = wxLB_MULTIPLE };
+  wxListBox& MakeListBox(Selecting selecting, int lines = kListLines);
   int Characters(int count) const { return count * parent_.GetCharWidth(); }
   int WidthOf(const wxString& text) const { return parent_.GetTextExtent(text).x; }
   int FieldWidth() const { return WidthOf(growing_ ? kGrowingText : kFieldText); }
@@ -272,8 +273,9 @@ void Factory::Visit(Frame& control) {
   };
 }
 
-wxListBox& Factory::MakeListBox(long style, int lines) {
-  auto* list = new wxListBox(&parent_, wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, nullptr, style | wxLB_HSCROLL);
+wxListBox& Factory::MakeListBox(Selecting selecting, int lines) {
+  auto* list = new wxListBox(&parent_, wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, nullptr,
+                             static_cast<long>(selecting) | wxLB_HSCROLL);
   list->SetMinSize(wxSize(Characters(kListCharacters), lines * parent_.GetCharHeight() * 3 / 2));
   SetAccessibleName(*list, spokenName_);
   widget_.window = list;
@@ -287,7 +289,7 @@ void ShowItems(const std::vector<std::string>& wanted, wxListBox& list) {
 }
 
 void Factory::Visit(ListBox& control) {
-  wxListBox* list = &MakeListBox(wxLB_SINGLE, control.linesShown);
+  wxListBox* list = &MakeListBox(Selecting::One, control.linesShown);
   widget_.show = [list, &control] {
     ShowWithTip(control, *list);
     ShowItems(control.items, *list);
@@ -308,7 +310,7 @@ void Factory::Visit(ListBox& control) {
 }
 
 void Factory::Visit(MultiListBox& control) {
-  wxListBox* list = &MakeListBox(wxLB_MULTIPLE);
+  wxListBox* list = &MakeListBox(Selecting::Several);
   ToggleByClick(*list);
   const auto isSelected = [&control](int line) {
     return std::binary_search(control.selected->begin(), control.selected->end(), static_cast<std::size_t>(line));

@@ -109,7 +109,7 @@ std::optional<WinPath> WxDialogs::OpenFile(const FileDialog& dialog) {
 std::optional<WinPath> WxDialogs::SaveFile(const FileDialog& dialog) {
   FileDialog asked = dialog;
   while (true) {
-    const std::optional<WinPath> file = AskForFile(asked, wxFD_SAVE);
+    std::optional<WinPath> file = AskForFile(asked, wxFD_SAVE);
     if (!file || !dialog.askOverwrite || MayReplace(*file)) return file;
     asked.folder = file->Parent();
     asked.name = file->Name();
