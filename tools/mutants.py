@@ -74,19 +74,21 @@ def changed(token):
 
 
 def mutants(tree, only):
-    """Every change: file, line, column, line's text, token, other token."""
+    """Every change: file, line, column, the text of the line before and of this one, token, other token."""
     for start, _, _ in TARGETS:
         for path in sorted(tree.glob("src/**/*.cpp")):
             name = str(path.relative_to(tree))
             if not name.startswith(start) or target_of(name)[0] != start or only not in name:
                 continue
-            for number, line in enumerate(path.read_text().split("\n")):
+            lines = path.read_text().split("\n")
+            for number, line in enumerate(lines):
                 if SKIPPED.search(line):
                     continue
                 for match in TOKEN.finditer(line):
                     other = changed(match.group())
                     if other:
-                        yield name, number, match.start(), line, match.group(), other
+                        place = f"{lines[number - 1].strip()} {line.strip()}".strip()
+                        yield name, number, match.start(), place, match.group(), other
 
 
 def target_of(name):
@@ -99,8 +101,8 @@ def equivalents(file):
 
 
 def key(mutant):
-    name, _, _, line, old, new = mutant
-    return name, line.strip(), f"{old} -> {new}"
+    name, _, _, place, old, new = mutant
+    return name, place, f"{old} -> {new}"
 
 
 def run(command, seconds):
