@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "ui/controls.h"
+#include "ui/list_view.h"
 
 namespace quillbox {
 
@@ -68,7 +69,12 @@ inline std::string LookOf(Control& control) {
   if (auto* button = dynamic_cast<Button*>(&control)) return "button " + button->caption.Get();
   if (auto* frame = dynamic_cast<Frame*>(&control)) return "frame " + frame->caption.Get();
   if (auto* option = dynamic_cast<OptionButton*>(&control)) return "option " + option->caption.Get();
-  return "list ";
+  if (auto* bar = dynamic_cast<StatusBar*>(&control)) return "bar " + std::to_string(bar->panels.size());
+  std::string columns;
+  if (auto* list = dynamic_cast<ListView*>(&control)) {
+    for (const std::string& column : list->Columns()) columns += (columns.empty() ? "" : "|") + column;
+  }
+  return "list " + columns;
 }
 
 inline std::string MarksOf(Control& control) {
@@ -88,7 +94,8 @@ inline std::string MarksOf(Control& control) {
 inline void ExpectLook(Control& control, const GoldenLine& line) {
   std::string marks;
   for (std::size_t mark = 4; mark < line.words.size(); ++mark) marks += " " + line[mark];
-  EXPECT_EQ(LookOf(control), line[0] + " " + line[2]) << line.Place();
+  const std::string look = LookOf(control);
+  EXPECT_EQ(line[2] == "*" ? look.substr(0, look.find(' ') + 1) + "*" : look, line[0] + " " + line[2]) << line.Place();
   EXPECT_EQ(control.tooltip, line[3]) << line.Place();
   EXPECT_EQ(MarksOf(control), marks) << line.Place();
 }

@@ -100,10 +100,15 @@ TEST_F(Form6Test, FourFilesAreRememberedAndSwitchedTo) {
   EXPECT_EQ(form.lblcurwabfile.caption, "c.wab");
   EXPECT_EQ(form.sb1.panels[0], "Change Complete");
   EXPECT_EQ(windows->form1.txtwabloc.text, filled[1]);
-  form.Option3.click();
-  EXPECT_EQ(dialogs.LastMessage(), kNotValid);
-  EXPECT_EQ(form.sb1.panels[0], "");
-  EXPECT_EQ(Value(""), filled[1]);
+  for (OptionButton* empty : {&form.Option3, &form.Option4}) {
+    dialogs.messages.clear();
+    empty->click();
+    EXPECT_EQ(dialogs.LastMessage(), kNotValid);
+    EXPECT_EQ(form.sb1.panels[0], "");
+    EXPECT_EQ(Value(""), filled[1]);
+  }
+  form.Option1.click();
+  EXPECT_EQ(Value(""), filled[0]);
 
   OpenDisk();
   windows->form1.Open();

@@ -1,5 +1,7 @@
 #include "ui/forms/main_window.h"
 
+#include <set>
+
 #include "support/golden_text.h"
 #include "support/sample_ids.h"
 #include "support/sample_windows.h"
@@ -164,19 +166,22 @@ std::vector<GoldenLine> WindowLines(const std::string& name) {
 }
 
 TEST_F(Form1Test, EveryWindowHasTheTextsOfTheGoldenText) {
-  std::size_t checked = 0;
   for (Form* form : windows->All()) {
+    if (form->Name() == "Form12" || form->Name() == "Form13") continue;  // they have a golden text of their own
+    std::set<std::string> names;
     for (const GoldenLine& line : WindowLines(form->Name())) {
       if (line[0] == "menu") continue;
-      ++checked;
+      names.insert(line[1]);
       if (line[0] != "window") {
         ExpectLook(form->Named<Control>(line[1]), line);
       } else {
         EXPECT_EQ(form->caption, line[2]);
       }
     }
+    for (const Control* control : form->Controls()) {
+      EXPECT_EQ(names.count(control->Name()), 1U) << form->Name() << " " << control->Name();
+    }
   }
-  EXPECT_GT(checked, 180U);
 }
 
 TEST_F(Form1Test, TheMenuHasTheItemsOfTheGoldenText) {

@@ -268,6 +268,13 @@ TEST_F(RegistryItemsTest, TheAddressBookFileGoesThereAndBack) {
   EXPECT_EQ(form->sb1.panels[0], " Address Book Copy Complete");
   EXPECT_EQ(Content(book), content);
 
+  platform->CopyWithFaults().writeError = ENOSPC;
+  dialogs.overwriteAnswers = {OverwriteAnswer::Yes, OverwriteAnswer::Yes};
+  Click("addBookFile");
+  Restore("resWAB", WinPath("D:\\Backup\\Ann Miller.wab"));
+  ASSERT_EQ(dialogs.messages.size(), 2U);
+  for (const Message& message : dialogs.messages) EXPECT_EQ(message.buttons, MessageButtons::Ok) << "no file is left";
+
   windows->session.backupFolder.Reset();
   form->sb1.panels[1] = "old";
   Click("addBookFile");
