@@ -3,7 +3,8 @@
 
 cmake_minimum_required(VERSION 3.25)
 
-# Sets `result` to the layers (folders) whose headers `file` includes, `folder` itself left out.
+# Sets `result` to the layers (folders) whose headers `file` includes. The folder that the file is in and its layer's own
+# `folder`, above a system's subfolder, are left out.
 function(quillbox_included_layers result file folder)
   file(STRINGS "${file}" includes REGEX "^#include \"")
   set(layers "")
@@ -12,7 +13,9 @@ function(quillbox_included_layers result file folder)
     list(APPEND layers "${layer}")
   endforeach()
   list(REMOVE_DUPLICATES layers)
-  list(REMOVE_ITEM layers "${folder}")
+  cmake_path(GET file PARENT_PATH here)
+  file(RELATIVE_PATH here "${SOURCE_DIR}" "${here}")
+  list(REMOVE_ITEM layers "${folder}" "${here}")
   set(${result} "${layers}" PARENT_SCOPE)
 endfunction()
 
@@ -28,11 +31,14 @@ function(quillbox_check_files files folder named what)
   endforeach()
 endfunction()
 
+# The headers in posix/ and win32/ are for the sources there alone, and so may include what those may.
 function(quillbox_check_layer folder sources links private_links)
   set_property(GLOBAL PROPERTY USED "")
   file(GLOB headers "${SOURCE_DIR}/${folder}/*.h")
+  file(GLOB host_headers "${SOURCE_DIR}/${folder}/posix/*.h" "${SOURCE_DIR}/${folder}/win32/*.h")
   list(TRANSFORM sources PREPEND "${SOURCE_DIR}/${folder}/")
   quillbox_check_files("${headers}" ${folder} "${links}" LINKS)
+  list(APPEND sources ${host_headers})
   quillbox_check_files("${sources}" ${folder} "${links};${private_links}" "LINKS or PRIVATE_LINKS")
   get_property(used GLOBAL PROPERTY USED)
   foreach(layer ${links} ${private_links})

@@ -13,7 +13,7 @@
 namespace quillbox {
 namespace {
 
-constexpr std::array kPages = {1252U, 932U, 936U, 949U, 950U, 1361U, 874U, 1255U, 1258U, 437U};
+constexpr std::array kPages = {1252U, 932U, 936U, 949U, 950U, 1250U, 874U, 1255U, 1258U, 437U};
 
 const CodePage& PageOf(unsigned number) {
   static const std::vector<CodePage> kCodePages(kPages.begin(), kPages.end());

@@ -1,59 +1,18 @@
 #include "text/code_page.h"
 
-#include <iconv.h>
-
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <map>
 
+#include "text/code_page_converter.h"
+#include "text/code_page_table.h"
 #include "text/error.h"
 #include "text/unicode.h"
 
 namespace quillbox {
 namespace {
 
-constexpr unsigned kDoubleBytePages[] = {932, 936, 949, 950, 1361};
 constexpr std::uint8_t kLeastTrailByte = 0x30;
-
-/// Where Windows' table knows a byte that the host's table does not.
-struct ExtraByte {
-  unsigned page;
-  std::uint8_t byte;
-  char16_t character;
-};
-constexpr ExtraByte kExtraBytes[] = {{936, 0x80, 0x20AC}};
-
-class Converter {
- public:
-  Converter(const char* to, const char* from) : handle_(iconv_open(to, from)) {}
-  Converter(const Converter&) = delete;
-  Converter& operator=(const Converter&) = delete;
-  ~Converter() {
-    if (Good()) iconv_close(handle_);
-  }
-
-  bool Good() const { return reinterpret_cast<std::intptr_t>(handle_) != -1; }
-
-  /// Converts all of `in`, from the initial state. 0 or the errno that says why not.
-  int Run(std::string in, std::string& out) {
-    std::array<char, 32> buffer{};
-    char* from = in.data();
-    char* to = buffer.data();
-    std::size_t fromLeft = in.size();
-    std::size_t toLeft = buffer.size();
-    iconv(handle_, nullptr, nullptr, nullptr, nullptr);
-    constexpr auto kFailed = static_cast<std::size_t>(-1);
-    if (iconv(handle_, &from, &fromLeft, &to, &toLeft) == kFailed) return errno;
-    // Some pages hold a letter back to join it with an accent that may follow.
-    if (iconv(handle_, nullptr, nullptr, &to, &toLeft) == kFailed) return errno;
-    out.assign(buffer.data(), buffer.size() - toLeft);
-    return 0;
-  }
-
- private:
-  iconv_t handle_;
-};
 
 std::string PairBytes(unsigned code) {
   std::string bytes;
@@ -73,54 +32,66 @@ struct CodePage::Tables {
   std::vector<char16_t> pairs;  ///< by code; kNothing where the pair has no meaning; empty for single-byte pages
   std::map<char16_t, std::uint16_t> codes;
 
-  Tables(unsigned number, bool doubleByte);
+  explicit Tables(unsigned number);
 
  private:
-  void FillSingles(unsigned number, bool doubleByte, Converter& decoder);
-  void FillPairs(Converter& decoder);
-  void FillCodes(Converter& encoder);
+  void FillSingles(unsigned number, CodePageConverter& converter);
+  void FillPairs(const DoubleBytePage& page, CodePageConverter& converter);
+  void FillUserDefined(const DoubleBytePage& page);
+  void FillCodes(unsigned number, CodePageConverter& converter);
 };
 
-CodePage::Tables::Tables(unsigned number, bool doubleByte) {
-  const std::string name = "CP" + std::to_string(number);
-  Converter decoder("UTF-16LE", name.c_str());
-  Converter encoder(name.c_str(), "UTF-16LE");
-  if (!decoder.Good() || !encoder.Good()) {
-    throw Error("preparing the system's code page", {"code page " + std::to_string(number), {}, {}},
-                "this computer has no table for it");
+CodePage::Tables::Tables(unsigned number) {
+  const auto refuse = [number](const char* why) {
+    throw Error("preparing the system's code page", {"code page " + std::to_string(number), {}, {}}, why);
+  };
+  if (!IsKnownCodePage(number)) refuse("it is not one that Windows has for its 8-bit text");
+  const std::unique_ptr<CodePageConverter> converter = OpenCodePage(number);
+  if (!converter) refuse("this computer has no table for it");
+  FillSingles(number, *converter);
+  if (const DoubleBytePage* page = FindDoubleBytePage(number)) {
+    FillPairs(*page, *converter);
+    FillUserDefined(*page);
   }
-  FillSingles(number, doubleByte, decoder);
-  if (doubleByte) FillPairs(decoder);
-  FillCodes(encoder);
+  FillCodes(number, *converter);
 }
 
-void CodePage::Tables::FillSingles(unsigned number, bool doubleByte, Converter& decoder) {
-  for (unsigned byte = 0; byte < 256; ++byte) {
+void CodePage::Tables::FillSingles(unsigned number, CodePageConverter& converter) {
+  const DoubleBytePage* page = FindDoubleBytePage(number);
+  for (unsigned code = 0; code < 256; ++code) {
+    const auto byte = static_cast<std::uint8_t>(code);
     single[byte] = static_cast<char16_t>(byte);
     if (byte < 0x80) continue;
-    std::string out;
-    const int failure = decoder.Run(PairBytes(byte), out);
-    lead[byte] = doubleByte && failure == EINVAL;
-    if (failure == 0 && out.size() == 2)
-      single[byte] = Utf16FromBytes(ByteView(reinterpret_cast<const std::uint8_t*>(out.data()), 2))[0];
+    lead[byte] = page && page->leads.Has(byte);
+    if (!lead[byte]) single[byte] = converter.Decode(PairBytes(byte)).value_or(single[byte]);
   }
-  for (const ExtraByte& extra : kExtraBytes) {
-    if (extra.page != number) continue;
-    single[extra.byte] = extra.character;
-    lead[extra.byte] = false;
+  for (const CodeRun& run : SingleByteRuns()) {
+    if (run.page != number) continue;
+    for (unsigned code = run.first; code <= run.last; ++code) {
+      single[code] = static_cast<char16_t>(run.character + (code - run.first));
+    }
   }
 }
 
-void CodePage::Tables::FillPairs(Converter& decoder) {
+void CodePage::Tables::FillPairs(const DoubleBytePage& page, CodePageConverter& converter) {
   pairs.assign(0x10000, kNothing);
   for (unsigned code = 0x8000; code < 0x10000; ++code) {
-    std::string out;
-    if (!lead[code >> 8] || decoder.Run(PairBytes(code), out) != 0 || out.size() != 2) continue;
-    pairs[code] = Utf16FromBytes(ByteView(reinterpret_cast<const std::uint8_t*>(out.data()), 2))[0];
+    if (lead[code >> 8] && page.trails.Has(code & 0xFF))
+      pairs[code] = converter.Decode(PairBytes(code)).value_or(kNothing);
   }
 }
 
-void CodePage::Tables::FillCodes(Converter& encoder) {
+void CodePage::Tables::FillUserDefined(const DoubleBytePage& page) {
+  for (const CodeRun& run : UserDefinedRuns()) {
+    if (run.page != page.number) continue;
+    char16_t next = run.character;
+    for (unsigned code = run.first; code <= run.last; ++code) {
+      if (pairs[code] == kNothing && page.trails.Has(code & 0xFF)) pairs[code] = next++;
+    }
+  }
+}
+
+void CodePage::Tables::FillCodes(unsigned number, CodePageConverter& converter) {
   for (unsigned byte = 0; byte < 256; ++byte) {
     if (!lead[byte]) codes.emplace(single[byte], static_cast<std::uint16_t>(byte));
   }
@@ -128,19 +99,17 @@ void CodePage::Tables::FillCodes(Converter& encoder) {
     const char16_t character = pairs[code];
     if (character == kNothing || codes.emplace(character, static_cast<std::uint16_t>(code)).second) continue;
     // Several codes for one character: the host knows which one is to be written.
-    const Bytes units = Utf16Bytes(std::u16string_view(&character, 1));
-    std::string out;
-    if (encoder.Run(std::string(units.begin(), units.end()), out) == 0 && out == PairBytes(code)) {
-      codes[character] = static_cast<std::uint16_t>(code);
-    }
+    if (converter.Encode(character) == PairBytes(code)) codes[character] = static_cast<std::uint16_t>(code);
+  }
+  for (const PreferredCode& preferred : PreferredCodes()) {
+    if (preferred.page == number) codes[pairs[preferred.code]] = preferred.code;
   }
 }
 
-CodePage::CodePage(unsigned number)
-    : number_(number), tables_(std::make_shared<const Tables>(number, IsDoubleByte())) {}
+CodePage::CodePage(unsigned number) : number_(number), tables_(std::make_shared<const Tables>(number)) {}
 
 bool CodePage::IsDoubleByte() const {
-  return std::find(std::begin(kDoubleBytePages), std::end(kDoubleBytePages), number_) != std::end(kDoubleBytePages);
+  return FindDoubleBytePage(number_) != nullptr;
 }
 
 std::string CodePage::Decode(std::string_view bytes) const {

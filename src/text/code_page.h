@@ -14,15 +14,16 @@ class CodePage {
  public:
   static constexpr unsigned kDefault = 1252;
 
-  /// Throws Error when the host's iconv does not know the code page.
+  /// Throws Error for a number that isn't one of Windows' pages for 8-bit text, and for a page that the host doesn't
+  /// know.
   explicit CodePage(unsigned number = kDefault);
 
   unsigned Number() const { return number_; }
-  /// True for the double-byte code pages (932, 936, 949, 950, 1361).
+  /// True for the double-byte code pages (932, 936, 949, 950).
   bool IsDoubleByte() const;
 
-  /// `bytes` as inner text. A byte without a meaning becomes the control character of its number (as Windows does);
-  /// a broken double-byte pair becomes U+FFFD.
+  /// `bytes` as inner text. A byte without a meaning becomes what Windows makes of it: the control character of its
+  /// number below 0xA0, a private one above; a broken double-byte pair becomes U+FFFD.
   std::string Decode(std::string_view bytes) const;
   /// How many of `bytes`, which begin with a whole character, make whole characters: all, or all but the first byte of
   /// a pair whose second one has yet to come.

@@ -82,6 +82,9 @@ TEST(CodePage, KnowsWindowsCharacters) {
   EXPECT_EQ(western.Encode("\xC5\x82"), std::nullopt) << "no best fit";
   EXPECT_EQ(western.EncodeLossy("a\xC5\x82\xF0\x9F\x98\x80z"), "a??z");
   EXPECT_EQ(CodePage(1251).Decode("\xCF\xEE"), "\xD0\x9F\xD0\xBE");
+  EXPECT_EQ(CodePage(874).Decode("\x81\xDB"), "\u0081\uF8C1");
+  EXPECT_EQ(CodePage(874).Encode("\u00DB"), std::nullopt) << "a byte without a meaning is not Latin-1";
+  EXPECT_EQ(CodePage(1255).Decode("\xCA\xDF"), "\u05BA\uF893");
 }
 
 TEST(CodePage, DoubleBytePages) {
@@ -90,11 +93,10 @@ TEST(CodePage, DoubleBytePages) {
     const char* bytes;
     const char* text;
   } cases[] = {
-      {932, "\x93\xFA\x96\x7B\\\xB1", "\xE6\x97\xA5\xE6\x9C\xAC\\\xEF\xBD\xB1"},
-      {936, "\xD6\xD0\x80", "\xE4\xB8\xAD\xE2\x82\xAC"},
-      {949, "\xB0\xA1", "\xEA\xB0\x80"},
-      {950, "\xA4\xA4", "\xE4\xB8\xAD"},
-      {1361, "\x88\x61\\~", "\xEA\xB0\x80\\~"},
+      {932, "\x93\xFA\x96\x7B\\~\xB1\xF0\x40", "\xE6\x97\xA5\xE6\x9C\xAC\\~\xEF\xBD\xB1\uE000"},
+      {936, "\xD6\xD0\x80\xAA\xA1\xA2\xAB", "\xE4\xB8\xAD\xE2\x82\xAC\uE000\uE766"},
+      {949, "\xB0\xA1\xFE\xFE", "\xEA\xB0\x80\uE0BB"},
+      {950, "\xA4\xA4\xF9\xF9\xFA\x40\x8D\xFE", "\xE4\xB8\xAD\u2550\uE000\uF6B0"},
   };
   for (const auto& c : cases) {
     const CodePage page(c.number);
@@ -103,7 +105,35 @@ TEST(CodePage, DoubleBytePages) {
     EXPECT_EQ(page.Encode(c.text), c.bytes) << c.number;
   }
   EXPECT_EQ(CodePage(932).Decode("\x93\nx\x93"), "\xEF\xBF\xBD\nx\xEF\xBF\xBD") << "a broken pair keeps the line's end";
-  EXPECT_THROW(CodePage(1), Error);
+  EXPECT_EQ(CodePage(932).Encode("\u00A5"), std::nullopt) << "0x5C is a backslash, the yen sign has no byte";
+  for (const unsigned none : {0u, 1u, 1361u, 65001u}) EXPECT_THROW(CodePage{none}, Error) << none;
+}
+
+/// All that a page says, as one number (FNV-1a).
+std::uint64_t Fingerprint(const CodePage& page) {
+  std::uint64_t hash = 0xCBF29CE484222325;
+  const auto add = [&hash](std::string_view text) {
+    for (const char c : text) hash = (hash ^ static_cast<std::uint8_t>(c)) * 0x100000001B3;
+    hash *= 0x100000001B3;
+  };
+  for (unsigned code = 0; code < 0x10000; ++code) {
+    add(page.Decode(std::string{static_cast<char>(code >> 8), static_cast<char>(code & 0xFF)}));
+    const auto unit = static_cast<char16_t>(code);
+    add(page.Encode(ToUtf8(std::u16string_view(&unit, 1))).value_or("none"));
+  }
+  return hash;
+}
+
+// The numbers were found with two hosts' tables that have nothing in common.
+TEST(CodePage, IsTheSameOnEveryHost) {
+  constexpr std::pair<unsigned, std::uint64_t> kPages[] = {
+      {437, 0xBF08E40F18113B8F},  {850, 0x159B742D03CD98DD},  {852, 0x49669E786F0E7D27},  {855, 0xF2DC40E5B7616AAB},
+      {866, 0x3E7270F5696607B7},  {874, 0xC2BAD342BD0BD7E1},  {932, 0xB764911BF0464C48},  {936, 0xBE495359620F8098},
+      {949, 0xDFD65FDF53F837DF},  {950, 0x4B1620501ADBB0A9},  {1250, 0x405E07102ED928B1}, {1251, 0x3C63D63119489D8D},
+      {1252, 0x8A44E6FD7B5FA8BF}, {1253, 0x87C44F35F7762E91}, {1254, 0x980242512FA20973}, {1255, 0xE17E32FBB52CEAEB},
+      {1256, 0x55431F035650E91},  {1257, 0x124DE813C79DE3ED}, {1258, 0xE2F22F1DA57F0285},
+  };
+  for (const auto& [number, fingerprint] : kPages) EXPECT_EQ(Fingerprint(CodePage(number)), fingerprint) << number;
 }
 
 TEST(MessageText, ShortensOverLongNamesOnly) {
