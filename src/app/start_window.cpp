@@ -11,6 +11,7 @@
 #include "sample/sample_disk.h"
 #include "text/command_options.h"
 #include "text/error.h"
+#include "text/local_time.h"
 #include "text/unicode.h"
 
 namespace quillbox {
@@ -32,11 +33,9 @@ bool IsThere(const fs::path& folder) {
 
 std::string DiskLine(const KnownDisk& known) {
   std::string line = known.disk.profile + " — " + known.disk.folder.string();
-  const std::time_t time = known.opened;
-  std::tm local = {};
+  const std::optional<std::tm> local = LocalTime(known.opened);
   std::array<char, 20> when = {};
-  if (known.opened != 0 && localtime_r(&time, &local) != nullptr &&
-      std::strftime(when.data(), when.size(), "%Y-%m-%d %H:%M", &local) > 0) {
+  if (known.opened != 0 && local && std::strftime(when.data(), when.size(), "%Y-%m-%d %H:%M", &*local) > 0) {
     line += std::string(" — ") + when.data();
   }
   return IsThere(known.disk.folder) ? line : line + " (not there now)";

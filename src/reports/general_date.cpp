@@ -6,6 +6,7 @@
 
 #include "core/identity_catalogue.h"
 #include "text/file_time.h"
+#include "text/local_time.h"
 #include "text/unicode.h"
 
 namespace quillbox {
@@ -114,10 +115,8 @@ std::string FormatGeneralDate(const std::tm& when, const DateStyle& style) {
 }
 
 std::string GeneralDate(RegistryStore& store, std::uint64_t fileTime) {
-  const auto seconds = static_cast<std::time_t>(UnixSeconds(fileTime).value_or(0));
-  std::tm local = {};
-  if (localtime_r(&seconds, &local) == nullptr) return {};
-  return FormatGeneralDate(local, ReadDateStyle(store));
+  const std::optional<std::tm> local = LocalTime(UnixSeconds(fileTime).value_or(0));
+  return local ? FormatGeneralDate(*local, ReadDateStyle(store)) : std::string();
 }
 
 }  // namespace quillbox
