@@ -16,7 +16,7 @@ void PrintDrive(const std::filesystem::path& drive, char letter) {
     ++files;
     bytes += entry.file_size();
   }
-  std::printf("%c:\\  %s  (%zu files, %ju KB)\n", letter, drive.c_str(), files, bytes / 1024);
+  std::printf("%c:\\  %s  (%zu files, %ju KB)\n", letter, drive.string().c_str(), files, bytes / 1024);
 }
 
 int Make(const char* folder) {

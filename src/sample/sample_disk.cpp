@@ -2,8 +2,8 @@
 
 #include <cerrno>
 #include <chrono>
-#include <cstdlib>
 #include <fstream>
+#include <random>
 
 #include "sample/address_book.h"
 #include "sample/identity_rows.h"
@@ -45,13 +45,19 @@ constexpr std::string_view kFolders[] = {
 };
 
 [[noreturn]] void Fail(const fs::path& path, std::string why) {
-  throw Error("making the sample disk", {path.string(), {}, {}}, std::move(why));
+  const std::u8string name = path.u8string();
+  throw Error("making the sample disk", {{name.begin(), name.end()}, {}, {}}, std::move(why));
+}
+
+/// A name in UTF-8 as a path, whatever the host takes narrow names for.
+fs::path PathOf(std::string_view name) {
+  return std::u8string(name.begin(), name.end());
 }
 
 void MakeFolders(const fs::path& path) {
   std::error_code code;
   fs::create_directories(path, code);
-  if (code) Fail(path, SystemReason(code.value()));
+  if (code) Fail(path, code.message());
 }
 
 void WriteFile(const fs::path& path, const Bytes& bytes) {
@@ -62,7 +68,7 @@ void WriteFile(const fs::path& path, const Bytes& bytes) {
   if (!file) Fail(path, SystemReason(errno));
   std::error_code code;
   fs::last_write_time(path, std::chrono::file_clock::from_sys(kMadeAt), code);
-  if (code) Fail(path, SystemReason(code.value()));
+  if (code) Fail(path, code.message());
 }
 
 std::string WithProfile(std::string_view path, const std::string& profile, std::string_view userId = {}) {
@@ -123,7 +129,7 @@ void WriteHives(const fs::path& driveC, const SampleOptions& options) {
 
   const fs::path people = driveC / "Documents and Settings";
   Hive user = UserHive(options);
-  WriteHive(people / options.profile / "NTUSER.DAT", user);
+  WriteHive(people / PathOf(options.profile) / "NTUSER.DAT", user);
   Hive newcomer = NewHive();
   WriteRows(newcomer, newcomer.Root(), UserRows(), {{"<profile>", "Default User"}});
   WriteHive(people / "Default User" / "NTUSER.DAT", newcomer);
@@ -135,18 +141,18 @@ void WriteStores(const fs::path& folder, const SampleOptions& options) {
     const std::vector<NamedFile> files = StoreFiles(i, options.smallStores);
     if (files.empty()) continue;
     const fs::path store = folder / std::string(1, identity.storeDrive) /
-                           WithProfile(identity.storeFolder, options.profile, identity.userId);
+                           PathOf(WithProfile(identity.storeFolder, options.profile, identity.userId));
     MakeFolders(store);
-    for (const NamedFile& file : files) WriteFile(store / file.name, file.bytes);
+    for (const NamedFile& file : files) WriteFile(store / PathOf(file.name), file.bytes);
   }
 }
 
 void Fill(const fs::path& folder, const SampleOptions& options) {
-  for (const std::string_view name : kFolders) MakeFolders(folder / WithProfile(name, options.profile));
+  for (const std::string_view name : kFolders) MakeFolders(folder / PathOf(WithProfile(name, options.profile)));
   WriteHives(folder / "C", options);
   WriteStores(folder, options);
-  WriteFile(folder / "C" / "Documents and Settings" / options.profile / "Application Data" / "Microsoft" /
-                "Address Book" / (options.profile + ".wab"),
+  WriteFile(folder / "C" / "Documents and Settings" / PathOf(options.profile) / "Application Data" / "Microsoft" /
+                "Address Book" / PathOf(options.profile + ".wab"),
             AddressBook(kBookEntries));
 }
 
@@ -154,10 +160,10 @@ void RefuseUsed(const fs::path& folder) {
   std::error_code code;
   const fs::file_status status = fs::status(folder, code);
   if (status.type() == fs::file_type::not_found) return;
-  if (code) Fail(folder, SystemReason(code.value()));
+  if (code) Fail(folder, code.message());
   if (!fs::is_directory(status)) Fail(folder, "it exists and is not a folder");
   const bool empty = fs::is_empty(folder, code);
-  if (code) Fail(folder, SystemReason(code.value()));
+  if (code) Fail(folder, code.message());
   if (!empty) Fail(folder, "the folder is not empty; nothing in it was touched");
 }
 
@@ -165,10 +171,13 @@ void RefuseUsed(const fs::path& folder) {
 class Workshop {
  public:
   explicit Workshop(const fs::path& folder) {
-    std::string name = folder.string() + ".XXXXXX";
-    if (mkdtemp(name.data()) == nullptr) Fail(name, SystemReason(errno));
-    path_ = name;
-    fs::permissions(path_, fs::perms(0755));
+    std::random_device random;
+    std::error_code code;
+    do {
+      path_ = folder;
+      path_ += "." + std::to_string(random());
+    } while (!fs::create_directory(path_, code) && !code);
+    if (code) Fail(path_, code.message());
   }
   Workshop(const Workshop&) = delete;
   Workshop& operator=(const Workshop&) = delete;
@@ -180,8 +189,10 @@ class Workshop {
   const fs::path& Path() const { return path_; }
   void MoveTo(const fs::path& folder) {
     std::error_code code;
+    // Windows renames nothing over a folder, not even over an empty one.
+    if (fs::is_directory(fs::symlink_status(folder, code))) fs::remove(folder, code);
     fs::rename(path_, folder, code);
-    if (code) Fail(folder, SystemReason(code.value()));
+    if (code) Fail(folder, code.message());
     path_.clear();
   }
 

@@ -70,6 +70,7 @@ TEST_F(SampleDiskTest, StoresAreLikeRealOnesAndTheSameEachTime) {
     }
   }
   EXPECT_EQ(stores, 19u);
+  EXPECT_TRUE(fs::exists(disk.driveD / u8"Mail/Office/Aufträge.dbx"));
 }
 
 TEST_F(SampleDiskTest, NeverTouchesWhatIsThere) {

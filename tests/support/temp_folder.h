@@ -4,11 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -19,7 +18,8 @@ namespace quillbox {
 /// The names in a folder, sorted.
 inline std::vector<std::string> Names(const std::filesystem::path& folder) {
   std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(folder)) names.push_back(entry.path().filename());
+  for (const auto& entry : std::filesystem::directory_iterator(folder))
+    names.push_back(entry.path().filename().string());
   std::sort(names.begin(), names.end());
   return names;
 }
@@ -34,9 +34,9 @@ inline std::string OnZ(const std::filesystem::path& host) {
 class TempFolder {
  public:
   TempFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "quillbox-test-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw std::system_error(errno, std::generic_category(), name);
-    path_ = name;
+    std::random_device random;
+    do path_ = std::filesystem::temp_directory_path() / ("quillbox-test-" + std::to_string(random()));
+    while (!std::filesystem::create_directory(path_));
   }
   ~TempFolder() {
     std::error_code ignored;
