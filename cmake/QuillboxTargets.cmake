@@ -1,9 +1,11 @@
 # How layers and their tests are declared, so that every target has the same warnings and a layer sees only the layers
 # that it links.
 
+# Warnings are errors where CMAKE_COMPILE_WARNING_AS_ERROR says so, as our presets do; a compiler that we don't know may
+# warn of more.
 add_library(quillbox_warnings INTERFACE)
 target_compile_options(quillbox_warnings INTERFACE
-  -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
   # g++ 12 reports overlaps in optimised std::string concatenations that do not exist.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
   # clang includes sign conversions in -Wconversion, g++ does not.
