@@ -104,12 +104,31 @@ function(quillbox_test name)
   if(arg_USES)
     add_dependencies(${target} ${arg_USES})
   endif()
-  target_compile_definitions(${target} PRIVATE QUILLBOX_BIN_DIR="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+  quillbox_test_folder(${target} QUILLBOX_BIN_DIR "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
   set(properties TIMEOUT 120)
   if(arg_DISPLAY)
     list(APPEND properties LABELS display RUN_SERIAL TRUE)
   endif()
   gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
+endfunction()
+
+# Gives the tests of `target` a folder of the project as the macro `macro`, under its name for the running test.
+function(quillbox_test_folder target macro folder)
+  target_compile_definitions(${target} PRIVATE ${macro}="${QUILLBOX_EMULATED_ROOT}${folder}")
+endfunction()
+
+# GoogleTest as it is installed; for another system from the sources that Debian installs.
+function(quillbox_find_googletest)
+  if(NOT CMAKE_CROSSCOMPILING)
+    find_package(GTest REQUIRED)
+    return()
+  endif()
+  set(INSTALL_GTEST OFF)
+  set(CMAKE_COMPILE_WARNING_AS_ERROR OFF)
+  add_subdirectory(/usr/src/googletest googletest EXCLUDE_FROM_ALL SYSTEM)
+  foreach(library gtest gtest_main gmock)
+    target_compile_options(${library} PRIVATE -w)
+  endforeach()
 endfunction()
 
 # Fails when a file of tests/ is not in a test program: its tests would never run.

@@ -1,10 +1,12 @@
 #!/bin/sh
-# Installs the packages of debian-packages.txt that are missing. Does nothing when none is.
+# tools/setup.sh [LIST...]: installs the packages of debian-packages.txt, or of the lists given, that are missing. Does
+# nothing when none is.
 set -eu
 cd "$(dirname "$0")/.."
+[ $# -gt 0 ] || set -- debian-packages.txt
 
 missing=""
-for package in $(grep -v '^#' debian-packages.txt); do
+for package in $(grep -hv '^#' "$@"); do
   status=$(dpkg-query -W -f '${Status}' "$package" 2>/dev/null || true)
   [ "$status" = "install ok installed" ] || missing="$missing $package"
 done

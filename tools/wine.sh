@@ -1,0 +1,28 @@
+#!/bin/sh
+# Runs what was built for Windows, under a wine of its own in build/wine: no display, no menus, nothing outside.
+#   tools/wine.sh PROGRAM.exe [ARGUMENT...]
+#   tools/wine.sh --start     makes that wine when there is none, and keeps its server for faster starts
+#   tools/wine.sh --stop      ends everything that runs in it
+set -eu
+WINEPREFIX=$(cd "$(dirname "$0")/.." && pwd)/build/wine
+export WINEPREFIX WINEDEBUG=-all WINEDLLOVERRIDES="winemenubuilder.exe,mscoree,mshtml="
+unset DISPLAY WAYLAND_DISPLAY
+# Debian keeps the loader and the server beside wine's libraries.
+wine=/usr/lib/wine
+
+case "${1:-}" in
+  --start)
+    mkdir -p "$WINEPREFIX"
+    "$wine/wineserver64" -p
+    # Its services stay while the server does. They keep the output of who starts them open, so it is not a test's.
+    "$wine/wine64" wineboot --init </dev/null >/dev/null 2>&1
+    ;;
+  --stop)
+    # It fails when nothing is running.
+    "$wine/wineserver64" -k || true
+    "$wine/wineserver64" -w
+    ;;
+  *)
+    exec "$wine/wine64" "$@"
+    ;;
+esac
