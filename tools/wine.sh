@@ -5,7 +5,9 @@
 #   tools/wine.sh --stop      ends everything that runs in it
 set -eu
 WINEPREFIX=$(cd "$(dirname "$0")/.." && pwd)/build/wine
-export WINEPREFIX WINEDEBUG=-all WINEDLLOVERRIDES="winemenubuilder.exe,mscoree,mshtml="
+# Its folders of documents and pictures lead to the home.
+HOME=$WINEPREFIX
+export HOME WINEPREFIX WINEDEBUG=-all WINEDLLOVERRIDES="winemenubuilder.exe,mscoree,mshtml="
 unset DISPLAY WAYLAND_DISPLAY
 # Debian keeps the loader and the server beside wine's libraries.
 wine=/usr/lib/wine
@@ -15,7 +17,10 @@ case "${1:-}" in
     mkdir -p "$WINEPREFIX"
     "$wine/wineserver64" -p
     # Its services stay while the server does. They keep the output of who starts them open, so it is not a test's.
-    "$wine/wine64" wineboot --init </dev/null >/dev/null 2>&1
+    "$wine/wine64" wineboot --init </dev/null >/dev/null 2>&1 || {
+      echo "tools/wine.sh: wine cannot start in $WINEPREFIX" >&2
+      exit 1
+    }
     ;;
   --stop)
     # It fails when nothing is running.
