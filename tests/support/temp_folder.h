@@ -15,11 +15,20 @@
 
 namespace quillbox {
 
+/// A name in UTF-8 as a path and back, whatever the host takes narrow names for.
+inline std::filesystem::path PathOf(std::string_view name) {
+  return std::u8string(name.begin(), name.end());
+}
+inline std::string NameOf(const std::filesystem::path& path) {
+  const std::u8string name = path.u8string();
+  return {name.begin(), name.end()};
+}
+
 /// The names in a folder, sorted.
 inline std::vector<std::string> Names(const std::filesystem::path& folder) {
   std::vector<std::string> names;
   for (const auto& entry : std::filesystem::directory_iterator(folder))
-    names.push_back(entry.path().filename().string());
+    names.push_back(NameOf(entry.path().filename()));
   std::sort(names.begin(), names.end());
   return names;
 }
@@ -46,23 +55,23 @@ class TempFolder {
   TempFolder& operator=(const TempFolder&) = delete;
 
   const std::filesystem::path& Path() const { return path_; }
-  std::filesystem::path operator/(std::string_view relative) const { return path_ / relative; }
+  std::filesystem::path operator/(std::string_view relative) const { return path_ / PathOf(relative); }
 
   /// Makes a folder and those above it.
   std::filesystem::path Folder(std::string_view relative) const {
-    std::filesystem::create_directories(path_ / relative);
-    return path_ / relative;
+    std::filesystem::create_directories(*this / relative);
+    return *this / relative;
   }
   /// Makes or replaces a file, its folders included.
   std::filesystem::path File(std::string_view relative, std::string_view content = {}) const {
-    std::filesystem::path file = path_ / relative;
+    std::filesystem::path file = *this / relative;
     std::filesystem::create_directories(file.parent_path());
     std::ofstream(file, std::ios::binary) << content;
     return file;
   }
   /// A file's bytes; empty when there is none.
   std::string Read(std::string_view relative) const {
-    std::ifstream in(path_ / relative, std::ios::binary);
+    std::ifstream in(*this / relative, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
   }
 
