@@ -1,0 +1,13 @@
+// Names of files in the making.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace quillbox {
+
+/// ".quillbox-" and six random letters.
+std::string RandomTemporaryName();
+bool IsTemporaryName(std::string_view name);
+
+}  // namespace quillbox
