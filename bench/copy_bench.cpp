@@ -83,8 +83,8 @@ void Prepare(const fs::path& folder, std::string_view targetName) {
   fs::create_directories(target);
   sync();
   for (int number = 0; number < kFiles; ++number) {
-    const HostFd fd(open((folder / "in" / NameOf(number)).c_str(), O_RDONLY | O_CLOEXEC));
-    posix_fadvise(fd.Get(), 0, 0, POSIX_FADV_DONTNEED);
+    const HostHandle file(open((folder / "in" / NameOf(number)).c_str(), O_RDONLY | O_CLOEXEC));
+    posix_fadvise(static_cast<int>(file.Number()), 0, 0, POSIX_FADV_DONTNEED);
   }
 }
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "harness.h"
-#include "platform/offline/windows_names.h"
+#include "host/host_names.h"
 #include "text/code_page.h"
 #include "text/registry_path.h"
 #include "text/win_path.h"

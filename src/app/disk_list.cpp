@@ -1,13 +1,12 @@
 #include "app/disk_list.h"
 
 #include <charconv>
-#include <fstream>
 #include <string>
 #include <string_view>
 #include <variant>
 
+#include "host/state_folder.h"
 #include "platform/offline/hive_storage.h"
-#include "platform/offline/state_folder.h"
 #include "text/error.h"
 
 namespace quillbox {
@@ -20,7 +19,7 @@ constexpr std::size_t kMaxDisks = 20;
 constexpr const char* kDoing = "remembering the disk";
 
 void ReadLine(std::string_view name, const std::string& value, std::vector<KnownDisk>& disks) {
-  if (name == "folder") disks.push_back({.disk = {.folder = value, .profile = {}, .drives = {}}});
+  if (name == "folder") disks.push_back({.disk = {.folder = HostPath(value), .profile = {}, .drives = {}}});
   if (disks.empty()) return;
   KnownDisk& known = disks.back();
   if (name == "profile") known.disk.profile = value;
@@ -28,42 +27,41 @@ void ReadLine(std::string_view name, const std::string& value, std::vector<Known
   if (name == "drive") {
     const auto drive = ParseDriveOption(value);
     if (const auto* option = std::get_if<DriveOption>(&drive))
-      known.disk.drives.emplace(option->letter, option->folder);
+      known.disk.drives.emplace(option->letter, HostPath(option->folder));
   }
 }
 
 std::string Lines(const KnownDisk& known) {
   const DiskChoice& disk = known.disk;
-  std::string lines = "folder=" + StateLine(disk.folder.string()) + "\nprofile=" + StateLine(disk.profile) +
+  std::string lines = "folder=" + StateLine(disk.folder.Text()) + "\nprofile=" + StateLine(disk.profile) +
                       "\nopened=" + std::to_string(known.opened) + "\n";
   for (const auto& [letter, folder] : disk.drives) {
-    lines += std::string("drive=") + letter + "=" + StateLine(folder.string()) + "\n";
+    lines += std::string("drive=") + letter + "=" + StateLine(folder.Text()) + "\n";
   }
   return lines;
 }
 
 }  // namespace
 
-std::vector<KnownDisk> LoadDisks(const std::filesystem::path& stateFolder) {
+std::vector<KnownDisk> LoadDisks(const HostPath& stateFolder) {
   std::vector<KnownDisk> disks;
-  std::ifstream file(stateFolder / kFile);
-  for (std::string line; std::getline(file, line);) {
+  for (const std::string& line : ReadStateFile(stateFolder / kFile)) {
     const std::size_t equals = line.find('=');
     if (equals == std::string::npos) continue;
     ReadLine(std::string_view(line).substr(0, equals), FromStateLine(std::string_view(line).substr(equals + 1)), disks);
   }
-  std::erase_if(disks, [](const KnownDisk& known) { return known.disk.folder.empty(); });
+  std::erase_if(disks, [](const KnownDisk& known) { return known.disk.folder.Empty(); });
   return disks;
 }
 
-void RememberDisk(const std::filesystem::path& stateFolder, const KnownDisk& disk) {
+void RememberDisk(const HostPath& stateFolder, const KnownDisk& disk) {
   std::string text = Lines(disk);
   std::size_t count = 1;
   for (const KnownDisk& other : LoadDisks(stateFolder)) {
     if (other.disk.folder == disk.disk.folder && other.disk.profile == disk.disk.profile) continue;
     if (++count <= kMaxDisks) text += Lines(other);
   }
-  if (const auto fault = StateFolderFault(stateFolder)) throw Error(kDoing, {stateFolder.string(), {}, {}}, *fault);
+  if (const auto fault = StateFolderFault(stateFolder)) throw Error(kDoing, {stateFolder.Text(), {}, {}}, *fault);
   const HostPlace file = HostPlace::Anywhere(stateFolder / kFile);
   ReplaceHostFile(file, ByteView(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()), kDoing, file);
 }

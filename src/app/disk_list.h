@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <vector>
 
 #include "app/options.h"
@@ -16,9 +15,9 @@ struct KnownDisk {
 };
 
 /// The last one first. Lines that are not understood are left out.
-std::vector<KnownDisk> LoadDisks(const std::filesystem::path& stateFolder);
+std::vector<KnownDisk> LoadDisks(const HostPath& stateFolder);
 /// Puts a disk on top of the list, in place of an earlier entry for that folder and profile. Throws Error; a failure is
 /// not a reason to stop.
-void RememberDisk(const std::filesystem::path& stateFolder, const KnownDisk& disk);
+void RememberDisk(const HostPath& stateFolder, const KnownDisk& disk);
 
 }  // namespace quillbox

@@ -2,7 +2,6 @@
 #include <cstdio>
 #include <ctime>
 #include <exception>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -11,9 +10,9 @@
 #include "app/no_display.h"
 #include "app/options.h"
 #include "app/start_window.h"
+#include "host/state_folder.h"
 #include "platform/offline/log.h"
 #include "platform/offline/offline_platform.h"
-#include "platform/offline/state_folder.h"
 #include "text/error.h"
 #include "ui/forms/program_windows.h"
 #include "ui/wx/wx_app.h"
@@ -31,7 +30,7 @@ class Application {
 
   /// Opens the disk that was named, or asks.
   void Start(bool choose) {
-    if (choose || disk_.folder.empty() || IsForSeveral(disk_)) return ShowStartWindow();
+    if (choose || disk_.folder.Empty() || IsForSeveral(disk_)) return ShowStartWindow();
     try {
       OpenDisk(disk_);
     } catch (const Error& error) {
@@ -57,7 +56,7 @@ class Application {
     start_->onOpen = [this](const DiskChoice& choice) { OpenDisk(choice); };
     start_->onSearch = [this](const DiskChoice& choice) { SearchDisk(choice); };
     start_->onClosed = [this] { system_.Quit(); };
-    if (!disk_.folder.empty()) start_->Look(disk_);
+    if (!disk_.folder.Empty()) start_->Look(disk_);
     start_->Show();
     system_.Attach(*start_);
   }
@@ -83,7 +82,7 @@ class Application {
     offline.profile = disk.profile;
     offline.drives = disk.drives;
     offline.registry = registry;
-    offline.driveNamed = [this](char letter, const std::filesystem::path& folder) {
+    offline.driveNamed = [this](char letter, const HostPath& folder) {
       disk_.drives[letter] = folder;
       Remember();
     };

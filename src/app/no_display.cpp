@@ -18,9 +18,9 @@ constexpr const char* kWhatToDo =
 std::string TextWithoutDisplay(const DiskChoice& disk) {
   std::string text;
   try {
-    if (!disk.folder.empty()) {
+    if (!disk.folder.Empty()) {
       const WindowsDisk found = FindWindowsDisk(disk.folder, disk.drives);
-      text = "The profiles on " + OneLine(found.folder.string()) + ":\n";
+      text = "The profiles on " + OneLine(found.folder.Text()) + ":\n";
       for (const ProfileFolder& profile : found.profiles) text += "  " + OneLine(ProfileLine(profile)) + "\n";
     }
   } catch (const Error& error) {

@@ -1,17 +1,15 @@
 #include "app/options.h"
 
+#include "host/host_paths.h"
+
 namespace quillbox {
 namespace {
-
-std::filesystem::path Absolute(const std::string& path) {
-  return std::filesystem::absolute(path).lexically_normal();
-}
 
 std::optional<CommandFault> AddDrive(Options& options, const std::string& value) {
   const auto parsed = ParseDriveOption(value);
   if (const auto* fault = std::get_if<CommandFault>(&parsed)) return *fault;
   const auto& drive = std::get<DriveOption>(parsed);
-  options.disk.drives[drive.letter] = Absolute(drive.folder);
+  options.disk.drives[drive.letter] = Absolute(HostPath(drive.folder));
   return std::nullopt;
 }
 
@@ -45,10 +43,10 @@ std::variant<Options, CommandFault> ParseOptions(const std::vector<std::string>&
     const std::string& argument = arguments[at];
     if (argument.starts_with("-")) {
       if (auto fault = ApplyOption(kOptions, options, arguments, at)) return *std::move(fault);
-    } else if (!options.disk.folder.empty()) {
+    } else if (!options.disk.folder.Empty()) {
       return CommandFault{"one folder is drive C:; \"" + argument + "\" is a second one"};
     } else {
-      options.disk.folder = Absolute(argument);
+      options.disk.folder = Absolute(HostPath(argument));
     }
   }
   return options;

@@ -1,21 +1,21 @@
 // The command line of the program.
 #pragma once
 
-#include <filesystem>
 #include <map>
 #include <string>
 #include <variant>
 #include <vector>
 
+#include "host/host_path.h"
 #include "text/command_options.h"
 
 namespace quillbox {
 
 /// Which disk and profile to open.
 struct DiskChoice {
-  std::filesystem::path folder;                  ///< C:\ on the host; empty: none named
-  std::string profile;                           ///< empty: the only one
-  std::map<char, std::filesystem::path> drives;  ///< further drives by upper-case letter
+  HostPath folder;                  ///< C:\ on the host; empty: none named
+  std::string profile;              ///< empty: the only one
+  std::map<char, HostPath> drives;  ///< further drives by upper-case letter
 
   bool operator==(const DiskChoice&) const = default;
 };

@@ -1,11 +1,11 @@
 // The registry editor as a program: opens a disk, carries out one command on it, and ends.
 #include <exception>
-#include <filesystem>
 #include <iostream>
 #include <string>
 #include <vector>
 
 #include "app/console_dialogs.h"
+#include "host/host_paths.h"
 #include "platform/offline/offline_platform.h"
 #include "regedit/run.h"
 
@@ -15,18 +15,18 @@ namespace {
 // The program that starts the editor hands it the disk's lock, and has asked the person itself.
 Salvage SalvageOf(const RegeditDisk& disk) {
   if (!disk.salvage) return Salvage::Ask;
-  return disk.lockFds.empty() ? Salvage::Agreed : Salvage::AgreedBefore;
+  return disk.locks.empty() ? Salvage::Agreed : Salvage::AgreedBefore;
 }
 
 // An export leaves the registry alone, so it also works while another program has the disk.
 OfflineOptions DiskOptions(const RegeditRequest& request) {
   OfflineOptions options;
-  options.folder = request.disk.folder;
+  options.folder = HostPath(request.disk.folder);
   options.profile = request.disk.profile;
-  options.drives = {request.disk.drives.begin(), request.disk.drives.end()};
-  options.lockFds = request.disk.lockFds;
+  for (const auto& [letter, folder] : request.disk.drives) options.drives.emplace(letter, folder);
+  options.locks = request.disk.locks;
   options.currentDirectory = request.disk.directory;
-  options.stateFolder = request.disk.stateFolder;
+  options.stateFolder = HostPath(request.disk.stateFolder);
   options.readOnly = request.command.action == RegeditAction::Export;
   options.salvage = SalvageOf(request.disk);
   return options;
@@ -41,8 +41,8 @@ RegeditExit Run(const std::vector<std::string>& arguments) {
   ConsoleDialogs dialogs;
   OfflinePlatform platform(DiskOptions(request), dialogs);
   const std::string& given = request.command.file;
-  const WinPath file = request.command.isHostFile ? platform.GetDrives().WindowsPathOf(std::filesystem::absolute(given))
-                                                  : WinPath(given);
+  const WinPath file =
+      request.command.isHostFile ? platform.GetDrives().WindowsPathOf(Absolute(HostPath(given))) : WinPath(given);
   return RunRegedit(platform, request.command, file, std::cout, std::cerr);
 }
 

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <ctime>
-#include <system_error>
+#include <optional>
 
+#include "host/host_names.h"
+#include "host/host_paths.h"
+#include "host/state_folder.h"
 #include "platform/offline/disk_image.h"
 #include "platform/offline/hive_consent.h"
-#include "platform/offline/state_folder.h"
 #include "sample/sample_disk.h"
 #include "text/command_options.h"
 #include "text/error.h"
@@ -15,8 +17,6 @@
 #include "text/unicode.h"
 
 namespace quillbox {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -26,27 +26,22 @@ constexpr const char* kWelcome =
 constexpr const char* kFoundOnIt = "Profiles found on it";
 constexpr const char* kSampleFolder = "quillbox-sample";
 
-bool IsThere(const fs::path& folder) {
-  std::error_code code;
-  return fs::is_directory(folder, code);
-}
-
 std::string DiskLine(const KnownDisk& known) {
-  std::string line = known.disk.profile + " — " + known.disk.folder.string();
+  std::string line = known.disk.profile + " — " + known.disk.folder.Text();
   const std::optional<std::tm> local = LocalTime(known.opened);
   std::array<char, 20> when = {};
   if (known.opened != 0 && local && std::strftime(when.data(), when.size(), "%Y-%m-%d %H:%M", &*local) > 0) {
     line += std::string(" — ") + when.data();
   }
-  return IsThere(known.disk.folder) ? line : line + " (not there now)";
+  return IsFolder(known.disk.folder) ? line : line + " (not there now)";
 }
 
 /// A folder as it is typed: "~" is the home.
-fs::path TypedFolder(const std::string& text) {
+HostPath TypedFolder(const std::string& text) {
   const std::string folder(Trim(text));
   if (folder.empty()) return {};
-  if (folder == "~" || folder.starts_with("~/")) return fs::path(HomeFolder().string() + folder.substr(1));
-  return fs::absolute(folder).lexically_normal();
+  if (folder == "~" || folder.starts_with("~/")) return HomeFolder().Join(HostPath(folder.substr(1)));
+  return Absolute(HostPath(folder));
 }
 
 std::string Sentence(std::string clause) {
@@ -76,20 +71,19 @@ std::string ProfileLine(const ProfileFolder& profile) {
   return line;
 }
 
-fs::path HostOnlyPaths::HostPath(const WinPath& path) const {
-  std::string text = path.Text();
-  if (path.Drive() != 0) text.erase(0, 2);
-  std::replace(text.begin(), text.end(), '\\', '/');
-  return text;
+HostPath HostOnlyPaths::HostPathOf(const WinPath& path) const {
+  HostPath host = HostPath::Root();
+  for (const std::string_view name : path.Names()) host = host.Join(HostName(name));
+  return host;
 }
 
-WinPath HostOnlyPaths::WindowsPathOf(const fs::path& path) const {
-  std::string text = path.string();
-  std::replace(text.begin(), text.end(), '/', '\\');
-  return WinPath("Z:" + text);
+WinPath HostOnlyPaths::WindowsPathOf(const HostPath& path) const {
+  WinPath seen("Z:\\");
+  for (const std::string& name : path.Names()) seen = seen.Join(WindowsName(name));
+  return seen;
 }
 
-StartWindow::StartWindow(HandlerGuard& guard, Dialogs& dialogs, const fs::path& stateFolder)
+StartWindow::StartWindow(HandlerGuard& guard, Dialogs& dialogs, const HostPath& stateFolder)
     : Form(guard, "StartWindow", "Quillbox - Open a Windows disk"),
       lblWelcome(*this, "lblWelcome", kWelcome),
       lblState(*this, "lblState"),
@@ -180,13 +174,13 @@ void StartWindow::ListDisks() {
   lstDisks.items = std::move(lines);
   lblDisks.visible = !disks_.empty();
   lstDisks.visible = !disks_.empty();
-  if (disks_.empty() || !IsThere(disks_.front().disk.folder)) return;
+  if (disks_.empty() || !IsFolder(disks_.front().disk.folder)) return;
   Look(disks_.front().disk);
 }
 
 void StartWindow::ShowFolder(const DiskChoice& disk) {
   choice_ = disk;
-  txtFolder.text = disk.folder.string();
+  txtFolder.text = disk.folder.Text();
   looked_ = txtFolder.text;
   const auto known = std::find_if(disks_.begin(), disks_.end(), [&](const KnownDisk& other) {
     return other.disk.folder == disk.folder && other.disk.profile == disk.profile;
@@ -199,7 +193,7 @@ void StartWindow::ShowFolder(const DiskChoice& disk) {
 
 void StartWindow::Look(const DiskChoice& disk) {
   ShowFolder(disk);
-  cmdSearch.enabled = IsThere(disk.folder);
+  cmdSearch.enabled = IsFolder(disk.folder);
   isOffer_ = false;
   lblProfiles.caption = kFoundOnIt;
   try {
@@ -219,7 +213,7 @@ void StartWindow::ShowWhyNot(const std::string& why) {
   }
   const std::vector<WindowsDisk> near = FindDisksNear(choice_.folder);
   isOffer_ = !near.empty();
-  if (near.size() == 1) lblProfiles.caption = "Open " + near.front().folder.string() + "?";
+  if (near.size() == 1) lblProfiles.caption = "Open " + near.front().folder.Text() + "?";
   if (near.size() > 1) lblProfiles.caption = "Open one of these?";
   ShowFault(isOffer_ ? "This folder is not a Windows disk itself." : Sentence(why));
   ShowFound(near);
@@ -234,7 +228,7 @@ void StartWindow::ShowFound(const std::vector<WindowsDisk>& disks) {
     for (const ProfileFolder& profile : disk.profiles) {
       if (EqualIgnoreCase(profile.name, choice_.profile)) selected = found_.size();
       found_.push_back({isOffer_ ? disk.folder : choice_.folder, profile.name});
-      lines.push_back((disks.size() > 1 ? disk.folder.string() + ": " : "") + ProfileLine(profile));
+      lines.push_back((disks.size() > 1 ? disk.folder.Text() + ": " : "") + ProfileLine(profile));
     }
   }
   lstProfiles.items = std::move(lines);
@@ -252,7 +246,7 @@ void StartWindow::ShowFault(const std::string& fault) {
 void StartWindow::ShowDrives() {
   std::string drives;
   for (const auto& [letter, folder] : choice_.drives) {
-    drives += (drives.empty() ? ": " : ", ") + std::string(1, letter) + ": " + folder.string();
+    drives += (drives.empty() ? ": " : ", ") + std::string(1, letter) + ": " + folder.Text();
   }
   lblDrives.caption = "Further drives of that Windows" + drives;
   char free = 'D';
@@ -265,14 +259,14 @@ void StartWindow::ShowDrives() {
 void StartWindow::cmbLetter_Click() {
   const auto known = choice_.drives.find(cmbLetter.text->front());
   cmdRemoveDrive.enabled = known != choice_.drives.end();
-  txtDrive.text = known != choice_.drives.end() ? known->second.string() : std::string();
+  txtDrive.text = known != choice_.drives.end() ? known->second.Text() : std::string();
 }
 
 /// The drives belong to the disk that was looked at.
 void StartWindow::LookAtText() {
-  const fs::path folder = TypedFolder(txtFolder.text);
+  const HostPath folder = TypedFolder(txtFolder.text);
   DiskChoice disk{.folder = folder, .profile = {}, .drives = {}};
-  if (choice_.folder.empty() || choice_.folder == folder) disk.drives = choice_.drives;
+  if (choice_.folder.Empty() || choice_.folder == folder) disk.drives = choice_.drives;
   Look(disk);
 }
 
@@ -293,17 +287,17 @@ void StartWindow::lstDisks_Click() {
 
 void StartWindow::cmdChoose_Click() {
   FolderDialog dialog{.title = "Choose the folder that is drive C:"};
-  if (IsThere(TypedFolder(txtFolder.text))) dialog.folder = paths_.WindowsPathOf(TypedFolder(txtFolder.text));
+  if (IsFolder(TypedFolder(txtFolder.text))) dialog.folder = paths_.WindowsPathOf(TypedFolder(txtFolder.text));
   const auto chosen = dialogs_.BrowseForFolder(dialog);
   if (!chosen) return;
-  txtFolder.text = paths_.HostPath(*chosen).string();
+  txtFolder.text = paths_.HostPathOf(*chosen).Text();
   LookAtText();
 }
 
 void StartWindow::cmdChooseDrive_Click() {
   const auto chosen = dialogs_.BrowseForFolder({.title = "Choose the folder that is drive " + cmbLetter.text.Get()});
   if (!chosen) return;
-  txtDrive.text = paths_.HostPath(*chosen).string();
+  txtDrive.text = paths_.HostPathOf(*chosen).Text();
   cmdAddDrive_Click();
 }
 
@@ -314,8 +308,8 @@ void StartWindow::cmdAddDrive_Click() {
 
 /// Adds the drive that is typed; false with a message when it cannot be one.
 bool StartWindow::AddDrive() {
-  const fs::path folder = TypedFolder(txtDrive.text);
-  if (folder.empty() || !IsThere(folder) || folder == "/") {
+  const HostPath folder = TypedFolder(txtDrive.text);
+  if (folder.Empty() || !IsFolder(folder) || folder.IsRoot()) {
     ShowFault("Drive " + cmbLetter.text.Get() + " needs a folder of this computer that is there, other than its root.");
     return false;
   }
@@ -360,7 +354,7 @@ void StartWindow::cmdOpen_Click() {
 void StartWindow::cmdSearch_Click() {
   if (HasTypedDrive() && !AddDrive()) return;
   if (looked_ != txtFolder.text.Get()) LookAtText();
-  if (!IsThere(choice_.folder)) return;
+  if (!IsFolder(choice_.folder)) return;
   Leave(onSearch, {.folder = choice_.folder, .profile = {}, .drives = choice_.drives});
 }
 
@@ -368,7 +362,7 @@ void StartWindow::cmdSample_Click() {
   const auto chosen = dialogs_.BrowseForFolder({.title = "Choose where to make the sample disk"});
   if (!chosen) return;
   try {
-    const SampleDisk sample = MakeSampleDisk(paths_.HostPath(*chosen) / kSampleFolder, {});
+    const SampleDisk sample = MakeSampleDisk(NativePath(paths_.HostPathOf(*chosen) / kSampleFolder), {});
     Look({.folder = sample.driveC, .profile = sample.profile, .drives = {{'D', sample.driveD}}});
   } catch (const Error& error) {
     ShowFault(Describe(error));

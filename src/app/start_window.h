@@ -3,7 +3,6 @@
 // sample disk can be made to try.
 #pragma once
 
-#include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
@@ -21,8 +20,8 @@ namespace quillbox {
 /// Before a disk is open all paths are the host's own, seen as drive Z:.
 class HostOnlyPaths : public HostPaths {
  public:
-  std::filesystem::path HostPath(const WinPath& path) const override;
-  WinPath WindowsPathOf(const std::filesystem::path& path) const override;
+  HostPath HostPathOf(const WinPath& path) const override;
+  WinPath WindowsPathOf(const HostPath& path) const override;
 };
 
 /// A profile and what its registry says: "Ann Miller — 3 identities".
@@ -31,7 +30,7 @@ std::string ProfileLine(const ProfileFolder& profile);
 class StartWindow : public Form {
  public:
   /// The list of the last disks is in `stateFolder`.
-  StartWindow(HandlerGuard& guard, Dialogs& dialogs, const std::filesystem::path& stateFolder);
+  StartWindow(HandlerGuard& guard, Dialogs& dialogs, const HostPath& stateFolder);
 
   // In tab order.
   Label lblWelcome;
@@ -73,7 +72,7 @@ class StartWindow : public Form {
  private:
   /// A line of the list of profiles.
   struct Found {
-    std::filesystem::path folder;
+    HostPath folder;
     std::string profile;
   };
 

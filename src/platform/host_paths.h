@@ -2,8 +2,7 @@
 // programs needs it; everything else works on WinPaths.
 #pragma once
 
-#include <filesystem>
-
+#include "host/host_path.h"
 #include "text/win_path.h"
 
 namespace quillbox {
@@ -12,9 +11,9 @@ class HostPaths {
  public:
   virtual ~HostPaths() = default;
   /// The host's path of `path`, whether or not anything is there; empty when its drive is not there.
-  virtual std::filesystem::path HostPath(const WinPath& path) const = 0;
+  virtual HostPath HostPathOf(const WinPath& path) const = 0;
   /// The Windows path under which the host's absolute `path` is seen; empty when no drive shows it.
-  virtual WinPath WindowsPathOf(const std::filesystem::path& path) const = 0;
+  virtual WinPath WindowsPathOf(const HostPath& path) const = 0;
 };
 
 }  // namespace quillbox

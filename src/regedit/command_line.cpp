@@ -133,12 +133,12 @@ std::optional<CommandFault> AddDrive(HandOptions& options, const std::string& va
 }
 
 std::optional<CommandFault> AddLock(HandOptions& options, const std::string& value) {
-  int number = -1;
+  std::intptr_t number = -1;
   const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number);
   if (error != std::errc() || end != value.data() + value.size() || number < 0) {
-    return CommandFault{"--lock-fd needs a number, not \"" + value + "\""};
+    return CommandFault{"--lock needs a number, not \"" + value + "\""};
   }
-  options.disk.lockFds.push_back(number);
+  options.disk.locks.push_back(number);
   return std::nullopt;
 }
 
@@ -158,7 +158,7 @@ constexpr CommandOption<HandOptions> kOptions[] = {
     {"--state-folder", true, SetText<&RegeditDisk::stateFolder>},
     {"--directory", true, SetDirectory},
     {"--drive", true, AddDrive},
-    {"--lock-fd", true, AddLock},
+    {"--lock", true, AddLock},
     {"--salvage", false, SetSalvage},
     {"--command-line", true, SetCommandLine},
 };

@@ -31,10 +31,10 @@ struct RegeditDisk {
   std::string folder;
   std::string profile;                 ///< empty: the disk has only one
   std::map<char, std::string> drives;  ///< further drives by upper-case letter
-  std::vector<int> lockFds;            ///< open descriptors that hold the disk's locks, inherited from the program
-  WinPath directory;                   ///< current directory; empty: the platform's choice
-  std::string stateFolder;             ///< where the program keeps private copies; empty: the user's own
-  bool salvage = false;                ///< open damaged hives, and those whose logs cannot be used, without a question
+  std::vector<std::intptr_t> locks;  ///< open things of the host that hold the disk's locks, inherited from the program
+  WinPath directory;                 ///< current directory; empty: the platform's choice
+  std::string stateFolder;           ///< where the program keeps private copies; empty: the user's own
+  bool salvage = false;              ///< open damaged hives, and those whose logs cannot be used, without a question
 };
 
 struct RegeditRequest {

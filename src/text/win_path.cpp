@@ -101,6 +101,17 @@ std::string WinPath::Name() const {
   return HasDrive(text_) ? text_.substr(2) : text_;
 }
 
+std::vector<std::string_view> WinPath::Names() const {
+  std::vector<std::string_view> names;
+  std::string_view rest = std::string_view(text_).substr(Drive() != 0 ? 2 : 0);
+  while (!rest.empty()) {
+    const std::size_t end = std::min(rest.find_first_of("\\/"), rest.size());
+    if (end > 0) names.push_back(rest.substr(0, end));
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+  }
+  return names;
+}
+
 WinPath Resolve(const WinPath& path, const WinPath& directory) {
   const std::string text = WithBackslashesOnly(path.Text());
   const std::string base = WithBackslashesOnly(directory.Text());

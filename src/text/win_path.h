@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quillbox {
 
@@ -28,6 +29,8 @@ class WinPath {
   WinPath Parent() const;
   /// The text after the last backslash or drive colon.
   std::string Name() const;
+  /// The names between the separators, the drive left out. They live as long as the path.
+  std::vector<std::string_view> Names() const;
 
   auto operator<=>(const WinPath&) const = default;
 

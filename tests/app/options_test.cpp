@@ -12,7 +12,7 @@ TEST(Options, SayWhichDiskToOpen) {
   const auto options =
       std::get<Options>(ParseOptions({"/mnt/xp", "--profile", "Ann Miller", "--drive", "d=/mnt/data"}));
   EXPECT_EQ(options.end, OptionsEnd::Run);
-  EXPECT_EQ(options.disk, (DiskChoice{"/mnt/xp", "Ann Miller", {{'D', "/mnt/data"}}}));
+  EXPECT_EQ(options.disk, (DiskChoice{HostPath("/mnt/xp"), "Ann Miller", {{'D', HostPath("/mnt/data")}}}));
   EXPECT_EQ(std::get<Options>(ParseOptions({"--choose", "--help", "--profil"})).end, OptionsEnd::Help);
 }
 
@@ -35,18 +35,19 @@ TEST(DiskList, HasTheDiskOpenedLastOnTop) {
   const TempFolder temp;
   const std::filesystem::path state = temp / "state";
   EXPECT_TRUE(LoadDisks(state).empty());
-  const KnownDisk first{{"/mnt/x = y\nfolder=/etc", "100%25 Büro", {{'D', "/mnt/d"}, {'E', "/mnt/e"}}}, 1};
-  const KnownDisk second{{"/mnt/z", "Ann", {}}, 2};
+  const KnownDisk first{
+      {HostPath("/mnt/x = y\nfolder=/etc"), "100%25 Büro", {{'D', HostPath("/mnt/d")}, {'E', HostPath("/mnt/e")}}}, 1};
+  const KnownDisk second{{HostPath("/mnt/z"), "Ann", {}}, 2};
   RememberDisk(state, first);
   RememberDisk(state, second);
   EXPECT_THAT(LoadDisks(state), ElementsAre(second, first));
   const KnownDisk again{first.disk, 3};
   RememberDisk(state, again);
   EXPECT_THAT(LoadDisks(state), ElementsAre(again, second));
-  for (int i = 0; i < 30; ++i) RememberDisk(state, {{"/mnt/" + std::to_string(i), "Ann", {}}, 4});
+  for (int i = 0; i < 30; ++i) RememberDisk(state, {{HostPath("/mnt/" + std::to_string(i)), "Ann", {}}, 4});
   EXPECT_EQ(LoadDisks(state).size(), 20u);
   temp.File("state/last-disk", "folder=/mnt/xp\nprofile=Ann\n");
-  EXPECT_THAT(LoadDisks(state), ElementsAre(KnownDisk{{"/mnt/xp", "Ann", {}}, 0})) << "of the first version";
+  EXPECT_THAT(LoadDisks(state), ElementsAre(KnownDisk{{HostPath("/mnt/xp"), "Ann", {}}, 0})) << "of the first version";
   temp.File("file");
   EXPECT_THROW(RememberDisk(temp / "file/state", first), Error);
 }

@@ -1,11 +1,7 @@
 #include "backup/file_search.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include "backup/drives.h"
-#include "platform/offline/host_file.h"
+#include "host/host_folder.h"
 #include "platform/offline/offline_files.h"
 #include "support/matchers.h"
 #include "support/ordinary_user.h"
@@ -99,14 +95,13 @@ TEST_F(FileSearchTest, NamesThatAreNoTextAreFoundAndCanBeOpened) {
 /// to come back to on every level.
 TEST_F(FileSearchTest, DepthHasNoLimit) {
   constexpr int kDepth = 1500;
-  HostFd folder(open(c.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  const HostFolder outside = HostFolder::Open(HostPath(temp.File("a.dbx").parent_path()));
+  HostFolder folder = HostFolder::Open(HostPath(c));
   for (int i = 0; i < kDepth; ++i) {
-    for (const char* name : {"deeper", "aside"}) ASSERT_EQ(mkdirat(folder.Get(), name, 0777), 0);
-    for (const char* name : {"a.dbx", "aside/b.dbx"}) {
-      ASSERT_GE(HostFd(openat(folder.Get(), name, O_CREAT | O_WRONLY | O_CLOEXEC, 0666)).Get(), 0);
-    }
-    folder = HostFd(openat(folder.Get(), "deeper", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    ASSERT_GE(folder.Get(), 0);
+    for (const char* name : {"deeper", "aside"}) ASSERT_FALSE(folder.MakeFolder(name));
+    ASSERT_FALSE(outside.Link("a.dbx", folder, "a.dbx"));
+    ASSERT_FALSE(outside.Link("a.dbx", folder.OpenFolder("aside"), "b.dbx"));
+    folder = folder.OpenFolder("deeper");
   }
   EXPECT_EQ(Search("C:\\", "*.dbx").size(), 2U * kDepth);
   EXPECT_THAT(report.unread, IsEmpty());

@@ -48,7 +48,7 @@ int Run(const std::filesystem::path& folder, const std::filesystem::path& state,
                             .profile = "Ann Miller",
                             .drives = {{'D', folder / "D"}},
                             .stateFolder = state,
-                            .registryEditor = QUILLBOX_BIN_DIR "/regedit"},
+                            .registryEditor = HostPath(QUILLBOX_BIN_DIR "/regedit")},
                            dialogs);
   for (const std::string& warning : platform.Warnings()) Print("message", warning);
   ProgramWindows windows(platform);

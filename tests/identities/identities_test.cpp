@@ -149,7 +149,7 @@ TEST_F(ManageIdentitiesTest, ANewIdentityHasItsValuesAndFolder) {
   }
   EXPECT_FALSE(ReadStoreFolder(Store(), platform->GetSystemFacts(), userId));
   const WinPath folder(DefaultStoreFolder(Store(), *platform, userId));
-  EXPECT_TRUE(std::filesystem::is_empty(platform->GetDrives().HostPath(folder)));
+  EXPECT_TRUE(std::filesystem::is_empty(NativePath(platform->GetDrives().HostPathOf(folder))));
 
   Key identities = Store().CreateKey(CurrentUser(kIdentitiesKey));
   platform->GetRegistry().DeleteValue(identities, "Identity Ordinal");

@@ -70,7 +70,7 @@ TEST(RegeditCommandLine, TakesHostArgumentsApart) {
       {{"--disk", "c", "--depth", "3", "a.reg"}, "fault"},
       {{"--disk", "c", "--drive", "D", "a.reg"}, "fault"},
       {{"--disk", "c", "--drive", "Z=/mnt", "a.reg"}, "fault"},
-      {{"--disk", "c", "--lock-fd", "7x", "a.reg"}, "fault"},
+      {{"--disk", "c", "--lock", "7x", "a.reg"}, "fault"},
       {{"--disk", "c", "--command-line", "regedit /x", "a.reg"}, "fault"},
   };
   for (const auto& [arguments, told] : rows) {
@@ -79,11 +79,11 @@ TEST(RegeditCommandLine, TakesHostArgumentsApart) {
 }
 
 TEST(RegeditCommandLine, NamesTheDisk) {
-  const RegeditDisk disk = ParseArguments({"--disk", "c", "--drive", "d=/mnt/d", "--drive", "E=e", "--lock-fd", "3",
-                                           "--lock-fd", "4", "--directory", "D:\\bk", "a.reg"})
+  const RegeditDisk disk = ParseArguments({"--disk", "c", "--drive", "d=/mnt/d", "--drive", "E=e", "--lock", "3",
+                                           "--lock", "4", "--directory", "D:\\bk", "a.reg"})
                                .disk;
   EXPECT_EQ(disk.drives, (std::map<char, std::string>{{'D', "/mnt/d"}, {'E', "e"}}));
-  EXPECT_EQ(disk.lockFds, (std::vector<int>{3, 4}));
+  EXPECT_EQ(disk.locks, (std::vector<std::intptr_t>{3, 4}));
   EXPECT_EQ(disk.directory, WinPath("D:\\bk"));
 }
 
@@ -313,7 +313,7 @@ TEST_F(RegeditOnADamagedDisk, AllIsRefusedUnlessItIsToBeSalvaged) {
 TEST_F(RegeditOnADamagedDisk, TheProgramThatHasAskedHandsTheAnswerOn) {
   ScriptedDialogs dialogs;
   dialogs.messageAnswers = {MessageAnswer::Yes};
-  const std::string editor = QUILLBOX_BIN_DIR "/regedit";
+  const HostPath editor(QUILLBOX_BIN_DIR "/regedit");
   OfflinePlatform platform({.folder = folder / "c", .stateFolder = folder / "state", .registryEditor = editor},
                            dialogs);
   platform.GetRegistry().Create({RegistryRoot::CurrentUser, "Before"});

@@ -1,10 +1,7 @@
 // The calls of copies on disks with faults: places that cannot be read, disks that are full, flushes that fail.
 #pragma once
 
-#include <sys/stat.h>
-
 #include <cerrno>
-#include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
@@ -34,23 +31,20 @@ struct FaultyCopyIo : CopyIo {
     return CopyIo::Create(target);
   }
   /// A read that touches a bad place gives nothing at all, as it does below a page's size.
-  std::size_t Read(int from, std::uint64_t offset, std::span<char> buffer) override {
-    const std::string name = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(from)).filename();
-    for (const Place& place : unreadable[name]) {
+  std::size_t Read(const HostFile& from, std::uint64_t offset, std::span<char> buffer) override {
+    for (const Place& place : unreadable[from.Name()]) {
       if (offset < place.offset + place.length && place.offset < offset + buffer.size()) ThrowErrno(EIO);
     }
     return CopyIo::Read(from, offset, buffer);
   }
-  std::size_t CopyInKernel(int /*from*/, NewFile& /*to*/, FilePart /*part*/) override { return 0; }
+  std::size_t CopyInKernel(const HostFile& /*from*/, NewFile& /*to*/, FilePart /*part*/) override { return 0; }
   void Write(NewFile& to, std::string_view bytes) override {
     const int code = onWrite ? onWrite() : writeError;
     if (code != 0) ThrowErrno(code);
     CopyIo::Write(to, bytes);
   }
   void Flush(NewFile& file) override {
-    struct stat info = {};
-    if (fstat(file.Fd(), &info) != 0) ThrowErrno(errno);
-    const int code = onFlush ? onFlush(static_cast<std::uint64_t>(info.st_size)) : 0;
+    const int code = onFlush ? onFlush(file.Info().size) : 0;
     if (code != 0) ThrowErrno(code);
     CopyIo::Flush(file);
   }

@@ -87,10 +87,10 @@ class SamplePlatform : public ::testing::Test {
     options.profile = sample.profile;
     options.drives = {{'D', sample.driveD}};
     options.stateFolder = temp / "state";
-    options.driveNamed = [this](char letter, const std::filesystem::path& folder) {
-      named.push_back(std::string(1, letter) + "=" + folder.string());
+    options.driveNamed = [this](char letter, const HostPath& folder) {
+      named.push_back(std::string(1, letter) + "=" + folder.Text());
     };
-    options.registryEditor = QUILLBOX_BIN_DIR "/regedit";
+    options.registryEditor = HostPath(QUILLBOX_BIN_DIR "/regedit");
     platform = std::make_unique<RecordingPlatform>(options, dialogs);
     store = std::make_unique<RegistryStore>(*platform);
   }

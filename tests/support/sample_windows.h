@@ -35,7 +35,9 @@ class SampleWindows : public SamplePlatform {
     Store().SetKeyValue(kIdentitiesKey, "Quillbox", folder, ValueType::Sz);
   }
   std::filesystem::path BackupFolderOnHost() const { return sample.driveD / "Backup"; }
-  std::filesystem::path OnHost(const std::string& path) { return platform->GetDrives().HostPath(WinPath(path)); }
+  std::filesystem::path OnHost(const std::string& path) {
+    return NativePath(platform->GetDrives().HostPathOf(WinPath(path)));
+  }
   const std::vector<IdentityInfo>& Identities() { return windows->session.Catalogue().identities; }
   void SetUsername(const std::string& userId, const std::string& username) {
     Store().SetKeyValue(IdentityKey(userId), "Username", username, ValueType::Sz);

@@ -37,7 +37,7 @@ std::optional<CommitRecordLine> ParseLine(const std::string& text) {
 }  // namespace
 
 std::string NameInRecord(const HostPlace& disk, const HostPlace& machineFolder) {
-  return disk.Path().lexically_relative(machineFolder.Path()).string();
+  return disk.Path().RelativeTo(machineFolder.Path()).Text();
 }
 
 void WriteRecord(const HostPlace& file, const CommitRecord& record) {

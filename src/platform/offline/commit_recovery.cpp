@@ -27,7 +27,7 @@ struct Part {
 };
 
 bool IsWholeHive(const HostPlace& file) try {
-  Hive::Load(ReadHostFile(file, kDoing), file.Path().string());
+  Hive::Load(ReadHostFile(file, kDoing), file.Path().Text());
   return true;
 } catch (const Error&) {
   return false;
@@ -70,7 +70,7 @@ void PutInPlace(const Part& part, Log& log) {
     KeepLogsOf(part.target, HiveFile::kKeptSuffix, log);
   }
   MoveIntoPlace({.from = part.staged, .to = part.target}, kDoing);
-  log.Write(part.target.Path().string() + ": replaced by what an interrupted command had made of it");
+  log.Write(part.target.Path().Text() + ": replaced by what an interrupted command had made of it");
 }
 
 /// Finishes or drops the commit. Returns a sentence when it stays half done.
@@ -82,8 +82,8 @@ std::optional<std::string> Finish(const std::vector<Part>& parts, Log& log) {
   for (const Part& part : parts) {
     if (are(Part::State::Lost) == 0 && part.state == Part::State::Ready) PutInPlace(part, log);
     if (part.state == Part::State::Lost && are(Part::State::Done) > 0) {
-      trouble = part.target.Path().string() + ": a command was interrupted while it changed this hive and " +
-                (&part == &parts[0] ? parts[1] : parts[0]).target.Path().string() +
+      trouble = part.target.Path().Text() + ": a command was interrupted while it changed this hive and " +
+                (&part == &parts[0] ? parts[1] : parts[0]).target.Path().Text() +
                 "; only the latter has its changes, and the others are lost.";
     }
   }
@@ -102,7 +102,7 @@ std::vector<std::string> FinishInterruptedCommit(const HivePlaces& machine, cons
     if (!record) continue;
     const std::optional<std::vector<Part>> parts = PartsOf(*record, machine, profiles, inCopies);
     if (!parts) {
-      log.Write(file.Path().string() + ": not used, since it does not fit the hives of this disk");
+      log.Write(file.Path().Text() + ": not used, since it does not fit the hives of this disk");
       continue;
     }
     try {

@@ -1,10 +1,6 @@
 #include "platform/offline/copy_command.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <array>
-#include <cerrno>
 #include <cstdio>
 #include <system_error>
 #include <utility>
@@ -46,34 +42,20 @@ std::string Hex(std::uint64_t offset) {
   return text.data();
 }
 
-/// True when both places are there and are one.
-bool SameEntry(const HostPlace& a, const HostPlace& b) {
-  try {
-    const auto entryA = StatPlace(a);
-    const auto entryB = StatPlace(b);
-    return entryA && entryB && entryA->st_dev == entryB->st_dev && entryA->st_ino == entryB->st_ino;
-  } catch (const std::system_error&) {
-    return false;
-  }
-}
-
-bool MayWriteIn(const HostPlace& folder) {
-  try {
-    return faccessat(OpenFolder(folder).Get(), ".", W_OK | X_OK, AT_EACCESS) == 0;
-  } catch (const std::system_error&) {
-    return false;
-  }
+bool MayWriteIn(const HostPlace& folder) try {
+  return OpenFolder(folder).MayWrite();
+} catch (const std::system_error&) {
+  return false;
 }
 
 /// Why a place is refused; nothing when it is only not there.
 std::optional<std::string> RefusalOf(const PlaceResult& place) {
-  if (place || place.Fault() == HostFault::NoSuchDrive) return std::nullopt;
+  if (place || place.Fault() == DiskFault::NoSuchDrive) return std::nullopt;
   return ReasonOf(place.Fault());
 }
 
-bool IsFull(const CopyFault& fault) {
-  const int code = ErrnoOf(fault.Code());
-  return fault.End() == CopyFault::At::Target && (code == ENOSPC || code == EDQUOT);
+bool IsTargetFull(const CopyFault& fault) {
+  return fault.End() == CopyFault::At::Target && IsFull(fault.Code());
 }
 
 }  // namespace
@@ -155,7 +137,7 @@ std::optional<CopyCommand::Fault> CopyCommand::FaultOf(const Job& job) const {
   if (const auto fault = FileNameFault(job.target.Name())) {
     return file(job.target, "no file can have that name: " + fault->reason);
   }
-  if (SameEntry(*job.from, *job.to)) return file(job.target, "the source and the target are the same file");
+  if (IsSameEntry(*job.from, *job.to)) return file(job.target, "the source and the target are the same file");
   return std::nullopt;
 }
 
@@ -169,23 +151,12 @@ CopyCommand::Fault CopyCommand::TargetFault(const Job& job, const std::error_cod
   const auto place = [](std::string about, std::string why) {
     return Fault{FaultKind::Place, std::move(about), std::move(why)};
   };
-  switch (ErrnoOf(code)) {
-    case ENOSPC:
-      return place(job.target.Text(), "the disk is full");
-    case EDQUOT:
-      return place(job.target.Text(), "the space that you may use on the disk is full");
-    case EROFS:
-      return place(job.target.Text(), "the disk is read-only");
-    case EIO:
-      return place(job.target.Text(), ReasonOf(code));
-    case EACCES:
-    case EPERM:
-      if (!MayWriteIn(job.to->Folder())) {
-        return place(job.target.Parent().Text(), "you may not write to the folder");
-      }
-      break;
-    default:
-      break;
+  if (code == std::errc::no_space_on_device) return place(job.target.Text(), "the disk is full");
+  if (IsFull(code)) return place(job.target.Text(), "the space that you may use on the disk is full");
+  if (code == std::errc::read_only_file_system) return place(job.target.Text(), "the disk is read-only");
+  if (code == std::errc::io_error) return place(job.target.Text(), ReasonOf(code));
+  if (ForbidsWriting(code) && !MayWriteIn(job.to->Folder())) {
+    return place(job.target.Parent().Text(), "you may not write to the folder");
   }
   return {FaultKind::File, job.target.Text(), ReasonOf(code)};
 }
@@ -206,7 +177,7 @@ void CopyCommand::Run(const Job& job) {
   try {
     return Fill(job);
   } catch (const CopyFault& fault) {
-    if (!IsFull(fault) || flights_.empty()) return Fail(job, FaultOf(job, fault));
+    if (!IsTargetFull(fault) || flights_.empty()) return Fail(job, FaultOf(job, fault));
   }
   // The files on their way take the space of those that they replace, too, until they have their names.
   SettleAll();
@@ -240,7 +211,7 @@ void CopyCommand::Fill(const Job& job) {
 bool CopyCommand::MeetsFlight(const Job& job) const {
   const auto meets = [](const PlaceResult& place, const HostPlace& target) {
     return place && !place->IsRoot() && EqualIgnoreCase(place->Name(), target.Name()) &&
-           SameEntry(place->Folder(), target.Folder());
+           IsSameEntry(place->Folder(), target.Folder());
   };
   for (const Flight& flight : flights_) {
     if (meets(job.from, *flight.job.to) || meets(job.to, *flight.job.to)) return true;

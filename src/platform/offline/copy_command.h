@@ -40,7 +40,7 @@ class CopyCommand {
     CopyRequest request;
     std::size_t result;      ///< its position in results_
     WinPath source, target;  ///< absolute
-    PlaceResult from = HostFault::NoSuchDrive, to = HostFault::NoSuchDrive;
+    PlaceResult from = DiskFault::NoSuchDrive, to = DiskFault::NoSuchDrive;
     std::optional<FileEntry> sourceEntry, existing;
   };
   struct Flight {

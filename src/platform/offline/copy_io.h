@@ -7,15 +7,11 @@
 #include <span>
 #include <string_view>
 
-#include "platform/offline/host_file.h"
+#include "host/host_file.h"
+#include "host/new_file.h"
+#include "platform/offline/host_place.h"
 
 namespace quillbox {
-
-/// Bytes of a file.
-struct FilePart {
-  std::uint64_t offset;
-  std::size_t size;
-};
 
 /// Every call throws std::system_error when it fails, unless it says otherwise.
 class CopyIo {
@@ -23,10 +19,10 @@ class CopyIo {
   virtual ~CopyIo() = default;
   virtual std::unique_ptr<NewFile> Create(const HostPlace& target);
   /// Reads from `offset`, at most as much as `buffer` holds; the bytes read, 0 at the file's end.
-  virtual std::size_t Read(int from, std::uint64_t offset, std::span<char> buffer);
+  virtual std::size_t Read(const HostFile& from, std::uint64_t offset, std::span<char> buffer);
   /// Appends `part`, or its beginning, without bringing it here; the bytes copied. 0 when the kernel cannot
   /// copy between these files, or cannot read there: Read then reports the reason.
-  virtual std::size_t CopyInKernel(int from, NewFile& to, FilePart part);
+  virtual std::size_t CopyInKernel(const HostFile& from, NewFile& to, FilePart part);
   virtual void Write(NewFile& to, std::string_view bytes);
   /// Flushes the file to the disk. Called on another thread than the rest.
   virtual void Flush(NewFile& file);

@@ -1,8 +1,5 @@
 #include "platform/offline/damaged_copy.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -10,7 +7,7 @@
 #include <span>
 #include <system_error>
 
-#include "platform/offline/host_io.h"
+#include "platform/offline/host_open.h"
 
 namespace quillbox {
 
@@ -56,16 +53,15 @@ std::string MissingList(std::string_view damagedName, std::string_view source, s
 }
 
 bool HoldsTheSame(NewFile& file, const HostPlace& other) try {
-  const HostFd fd = OpenForReading(other);
-  struct stat ours = {};
-  struct stat theirs = {};
-  if (fstat(file.Fd(), &ours) != 0 || fstat(fd.Get(), &theirs) != 0) return false;
-  if (!S_ISREG(theirs.st_mode) || ours.st_size != theirs.st_size) return false;
+  const HostFile otherFile = OpenForReading(other);
+  const std::uint64_t size = file.Info().size;
+  const EntryInfo theirs = otherFile.Info();
+  if (!theirs.IsFile() || theirs.size != size) return false;
   std::vector<char> a(kCompareChunk);
   std::vector<char> b(kCompareChunk);
-  for (std::uint64_t offset = 0; offset < static_cast<std::uint64_t>(ours.st_size); offset += kCompareChunk) {
-    const std::size_t length = ReadUpToAt(file.Fd(), offset, a);
-    if (length != ReadUpToAt(fd.Get(), offset, b)) return false;
+  for (std::uint64_t offset = 0; offset < size; offset += kCompareChunk) {
+    const std::size_t length = file.ReadAt(offset, a);
+    if (length != otherFile.ReadAt(offset, b)) return false;
     if (!std::equal(a.begin(), a.begin() + static_cast<std::ptrdiff_t>(length), b.begin())) return false;
   }
   return true;

@@ -3,17 +3,16 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <fstream>
 #include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
 
+#include "host/host_file.h"
+#include "host/host_paths.h"
 #include "text/byte_order.h"
 
 namespace quillbox {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -47,14 +46,15 @@ constexpr Magic kDisc = {32769, "CD001", "a CD-ROM"};
 
 class Image {
  public:
-  explicit Image(const fs::path& file) : in_(file, std::ios::binary) {}
+  explicit Image(HostFile file) : file_(std::move(file)) {}
 
-  /// All zero past the end.
+  /// All zero past the end, and where it cannot be read.
   Sector Read(std::uint64_t sector) {
     Sector bytes = {};
-    in_.clear();
-    in_.seekg(static_cast<std::streamoff>(sector * kSector));
-    in_.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    try {
+      file_.ReadAt(sector * kSector, {reinterpret_cast<char*>(bytes.data()), bytes.size()});
+    } catch (const std::system_error&) {  // NOLINT(bugprone-empty-catch): what cannot be read is nothing known
+    }
     return bytes;
   }
   bool Has(const Magic& magic, std::uint64_t sector = 0) {
@@ -70,7 +70,7 @@ class Image {
   }
 
  private:
-  std::ifstream in_;
+  HostFile file_;
 };
 
 struct Partition {
@@ -187,20 +187,26 @@ std::optional<MountAdvice> AdviceOnContent(Image& image, const std::string& file
   return AdviceOnPartitions(image, file);
 }
 
+/// The same; nothing for a file that cannot be read.
+std::optional<MountAdvice> AdviceOnReadable(const HostPath& file, const std::string& quoted, bool isDevice) try {
+  Image image(HostFile::Open(file));
+  return AdviceOnContent(image, quoted, isDevice);
+} catch (const std::system_error&) {
+  return std::nullopt;
+}
+
 }  // namespace
 
 std::string MountAdvice::Clause() const {
   return "it is " + what + ", not a folder; mount it with \"" + command + "\", then choose " + where;
 }
 
-std::optional<MountAdvice> AdviceOnMounting(const fs::path& file) {
-  std::error_code code;
-  const fs::file_type type = fs::status(file, code).type();
-  const bool isDevice = type == fs::file_type::block;
-  if (!isDevice && type != fs::file_type::regular) return std::nullopt;
-  Image image(file);
-  const std::string quoted = Quoted(fs::absolute(file).string());
-  std::optional<MountAdvice> advice = AdviceOnContent(image, quoted, isDevice);
+std::optional<MountAdvice> AdviceOnMounting(const HostPath& file) {
+  const bool isDevice = IsDiskDevice(file);
+  const PathInfo there = InfoOf(file);
+  if (!isDevice && !(there.info && there.info->IsFile())) return std::nullopt;
+  const std::string quoted = Quoted(Absolute(file).Text());
+  std::optional<MountAdvice> advice = AdviceOnReadable(file, quoted, isDevice);
   if (advice) {
     advice->what = std::string(isDevice ? "the device of a disk (" : "the image of a disk (") + advice->what + ")";
   } else if (isDevice) {

@@ -1,9 +1,10 @@
 // Recognises the images of disks, so that someone who chooses one instead of a folder learns how to mount it.
 #pragma once
 
-#include <filesystem>
 #include <optional>
 #include <string>
+
+#include "host/host_path.h"
 
 namespace quillbox {
 
@@ -20,6 +21,6 @@ struct MountAdvice {
 /// image that is known here, and when it cannot be read. Sources: the boot sectors of NTFS, FAT and exFAT, the
 /// partition tables of the PC (its extended partitions included) and of UEFI, ISO 9660, and the published headers of
 /// the images of virtual machines and of evidence files.
-std::optional<MountAdvice> AdviceOnMounting(const std::filesystem::path& file);
+std::optional<MountAdvice> AdviceOnMounting(const HostPath& file);
 
 }  // namespace quillbox

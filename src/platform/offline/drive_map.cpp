@@ -4,33 +4,21 @@
 #include <system_error>
 #include <vector>
 
-#include "platform/offline/windows_names.h"
+#include "host/host_names.h"
 
 namespace quillbox {
 
-namespace fs = std::filesystem;
-
 namespace {
 
-std::vector<std::string_view> Components(std::string_view text) {
-  std::vector<std::string_view> components;
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find_first_of("\\/"), text.size());
-    if (end > 0) components.push_back(text.substr(0, end));
-    text.remove_prefix(std::min(end + 1, text.size()));
-  }
-  return components;
-}
-
 bool IsHostRoot(const DriveFolder& drive) {
-  return drive.folder == "/";
+  return drive.folder.IsRoot();
 }
 
 }  // namespace
 
-DriveMap::DriveMap(const fs::path& cFolder, const std::map<char, fs::path>& more) {
-  std::map<char, fs::path> given = more;
-  given[kHostDrive] = "/";
+DriveMap::DriveMap(const HostPath& cFolder, const std::map<char, HostPath>& more) {
+  std::map<char, HostPath> given = more;
+  given[kHostDrive] = HostPath::Root();
   given[kSystemDrive] = cFolder;
   std::vector<DriveFolder> ofTheDisk;
   for (const auto& [letter, folder] : given) {
@@ -44,8 +32,8 @@ DriveMap::DriveMap(const fs::path& cFolder, const std::map<char, fs::path>& more
   bounds_ = std::make_shared<const DiskBounds>(std::move(ofTheDisk));
 }
 
-void DriveMap::Add(char letter, const fs::path& folder) {
-  std::map<char, fs::path> folders;
+void DriveMap::Add(char letter, const HostPath& folder) {
+  std::map<char, HostPath> folders;
   for (const auto& [other, drive] : drives_) folders.emplace(other, drive.folder.folder);
   folders[letter] = folder;
   DriveMap more(folders.at(kSystemDrive), folders);
@@ -53,7 +41,7 @@ void DriveMap::Add(char letter, const fs::path& folder) {
   *this = std::move(more);
 }
 
-const fs::path* DriveMap::FolderOf(char letter) const {
+const HostPath* DriveMap::FolderOf(char letter) const {
   const auto drive = drives_.find(letter);
   return drive == drives_.end() ? nullptr : &drive->second.folder.folder;
 }
@@ -70,23 +58,23 @@ bool DriveMap::IsLeftAlone(char letter) const {
 
 PlaceResult DriveMap::PlaceOf(const WinPath& path, LastStep last) const {
   const auto drive = drives_.find(path.Drive());
-  if (drive == drives_.end() || !path.IsAbsolute()) return HostFault::NoSuchDrive;
-  if (last == LastStep::NoLink && IsLeftAlone(path.Drive())) return HostFault::LeftAlone;
+  if (drive == drives_.end() || !path.IsAbsolute()) return DiskFault::NoSuchDrive;
+  if (last == LastStep::NoLink && IsLeftAlone(path.Drive())) return DiskFault::LeftAlone;
   const std::optional<std::size_t>& inBounds = drive->second.inBounds;
-  const HostPlace root = inBounds ? HostPlace::Beneath(bounds_, *inBounds) : HostPlace::Anywhere("/");
-  return FindPlace(root, Components(std::string_view(path.Text()).substr(2)), last);
+  const HostPlace root = inBounds ? HostPlace::Beneath(bounds_, *inBounds) : HostPlace::Anywhere(HostPath::Root());
+  return FindPlace(root, path.Names(), last);
 }
 
-std::optional<WinPath> DriveMap::WindowsPathOf(const fs::path& hostPath) const {
+std::optional<WinPath> DriveMap::WindowsPathOf(const HostPath& hostPath) const {
   const DriveFolder place(hostPath);
   char bestLetter = 0;
-  fs::path best;
-  std::ptrdiff_t bestLength = -1;
+  HostPath best;
+  std::size_t bestLength = 0;
   for (const auto& [letter, drive] : drives_) {
-    std::optional<fs::path> below = PartBelow(place.folder, drive.folder.folder);
-    if (!below) below = PartBelow(place.canonical, drive.folder.canonical);
-    const std::ptrdiff_t length = std::distance(drive.folder.folder.begin(), drive.folder.folder.end());
-    if (!below || length <= bestLength) continue;
+    std::optional<HostPath> below = place.folder.Below(drive.folder.folder);
+    if (!below) below = place.canonical.Below(drive.folder.canonical);
+    const std::size_t length = drive.folder.folder.Names().size();
+    if (!below || (bestLetter != 0 && length <= bestLength)) continue;
     bestLetter = letter;
     best = *below;
     bestLength = length;
@@ -94,9 +82,7 @@ std::optional<WinPath> DriveMap::WindowsPathOf(const fs::path& hostPath) const {
   if (bestLetter == 0) return std::nullopt;
 
   WinPath result(std::string{bestLetter, ':', '\\'});
-  for (const fs::path& part : best) {
-    if (!part.empty()) result = result.Join(WindowsName(part.native()));
-  }
+  for (const std::string& name : best.Names()) result = result.Join(WindowsName(name));
   return result;
 }
 

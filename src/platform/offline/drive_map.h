@@ -1,7 +1,6 @@
 // Where Windows' drives are on the host, and the two ways between a Windows path and a place on the host.
 #pragma once
 
-#include <filesystem>
 #include <map>
 #include <memory>
 #include <optional>
@@ -18,13 +17,13 @@ class DriveMap {
   static constexpr char kHostDrive = 'Z';  ///< the host's own root folder
 
   /// `cFolder` is C:\ ; `more` are further drives by upper-case letter. Z is the host's root, whatever `more` has.
-  explicit DriveMap(const std::filesystem::path& cFolder, const std::map<char, std::filesystem::path>& more = {});
+  explicit DriveMap(const HostPath& cFolder, const std::map<char, HostPath>& more = {});
 
   /// One more drive of the disk, or another folder for one. Places that were found before stay what they are.
-  void Add(char letter, const std::filesystem::path& folder);
+  void Add(char letter, const HostPath& folder);
 
   /// The host folder of a drive, or null when there is no such drive. Letters in upper case.
-  const std::filesystem::path* FolderOf(char letter) const;
+  const HostPath* FolderOf(char letter) const;
   /// True for the drive that is the host's own root.
   bool IsHostDrive(char letter) const;
 
@@ -37,7 +36,7 @@ class DriveMap {
   bool IsLeftAlone(char letter) const;
   /// The Windows path of a host path: on the drive with the deepest folder that contains it. Nothing when no drive
   /// contains it.
-  std::optional<WinPath> WindowsPathOf(const std::filesystem::path& hostPath) const;
+  std::optional<WinPath> WindowsPathOf(const HostPath& hostPath) const;
 
  private:
   struct Drive {

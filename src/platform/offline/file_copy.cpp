@@ -1,11 +1,7 @@
 #include "platform/offline/file_copy.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <optional>
 #include <system_error>
 
@@ -17,13 +13,6 @@ namespace {
 constexpr std::array<std::uint64_t, 3> kSteps = {std::uint64_t{1024} * 1024, 4096, 512};
 /// Write-back starts in pieces of this size, so that the flush at the end finds most of the file on the disk.
 constexpr std::uint64_t kWriteBackPiece = std::uint64_t{8} * 1024 * 1024;
-/// What disks, and file systems with checksums, answer about a place that cannot be read.
-constexpr std::array kUnreadable = {EIO, ENODATA, EREMOTEIO, EBADMSG, EUCLEAN, ETIMEDOUT};
-
-bool IsUnreadable(const std::error_code& code) {
-  return std::find(kUnreadable.begin(), kUnreadable.end(), ErrnoOf(code)) != kUnreadable.end();
-}
-
 /// Does `act`, whose failures are about the end `at`.
 template <typename Act>
 auto About(CopyFault::At at, const Act& act) {
@@ -34,25 +23,14 @@ auto About(CopyFault::At at, const Act& act) {
   }
 }
 
-struct stat StatusOf(int fd) {
-  struct stat info = {};
-  if (fstat(fd, &info) != 0) ThrowErrno(errno);
-  return info;
-}
-
-bool SameTime(const timespec& a, const timespec& b) {
-  return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
-}
-
-bool Unchanged(const struct stat& before, const struct stat& after) {
-  return before.st_dev == after.st_dev && before.st_ino == after.st_ino && before.st_size == after.st_size &&
-         SameTime(before.st_mtim, after.st_mtim);
+bool Unchanged(const EntryInfo& before, const EntryInfo& after) {
+  return before.id == after.id && before.size == after.size && before.modified == after.modified;
 }
 
 /// True when the source's name still means the file that was read, and nobody wrote to it meanwhile.
-bool StillTheSame(const CopyEnds& ends, int from, const struct stat& before) {
+bool StillTheSame(const CopyEnds& ends, const HostFile& from, const EntryInfo& before) {
   try {
-    return Unchanged(before, StatusOf(from)) && Unchanged(before, StatusOf(ends.openSource().Get()));
+    return Unchanged(before, from.Info()) && Unchanged(before, ends.openSource().Info());
   } catch (const std::system_error&) {
     return false;
   }
@@ -63,7 +41,7 @@ class Pass {
  public:
   enum class End { Filled, LeftOut, Stopped, SourceChanged };
 
-  Pass(int from, NewFile& to, CopyIo& io, CopyWatcher& watcher, std::uint64_t total)
+  Pass(const HostFile& from, NewFile& to, CopyIo& io, CopyWatcher& watcher, std::uint64_t total)
       : from_(from), total_(total), to_(to), io_(io), watcher_(watcher) {}
 
   End Run() {
@@ -97,7 +75,7 @@ class Pass {
     try {
       got = io_.Read(from_, done_, {buffer_.data(), wanted});
     } catch (const std::system_error& failure) {
-      if (!IsUnreadable(failure.code())) throw CopyFault(CopyFault::At::Source, failure.code());
+      if (!IsUnreadablePlace(failure.code())) throw CopyFault(CopyFault::At::Source, failure.code());
       return OnUnreadable(level, wanted, failure.code());
     }
     if (got == 0) return End::SourceChanged;
@@ -116,7 +94,7 @@ class Pass {
     if (level + 1 < kSteps.size()) {
       smallerUntil_.at(level + 1) = done_ + length;
       // Reading ahead of a bad place means more bad places, each of which may take the disk seconds.
-      posix_fadvise(from_, 0, 0, POSIX_FADV_RANDOM);
+      from_.StopReadingAhead();
       return std::nullopt;
     }
     if (unreadable_.empty()) {
@@ -141,15 +119,13 @@ class Pass {
   void Advance(std::uint64_t length) {
     done_ += length;
     if (done_ - writtenBack_ < kWriteBackPiece) return;
-    // If this fails, the flush at the end does it.
-    sync_file_range(to_.Fd(), static_cast<off64_t>(writtenBack_), static_cast<off64_t>(done_ - writtenBack_),
-                    SYNC_FILE_RANGE_WRITE);
+    to_.BeginWriteBack({.offset = writtenBack_, .size = done_ - writtenBack_});
     writtenBack_ = done_;
   }
 
   bool NothingWasRead() const { return total_ > 0 && unreadable_.size() == 1 && unreadable_.front().length == total_; }
 
-  int from_;
+  const HostFile& from_;
   std::uint64_t total_;
   NewFile& to_;
   CopyIo& io_;
@@ -164,14 +140,14 @@ class Pass {
 
 /// Nothing when the source changed meanwhile.
 std::optional<FilledFile> FillOnce(const CopyEnds& ends, CopyIo& io, CopyWatcher& watcher) {
-  const HostFd from = About(CopyFault::At::Source, ends.openSource);
-  const struct stat before = About(CopyFault::At::Source, [&] { return StatusOf(from.Get()); });
-  if (!S_ISREG(before.st_mode)) throw CopyFault(CopyFault::At::Source, "it is not an ordinary file");
+  const HostFile from = About(CopyFault::At::Source, ends.openSource);
+  const EntryInfo before = About(CopyFault::At::Source, [&] { return from.Info(); });
+  if (!before.IsFile()) throw CopyFault(CopyFault::At::Source, HostFault::NotOrdinary);
 
   FilledFile filled;
   filled.file = About(CopyFault::At::Target, ends.createTarget);
-  filled.size = static_cast<std::uint64_t>(before.st_size);
-  Pass pass(from.Get(), *filled.file, io, watcher, filled.size);
+  filled.size = before.size;
+  Pass pass(from, *filled.file, io, watcher, filled.size);
   switch (pass.Run()) {
     case Pass::End::SourceChanged:
       return std::nullopt;
@@ -182,8 +158,8 @@ std::optional<FilledFile> FillOnce(const CopyEnds& ends, CopyIo& io, CopyWatcher
     case Pass::End::Filled:
       break;
   }
-  if (!StillTheSame(ends, from.Get(), before)) return std::nullopt;
-  About(CopyFault::At::Target, [&] { filled.file->SetTimes(before.st_atim, before.st_mtim); });
+  if (!StillTheSame(ends, from, before)) return std::nullopt;
+  About(CopyFault::At::Target, [&] { filled.file->SetTimes(before.accessed, before.modified); });
   filled.end = FilledFile::End::Filled;
   filled.unreadable = pass.TakeUnreadable();
   return filled;

@@ -12,15 +12,13 @@
 #include <vector>
 
 #include "platform/offline/copy_io.h"
-#include "platform/offline/host_fault.h"
-#include "platform/offline/host_fd.h"
-#include "platform/offline/host_file.h"
+#include "platform/offline/disk_fault.h"
 
 namespace quillbox {
 
 /// Both ends of a copy. What the two functions throw is a std::system_error.
 struct CopyEnds {
-  std::function<HostFd()> openSource;
+  std::function<HostFile()> openSource;
   std::function<std::unique_ptr<NewFile>()> createTarget;
 };
 

@@ -1,16 +1,12 @@
 #include "platform/offline/folder_finder.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-
 #include <array>
 #include <system_error>
 #include <utility>
 
-#include "platform/offline/folder_names.h"
-#include "platform/offline/host_file.h"
+#include "host/host_names.h"
+#include "platform/offline/host_open.h"
 #include "platform/offline/place_finder.h"
-#include "platform/offline/windows_names.h"
 #include "text/file_time.h"
 
 namespace quillbox {
@@ -19,40 +15,34 @@ namespace {
 
 constexpr std::array kDots = {".", ".."};
 
-DIR* OpenForEntries(const HostPlace& place) try {
-  HostFd folder = OpenFolder(place);
-  DIR* dir = fdopendir(folder.Get());
-  if (dir != nullptr) folder.Release();
-  return dir;
-} catch (const std::system_error&) {
-  return nullptr;
+HostFolder OpenForEntries(const HostPlace& place) try { return OpenFolder(place); } catch (const std::system_error&) {
+  return {};
 }
 
 }  // namespace
 
-std::optional<struct stat> StatEntry(const OpenedFolder& folder, const std::string& storedName) {
-  struct stat info = {};
-  if (fstatat(folder.fd, storedName.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) return std::nullopt;
-  if (!S_ISLNK(info.st_mode)) return info;
-  if (!folder.place.IsBeneathDrive()) {
-    struct stat target = {};
-    return fstatat(folder.fd, storedName.c_str(), &target, 0) == 0 ? target : info;
+std::optional<EntryInfo> InfoBehind(const OpenedFolder& opened, const std::string& storedName) {
+  const std::optional<EntryInfo> info = opened.folder.Find(storedName);
+  if (!info || !info->IsLink()) return info;
+  if (!opened.place.IsBeneathDrive()) {
+    const std::optional<EntryInfo> target = opened.folder.Find(storedName, Links::Follow);
+    return target ? target : info;
   }
-  const PlaceResult led = FollowEntry(folder.place, storedName);
-  return led ? StatPlace(*led).value_or(info) : info;
+  const PlaceResult led = FollowEntry(opened.place, storedName);
+  return led ? InfoOf(*led).value_or(*info) : info;
 }
 
-FileEntry EntryOf(const struct stat& info) {
+FileEntry EntryOf(const EntryInfo& info) {
   FileEntry entry;
-  entry.isDirectory = S_ISDIR(info.st_mode);
-  entry.size = entry.isDirectory ? 0 : static_cast<std::uint64_t>(info.st_size);
-  entry.modified = FileTimeOfUnix(info.st_mtim.tv_sec, static_cast<std::uint64_t>(info.st_mtim.tv_nsec));
+  entry.isDirectory = info.IsFolder();
+  entry.size = entry.isDirectory ? 0 : info.size;
+  entry.modified = FileTimeOfUnix(info.modified.seconds, info.modified.nanoseconds);
   return entry;
 }
 
 std::optional<FileEntry> ReadHostEntry(const OpenedFolder& folder, const std::string& storedName,
                                        const AttributeReader* attributes) {
-  const std::optional<struct stat> info = StatEntry(folder, storedName);
+  const std::optional<EntryInfo> info = InfoBehind(folder, storedName);
   if (!info) return std::nullopt;
   FileEntry entry = EntryOf(*info);
   const FileAttributes flags = attributes != nullptr ? attributes->Of(storedName) : FileAttributes();
@@ -63,21 +53,21 @@ std::optional<FileEntry> ReadHostEntry(const OpenedFolder& folder, const std::st
 
 FolderFinder::FolderFinder(const HostPlace& folder, const std::string& pattern, Options options)
     : place_(folder),
-      dir_(OpenForEntries(folder)),
+      folder_(OpenForEntries(folder)),
       pattern_(pattern),
       namesOnly_(options.namesOnly),
       dotsGiven_(options.isRoot ? 2 : 0) {
-  if (dir_ && !namesOnly_) attributes_.emplace(dirfd(dir_.get()));
+  if (folder_ && !namesOnly_) attributes_.emplace(folder_);
 }
 
 std::optional<FileEntry> FolderFinder::Next() {
-  if (!dir_) return std::nullopt;
+  if (!folder_) return std::nullopt;
   if (std::optional<FileEntry> dots = NextDots()) return dots;
-  while (const dirent* stored = readdir(dir_.get())) {
-    if (IsDots(stored->d_name)) continue;
-    std::string name = WindowsName(stored->d_name);
+  while (next_ < listed_.size() || ListMore()) {
+    const ListedEntry& listed = listed_[next_++];
+    std::string name = WindowsName(listed.name);
     if (!pattern_.Matches(name)) continue;
-    std::optional<FileEntry> entry = Read(*stored);
+    std::optional<FileEntry> entry = Read(listed);
     if (!entry) continue;
     entry->name = std::move(name);
     return entry;
@@ -89,7 +79,7 @@ std::optional<FileEntry> FolderFinder::NextDots() {
   while (dotsGiven_ < 2) {
     const char* name = kDots[static_cast<std::size_t>(dotsGiven_++)];
     if (!pattern_.Matches(name)) continue;
-    FileEntry entry = ReadHostEntry({place_, dirfd(dir_.get())}, name, nullptr).value_or(FileEntry());
+    FileEntry entry = ReadHostEntry({place_, folder_}, name, nullptr).value_or(FileEntry());
     entry.name = name;
     entry.isDirectory = true;
     return entry;
@@ -97,14 +87,22 @@ std::optional<FileEntry> FolderFinder::NextDots() {
   return std::nullopt;
 }
 
-std::optional<FileEntry> FolderFinder::Read(const dirent& stored) const {
-  const bool typeIsKnown = stored.d_type != DT_UNKNOWN && stored.d_type != DT_LNK;
-  if (!namesOnly_ || !typeIsKnown) {
-    return ReadHostEntry({place_, dirfd(dir_.get())}, stored.d_name, attributes_ ? &*attributes_ : nullptr);
+std::optional<FileEntry> FolderFinder::Read(const ListedEntry& listed) const {
+  const bool kindIsKnown = listed.kind && listed.kind != EntryKind::Link;
+  if (!namesOnly_ || !kindIsKnown) {
+    return ReadHostEntry({place_, folder_}, listed.name, attributes_ ? &*attributes_ : nullptr);
   }
   FileEntry entry;
-  entry.isDirectory = stored.d_type == DT_DIR;
+  entry.isDirectory = listed.kind == EntryKind::Folder;
   return entry;
+}
+
+bool FolderFinder::ListMore() try {
+  next_ = 0;
+  return folder_.ListSome(listed_);
+} catch (const std::system_error&) {
+  listed_.clear();
+  return false;
 }
 
 }  // namespace quillbox

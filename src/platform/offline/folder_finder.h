@@ -1,15 +1,13 @@
 // The running enumeration of one host folder, entry by entry in the order in which the file system gives them.
 #pragma once
 
-#include <dirent.h>
-#include <sys/stat.h>
-
-#include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "host/file_attributes.h"
+#include "host/host_folder.h"
 #include "platform/file_system.h"
-#include "platform/offline/file_attributes.h"
 #include "platform/offline/host_place.h"
 
 namespace quillbox {
@@ -17,17 +15,17 @@ namespace quillbox {
 /// A folder of the host, open and with its place, by which links in it are followed.
 struct OpenedFolder {
   HostPlace place;
-  int fd;
+  const HostFolder& folder;
 };
 /// What is behind a folder's entry: what a link leads to, or the link itself where it leads nowhere or out of the disk.
 /// Nothing when there is no such entry.
-std::optional<struct stat> StatEntry(const OpenedFolder& folder, const std::string& storedName);
+std::optional<EntryInfo> InfoBehind(const OpenedFolder& folder, const std::string& storedName);
 
-/// What the host says about a folder's entry under its stored name, as StatEntry. `attributes` may be null. The entry's
-/// name is left empty.
+/// What the host says about a folder's entry under its stored name, as InfoBehind. `attributes` may be null. The
+/// entry's name is left empty.
 std::optional<FileEntry> ReadHostEntry(const OpenedFolder& folder, const std::string& storedName,
                                        const AttributeReader* attributes);
-FileEntry EntryOf(const struct stat& info);
+FileEntry EntryOf(const EntryInfo& info);
 
 class FolderFinder : public FileFinder {
  public:
@@ -43,17 +41,17 @@ class FolderFinder : public FileFinder {
 
  private:
   std::optional<FileEntry> NextDots();
-  std::optional<FileEntry> Read(const dirent& entry) const;
+  bool ListMore();
+  std::optional<FileEntry> Read(const ListedEntry& listed) const;
 
-  struct Close {
-    void operator()(DIR* dir) const { closedir(dir); }
-  };
   HostPlace place_;
-  std::unique_ptr<DIR, Close> dir_;
+  HostFolder folder_;
   Wildcard pattern_;
   bool namesOnly_;
   int dotsGiven_;  ///< of "." and ".."
   std::optional<AttributeReader> attributes_;
+  std::vector<ListedEntry> listed_;
+  std::size_t next_ = 0;  ///< of those that are listed
 };
 
 }  // namespace quillbox

@@ -1,19 +1,16 @@
 #include "platform/offline/folder_memory.h"
 
 #include <algorithm>
-#include <array>
-#include <fstream>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
+#include "host/host_paths.h"
+#include "host/state_folder.h"
 #include "platform/offline/hive_storage.h"
-#include "platform/offline/state_folder.h"
 #include "text/error.h"
 
 namespace quillbox {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -21,60 +18,50 @@ constexpr const char* kDoing = "remembering the backup folder";
 constexpr const char* kFirstLine = "Quillbox backup folder 1";
 constexpr std::string_view kIdentity = "identity ";
 constexpr std::size_t kMaxIdentities = 100;  // remembered; more are of no use
-constexpr std::array kSystemFolders = {"/proc", "/sys", "/dev"};
 
-bool IsIn(const fs::path& path, const fs::path& folder) {
-  return std::mismatch(path.begin(), path.end(), folder.begin(), folder.end()).second == folder.end();
-}
-
-std::string Canonical(const fs::path& path) {
-  std::error_code code;
-  const fs::path canonical = fs::weakly_canonical(path, code);
-  return (code ? path : canonical).string();
+HostPath Canonical(const HostPath& path) {
+  const RealPath real = RealPathAsFarAsThere(path);
+  return real.fault ? path : real.path;
 }
 
 }  // namespace
 
-FolderMemory::FolderMemory(const fs::path& stateFolder, ProfileOnDisk profile, OfflineDrives& drives,
+FolderMemory::FolderMemory(const HostPath& stateFolder, ProfileOnDisk profile, OfflineDrives& drives,
                            Registry& registry)
     : folder_(stateFolder / "backup-folders"),
-      disk_(Canonical(profile.disk)),
+      disk_(Canonical(profile.disk).Text()),
       profile_(std::move(profile.name)),
       drives_(drives),
       registry_(registry) {
   file_ = folder_ / HashName(disk_ + '\0' + profile_);
 }
 
-std::optional<fs::path> FolderMemory::PlaceOf(const WinPath& folder) const {
+std::optional<HostPath> FolderMemory::PlaceOf(const WinPath& folder) const {
   const PlaceResult host = drives_.PlaceOf(folder);
   if (!host) return std::nullopt;
-  std::error_code code;
-  fs::path place = fs::weakly_canonical(host->Path(), code);
-  return code ? std::nullopt : std::optional(std::move(place));
+  RealPath real = RealPathAsFarAsThere(host->Path());
+  return real.fault ? std::nullopt : std::optional(std::move(real.path));
 }
 
 std::optional<FolderFault> FolderMemory::FaultOf(const WinPath& folder) const {
-  const std::optional<fs::path> place = PlaceOf(folder);
+  const std::optional<HostPath> place = PlaceOf(folder);
   if (!place) return FolderFault::NoSuchPlace;
-  for (const char* system : kSystemFolders) {
-    if (IsIn(*place, system)) return FolderFault::SystemFolder;
-  }
+  if (IsSystemsOwn(*place)) return FolderFault::SystemFolder;
   return IsOfTheSystem(*place) ? std::optional(FolderFault::OfTheSystem) : std::nullopt;
 }
 
 /// Compares folders and not their names, since a disk may be mounted at several places.
-bool FolderMemory::IsOfTheSystem(const fs::path& place) const {
-  for (fs::path above = place;; above = above.parent_path()) {
+bool FolderMemory::IsOfTheSystem(const HostPath& place) const {
+  for (HostPath above = place;; above = above.Parent()) {
     for (char letter = 'A'; letter <= 'Z'; ++letter) {
-      std::error_code code;
-      if (drives_.IsOwnDrive(letter) && fs::equivalent(above, *drives_.Map().FolderOf(letter), code)) return true;
+      if (drives_.IsOwnDrive(letter) && IsSameEntry(above, *drives_.Map().FolderOf(letter))) return true;
     }
-    if (above == above.parent_path()) return false;
+    if (!above.HasName()) return false;
   }
 }
 
 bool FolderMemory::IsChosen(const WinPath& folder) {
-  const std::optional<fs::path> place = PlaceOf(folder);
+  const std::optional<HostPath> place = PlaceOf(folder);
   if (!place) return false;
   if (!chosen_ && IsRemembered(*place)) chosen_ = place;
   return chosen_ == place;
@@ -82,11 +69,10 @@ bool FolderMemory::IsChosen(const WinPath& folder) {
 
 // Another disk may be mounted at the same place later, with the same user name. A {USER_ID} is random, so no other disk
 // has one of those that the person saw; as long as one of them is left, it is the same person's profile.
-bool FolderMemory::IsRemembered(const fs::path& place) const {
-  std::ifstream file(file_, std::ios::binary);
+bool FolderMemory::IsRemembered(const HostPath& place) const {
   std::string lines;
   std::set<std::string> remembered;
-  for (std::string line; std::getline(file, line);) {
+  for (const std::string& line : ReadStateFile(file_)) {
     if (line.starts_with(kIdentity)) {
       remembered.insert(line.substr(kIdentity.size()));
     } else {
@@ -101,7 +87,7 @@ bool FolderMemory::IsRemembered(const fs::path& place) const {
 }
 
 void FolderMemory::Choose(const WinPath& folder) {
-  const std::optional<fs::path> place = PlaceOf(folder);
+  const std::optional<HostPath> place = PlaceOf(folder);
   if (!place) throw Error(kDoing, {folder.Text(), {}, {}}, "there is no such place");
   chosen_ = place;
   std::string text = Lines(*place);
@@ -109,14 +95,14 @@ void FolderMemory::Choose(const WinPath& folder) {
   for (const std::string& userId : Identities()) {
     if (++count <= kMaxIdentities) text += std::string(kIdentity) + StateLine(userId) + '\n';
   }
-  if (!MakePrivateFolder(folder_)) throw Error(kDoing, {folder_.string(), {}, {}}, "the folder cannot be made");
+  if (!MakePrivateFolder(folder_)) throw Error(kDoing, {folder_.Text(), {}, {}}, "the folder cannot be made");
   const HostPlace file = HostPlace::Anywhere(file_);
   ReplaceHostFile(file, ByteView(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()), kDoing, file);
 }
 
-std::string FolderMemory::Lines(const fs::path& place) const {
+std::string FolderMemory::Lines(const HostPath& place) const {
   return std::string(kFirstLine) + "\ndisk " + StateLine(disk_) + "\nprofile " + StateLine(profile_) + "\nfolder " +
-         StateLine(place.string()) + '\n';
+         StateLine(place.Text()) + '\n';
 }
 
 std::set<std::string> FolderMemory::Identities() const {

@@ -1,7 +1,6 @@
 // Removes what killed programs have left in the folders that are written: in each folder once per command.
 #pragma once
 
-#include <filesystem>
 #include <set>
 
 #include "platform/offline/host_place.h"
@@ -16,7 +15,7 @@ class FolderSweep {
   void Forget() { swept_.clear(); }
 
  private:
-  std::set<std::filesystem::path> swept_;
+  std::set<HostPath> swept_;
 };
 
 }  // namespace quillbox

@@ -1,7 +1,6 @@
 #include "platform/offline/hive_commit.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <iterator>
 #include <utility>
 
@@ -24,7 +23,7 @@ std::string Joined(const std::vector<std::string>& names) {
 std::vector<std::string> NamesOf(const std::vector<HiveFile*>& hives) {
   std::vector<std::string> names;
   names.reserve(hives.size());
-  for (const HiveFile* hive : hives) names.push_back(hive->TargetFile().Path().string());
+  for (const HiveFile* hive : hives) names.push_back(hive->TargetFile().Path().Text());
   return names;
 }
 
@@ -82,10 +81,13 @@ void HiveCommit::Publish() {
       }
       FailHalfway(error);
     }
-    written_.push_back(hive.TargetFile().Path().string());
+    written_.push_back(hive.TargetFile().Path().Text());
     waiting_.erase(waiting_.begin());
   }
-  if (record_ && !RemoveEntry(*record_)) log_.Write(Describe(HostFileError("removing a record", *record_, errno)));
+  if (record_) {
+    const std::error_code fault = RemoveEntry(*record_);
+    if (fault) log_.Write(Describe(HostFileError("removing a record", *record_, fault)));
+  }
   record_.reset();
 }
 
@@ -93,8 +95,7 @@ void HiveCommit::Publish() {
 void HiveCommit::FailHalfway(const Error& error) const {
   std::vector<std::string> done = written_;
   std::vector<std::string> missing;
-  for (const HiveFile* hive : waiting_)
-    (hive->IsStaged() ? missing : done).push_back(hive->TargetFile().Path().string());
+  for (const HiveFile* hive : waiting_) (hive->IsStaged() ? missing : done).push_back(hive->TargetFile().Path().Text());
   if (missing.empty()) throw error;  // its own words say that it is in place
   Fail(error, Joined(done) + (done.size() == 1 ? " was" : " were") + " written, " + Joined(missing) +
                   (missing.size() == 1 ? " was not; it is" : " were not; they are") +

@@ -1,6 +1,6 @@
 #include "platform/offline/hive_consent.h"
 
-#include <filesystem>
+#include "host/host_path.h"
 
 namespace quillbox {
 namespace {
@@ -12,7 +12,7 @@ constexpr const char* kMightApply = "Windows might still apply them";
 std::string LogReasons(const Hive& hive, const char* between) {
   std::string text;
   for (const UnusedHiveLog& unused : hive.UnusedLogs()) {
-    text += (text.empty() ? "" : between) + std::filesystem::path(unused.name).filename().string() + ": " + unused.why;
+    text += (text.empty() ? "" : between) + HostPath(unused.name).Name() + ": " + unused.why;
   }
   return text;
 }

@@ -4,20 +4,19 @@
 #include <system_error>
 #include <utility>
 
+#include "host/host_paths.h"
 #include "platform/offline/hive_logs.h"
-#include "platform/offline/host_file.h"
 #include "platform/offline/host_open.h"
 #include "text/error.h"
 
 namespace quillbox {
-namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* kOpening = "opening the hive";
 constexpr const char* kWriting = "writing the hive";
 
 std::string Shown(const HostPlace& file) {
-  return file.Path().string();
+  return file.Path().Text();
 }
 
 Hive LoadHive(const HostPlace& file, DamagedParts damaged) {
@@ -56,20 +55,19 @@ Hive LoadAgreed(const HostPlace& file, const HiveConsent& consent) {
 /// A hive anywhere on the host with its links resolved; beneath a drive they are already.
 HostPlace RealPlace(const HostPlace& hive) {
   if (hive.IsBeneathDrive()) return hive;
-  std::error_code code;
-  const fs::path real = fs::canonical(hive.Path(), code);
-  if (code) throw HostFileError(kOpening, hive, code);
-  return HostPlace::Anywhere(real);
+  const RealPath real = RealPathOf(hive.Path());
+  if (real.fault) throw HostFileError(kOpening, hive, real.fault);
+  return HostPlace::Anywhere(real.path);
 }
 
 }  // namespace
 
-HivePlaces PlacesOf(const HostPlace& hive, const fs::path& stateFolder) {
+HivePlaces PlacesOf(const HostPlace& hive, const HostPath& stateFolder) {
   const HostPlace disk = RealPlace(hive);
   return {disk, PrivateCopy(stateFolder, disk).File()};
 }
 
-HiveFile::HiveFile(const HostPlace& hive, HiveMode mode, const fs::path& stateFolder, Log& log,
+HiveFile::HiveFile(const HostPlace& hive, HiveMode mode, const HostPath& stateFolder, Log& log,
                    const HiveConsent& consent)
     : disk_(RealPlace(hive)), mode_(mode), log_(log), copy_(stateFolder, disk_), readFrom_(disk_) {
   Read(Source(), consent);
@@ -148,7 +146,7 @@ void HiveFile::Publish() try {
     MoveIntoPlace({.from = StagedFile(), .to = TargetFile()}, kWriting);
     NoteWritten();
   } else {
-    FlushFolder(OpenFolder(TargetFile().Folder()).Get());
+    OpenFolder(TargetFile().Folder()).Flush();
   }
   staged_ = Staged::No;
   unsaved_ = false;
@@ -194,11 +192,11 @@ void HiveFile::Write(const Bytes& image, const char* suffix) {
   if (!private_) {
     KeepOriginals();
   } else if (readFrom_ != copy_.File()) {
-    const fs::path older = copy_.Begin(damagedPlaces_);
-    if (!older.empty())
-      log_.Write(Shown(disk_) + ": changed since its private copy was begun; kept as " + older.string());
+    const HostPath older = copy_.Begin(damagedPlaces_);
+    if (!older.Empty())
+      log_.Write(Shown(disk_) + ": changed since its private copy was begun; kept as " + older.Text());
   } else if (damagedCopy_) {
-    log_.Write(Shown(copy_.File()) + ": damaged; kept as " + copy_.KeepDamaged().string());
+    log_.Write(Shown(copy_.File()) + ": damaged; kept as " + copy_.KeepDamaged().Text());
     copy_.Begin(damagedPlaces_);
     damagedCopy_ = false;
   }
@@ -226,7 +224,7 @@ void HiveFile::RemoveLeftovers() const {
   if (mode_ == HiveMode::Read) return;
   for (const HostPlace& file : {disk_, copy_.File()}) {
     if (private_ && file == disk_) continue;
-    RemoveAbandonedFiles(file.Folder());
+    RemoveAbandonedFilesIn(file.Folder());
     RemoveEntry(Beside(file, kStagedSuffix));
   }
 }

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstddef>
-#include <filesystem>
 #include <optional>
 
 #include "platform/offline/hive_consent.h"
@@ -20,7 +19,7 @@ struct HivePlaces {
 };
 
 /// Throws Error when the hive is not there. `stateFolder` as for HiveFile.
-HivePlaces PlacesOf(const HostPlace& hive, const std::filesystem::path& stateFolder);
+HivePlaces PlacesOf(const HostPlace& hive, const HostPath& stateFolder);
 
 enum class HiveMode {
   Read,   ///< looks only: nothing is ever written
@@ -39,7 +38,7 @@ class HiveFile {
   /// Error when the file cannot be read or is not a usable hive, HiveRefused when it NeedsConsent() and does not get
   /// it. A private copy made earlier is read in the hive's place unless the disk's own hive has changed since. The
   /// changes to a hive with damaged parts go to the private copy.
-  HiveFile(const HostPlace& hive, HiveMode mode, const std::filesystem::path& stateFolder, Log& log,
+  HiveFile(const HostPlace& hive, HiveMode mode, const HostPath& stateFolder, Log& log,
            const HiveConsent& consent = {});
 
   const Hive& View() const { return *hive_; }

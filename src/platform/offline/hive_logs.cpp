@@ -3,10 +3,10 @@
 #include <string>
 #include <system_error>
 
+#include "host/host_names.h"
 #include "platform/offline/hive_storage.h"
 #include "platform/offline/host_open.h"
 #include "platform/offline/place_finder.h"
-#include "platform/offline/windows_names.h"
 #include "text/error.h"
 
 namespace quillbox {
@@ -25,14 +25,14 @@ std::vector<FoundLog> FindLogs(const HostPlace& hive) {
   for (const char* suffix : {".LOG", ".LOG1", ".LOG2"}) {
     const std::string wanted = WindowsName(hive.Name()) + suffix;
     const PlaceResult entry = FindPlace(hive.Folder(), {wanted}, LastStep::Keep);
-    if (!entry || !StatPlace(*entry)) continue;
+    if (!entry || !InfoOf(*entry)) continue;
     logs.push_back({*entry, FollowEntry(hive.Folder(), entry->Name())});
   }
   return logs;
 }
 
 HiveLogFile ReadLog(const FoundLog& log) {
-  HiveLogFile file{log.entry.Path().string(), {}, {}};
+  HiveLogFile file{log.entry.Path().Text(), {}, {}};
   try {
     const HostPlace& place = log.place.OrThrow();
     if (StateOf(place).size > kMaxHiveLogMegabytes * kMegabyte) {
@@ -59,7 +59,7 @@ std::vector<HiveLogFile> ReadLogsOf(const HostPlace& hive) {
 void KeepLogsOf(const HostPlace& hive, const char* suffix, Log& log) {
   for (const FoundLog& found : FindLogs(hive)) {
     const HostPlace kept = Beside(found.entry, suffix);
-    if (StatPlace(kept)) continue;
+    if (InfoOf(kept)) continue;
     if (const HiveLogFile content = ReadLog(found); content.unreadable) {
       log.Write(content.name + ": not kept, since " + *content.unreadable);
     } else {

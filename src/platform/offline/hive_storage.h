@@ -6,6 +6,7 @@
 #include <string>
 #include <system_error>
 
+#include "host/entry.h"
 #include "platform/offline/host_place.h"
 #include "text/error.h"
 #include "text/unicode.h"
@@ -16,8 +17,6 @@ namespace quillbox {
 class HostFileError : public Error {
  public:
   HostFileError(std::string doing, const HostPlace& file, const std::error_code& code, bool inPlace = false);
-  /// With an errno.
-  HostFileError(std::string doing, const HostPlace& file, int code);
   /// True when the file is in its place, but may not stay there if the power fails.
   bool IsInPlace() const { return inPlace_; }
   /// True when the disk or the permissions forbid the write, as opposed to a full or failing disk.
@@ -30,11 +29,9 @@ class HostFileError : public Error {
 
 /// What distinguishes one state of a file from another. All zero for a file that is not there.
 struct FileState {
-  std::uint64_t device = 0;
-  std::uint64_t inode = 0;
+  FileId id;
   std::uint64_t size = 0;
-  std::int64_t seconds = 0;  ///< of the last modification, since 1970 UTC
-  std::int64_t nanoseconds = 0;
+  HostTime modified;
   bool operator==(const FileState&) const = default;
 };
 FileState StateOf(const HostPlace& file);
@@ -62,8 +59,8 @@ struct HostMove {
 void MoveIntoPlace(const HostMove& move, const std::string& doing);
 /// True for an ordinary file under this very name; false for a link to one.
 bool IsOrdinaryEntry(const HostPlace& file);
-/// Removes a file or a link itself. False with errno when it stays.
-bool RemoveEntry(const HostPlace& file) noexcept;
+/// Removes a file or a link itself. The reason when it stays.
+std::error_code RemoveEntry(const HostPlace& file);
 
 enum class KeepHow {
   SecondName,  ///< a hard link where there are any, else a copy: for a file that will be replaced, never overwritten

@@ -1,84 +1,100 @@
 #include "platform/offline/host_open.h"
 
-#include <fcntl.h>
-
-#include <cerrno>
-
-#include "platform/offline/open_beneath.h"
+#include "host/host_paths.h"
 
 namespace quillbox {
 
 namespace {
 
-HostFd OpenWith(const HostPlace& place, int flags) {
-  if (!place.IsBeneathDrive()) return HostFd(open(place.Path().c_str(), flags));
-  const HostFd root(open(place.Drive().folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-  return root ? OpenBeneath(root.Get(), place.Names(), flags) : HostFd();
+/// Throws for a failed call on `place`, which was found with `last`: where a link was the reason, with where it leads.
+[[noreturn]] void ThrowAbout(const HostPlace& place, const std::error_code& code, LastStep last = LastStep::Follow) {
+  if (!place.IsBeneathDrive() || code != std::errc::too_many_symbolic_link_levels) ThrowFault(code);
+  const PlaceResult again = FindAgain(place, last);
+  ThrowFault(again ? make_error_code(DiskFault::Changed) : again.Fault());
 }
 
 /// Refuses everything that is not an ordinary file; a disk's devices and pipes are not even opened.
-void CheckOrdinary(const HostPlace& file, const struct stat& info) {
-  if (S_ISLNK(info.st_mode)) ThrowAbout(file, ELOOP);
-  if (S_ISDIR(info.st_mode)) ThrowErrno(EISDIR);
-  if (!S_ISREG(info.st_mode)) ThrowFault(HostFault::NotOrdinary);
+void CheckOrdinary(const HostPlace& file, const EntryInfo& info) {
+  if (info.IsLink()) ThrowAbout(file, SystemCode(std::errc::too_many_symbolic_link_levels));
+  if (info.IsFolder()) ThrowFault(SystemCode(std::errc::is_a_directory));
+  if (!info.IsFile()) ThrowFault(HostFault::NotOrdinary);
+}
+
+HostFile OpenEntry(const HostPlace& file, const OpenPlace& entry) try {
+  return entry.folder.OpenFile(entry.name, entry.links);
+} catch (const std::system_error& failure) {
+  ThrowAbout(file, failure.code());
 }
 
 }  // namespace
 
-void ThrowAbout(const HostPlace& place, int code, LastStep last) {
-  if (!place.IsBeneathDrive() || code != ELOOP) ThrowErrno(code);
-  const PlaceResult again = FindAgain(place, last);
-  ThrowFault(again ? make_error_code(HostFault::Changed) : again.Fault());
-}
-
-HostFd OpenFolder(const HostPlace& folder) {
-  HostFd fd = OpenWith(folder, O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC);
-  if (!fd && errno == EACCES) fd = OpenWith(folder, O_PATH | O_DIRECTORY | O_CLOEXEC);
-  if (!fd) ThrowAbout(folder, errno);
-  return fd;
+HostFolder OpenFolder(const HostPlace& folder) try {
+  if (!folder.IsBeneathDrive()) return HostFolder::Open(folder.Path());
+  return HostFolder::OpenBeneath(folder.Drive().folder, folder.Names());
+} catch (const std::system_error& failure) {
+  ThrowAbout(folder, failure.code());
 }
 
 OpenPlace OpenFolderOf(const HostPlace& place) {
-  if (place.IsRoot()) ThrowErrno(EISDIR);
-  return {OpenFolder(place.Folder()), place.Name(), place.IsBeneathDrive() ? AT_SYMLINK_NOFOLLOW : 0};
+  if (place.IsRoot()) ThrowFault(SystemCode(std::errc::is_a_directory));
+  return {OpenFolder(place.Folder()), place.Name(), place.IsBeneathDrive() ? Links::Keep : Links::Follow};
 }
 
-HostFd OpenForReading(const HostPlace& file) {
-  constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-  if (!file.IsBeneathDrive()) {
-    HostFd fd = OpenWith(file, kFlags);
-    if (!fd) ThrowErrno(errno);
-    return fd;
-  }
+HostFile OpenForReading(const HostPlace& file) {
+  if (!file.IsBeneathDrive()) return HostFile::Open(file.Path());
   const OpenPlace entry = OpenFolderOf(file);
-  struct stat info = {};
-  if (fstatat(entry.folder.Get(), entry.name.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) ThrowErrno(errno);
-  CheckOrdinary(file, info);
-  HostFd fd(openat(entry.folder.Get(), entry.name.c_str(), kFlags | O_NOFOLLOW));
-  if (!fd) ThrowAbout(file, errno);
-  if (fstat(fd.Get(), &info) != 0) ThrowErrno(errno);
-  CheckOrdinary(file, info);
-  return fd;
+  CheckOrdinary(file, entry.Info());
+  HostFile opened = OpenEntry(file, entry);
+  CheckOrdinary(file, opened.Info());
+  return opened;
 }
 
-std::optional<struct stat> StatPlace(const HostPlace& place) {
-  struct stat info = {};
-  if (!place.IsBeneathDrive()) {
-    if (stat(place.Path().c_str(), &info) != 0) return std::nullopt;
-    return info;
+std::string ReadWholeFile(const HostPlace& file) {
+  return OpenForReading(file).ReadWhole();
+}
+
+std::unique_ptr<NewFile> StartNewFile(const HostPlace& target) {
+  if (!target.IsBeneathDrive()) return std::make_unique<NewFile>(target.Path());
+  OpenPlace entry = OpenFolderOf(target);
+  try {
+    return std::make_unique<NewFile>(std::move(entry.folder), std::move(entry.name), Links::Keep);
+  } catch (const std::system_error& failure) {
+    ThrowAbout(target, failure.code(), LastStep::NoLink);
   }
-  if (place.IsRoot()) {
-    if (stat(place.Drive().folder.c_str(), &info) != 0) return std::nullopt;
-    return info;
+}
+
+bool IsStream(const HostPlace& file) {
+  if (file.IsBeneathDrive()) return false;
+  const std::optional<EntryInfo> existing = InfoOf(file);
+  return existing && existing->kind == EntryKind::Other;
+}
+
+void RemoveAbandonedFilesIn(const HostPlace& folder) {
+  try {
+    RemoveAbandonedFiles(OpenFolder(folder));
+  } catch (const std::system_error&) {  // NOLINT(bugprone-empty-catch): nothing was left where there is no folder
   }
-  const HostFd folder = OpenWith(place.Folder(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-  if (!folder || fstatat(folder.Get(), place.Name().c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) return std::nullopt;
-  return info;
+}
+
+std::optional<EntryInfo> InfoOf(const HostPlace& place) {
+  if (!place.IsBeneathDrive() || place.IsRoot()) return InfoOf(place.Path()).info;
+  try {
+    const HostFolder folder = HostFolder::OpenBeneath(place.Drive().folder, place.Names().Parent());
+    return folder.Find(place.Name());
+  } catch (const std::system_error&) {
+    return std::nullopt;
+  }
 }
 
 bool IsFolder(const HostPlace& place) {
-  const std::optional<struct stat> info = StatPlace(place);
-  return info && S_ISDIR(info->st_mode);
+  const std::optional<EntryInfo> info = InfoOf(place);
+  return info && info->IsFolder();
+}
+
+bool IsSameEntry(const HostPlace& a, const HostPlace& b) {
+  const std::optional<EntryInfo> entryA = InfoOf(a);
+  const std::optional<EntryInfo> entryB = InfoOf(b);
+  return entryA && entryB && entryA->id == entryB->id;
 }
 
 }  // namespace quillbox

@@ -1,43 +1,24 @@
 #include "platform/offline/host_place.h"
 
 #include <algorithm>
-#include <iterator>
+
+#include "host/host_paths.h"
 
 namespace quillbox {
 
-namespace fs = std::filesystem;
-
-namespace {
-
-fs::path WithoutFinalSlash(const fs::path& path) {
-  return path.has_relative_path() && !path.has_filename() ? path.parent_path() : path;
+DriveFolder::DriveFolder(const HostPath& given) : folder(Absolute(given)) {
+  const RealPath real = RealPathAsFarAsThere(folder);
+  canonical = real.fault ? folder : real.path;
 }
 
-}  // namespace
-
-DriveFolder::DriveFolder(const fs::path& given) {
-  std::error_code code;
-  folder = WithoutFinalSlash(fs::absolute(given, code).lexically_normal());
-  const fs::path real = fs::weakly_canonical(folder, code);
-  canonical = code ? folder : WithoutFinalSlash(real);
-}
-
-std::optional<fs::path> PartBelow(const fs::path& path, const fs::path& folder) {
-  const auto [rest, end] = std::mismatch(path.begin(), path.end(), folder.begin(), folder.end());
-  if (end != folder.end()) return std::nullopt;
-  fs::path below;
-  for (auto part = rest; part != path.end(); ++part) below /= *part;
-  return below;
-}
-
-std::optional<DiskBounds::Inside> DiskBounds::Find(const fs::path& absolute) const {
+std::optional<DiskBounds::Inside> DiskBounds::Find(const HostPath& absolute) const {
   std::optional<Inside> best;
-  std::ptrdiff_t bestLength = -1;
+  std::size_t bestLength = 0;
   for (std::size_t drive = 0; drive < drives_.size(); ++drive) {
-    for (const fs::path& folder : {drives_[drive].folder, drives_[drive].canonical}) {
-      std::optional<fs::path> below = PartBelow(absolute, folder);
-      const std::ptrdiff_t length = std::distance(folder.begin(), folder.end());
-      if (!below || length <= bestLength) continue;
+    for (const HostPath& folder : {drives_[drive].folder, drives_[drive].canonical}) {
+      std::optional<HostPath> below = absolute.Below(folder);
+      const std::size_t length = folder.Names().size();
+      if (!below || (best && length <= bestLength)) continue;
       best = {drive, std::move(*below)};
       bestLength = length;
     }
@@ -45,33 +26,30 @@ std::optional<DiskBounds::Inside> DiskBounds::Find(const fs::path& absolute) con
   return best;
 }
 
-HostPlace HostPlace::Anywhere(const fs::path& path) {
-  return {nullptr, 0, WithoutFinalSlash(path)};
+HostPlace HostPlace::Anywhere(const HostPath& path) {
+  return {nullptr, 0, path};
 }
 
-HostPlace HostPlace::Beneath(std::shared_ptr<const DiskBounds> bounds, std::size_t drive, fs::path below) {
+HostPlace HostPlace::Beneath(std::shared_ptr<const DiskBounds> bounds, std::size_t drive, HostPath below) {
   return {std::move(bounds), drive, std::move(below)};
 }
 
-HostPlace HostPlace::DiskRoot(const fs::path& folder, const std::vector<fs::path>& more) {
+HostPlace HostPlace::DiskRoot(const HostPath& folder, const std::vector<HostPath>& more) {
   std::vector<DriveFolder> drives = {DriveFolder(folder)};
-  for (const fs::path& other : more) drives.emplace_back(other);
+  for (const HostPath& other : more) drives.emplace_back(other);
   return Beneath(std::make_shared<const DiskBounds>(std::move(drives)), 0);
 }
 
 HostPlace HostPlace::Folder() const {
-  fs::path above = names_.parent_path();
-  if (!IsBeneathDrive() && above.empty()) above = ".";
-  return {bounds_, drive_, std::move(above)};
+  return {bounds_, drive_, names_.Parent()};
 }
 
 HostPlace HostPlace::Join(const std::string& hostName) const {
-  return {bounds_, drive_, names_ / hostName};
+  return {bounds_, drive_, names_.Join(hostName)};
 }
 
-fs::path HostPlace::Path() const {
-  if (!IsBeneathDrive()) return names_;
-  return names_.empty() ? Drive().folder : Drive().folder / names_;
+HostPath HostPlace::Path() const {
+  return IsBeneathDrive() ? Drive().folder.Join(names_) : names_;
 }
 
 }  // namespace quillbox

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <cstddef>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -12,21 +11,19 @@
 #include <utility>
 #include <vector>
 
-#include "platform/offline/host_fault.h"
+#include "host/host_path.h"
+#include "platform/offline/disk_fault.h"
 
 namespace quillbox {
 
 /// A drive of the disk on the host.
 struct DriveFolder {
   /// Takes a folder as a person gives it, which need not exist.
-  explicit DriveFolder(const std::filesystem::path& given);
+  explicit DriveFolder(const HostPath& given);
 
-  std::filesystem::path folder;     ///< absolute, as given
-  std::filesystem::path canonical;  ///< the same without symbolic links
+  HostPath folder;     ///< absolute, as given
+  HostPath canonical;  ///< the same without symbolic links
 };
-
-/// The part of `path` below `folder`, or nothing when it is not inside it. Compares names only.
-std::optional<std::filesystem::path> PartBelow(const std::filesystem::path& path, const std::filesystem::path& folder);
 
 /// The drives' folders that make up one disk. A link that leads from one of them into another stays on the disk, as a
 /// junction from one volume to another does on Windows: the person named both as parts of the same Windows.
@@ -36,12 +33,12 @@ class DiskBounds {
 
   struct Inside {
     std::size_t drive = 0;
-    std::filesystem::path below;
+    HostPath below;
   };
   const DriveFolder& Drive(std::size_t drive) const { return drives_.at(drive); }
   /// The drive with the deepest folder that contains the absolute host path, and the rest of the path. Nothing outside
   /// the disk.
-  std::optional<Inside> Find(const std::filesystem::path& absolute) const;
+  std::optional<Inside> Find(const HostPath& absolute) const;
 
  private:
   std::vector<DriveFolder> drives_;
@@ -50,12 +47,11 @@ class DiskBounds {
 class HostPlace {
  public:
   /// Anywhere on the host.
-  static HostPlace Anywhere(const std::filesystem::path& path);
+  static HostPlace Anywhere(const HostPath& path);
   /// Beneath a drive of the disk: the names `below`, without "..", of which none may be a link when it is opened.
-  static HostPlace Beneath(std::shared_ptr<const DiskBounds> bounds, std::size_t drive,
-                           std::filesystem::path below = {});
+  static HostPlace Beneath(std::shared_ptr<const DiskBounds> bounds, std::size_t drive, HostPath below = {});
   /// The folder of a disk that has this one drive, or further ones.
-  static HostPlace DiskRoot(const std::filesystem::path& folder, const std::vector<std::filesystem::path>& more = {});
+  static HostPlace DiskRoot(const HostPath& folder, const std::vector<HostPath>& more = {});
 
   bool IsBeneathDrive() const { return bounds_ != nullptr; }
   /// The following three for places beneath a drive only.
@@ -63,30 +59,30 @@ class HostPlace {
   const DriveFolder& Drive() const { return bounds_->Drive(drive_); }
   std::size_t DriveNumber() const { return drive_; }
   /// The names below the drive's folder, or the whole path of a place anywhere.
-  const std::filesystem::path& Names() const { return names_; }
+  const HostPath& Names() const { return names_; }
 
   /// True for the drive's own folder and the host's root, which have no folder above them and no name.
-  bool IsRoot() const { return !names_.has_filename(); }
+  bool IsRoot() const { return !names_.HasName(); }
   /// The folder that it is in, and its name there; not for a root.
   HostPlace Folder() const;
-  std::string Name() const { return names_.filename().string(); }
+  std::string Name() const { return names_.Name(); }
   /// The entry `hostName` of this folder; the name must be one that cannot leave it.
   HostPlace Join(const std::string& hostName) const;
 
   /// As a host path: for messages, and for programs of the host that the user starts. Never for opening.
-  std::filesystem::path Path() const;
+  HostPath Path() const;
 
   friend bool operator==(const HostPlace& a, const HostPlace& b) {
     return a.IsBeneathDrive() == b.IsBeneathDrive() && a.Path() == b.Path();
   }
 
  private:
-  HostPlace(std::shared_ptr<const DiskBounds> bounds, std::size_t drive, std::filesystem::path names)
+  HostPlace(std::shared_ptr<const DiskBounds> bounds, std::size_t drive, HostPath names)
       : bounds_(std::move(bounds)), drive_(drive), names_(std::move(names)) {}
 
   std::shared_ptr<const DiskBounds> bounds_;  ///< null for a place anywhere
   std::size_t drive_ = 0;
-  std::filesystem::path names_;
+  HostPath names_;
 };
 
 /// A place, or why there is none.
@@ -94,7 +90,7 @@ class PlaceResult {
  public:
   PlaceResult(HostPlace place) : place_(std::move(place)) {}        // NOLINT: as std::optional
   PlaceResult(const std::error_code& fault) : fault_(fault) {}      // NOLINT
-  PlaceResult(HostFault fault) : fault_(make_error_code(fault)) {}  // NOLINT
+  PlaceResult(DiskFault fault) : fault_(make_error_code(fault)) {}  // NOLINT
 
   explicit operator bool() const { return place_.has_value(); }
   const HostPlace& operator*() const { return *place_; }

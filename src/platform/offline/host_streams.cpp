@@ -1,14 +1,8 @@
 #include "platform/offline/host_streams.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <system_error>
 #include <utility>
 
-#include "platform/offline/host_file.h"
-#include "platform/offline/host_io.h"
+#include "platform/offline/host_open.h"
 #include "text/error.h"
 
 namespace quillbox {
@@ -18,51 +12,46 @@ namespace {
 class HostReader : public FileReader {
  public:
   HostReader(const HostPlace& file, std::string name)
-      : name_(std::move(name)), fd_(WithName(kReading, name_, [&] { return OpenForReading(file); })) {}
+      : name_(std::move(name)), file_(WithName(kReading, name_, [&] { return OpenForReading(file); })) {}
 
   std::size_t Read(std::span<char> buffer) override {
-    return WithName(kReading, name_, [&] { return ReadUpTo(fd_.Get(), buffer); });
+    return WithName(kReading, name_, [&] { return file_.Read(buffer); });
   }
   void GoTo(std::uint64_t offset) override {
-    WithName(kReading, name_, [&] {
-      if (lseek(fd_.Get(), static_cast<off_t>(offset), SEEK_SET) < 0) ThrowErrno(errno);
-    });
+    WithName(kReading, name_, [&] { file_.GoTo(offset); });
   }
 
  private:
   std::string name_;
-  HostFd fd_;
+  HostFile file_;
 };
 
 class HostWriter : public FileWriter {
  public:
-  HostWriter(const HostPlace& file, std::string name) : name_(std::move(name)), file_(file) {}
+  HostWriter(const HostPlace& file, std::string name) : name_(std::move(name)), file_(StartNewFile(file)) {}
   void Write(std::string_view bytes) override {
-    WithName(kWriting, name_, [&] { file_.Write(bytes); });
+    WithName(kWriting, name_, [&] { file_->Write(bytes); });
   }
   void Commit() override {
-    WithName(kWriting, name_, [&] { file_.Commit(); });
+    WithName(kWriting, name_, [&] { file_->Commit(); });
   }
 
  private:
   std::string name_;
-  NewFile file_;
+  std::unique_ptr<NewFile> file_;
 };
 
 class StreamWriter : public FileWriter {
  public:
-  StreamWriter(const HostPlace& file, std::string name)
-      : name_(std::move(name)), fd_(open(file.Path().c_str(), O_WRONLY | O_CLOEXEC)) {
-    if (!fd_) ThrowErrno(errno);
-  }
+  StreamWriter(const HostPlace& file, std::string name) : name_(std::move(name)), stream_(file.Path()) {}
   void Write(std::string_view bytes) override {
-    WithName(kWriting, name_, [&] { WriteAll(fd_.Get(), bytes); });
+    WithName(kWriting, name_, [&] { stream_.Write(bytes); });
   }
   void Commit() override {}
 
  private:
   std::string name_;
-  HostFd fd_;
+  HostStream stream_;
 };
 
 }  // namespace

@@ -2,17 +2,13 @@
 // rather than by its whole path, so that depth and length of paths have no limit.
 #pragma once
 
-#include <dirent.h>
-#include <sys/types.h>
-
-#include <array>
 #include <cstddef>
 #include <string>
 #include <system_error>
 #include <vector>
 
+#include "host/host_folder.h"
 #include "platform/file_system.h"
-#include "platform/offline/host_fd.h"
 #include "platform/offline/host_place.h"
 
 namespace quillbox {
@@ -27,25 +23,22 @@ class HostWalk : public FolderWalk {
  private:
   /// A folder between the root and the one that is being read.
   struct Level {
-    HostFd fd;  ///< closed while too many folders are open
+    HostFolder folder;  ///< closed while too many folders are open
     std::string hostName;
     std::size_t pathLength = 0;  ///< how much of path_ is this folder's
-    dev_t device = 0;
-    ino_t node = 0;
+    FileId id;
     std::vector<std::string> subfolders;  ///< names on the host
     std::size_t next = 0;                 ///< the subfolder to enter next
   };
 
   bool EnterNext(WalkStep& step);
-  void Enter(HostFd fd, const std::string& hostName);
-  bool Reopen(std::size_t depth);
+  void Enter(HostFolder folder, const std::string& hostName);
+  void Reopen(std::size_t depth);
   void Read(WalkStep& step);
-  void Take(const dirent64& stored, WalkStep& step);
-  bool IsAbove(dev_t device, ino_t node) const;
-  bool IsLinkToFolder(const char* name) const;
+  void Take(ListedEntry& entry, WalkStep& step);
+  bool IsAbove(const FileId& id) const;
+  bool IsLinkToFolder(const std::string& name) const;
   void TellUnread(const std::string& hostName, const std::error_code& fault, WalkStep& step) const;
-
-  static constexpr std::size_t kBufferSize = std::size_t{64} * 1024;
 
   HostPlace host_;
   Wildcard pattern_;
@@ -53,7 +46,7 @@ class HostWalk : public FolderWalk {
   std::vector<Level> levels_;
   bool started_ = false;
   bool reading_ = false;  ///< the deepest level has entries that were not read yet
-  alignas(dirent64) std::array<char, kBufferSize> buffer_;
+  std::vector<ListedEntry> listed_;
 };
 
 }  // namespace quillbox

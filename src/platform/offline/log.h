@@ -2,8 +2,7 @@
 // send.
 #pragma once
 
-#include <filesystem>
-
+#include "host/host_path.h"
 #include "platform/platform.h"
 
 namespace quillbox {
@@ -14,13 +13,13 @@ class FileLog : public Log {
   static constexpr std::uintmax_t kMaxBytes = 1u << 20;
 
   /// Logs to `quillbox.log` in `stateFolder`, made when missing. Where that fails, it logs to standard error only.
-  explicit FileLog(const std::filesystem::path& stateFolder);
+  explicit FileLog(const HostPath& stateFolder);
 
   /// One line with the local time. Line ends become blanks, other control characters signs. Never throws.
   void Write(std::string_view text) override;
 
  private:
-  std::filesystem::path file_;
+  HostPath file_;
 };
 
 }  // namespace quillbox

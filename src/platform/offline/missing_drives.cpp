@@ -4,12 +4,10 @@
 
 namespace quillbox {
 
-namespace fs = std::filesystem;
-
-std::optional<fs::path> MissingDrives::FolderFor(const WinPath& path) {
+std::optional<HostPath> MissingDrives::FolderFor(const WinPath& path) {
   const char letter = path.Drive();
   if (declined_.count(letter) > 0) return std::nullopt;
-  std::optional<fs::path> folder = Ask(path);
+  std::optional<HostPath> folder = Ask(path);
   if (folder) {
     onNamed(letter, *folder);
   } else {
@@ -18,7 +16,7 @@ std::optional<fs::path> MissingDrives::FolderFor(const WinPath& path) {
   return folder;
 }
 
-std::optional<fs::path> MissingDrives::Ask(const WinPath& path) {
+std::optional<HostPath> MissingDrives::Ask(const WinPath& path) {
   const std::string drive = {path.Drive(), ':'};
   const Message question{.text = "The disk's registry names \"" + OneLine(path.Text()) + "\", but drive " + drive +
                                  " is not attached.\n\nIf this computer has a folder that is drive " + drive +
@@ -29,8 +27,8 @@ std::optional<fs::path> MissingDrives::Ask(const WinPath& path) {
   while (dialogs_.Show(question) == MessageAnswer::Yes) {
     const auto chosen = dialogs_.BrowseForFolder({.title = "Choose the folder that is drive " + drive});
     if (!chosen) continue;
-    fs::path folder = paths_.HostPath(*chosen);
-    if (!folder.empty() && folder != "/") return folder;
+    HostPath folder = paths_.HostPathOf(*chosen);
+    if (!folder.Empty() && !folder.IsRoot()) return folder;
     dialogs_.Show({.text = "This folder cannot be drive " + drive + ": it is the root folder of this computer.",
                    .icon = MessageIcon::Exclamation});
   }

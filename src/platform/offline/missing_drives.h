@@ -2,7 +2,6 @@
 // opened without its second volume.
 #pragma once
 
-#include <filesystem>
 #include <functional>
 #include <optional>
 #include <set>
@@ -20,14 +19,14 @@ class MissingDrives {
 
   /// The folder of this computer that is the drive of `path`; nothing when the user has none, which is asked once until
   /// EndCommand().
-  std::optional<std::filesystem::path> FolderFor(const WinPath& path);
+  std::optional<HostPath> FolderFor(const WinPath& path);
   void EndCommand() { declined_.clear(); }
 
   /// Called with each drive that the user has named.
-  std::function<void(char letter, const std::filesystem::path& folder)> onNamed = [](char, const auto&) {};
+  std::function<void(char letter, const HostPath& folder)> onNamed = [](char, const auto&) {};
 
  private:
-  std::optional<std::filesystem::path> Ask(const WinPath& path);
+  std::optional<HostPath> Ask(const WinPath& path);
 
   Dialogs& dialogs_;
   const HostPaths& paths_;

@@ -1,23 +1,13 @@
 #include "platform/offline/offline_drives.h"
 
-#include <system_error>
 #include <utility>
 
-#include "platform/offline/host_file.h"
-#include "platform/offline/volume_label.h"
+#include "host/host_names.h"
+#include "host/host_paths.h"
+#include "host/volume.h"
+#include "platform/offline/host_open.h"
 
 namespace quillbox {
-
-namespace fs = std::filesystem;
-
-namespace {
-
-bool IsHostFolder(const fs::path& path) {
-  std::error_code code;
-  return fs::is_directory(path, code);
-}
-
-}  // namespace
 
 OfflineDrives::OfflineDrives(DriveMap map) : map_(std::move(map)) {}
 
@@ -35,18 +25,18 @@ PlaceResult OfflineDrives::PlaceOf(const WinPath& path, LastStep last) const {
   return map_.PlaceOf(Absolute(path), last);
 }
 
-fs::path OfflineDrives::HostPath(const WinPath& path) const {
+HostPath OfflineDrives::HostPathOf(const WinPath& path) const {
   const PlaceResult place = PlaceOf(path);
-  return place ? place->Path() : fs::path();
+  return place ? place->Path() : HostPath();
 }
 
-WinPath OfflineDrives::WindowsPathOf(const fs::path& path) const {
+WinPath OfflineDrives::WindowsPathOf(const HostPath& path) const {
   return map_.WindowsPathOf(path).value_or(WinPath());
 }
 
 DriveType OfflineDrives::TypeOfDrive(const WinPath& root) {
-  const fs::path* folder = map_.FolderOf(root.Drive());
-  if (folder == nullptr || !IsHostFolder(*folder)) return DriveType::NoRoot;
+  const HostPath* folder = map_.FolderOf(root.Drive());
+  if (folder == nullptr || !IsFolder(*folder)) return DriveType::NoRoot;
   return map_.IsHostDrive(root.Drive()) ? DriveType::Remote : DriveType::Fixed;
 }
 
@@ -57,13 +47,13 @@ bool OfflineDrives::IsOwnDrive(char letter) {
 
 void OfflineDrives::OfferToAttach(const WinPath& path) {
   if (path.Drive() == 0 || map_.FolderOf(path.Drive()) != nullptr || !askForFolder) return;
-  if (const std::optional<fs::path> folder = askForFolder(path)) map_.Add(path.Drive(), *folder);
+  if (const std::optional<HostPath> folder = askForFolder(path)) map_.Add(path.Drive(), *folder);
 }
 
 std::optional<std::string> OfflineDrives::VolumeLabel(const WinPath& root) {
-  const fs::path* folder = map_.FolderOf(root.Drive());
-  if (folder == nullptr || !IsHostFolder(*folder)) return std::nullopt;
-  return LabelOfMount(*folder);
+  const HostPath* folder = map_.FolderOf(root.Drive());
+  if (folder == nullptr || !IsFolder(*folder)) return std::nullopt;
+  return WindowsName(LabelOfVolume(*folder));
 }
 
 Status OfflineDrives::SetCurrentDrive(char letter) {

@@ -2,7 +2,6 @@
 // each, and so the way from any Windows path to its place on the host.
 #pragma once
 
-#include <filesystem>
 #include <functional>
 #include <map>
 #include <optional>
@@ -23,15 +22,15 @@ class OfflineDrives : public Drives, public HostPaths {
   /// From now on nothing is written on the disk's own drives: what the user asks for is refused with that reason.
   void LeaveDiskAlone() { map_.LeaveDiskAlone(); }
   /// Asks for the folder of a drive that is not there, for OfferToAttach(); nothing when there is none.
-  std::function<std::optional<std::filesystem::path>(const WinPath& path)> askForFolder;
+  std::function<std::optional<HostPath>(const WinPath& path)> askForFolder;
 
   /// `path` made absolute with the current drive and directories.
   WinPath Absolute(const WinPath& path) const;
   /// Where `path` is on the host, whether it exists or not; why not, when it is not on a known drive or leads out of
   /// the disk.
   PlaceResult PlaceOf(const WinPath& path, LastStep last = LastStep::Follow) const;
-  std::filesystem::path HostPath(const WinPath& path) const override;
-  WinPath WindowsPathOf(const std::filesystem::path& path) const override;
+  HostPath HostPathOf(const WinPath& path) const override;
+  WinPath WindowsPathOf(const HostPath& path) const override;
 
   DriveType TypeOfDrive(const WinPath& root) override;
   bool IsOwnDrive(char letter) override;

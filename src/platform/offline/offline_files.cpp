@@ -1,30 +1,23 @@
 #include "platform/offline/offline_files.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <climits>
 #include <optional>
 #include <system_error>
 #include <utility>
 
+#include "host/host_names.h"
 #include "platform/offline/folder_finder.h"
-#include "platform/offline/host_file.h"
+#include "platform/offline/host_open.h"
 #include "platform/offline/host_streams.h"
 #include "platform/offline/host_walk.h"
-#include "platform/offline/windows_names.h"
 #include "text/error.h"
 #include "text/unicode.h"
 
 namespace quillbox {
 
-namespace fs = std::filesystem;
-
 namespace {
 
-constexpr mode_t kNewFolderMode = 0777;
+/// Of a path whose folders are all made, in bytes: more is a mistake.
+constexpr std::size_t kMaxMadePath = 4096;
 
 class NoEntries : public FileFinder {
  public:
@@ -91,13 +84,13 @@ std::optional<FileEntry> OfflineFiles::Stat(const WinPath& path) {
   const PlaceResult place = drives_.PlaceOf(absolute, LastStep::Keep);
   if (!place) return std::nullopt;
   if (place->IsRoot()) {
-    const std::optional<struct stat> info = StatPlace(*place);
+    const std::optional<EntryInfo> info = InfoOf(*place);
     return info ? std::optional(EntryOf(*info)) : std::nullopt;
   }
   try {
     const OpenPlace opened = OpenFolderOf(*place);
-    const AttributeReader attributes(opened.folder.Get());
-    std::optional<FileEntry> entry = ReadHostEntry({place->Folder(), opened.folder.Get()}, opened.name, &attributes);
+    const AttributeReader attributes(opened.folder);
+    std::optional<FileEntry> entry = ReadHostEntry({place->Folder(), opened.folder}, opened.name, &attributes);
     if (entry) entry->name = WindowsName(opened.name);
     return entry;
   } catch (const std::system_error&) {
@@ -107,7 +100,7 @@ std::optional<FileEntry> OfflineFiles::Stat(const WinPath& path) {
 
 std::optional<std::string> OfflineFiles::RefusalOf(const WinPath& path) {
   const PlaceResult place = drives_.PlaceOf(path);
-  if (place || place.Fault() == HostFault::NoSuchDrive || place.Fault() == HostFault::ImpossibleName) {
+  if (place || place.Fault() == DiskFault::NoSuchDrive || place.Fault() == DiskFault::ImpossibleName) {
     return std::nullopt;
   }
   return ReasonOf(place.Fault());
@@ -117,13 +110,13 @@ Status OfflineFiles::MakeDirectory(const WinPath& path) {
   const WinPath absolute = drives_.Absolute(path);
   const PlaceResult place = drives_.PlaceOf(absolute, LastStep::Keep);
   if (!place) return StatusOf(place.Fault());
-  if (place->IsRoot() || StatPlace(*place)) return Status::FileExists;
+  if (place->IsRoot() || InfoOf(*place)) return Status::FileExists;
   if (!IsFolder(place->Folder())) return Status::PathNotFound;
   if (FileNameFault(absolute.Name())) return Status::InvalidParameter;
   if (drives_.Map().IsLeftAlone(absolute.Drive())) return Status::AccessDenied;
   try {
     const OpenPlace made = OpenFolderOf(*place);
-    return StatusOfErrno(mkdirat(made.folder.Get(), made.name.c_str(), kNewFolderMode) == 0 ? 0 : errno);
+    return StatusOf(made.folder.MakeFolder(made.name));
   } catch (const std::system_error& failure) {
     return StatusOf(failure.code());
   }
@@ -132,7 +125,7 @@ Status OfflineFiles::MakeDirectory(const WinPath& path) {
 bool OfflineFiles::MakePath(const WinPath& path) {
   const WinPath absolute = drives_.Absolute(path);
   const PlaceResult place = drives_.PlaceOf(absolute);
-  if (!place || place->Path().native().size() > PATH_MAX) return false;
+  if (!place || place->Path().Text().size() > kMaxMadePath) return false;
   if (IsFolder(*place)) return true;
   if (IsRoot(absolute) || !MakePath(absolute.Parent())) return false;
   return MakeDirectory(absolute) == Status::Success;
@@ -140,13 +133,13 @@ bool OfflineFiles::MakePath(const WinPath& path) {
 
 Status OfflineFiles::DeleteFile(const WinPath& path) {
   const PlaceResult place = drives_.PlaceOf(path, LastStep::Keep);
-  if (!place) return place.Fault() == HostFault::LeadsOut ? Status::AccessDenied : Status::PathNotFound;
+  if (!place) return place.Fault() == DiskFault::LeadsOut ? Status::AccessDenied : Status::PathNotFound;
   if (place->IsRoot()) return Status::AccessDenied;
   if (!IsFolder(place->Folder())) return Status::PathNotFound;
   if (IsFolder(*place) || drives_.Map().IsLeftAlone(drives_.Absolute(path).Drive())) return Status::AccessDenied;
   try {
     const OpenPlace gone = OpenFolderOf(*place);
-    return StatusOfErrno(unlinkat(gone.folder.Get(), gone.name.c_str(), 0) == 0 ? 0 : errno);
+    return StatusOf(gone.folder.Remove(gone.name));
   } catch (const std::system_error& failure) {
     return StatusOf(failure.code());
   }
@@ -170,7 +163,7 @@ std::unique_ptr<FileWriter> OfflineFiles::StartFile(const WinPath& path) {
   const WinPath absolute = drives_.Absolute(path);
   const HostPlace place =
       WithName(kWriting, absolute.Text(), [&] { return drives_.PlaceOf(absolute, LastStep::NoLink).OrThrow(); });
-  if (const auto fault = FileNameFault(absolute.Name()); fault && !StatPlace(place)) {
+  if (const auto fault = FileNameFault(absolute.Name()); fault && !InfoOf(place)) {
     throw Error(kWriting, {absolute.Text(), {}, {}}, "no file can have that name: " + fault->reason);
   }
   if (!IsStream(place)) Sweep(place.Folder());

@@ -6,15 +6,14 @@
 #include <system_error>
 #include <utility>
 
+#include "host/host_paths.h"
+#include "host/state_folder.h"
 #include "platform/offline/stand_in.h"
-#include "platform/offline/state_folder.h"
 #include "text/code_page.h"
 #include "text/command_options.h"
 #include "text/error.h"
 
 namespace quillbox {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -24,13 +23,11 @@ constexpr const char* kSalvageOption = "--salvage";
 constexpr const char* kDriveOption = "--drive";
 const RegistryPath kCodePages = {RegistryRoot::LocalMachine, "SYSTEM\\CurrentControlSet\\Control\\Nls\\CodePage"};
 
-const std::map<char, fs::path>& Checked(const std::map<char, fs::path>& drives) {
+const std::map<char, HostPath>& Checked(const std::map<char, HostPath>& drives) {
   for (const auto& [letter, folder] : drives) {
-    std::error_code code;
     const std::string drive = {letter, ':'};
     if (const auto fault = DriveLetterFault(letter)) throw Error("adding a drive", {drive, {}, {}}, fault->reason);
-    if (!fs::is_directory(folder, code))
-      throw Error("adding the drive " + drive, {folder.string(), {}, {}}, "there is no such folder");
+    if (!IsFolder(folder)) throw Error("adding the drive " + drive, {folder.Text(), {}, {}}, "there is no such folder");
   }
   return drives;
 }
@@ -38,35 +35,35 @@ const std::map<char, fs::path>& Checked(const std::map<char, fs::path>& drives) 
 std::optional<DiskLock> LockDisk(const WindowsDisk& disk, const ProfileFolder& profile, const OfflineOptions& options,
                                  Log& log) {
   if (options.readOnly) return std::nullopt;
-  std::vector<fs::path> folders = {profile.hive.Place().Folder().Path()};
+  std::vector<HostPath> folders = {profile.hive.Place().Folder().Path()};
   if (disk.softwareHive && disk.softwareHive->PlaceIfAny() != nullptr) {
     folders.push_back(disk.softwareHive->Place().Folder().Path());
   }
-  return DiskLock(folders, options.lockFds, log);
+  return DiskLock(folders, options.locks, log);
 }
 
-std::string DriveArgument(char letter, const fs::path& folder) {
-  return std::string(1, letter) + "=" + fs::absolute(folder).string();
+std::string DriveArgument(char letter, const HostPath& folder) {
+  return std::string(1, letter) + "=" + Absolute(folder).Text();
 }
 
 RegistryEditor EditorFor(const WindowsDisk& disk, const ProfileFolder& profile, const OfflineOptions& options,
                          const std::optional<DiskLock>& lock) {
   RegistryEditor editor;
-  editor.program = options.registryEditor.empty() ? RegistryEditorBesideProgram() : options.registryEditor;
-  editor.diskArguments = {"--disk", disk.folder.string(), "--profile", profile.name};
+  editor.program = options.registryEditor.Empty() ? RegistryEditorBesideProgram() : options.registryEditor;
+  editor.diskArguments = {"--disk", disk.folder.Text(), "--profile", profile.name};
   const auto add = [&](const char* option, std::string value) {
     editor.diskArguments.insert(editor.diskArguments.end(), {option, std::move(value)});
   };
   for (const auto& [letter, folder] : options.drives) add(kDriveOption, DriveArgument(letter, folder));
-  if (!options.stateFolder.empty()) add("--state-folder", fs::absolute(options.stateFolder).string());
-  if (lock) editor.lockFds = lock->Descriptors();
+  if (!options.stateFolder.Empty()) add("--state-folder", Absolute(options.stateFolder).Text());
+  if (lock) editor.locks = lock->Numbers();
   return editor;
 }
 
 }  // namespace
 
 OfflinePlatform::OfflinePlatform(const OfflineOptions& options, Dialogs& dialogs, Clipboard* clipboard)
-    : stateFolder_(options.stateFolder.empty() ? StateFolder() : options.stateFolder),
+    : stateFolder_(options.stateFolder.Empty() ? StateFolder() : options.stateFolder),
       salvage_(options.salvage),
       log_(stateFolder_),
       dialogs_(dialogs),
@@ -116,7 +113,7 @@ OfflinePlatform::~OfflinePlatform() {
 
 void OfflinePlatform::AskForMissingDrives(const OfflineOptions& options) {
   drives_.askForFolder = [this](const WinPath& path) { return missingDrives_.FolderFor(path); };
-  missingDrives_.onNamed = [this, named = options.driveNamed](char letter, const fs::path& folder) {
+  missingDrives_.onNamed = [this, named = options.driveNamed](char letter, const HostPath& folder) {
     processes_.PassOn(kDriveOption);
     processes_.PassOn(DriveArgument(letter, folder));
     if (named) named(letter, folder);
@@ -124,7 +121,7 @@ void OfflinePlatform::AskForMissingDrives(const OfflineOptions& options) {
 }
 
 HiveConsent OfflinePlatform::ConsentFor(const HostPlace& hive, std::string registry) {
-  return [this, name = hive.Path().string(), registry = std::move(registry)](const Hive& found) {
+  return [this, name = hive.Path().Text(), registry = std::move(registry)](const Hive& found) {
     if (salvage_ == Salvage::AgreedBefore) return true;
     if (salvage_ == Salvage::Ask) {
       const MessageAnswer answer = dialogs_.Show({.text = ConsentQuestion(found, registry),
@@ -224,7 +221,7 @@ bool OfflinePlatform::UsesPrivateCopy() const {
 }
 
 std::string OfflinePlatform::SystemDescription() {
-  std::string text = disk_.folder.string() + ", " + profile_.name;
+  std::string text = disk_.folder.Text() + ", " + profile_.name;
   if (const std::size_t places = DamagedPlaces(); places > 0) {
     text += " (" + DamagedIn(places) + ": what cannot be read is left out; " + WhereChangesGo() + ")";
   } else if (UsesPrivateCopy()) {
@@ -250,7 +247,7 @@ std::string OfflinePlatform::PrivateCopies(std::initializer_list<RegistryRoot> r
   for (const auto& hive : hives_) {
     const auto root = hive == hives_.front() ? RegistryRoot::CurrentUser : RegistryRoot::LocalMachine;
     if (!hive->IsPrivateCopy() || std::find(roots.begin(), roots.end(), root) == roots.end()) continue;
-    names += (names.empty() ? "" : " and ") + hive->DiskFile().Path().filename().string();
+    names += (names.empty() ? "" : " and ") + hive->DiskFile().Path().Name();
   }
   return names;
 }

@@ -2,7 +2,6 @@
 // registry, and puts the pieces of this folder together.
 #pragma once
 
-#include <filesystem>
 #include <functional>
 #include <initializer_list>
 #include <map>
@@ -41,18 +40,18 @@ enum class RegistryUse {
 };
 
 struct OfflineOptions {
-  std::filesystem::path folder;                       ///< the host folder that is C:\ .
-  std::string profile = {};                           ///< may be empty where there is only one
-  std::map<char, std::filesystem::path> drives = {};  ///< further drives by upper-case letter
-  std::vector<int> lockFds = {};                      ///< the disk's lock, from the program that started this one
-  WinPath currentDirectory = {};                      ///< empty for C:\ .
-  std::filesystem::path stateFolder = {};             ///< empty for the user's own
-  std::filesystem::path registryEditor = {};          ///< empty for the one beside the running program
-  bool readOnly = false;                              ///< changes nothing, and needs no lock
+  HostPath folder;                       ///< the host folder that is C:\ .
+  std::string profile = {};              ///< may be empty where there is only one
+  std::map<char, HostPath> drives = {};  ///< further drives by upper-case letter
+  std::vector<HandleNumber> locks = {};  ///< the disk's lock, from the program that started this one
+  WinPath currentDirectory = {};         ///< empty for C:\ .
+  HostPath stateFolder = {};             ///< empty for the user's own
+  HostPath registryEditor = {};          ///< empty for the one beside the running program
+  bool readOnly = false;                 ///< changes nothing, and needs no lock
   Salvage salvage = Salvage::Ask;
   RegistryUse registry = RegistryUse::OfTheDisk;
   /// Called when the user has named a drive that the disk's registry asked for.
-  std::function<void(char letter, const std::filesystem::path& folder)> driveNamed = {};
+  std::function<void(char letter, const HostPath& folder)> driveNamed = {};
 };
 
 class OfflinePlatform : public Platform {
@@ -106,7 +105,7 @@ class OfflinePlatform : public Platform {
   WindowsDisk FindDisk(const OfflineOptions& options) const;
   ProfileFolder FindProfile(const OfflineOptions& options);
 
-  std::filesystem::path stateFolder_;
+  HostPath stateFolder_;
   Salvage salvage_;
   FileLog log_;
   SystemClock clock_;

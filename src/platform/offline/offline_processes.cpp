@@ -1,28 +1,20 @@
 #include "platform/offline/offline_processes.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <array>
-#include <cerrno>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
-#include "platform/offline/host_fault.h"
-#include "platform/offline/host_fd.h"
-#include "platform/offline/host_io.h"
-#include "platform/offline/host_program.h"
+#include "host/host_fault.h"
+#include "host/host_paths.h"
+#include "host/host_program.h"
 #include "text/unicode.h"
 
 namespace quillbox {
 
-namespace fs = std::filesystem;
-
 namespace {
 
 constexpr std::string_view kEditorName = "regedit";
-constexpr std::size_t kMaxLoggedOutput = std::size_t{16} * 1024;
+constexpr const char* kLockOption = "--lock";
 
 /// True when the command line's program is the registry editor, with or without ".exe".
 bool IsEditorCommand(std::string_view commandLine) {
@@ -30,31 +22,6 @@ bool IsEditorCommand(std::string_view commandLine) {
   commandLine.remove_prefix(kEditorName.size());
   if (StartsWithIgnoreCase(commandLine, ".exe")) commandLine.remove_prefix(4);
   return commandLine.empty() || commandLine.front() == ' ' || commandLine.front() == '/';
-}
-
-/// Everything that comes out of a pipe, of which the first part is kept.
-std::string Drain(int fd) try {
-  std::string kept;
-  std::array<char, 4096> buffer = {};
-  while (const std::size_t got = ReadUpTo(fd, buffer)) {
-    if (kept.size() < kMaxLoggedOutput) kept.append(buffer.data(), got);
-  }
-  return kept;
-} catch (const std::system_error& failure) {
-  return "(what it wrote cannot be read: " + ReasonOf(failure.code()) + ")";
-}
-
-/// Runs a program to its end. Throws std::system_error when it cannot be started.
-ProcessEnd RunProgram(HostProgram program) {
-  std::array<int, 2> ends = {-1, -1};
-  if (pipe2(ends.data(), O_CLOEXEC) != 0) ThrowErrno(errno);
-  const HostFd readEnd(ends[0]);
-  HostFd writeEnd(ends[1]);
-  program.standardError = writeEnd.Get();
-  const pid_t process = StartProgram(std::move(program));
-  writeEnd.Close();
-  std::string errors = Drain(readEnd.Get());
-  return {.started = true, .exitCode = WaitForEnd(process), .errors = std::move(errors)};
 }
 
 }  // namespace
@@ -75,15 +42,18 @@ ProcessEnd OfflineProcesses::RunAndWait(const std::string& commandLine, ShowStyl
 
 ProcessEnd OfflineProcesses::RunEditor(const std::string& commandLine) {
   std::vector<std::string> arguments = editor_.diskArguments;
-  for (const int fd : editor_.lockFds) arguments.insert(arguments.end(), {"--lock-fd", std::to_string(fd)});
+  for (const HandleNumber lock : editor_.locks) {
+    arguments.insert(arguments.end(), {kLockOption, std::to_string(lock)});
+  }
   arguments.insert(arguments.end(), {"--directory", drives_.CurrentDirectory().Text(), "--command-line", commandLine});
 
   ProcessEnd end;
   try {
-    end = RunProgram(
-        {.program = fs::absolute(editor_.program), .arguments = std::move(arguments), .passedFds = editor_.lockFds});
+    const ProgramEnd program = RunToEnd(
+        {.program = Absolute(editor_.program).Text(), .arguments = std::move(arguments), .passed = editor_.locks});
+    end = {.started = true, .exitCode = program.exitCode, .errors = program.errors};
   } catch (const std::system_error& failure) {
-    log_.Write(editor_.program.string() + " could not be started: " + ReasonOf(failure.code()));
+    log_.Write(editor_.program.Text() + " could not be started: " + ReasonOf(failure.code()));
     return {};
   }
   if (end.exitCode != 0) {
@@ -94,9 +64,8 @@ ProcessEnd OfflineProcesses::RunEditor(const std::string& commandLine) {
   return end;
 }
 
-fs::path RegistryEditorBesideProgram() {
-  std::error_code code;
-  return fs::read_symlink("/proc/self/exe", code).parent_path() / kEditorName;
+HostPath RegistryEditorBesideProgram() {
+  return ProgramFolder() / kEditorName;
 }
 
 }  // namespace quillbox

@@ -2,10 +2,11 @@
 // the same disk.
 #pragma once
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
+#include "host/host_handle.h"
+#include "host/host_path.h"
 #include "platform/offline/offline_drives.h"
 #include "platform/offline/offline_registry.h"
 #include "platform/platform.h"
@@ -14,9 +15,9 @@ namespace quillbox {
 
 /// How the registry editor is started for a disk.
 struct RegistryEditor {
-  std::filesystem::path program;
+  HostPath program;
   std::vector<std::string> diskArguments;  ///< which disk, profile and drives
-  std::vector<int> lockFds;                ///< the disk's lock, which the editor shares
+  std::vector<HandleNumber> locks;         ///< the disk's lock, which the editor shares
 };
 
 class OfflineProcesses : public Processes {
@@ -41,6 +42,6 @@ class OfflineProcesses : public Processes {
 };
 
 /// The registry editor that was built with the running program: `regedit` in the same folder.
-std::filesystem::path RegistryEditorBesideProgram();
+HostPath RegistryEditorBesideProgram();
 
 }  // namespace quillbox

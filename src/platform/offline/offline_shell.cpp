@@ -6,7 +6,8 @@
 #include <string_view>
 #include <system_error>
 
-#include "platform/offline/host_program.h"
+#include "host/host_program.h"
+#include "platform/offline/host_open.h"
 #include "text/message_text.h"
 #include "text/unicode.h"
 
@@ -22,14 +23,10 @@ constexpr std::chrono::seconds kSoon{1};
 
 /// An opener that was started.
 struct OfflineShell::Child {
-  pid_t process;
-  std::optional<int> exitCode = std::nullopt;  ///< once it has ended
-  bool isWatched = true;                       ///< false when the shell is gone
+  std::unique_ptr<StartedProgram> program;
+  bool isWatched = true;  ///< false when the shell is gone
 
-  bool HasEnded() {
-    if (!exitCode) exitCode = EndOf(process);
-    return exitCode.has_value();
-  }
+  bool HasEnded() { return program->ExitCode().has_value(); }
 };
 
 OfflineShell::OfflineShell(OfflineFiles& files, SystemFacts& facts, Dialogs& dialogs, Log& log, std::string opener,
@@ -60,13 +57,13 @@ void OfflineShell::EndCommand() {
 }
 
 void OfflineShell::Explore(const WinPath& folder, const std::string& /*parameters*/) {
-  const PlaceResult place = folder.Empty() ? PlaceResult(HostFault::NoSuchDrive) : files_.OnDrives().PlaceOf(folder);
+  const PlaceResult place = folder.Empty() ? PlaceResult(DiskFault::NoSuchDrive) : files_.OnDrives().PlaceOf(folder);
   if (!place || !IsFolder(*place)) {
     dialogs_.Show({"The path '" + OneLine(folder.Text()) + "' does not exist or is not a directory.", kProgramName,
                    MessageButtons::Ok, MessageIcon::Error});
     return;
   }
-  const std::string host = place->Path().string();
+  const std::string host = place->Path().Text();
   Start(host, {.text = "No file manager could be started. On this computer the folder is:\n\n" + OneLine(host),
                .icon = MessageIcon::Information});
 }
@@ -86,15 +83,15 @@ void OfflineShell::OpenUrl(const std::string& url) {
 /// it has ended soon with an exit code that says so; the windows go on meanwhile.
 void OfflineShell::Start(const std::string& argument, const Message& failure) try {
   ReapEnded();
-  const auto child =
-      std::make_shared<Child>(Child{StartProgram({.program = opener_, .arguments = {argument}, .ownSession = true})});
+  const auto child = std::make_shared<Child>(Child{OpenForUser(opener_, argument)});
   started_.push_back(child);
   const auto end = std::chrono::steady_clock::now() + kSoon;
   dialogs_.Meanwhile([this, child, end, argument, failure] {
     if (!child->isWatched) return false;
     if (!child->HasEnded()) return std::chrono::steady_clock::now() < end;
-    if (child->exitCode == 0) return false;
-    log_.Write(opener_ + " did not open " + argument + ": its exit code is " + std::to_string(*child->exitCode));
+    const int exitCode = child->program->ExitCode().value_or(0);
+    if (exitCode == 0) return false;
+    log_.Write(opener_ + " did not open " + argument + ": its exit code is " + std::to_string(exitCode));
     dialogs_.Show(failure);
     return false;
   });

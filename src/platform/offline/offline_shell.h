@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "host/host_program.h"
 #include "platform/offline/copy_command.h"
 #include "platform/offline/copy_io.h"
 #include "platform/offline/offline_files.h"
@@ -18,7 +19,7 @@ class OfflineShell : public Shell {
  public:
   /// All must outlive the shell. `opener` is the host's program that opens a folder or a page given as its argument,
   /// `io` the calls that copies make.
-  OfflineShell(OfflineFiles& files, SystemFacts& facts, Dialogs& dialogs, Log& log, std::string opener = "xdg-open",
+  OfflineShell(OfflineFiles& files, SystemFacts& facts, Dialogs& dialogs, Log& log, std::string opener = kSystemOpener,
                std::unique_ptr<CopyIo> io = std::make_unique<CopyIo>());
   ~OfflineShell() override;
   OfflineShell(const OfflineShell&) = delete;

@@ -1,43 +1,34 @@
 #include "platform/offline/place_finder.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <climits>
 #include <deque>
 #include <optional>
 #include <string>
 
-#include "platform/offline/open_beneath.h"
-#include "platform/offline/windows_names.h"
+#include "host/host_names.h"
+#include "platform/offline/find_entry.h"
+#include "platform/offline/host_open.h"
 
 namespace quillbox {
 
-namespace fs = std::filesystem;
-
 namespace {
-
-constexpr int kFolderFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
 /// A step of a path: to the entry of this Windows name, or up where it is "..".
 using Steps = std::deque<std::string>;
 constexpr const char* kUp = "..";
 
-HostFd OpenAt(const HostPlace& place) {
-  if (!place.IsBeneathDrive()) return HostFd(open(place.Path().c_str(), kFolderFlags));
-  const HostFd root(open(place.Drive().folder.c_str(), kFolderFlags));
-  return root ? OpenBeneath(root.Get(), place.Names(), kFolderFlags) : HostFd();
+/// The folder, or none where it cannot be opened.
+HostFolder OpenAt(const HostPlace& place) try {
+  return place.IsBeneathDrive() ? HostFolder::OpenBeneath(place.Drive().folder, place.Names())
+                                : HostFolder::Open(place.Path());
+} catch (const std::system_error&) {
+  return {};
 }
 
-std::optional<std::string> ReadLink(int folder, const std::string& name) {
-  std::array<char, PATH_MAX> target = {};
-  const ssize_t size = readlinkat(folder, name.c_str(), target.data(), target.size());
-  if (size <= 0 || static_cast<std::size_t>(size) == target.size()) return std::nullopt;
-  return std::string(target.data(), static_cast<std::size_t>(size));
+HostFolder OpenEntry(const HostFolder& folder, const std::string& name, Links links) try {
+  return folder.OpenFolder(name, links);
+} catch (const std::system_error&) {
+  return {};
 }
 
 class Finder {
@@ -51,7 +42,7 @@ class Finder {
       steps_.pop_front();
       if (name == kUp) {
         GoUp();
-      } else if (const std::optional<HostEntry> entry = exists_ ? FindEntry(folder_.Get(), name) : std::nullopt) {
+      } else if (const std::optional<HostEntry> entry = exists_ ? FindEntry(folder_, name) : std::nullopt) {
         Take(*entry);
       } else {
         exists_ = false;
@@ -59,15 +50,15 @@ class Finder {
       }
     }
     if (fault_) return fault_;
-    return refuseLink_ ? PlaceResult(HostFault::IsLink) : PlaceResult(at_);
+    return refuseLink_ ? PlaceResult(DiskFault::IsLink) : PlaceResult(at_);
   }
 
  private:
   void GoUp() {
     if (at_.IsRoot()) {
-      fault_ = HostFault::LeadsOut;
+      fault_ = DiskFault::LeadsOut;
     } else if (!exists_) {
-      fault_ = SystemCode(ENOENT);
+      fault_ = SystemCode(std::errc::no_such_file_or_directory);
     } else {
       MoveTo(at_.Folder());
     }
@@ -80,7 +71,7 @@ class Finder {
   }
 
   void Take(const HostEntry& entry) {
-    const bool isLink = S_ISLNK(entry.info.st_mode) && at_.IsBeneathDrive();
+    const bool isLink = entry.info.IsLink() && at_.IsBeneathDrive();
     if (isLink && !(steps_.empty() && last_ == LastStep::Keep)) {
       refuseLink_ = refuseLink_ || (steps_.empty() && last_ == LastStep::NoLink);
       FollowLink(entry.name);
@@ -88,41 +79,40 @@ class Finder {
     }
     at_ = at_.Join(entry.name);
     if (steps_.empty()) return;
-    const int noFollow = at_.IsBeneathDrive() ? O_NOFOLLOW : 0;
-    folder_ = HostFd(openat(folder_.Get(), entry.name.c_str(), kFolderFlags | noFollow));
+    folder_ = OpenEntry(folder_, entry.name, at_.IsBeneathDrive() ? Links::Keep : Links::Follow);
     exists_ = static_cast<bool>(folder_);
   }
 
   void FollowLink(const std::string& name) {
-    const std::optional<std::string> target = ReadLink(folder_.Get(), name);
+    const std::optional<HostPath> target = folder_.ReadLink(name);
     if (!target) {
-      fault_ = HostFault::Changed;
+      fault_ = DiskFault::Changed;
       return;
     }
     if (++links_ > kMaxLinks) {
-      fault_ = HostFault::TooManyLinks;
+      fault_ = DiskFault::TooManyLinks;
       return;
     }
-    fs::path way = *target;
-    if (way.is_absolute()) {
+    HostPath way = *target;
+    if (way.IsAbsolute()) {
       const std::optional<DiskBounds::Inside> inside = at_.Bounds()->Find(way);
       if (!inside) {
-        fault_ = HostFault::LeadsOut;
+        fault_ = DiskFault::LeadsOut;
         return;
       }
       MoveTo(HostPlace::Beneath(at_.Bounds(), inside->drive));
       way = inside->below;
     }
     Steps more;
-    for (const fs::path& part : way) {
+    for (const std::string& part : way.Names()) {
       if (part == kUp) more.emplace_back(kUp);
-      if (!LeavesItsFolder(part.native())) more.push_back(WindowsName(part.native()));
+      if (!LeavesItsFolder(part)) more.push_back(WindowsName(part));
     }
     steps_.insert(steps_.begin(), more.begin(), more.end());
   }
 
   HostPlace at_;
-  HostFd folder_;  ///< at_ while it is a folder that is there
+  HostFolder folder_;  ///< at_ while it is a folder that is there
   bool exists_;
   Steps steps_;
   LastStep last_;
@@ -135,7 +125,7 @@ class Finder {
 
 PlaceResult FindPlace(const HostPlace& from, const std::vector<std::string_view>& windowsNames, LastStep last) {
   const auto isImpossible = [](std::string_view name) { return LeavesItsFolder(HostName(name)); };
-  if (std::any_of(windowsNames.begin(), windowsNames.end(), isImpossible)) return HostFault::ImpossibleName;
+  if (std::any_of(windowsNames.begin(), windowsNames.end(), isImpossible)) return DiskFault::ImpossibleName;
   return Finder(from, {windowsNames.begin(), windowsNames.end()}, last).Run();
 }
 
@@ -145,7 +135,7 @@ PlaceResult FollowEntry(const HostPlace& folder, std::string_view hostName, Last
 
 PlaceResult FindAgain(const HostPlace& place, LastStep last) {
   Steps steps;
-  for (const fs::path& name : place.Names()) steps.push_back(WindowsName(name.native()));
+  for (const std::string& name : place.Names().Names()) steps.push_back(WindowsName(name));
   return Finder(HostPlace::Beneath(place.Bounds(), place.DriveNumber()), std::move(steps), last).Run();
 }
 

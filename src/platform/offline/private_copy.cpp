@@ -8,13 +8,13 @@
 #include <string_view>
 #include <system_error>
 
+#include "host/host_paths.h"
+#include "host/state_folder.h"
 #include "platform/offline/hive_storage.h"
 #include "platform/offline/host_open.h"
 #include "platform/offline/host_streams.h"
-#include "platform/offline/state_folder.h"
 
 namespace quillbox {
-namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* kDoing = "making a private copy of the hive";
@@ -35,31 +35,32 @@ std::string Beginning(const HostPlace& file, std::size_t size) try {
 }
 
 /// A name beside `file` that is free.
-fs::path OlderName(const fs::path& file) {
+HostPath OlderName(const HostPath& file) {
   for (int number = 1; number < kMaxOlderCopies; ++number) {
-    fs::path older = file.string() + ".older-" + std::to_string(number);
-    if (!fs::exists(fs::symlink_status(older))) return older;
+    HostPath older = file.Parent().Join(file.Name() + ".older-" + std::to_string(number));
+    if (!InfoOf(older, Links::Keep).info) return older;
   }
-  throw Error(kDoing, {file.string(), {}, {}}, "there are too many older copies beside it");
+  throw Error(kDoing, {file.Text(), {}, {}}, "there are too many older copies beside it");
 }
 
 }  // namespace
 
-PrivateCopy::PrivateCopy(const fs::path& stateFolder, const HostPlace& disk)
+PrivateCopy::PrivateCopy(const HostPath& stateFolder, const HostPlace& disk)
     : disk_(disk),
-      folder_(stateFolder / "copies" / HashName(disk.Path().string())),
-      file_(HostPlace::Anywhere(folder_ / disk.Name())),
-      originFile_(HostPlace::Anywhere(file_.Path().string() + ".origin")) {}
+      folder_(stateFolder / "copies" / HashName(disk.Path().Text())),
+      file_(HostPlace::Anywhere(folder_.Join(disk.Name()))),
+      originFile_(Beside(file_, ".origin")) {}
 
 std::string PrivateCopy::DiskOrigin() const {
   const FileState state = StateOf(disk_);
-  return "A private copy of " + disk_.Path().string() + "\nsize " + std::to_string(state.size) + "\nmodified " +
-         std::to_string(state.seconds) + "." + std::to_string(state.nanoseconds) + "\nstamp " + HiveStamp(disk_) + "\n";
+  return "A private copy of " + disk_.Path().Text() + "\nsize " + std::to_string(state.size) + "\nmodified " +
+         std::to_string(state.modified.seconds) + "." + std::to_string(state.modified.nanoseconds) + "\nstamp " +
+         HiveStamp(disk_) + "\n";
 }
 
 bool PrivateCopy::IsThere() const {
-  const std::optional<struct stat> info = StatPlace(file_);
-  return info && S_ISREG(info->st_mode);
+  const std::optional<EntryInfo> info = InfoOf(file_);
+  return info && info->IsFile();
 }
 
 bool PrivateCopy::IsCurrent() const {
@@ -87,23 +88,21 @@ bool PrivateCopy::CanWrite() const {
   return MakePrivateFolder(folder_) && CanWriteFolder(HostPlace::Anywhere(folder_));
 }
 
-fs::path PrivateCopy::Begin(std::size_t damagedPlaces) try {
-  fs::path older;
+HostPath PrivateCopy::Begin(std::size_t damagedPlaces) {
+  HostPath older;
   if (IsOutdated()) {
     older = OlderName(file_.Path());
-    fs::rename(file_.Path(), older);
+    if (const std::error_code fault = Move(file_.Path(), older)) throw HostFileError(kDoing, file_, fault);
   }
   std::string origin = DiskOrigin();
   if (damagedPlaces > 0) origin.append(kDamage).append(std::to_string(damagedPlaces)).append("\n");
   ReplaceHostFile(originFile_, ByteView(reinterpret_cast<const std::uint8_t*>(origin.data()), origin.size()), kDoing,
                   originFile_);
   return older;
-} catch (const fs::filesystem_error& error) {
-  throw HostFileError(kDoing, file_, error.code());
 }
 
-fs::path PrivateCopy::KeepDamaged() const {
-  fs::path older = OlderName(file_.Path());
+HostPath PrivateCopy::KeepDamaged() const {
+  HostPath older = OlderName(file_.Path());
   KeepBeside(file_, HostPlace::Anywhere(older), KeepHow::SecondName);
   return older;
 }

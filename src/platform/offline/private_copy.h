@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstddef>
-#include <filesystem>
 #include <string>
 
 #include "platform/offline/host_place.h"
@@ -13,7 +12,7 @@ namespace quillbox {
 class PrivateCopy {
  public:
   /// The copy of the hive `disk`, below `stateFolder`. Touches nothing.
-  PrivateCopy(const std::filesystem::path& stateFolder, const HostPlace& disk);
+  PrivateCopy(const HostPath& stateFolder, const HostPlace& disk);
 
   const HostPlace& File() const { return file_; }
   /// True when there is a copy and the disk's hive has not changed since it was begun.
@@ -26,16 +25,16 @@ class PrivateCopy {
   std::size_t DamagedPlaces() const;
   /// Notes the disk's hive as it is now, ahead of writing File(), and in how many places it is damaged.
   /// An outdated copy is kept under another name, which is returned; else an empty path. Throws Error.
-  std::filesystem::path Begin(std::size_t damagedPlaces);
+  HostPath Begin(std::size_t damagedPlaces);
   /// Keeps the copy, damaged as it is, under another name too, ahead of its being replaced. Throws Error.
-  std::filesystem::path KeepDamaged() const;
+  HostPath KeepDamaged() const;
 
  private:
   bool IsThere() const;
   std::string DiskOrigin() const;
 
   HostPlace disk_;
-  std::filesystem::path folder_;
+  HostPath folder_;
   HostPlace file_;
   HostPlace originFile_;
 };

@@ -1,41 +1,35 @@
 #include "platform/offline/stand_in.h"
 
-#include <cerrno>
-#include <cstdlib>
 #include <string>
 #include <system_error>
 
+#include "host/host_paths.h"
+#include "host/state_folder.h"
 #include "platform/offline/hive_storage.h"
 #include "platform/offline/host_open.h"
-#include "platform/offline/state_folder.h"
 #include "text/error.h"
 
 namespace quillbox {
-
-namespace fs = std::filesystem;
 
 namespace {
 
 constexpr const char* kDoing = "making a registry in place of the disk's";
 
-fs::path FolderFor(const fs::path& disk, const fs::path& stateFolder) {
-  fs::path folder = stateFolder / "stand-ins" / HashName(disk.string());
+HostPath FolderFor(const HostPath& disk, const HostPath& stateFolder) {
+  HostPath folder = stateFolder / "stand-ins" / HashName(disk.Text());
   if (!StateFolderFault(folder)) return folder;
-  std::string temporary = (fs::temp_directory_path() / "quillbox-XXXXXX").string();
-  if (mkdtemp(temporary.data()) == nullptr) throw Error(kDoing, {temporary, {}, {}}, SystemReason(errno));
-  return temporary;
+  return WithName(kDoing, "a temporary folder", [] { return MakeNewFolder(TemporaryFolder(), "quillbox-"); });
 }
 
 }  // namespace
 
-WindowsDisk FindDiskToSearch(const fs::path& folder, const std::map<char, fs::path>& drives) {
+WindowsDisk FindDiskToSearch(const HostPath& folder, const std::map<char, HostPath>& drives) {
   WindowsDisk disk;
   try {
     disk = FindWindowsDisk(folder, drives);
   } catch (const Error&) {
-    std::error_code code;
-    if (!fs::is_directory(folder, code)) throw;
-    disk.folder = fs::canonical(folder);
+    if (!IsFolder(folder)) throw;
+    disk.folder = RealPathOf(folder).path;
     disk.windowsPath = WinPath("C:\\WINDOWS");
   }
   disk.softwareHive.reset();
@@ -43,9 +37,9 @@ WindowsDisk FindDiskToSearch(const fs::path& folder, const std::map<char, fs::pa
   return disk;
 }
 
-ProfileFolder MakeStandIn(const WindowsDisk& disk, const fs::path& stateFolder, FileTime now) {
+ProfileFolder MakeStandIn(const WindowsDisk& disk, const HostPath& stateFolder, FileTime now) {
   const HostPlace file = HostPlace::Anywhere(FolderFor(disk.folder, stateFolder) / "NTUSER.DAT");
-  if (!StatPlace(file)) {
+  if (!InfoOf(file)) {
     Hive hive = Hive::Create("stand-in", now);
     hive.CreateSubkey(hive.Root(), "Identities");
     ReplaceHostFile(file, hive.Image(now), kDoing, file);

@@ -2,7 +2,6 @@
 // can be searched for mail files all the same.
 #pragma once
 
-#include <filesystem>
 #include <map>
 
 #include "platform/offline/windows_disk.h"
@@ -12,10 +11,10 @@ namespace quillbox {
 
 /// `folder` as C:\ of a Windows, as far as one is found there: any folder will do. Its machine hives are left out.
 /// Throws Error when it is not a folder.
-WindowsDisk FindDiskToSearch(const std::filesystem::path& folder, const std::map<char, std::filesystem::path>& drives);
+WindowsDisk FindDiskToSearch(const HostPath& folder, const std::map<char, HostPath>& drives);
 
 /// A profile whose hive is below `stateFolder`, or in a temporary folder where nothing can be kept there. It has the
 /// key of the identities and nothing else; what is stored in it is there the next time. Throws Error.
-ProfileFolder MakeStandIn(const WindowsDisk& disk, const std::filesystem::path& stateFolder, FileTime now);
+ProfileFolder MakeStandIn(const WindowsDisk& disk, const HostPath& stateFolder, FileTime now);
 
 }  // namespace quillbox

@@ -5,19 +5,18 @@
 #include <string_view>
 #include <system_error>
 
+#include "host/host_names.h"
+#include "host/host_paths.h"
+#include "host/state_folder.h"
 #include "platform/offline/disk_image.h"
 #include "platform/offline/drive_map.h"
 #include "platform/offline/folder_finder.h"
 #include "platform/offline/hive_file.h"
 #include "platform/offline/host_open.h"
 #include "platform/offline/place_finder.h"
-#include "platform/offline/state_folder.h"
-#include "platform/offline/windows_names.h"
 #include "text/unicode.h"
 
 namespace quillbox {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -31,8 +30,8 @@ constexpr const char* kConfigFolder = "System32/config";
 constexpr const char* kUserHive = "NTUSER.DAT";
 constexpr const char* kOldUserHive = "USER.DAT";
 
-[[noreturn]] void Fail(const fs::path& folder, std::string why) {
-  throw Error(kDoing, {folder.string(), {}, {}}, std::move(why));
+[[noreturn]] void Fail(const HostPath& folder, std::string why) {
+  throw Error(kDoing, {folder.Text(), {}, {}}, std::move(why));
 }
 
 /// The place of `relative` (names with slashes between) below `folder`, also where nothing is there.
@@ -49,13 +48,13 @@ PlaceResult PlaceBelow(const HostPlace& folder, std::string_view relative) {
 /// The place of what is there.
 std::optional<HostPlace> FindBelow(const HostPlace& folder, std::string_view relative) {
   const PlaceResult found = PlaceBelow(folder, relative);
-  return found && StatPlace(*found) ? std::optional(*found) : std::nullopt;
+  return found && InfoOf(*found) ? std::optional(*found) : std::nullopt;
 }
 
 /// A hive, or a link of its name that leads out of the disk; opening that one reports it.
 std::optional<FoundHive> FindHive(const HostPlace& folder, const std::string& name) {
   const PlaceResult place = PlaceBelow(folder, name);
-  if (place && !StatPlace(*place)) return std::nullopt;
+  if (place && !InfoOf(*place)) return std::nullopt;
   if (place) return FoundHive(place->Path(), place);
   const PlaceResult link = FindPlace(folder, {name}, LastStep::Keep);
   return FoundHive(link ? link->Path() : folder.Path() / name, place);
@@ -89,11 +88,12 @@ std::vector<NamedFolder> FoldersIn(const NamedFolder& folder) {
 /// A folder by its path below another one; the path gets the names as they are stored.
 std::optional<NamedFolder> FindFolder(const NamedFolder& from, std::string_view relative) {
   NamedFolder found = from;
-  for (const fs::path& part : fs::path(relative)) {
-    const PlaceResult entry = FindPlace(found.place, {part.native()}, LastStep::Keep);
-    if (!entry || !StatPlace(*entry)) return std::nullopt;
+  const HostPath way(relative);
+  for (const std::string& name : way.Names()) {
+    const PlaceResult entry = FindPlace(found.place, {name}, LastStep::Keep);
+    if (!entry || !InfoOf(*entry)) return std::nullopt;
     const PlaceResult place = FollowEntry(found.place, entry->Name());
-    if (!place || !StatPlace(*place)) return std::nullopt;
+    if (!place || !InfoOf(*place)) return std::nullopt;
     found = {*place, found.path.Join(WindowsName(entry->Name()))};
   }
   return found;
@@ -124,12 +124,8 @@ bool IsNobodys(std::string_view name) {
                      [name](std::string_view nobody) { return EqualIgnoreCase(name, nobody); });
 }
 
-bool SameFile(const std::optional<struct stat>& a, const std::optional<struct stat>& b) {
-  return a && b && a->st_dev == b->st_dev && a->st_ino == b->st_ino;
-}
-
 bool IsSameFile(const FoundHive& a, const HostPlace& b) {
-  return a.PlaceIfAny() != nullptr && SameFile(StatPlace(*a.PlaceIfAny()), StatPlace(b));
+  return a.PlaceIfAny() != nullptr && IsSameEntry(*a.PlaceIfAny(), b);
 }
 
 /// Adds the profiles below `root`, unless a link has led to the same folders before.
@@ -155,25 +151,24 @@ bool IsOldWindows(const HostPlace& disk) {
 }
 
 /// Where the disk begins when `folder` is a part of one; empty when the part is not known.
-fs::path DiskAround(const fs::path& folder) {
-  fs::path root = folder.parent_path();
+HostPath DiskAround(const HostPath& folder) {
+  HostPath root = folder.Parent();
   if (FindBelow(HostPlace::DiskRoot(folder), kConfigFolder)) return root;
-  const auto below = [](const fs::path& parent, const fs::path& child) {
-    const auto childInfo = StatPlace(HostPlace::Anywhere(child));
+  const auto below = [](const HostPath& parent, const HostPath& child) {
     return std::any_of(kProfileRoots.begin(), kProfileRoots.end(), [&](const char* profileRoot) {
       const std::optional<HostPlace> found = FindBelow(HostPlace::DiskRoot(parent), profileRoot);
-      return found && SameFile(StatPlace(*found), childInfo);
+      return found && IsSameEntry(*found, HostPlace::Anywhere(child));
     });
   };
-  const fs::path profiles = FindBelow(HostPlace::DiskRoot(folder), kUserHive) ? root : folder;
-  if (below(profiles.parent_path(), profiles)) return profiles.parent_path();
-  if (below(profiles.parent_path().parent_path(), profiles)) return profiles.parent_path().parent_path();
+  const HostPath profiles = FindBelow(HostPlace::DiskRoot(folder), kUserHive) ? root : folder;
+  if (below(profiles.Parent(), profiles)) return profiles.Parent();
+  if (below(profiles.Parent().Parent(), profiles)) return profiles.Parent().Parent();
   return {};
 }
 
-[[noreturn]] void FailWithoutWindows(const fs::path& folder, const std::string& refused) {
-  const fs::path around = DiskAround(folder);
-  if (!around.empty()) Fail(folder, "it is a folder of a Windows disk; choose the disk itself, " + around.string());
+[[noreturn]] void FailWithoutWindows(const HostPath& folder, const std::string& refused) {
+  const HostPath around = DiskAround(folder);
+  if (!around.Empty()) Fail(folder, "it is a folder of a Windows disk; choose the disk itself, " + around.Text());
   if (IsOldWindows(HostPlace::DiskRoot(folder))) {
     Fail(folder, "it is a disk of Windows 95, 98 or Me; their registry files (USER.DAT) are not supported yet");
   }
@@ -185,29 +180,33 @@ fs::path DiskAround(const fs::path& folder) {
 }  // namespace
 
 const HostPlace& FoundHive::Place() const {
-  if (!place_) throw Error("opening the hive", {shownAs_.string(), {}, {}}, ReasonOf(place_.Fault()));
+  if (!place_) throw Error("opening the hive", {shownAs_.Text(), {}, {}}, ReasonOf(place_.Fault()));
   return *place_;
 }
 
-WindowsDisk FindWindowsDisk(const fs::path& given, const std::map<char, fs::path>& drives) {
-  std::error_code code;
-  const fs::file_status status = fs::status(given, code);
-  if (!fs::exists(status))
-    Fail(given, status.type() == fs::file_type::none ? SystemReason(code.value()) : "there is no such folder");
-  if (!fs::is_directory(status)) {
+WindowsDisk FindWindowsDisk(const HostPath& given, const std::map<char, HostPath>& drives) {
+  const PathInfo there = InfoOf(given);
+  if (!there.info) {
+    const bool isMissing =
+        there.fault == std::errc::no_such_file_or_directory || there.fault == std::errc::not_a_directory;
+    Fail(given, isMissing ? "there is no such folder" : ReasonOf(there.fault));
+  }
+  if (!there.info->IsFolder()) {
     const std::optional<MountAdvice> advice = AdviceOnMounting(given);
     Fail(given, advice ? advice->Clause() : "it is a file, not a folder");
   }
 
   WindowsDisk disk;
-  disk.folder = fs::canonical(given);
+  const RealPath real = RealPathOf(given);
+  if (real.fault) Fail(given, ReasonOf(real.fault));
+  disk.folder = real.path;
   const NamedFolder driveC{DriveMap(disk.folder, drives).PlaceOf(WinPath("C:\\")).OrThrow(), WinPath("C:\\")};
   std::vector<NamedFolder> roots;
   std::string refused;
   for (const char* name : kProfileRoots) {
     if (std::optional<NamedFolder> root = FindFolder(driveC, name)) roots.push_back(std::move(*root));
     const PlaceResult place = PlaceBelow(driveC.place, name);
-    if (!place) refused += "; " + (disk.folder / name).string() + ": " + ReasonOf(place.Fault());
+    if (!place) refused += "; " + (disk.folder / name).Text() + ": " + ReasonOf(place.Fault());
   }
   const std::optional<NamedFolder> windows = FindWindowsFolder(driveC);
   if (!windows && (roots.empty() || IsOldWindows(driveC.place))) FailWithoutWindows(disk.folder, refused);
@@ -220,7 +219,7 @@ WindowsDisk FindWindowsDisk(const fs::path& given, const std::map<char, fs::path
   std::string searched;
   for (const NamedFolder& root : roots) {
     AddProfiles(root, disk.profiles);
-    searched += (searched.empty() ? "" : ", ") + root.place.Path().string();
+    searched += (searched.empty() ? "" : ", ") + root.place.Path().Text();
   }
   if (disk.profiles.empty()) {
     const std::string fault =
@@ -231,12 +230,11 @@ WindowsDisk FindWindowsDisk(const fs::path& given, const std::map<char, fs::path
   return disk;
 }
 
-std::vector<WindowsDisk> FindDisksNear(const fs::path& folder) {
-  std::error_code code;
-  const fs::path given = fs::canonical(folder, code);
-  if (code || !fs::is_directory(given, code)) return {};
-  std::vector<fs::path> candidates;
-  if (const fs::path around = DiskAround(given); !around.empty()) {
+std::vector<WindowsDisk> FindDisksNear(const HostPath& folder) {
+  const auto [given, fault] = RealPathOf(folder);
+  if (fault || !IsFolder(given)) return {};
+  std::vector<HostPath> candidates;
+  if (const HostPath around = DiskAround(given); !around.Empty()) {
     candidates.push_back(around);
   } else {
     for (const NamedFolder& child : FoldersIn({HostPlace::Anywhere(given), WinPath("C:\\")})) {
@@ -244,7 +242,7 @@ std::vector<WindowsDisk> FindDisksNear(const fs::path& folder) {
     }
   }
   std::vector<WindowsDisk> disks;
-  for (const fs::path& candidate : candidates) {
+  for (const HostPath& candidate : candidates) {
     try {
       disks.push_back(FindWindowsDisk(candidate));
     } catch (const Error&) {  // NOLINT(bugprone-empty-catch): not a disk

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstddef>
-#include <filesystem>
 #include <map>
 #include <optional>
 #include <string>
@@ -19,15 +18,14 @@ namespace quillbox {
 /// A hive that was found on a disk.
 class FoundHive {
  public:
-  FoundHive(std::filesystem::path shownAs, PlaceResult place)
-      : shownAs_(std::move(shownAs)), place_(std::move(place)) {}
+  FoundHive(HostPath shownAs, PlaceResult place) : shownAs_(std::move(shownAs)), place_(std::move(place)) {}
   /// Where it is, links resolved. Throws Error when it is a link that leads out of the disk.
   const HostPlace& Place() const;
   /// As Place(), or null.
   const HostPlace* PlaceIfAny() const { return place_ ? &*place_ : nullptr; }
 
  private:
-  std::filesystem::path shownAs_;
+  HostPath shownAs_;
   PlaceResult place_;
 };
 
@@ -38,8 +36,8 @@ struct ProfileFolder {
 };
 
 struct WindowsDisk {
-  std::filesystem::path folder;  ///< the host folder that is C:\ .
-  WinPath windowsPath;           ///< "C:\WINDOWS" when the disk holds profiles only
+  HostPath folder;      ///< the host folder that is C:\ .
+  WinPath windowsPath;  ///< "C:\WINDOWS" when the disk holds profiles only
   std::optional<FoundHive> softwareHive;
   std::optional<FoundHive> systemHive;
   std::vector<ProfileFolder> profiles;  ///< at least one, sorted by name
@@ -48,11 +46,10 @@ struct WindowsDisk {
 /// Examines `folder` as C:\ of a Windows that isn't running, whose further drives are `drives`: links that lead to
 /// one of them are followed, others that leave `folder` are not. Throws Error when there is no such folder, no Windows
 /// on it, or nobody's registry.
-WindowsDisk FindWindowsDisk(const std::filesystem::path& folder,
-                            const std::map<char, std::filesystem::path>& drives = {});
+WindowsDisk FindWindowsDisk(const HostPath& folder, const std::map<char, HostPath>& drives = {});
 
 /// The disks that someone who chose `folder` may have meant: the one that it is a part of, or those in its folders.
-std::vector<WindowsDisk> FindDisksNear(const std::filesystem::path& folder);
+std::vector<WindowsDisk> FindDisksNear(const HostPath& folder);
 
 /// The profile called `name` (without regard to case), or the only one when `name` is empty. Throws Error, which lists
 /// the profiles, when there is none or more than one.

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <deque>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,6 +15,7 @@
 #include <wx/timer.h>
 #include <wx/utils.h>
 
+#include "host/host_paths.h"
 #include "ui/wx/message_dialog.h"
 #include "ui/wx/overwrite_dialog.h"
 #include "ui/wx/progress_window.h"
@@ -50,12 +50,12 @@ wxString ToolkitFilter(const std::string& filter) {
   return result;
 }
 
-std::filesystem::path HostPathOf(const wxString& text) {
-  return {static_cast<const char*>(text.fn_str())};
+HostPath FromWxPath(const wxString& text) {
+  return HostPath(static_cast<const char*>(text.fn_str()));
 }
 
-wxString ToWxPath(const std::filesystem::path& path) {
-  return wxString(path.c_str(), *wxConvFileName);
+wxString ToWxPath(const HostPath& path) {
+  return wxString(path.Text().c_str(), *wxConvFileName);
 }
 
 }  // namespace
@@ -118,11 +118,10 @@ std::optional<WinPath> WxDialogs::SaveFile(const FileDialog& dialog) {
 
 /// True when nothing is there under that name in any case, and when the user agrees to replace it.
 bool WxDialogs::MayReplace(const WinPath& file) {
-  const std::filesystem::path there = paths_->HostPath(file);
-  std::error_code code;
-  if (there.empty() || !std::filesystem::exists(there, code)) return true;
-  const Message question{.text = "\"" + OneLine(there.filename().string()) + "\" is already in " +
-                                 OneLine(file.Parent().Text()) + ".\n\nDo you want to replace it?",
+  const HostPath there = paths_->HostPathOf(file);
+  if (there.Empty() || !Exists(there)) return true;
+  const Message question{.text = "\"" + OneLine(there.Name()) + "\" is already in " + OneLine(file.Parent().Text()) +
+                                 ".\n\nDo you want to replace it?",
                          .buttons = MessageButtons::YesNo,
                          .icon = MessageIcon::Question,
                          .noIsDefault = true};
@@ -132,23 +131,23 @@ bool WxDialogs::MayReplace(const WinPath& file) {
 std::optional<WinPath> WxDialogs::AskForFile(const FileDialog& dialog, long style) {
   const bool opens = (style & wxFD_OPEN) != 0;
   const wxString title = dialog.title.empty() ? wxString(opens ? "Open" : "Save As") : ToWx(dialog.title);
-  wxFileDialog window(ActiveWindow(), title, ToWxPath(paths_->HostPath(dialog.folder)), ToWx(dialog.name),
+  wxFileDialog window(ActiveWindow(), title, ToWxPath(paths_->HostPathOf(dialog.folder)), ToWx(dialog.name),
                       dialog.filter.empty() ? wxString("All Files|*") : ToolkitFilter(dialog.filter), style);
   if (window.ShowModal() != wxID_OK) return std::nullopt;
-  return Answer(HostPathOf(window.GetPath()));
+  return Answer(FromWxPath(window.GetPath()));
 }
 
 std::optional<WinPath> WxDialogs::BrowseForFolder(const FolderDialog& dialog) {
-  const wxString folder = dialog.folder.Empty() ? wxGetHomeDir() : ToWxPath(paths_->HostPath(dialog.folder));
+  const wxString folder = dialog.folder.Empty() ? wxGetHomeDir() : ToWxPath(paths_->HostPathOf(dialog.folder));
   wxDirDialog window(ActiveWindow(), ToWx(dialog.title), folder);
   if (window.ShowModal() != wxID_OK) return std::nullopt;
-  return Answer(HostPathOf(window.GetPath()));
+  return Answer(FromWxPath(window.GetPath()));
 }
 
-std::optional<WinPath> WxDialogs::Answer(const std::filesystem::path& chosen) {
+std::optional<WinPath> WxDialogs::Answer(const HostPath& chosen) {
   WinPath path = paths_->WindowsPathOf(chosen);
   if (!path.Empty()) return path;
-  Show({.text = chosen.string() + " is not on a drive of the open disk.", .icon = MessageIcon::Exclamation});
+  Show({.text = chosen.Text() + " is not on a drive of the open disk.", .icon = MessageIcon::Exclamation});
   return std::nullopt;
 }
 

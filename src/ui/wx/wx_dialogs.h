@@ -1,12 +1,12 @@
 // Questions and messages as the host's own dialogs, above the active window.
 #pragma once
 
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 
+#include "host/host_path.h"
 #include "platform/dialogs.h"
 #include "platform/host_paths.h"
 #include "text/win_path.h"
@@ -36,7 +36,7 @@ class WxDialogs : public Dialogs {
  private:
   std::optional<WinPath> AskForFile(const FileDialog& dialog, long style);
   bool MayReplace(const WinPath& file);
-  std::optional<WinPath> Answer(const std::filesystem::path& chosen);
+  std::optional<WinPath> Answer(const HostPath& chosen);
 
   /// Calls the steps of Meanwhile().
   class Steps;

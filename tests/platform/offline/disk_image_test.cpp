@@ -67,14 +67,14 @@ TEST(DiskImage, IsAnsweredWithTheCommandThatMountsIt) {
     quoted.replace(quoted.find('\''), 1, "'\\''");
     std::string command = row.command;
     for (std::size_t at; (at = command.find("FILE")) != std::string::npos;) command.replace(at, 4, quoted);
-    const auto advice = AdviceOnMounting(file);
+    const auto advice = AdviceOnMounting(HostPath(file));
     ASSERT_TRUE(advice) << row.what;
     EXPECT_EQ(advice->what, std::string("the image of a disk (") + row.what + ")");
     EXPECT_EQ(advice->command, command);
   }
   EXPECT_FALSE(AdviceOnMounting(temp.File("mail.dbx", Bytes({{0, "\xCF\xAD\x12\xFE"}, {510, kSignature}}))));
   EXPECT_FALSE(AdviceOnMounting(temp.File("short", "NTFS")));
-  EXPECT_FALSE(AdviceOnMounting("/dev/zero"));
+  EXPECT_FALSE(AdviceOnMounting(HostPath("/dev/zero")));
 }
 
 }  // namespace

@@ -83,7 +83,7 @@ TEST_F(HiveFileTest, AReadOnlyDiskGetsAPrivateCopy) {
   EXPECT_EQ(RootValue(file), "changed by Windows");
   Change(file, "private again");
   EXPECT_EQ(RootValue(Open(kHive)), "private again");
-  const fs::path older = file.TargetFile().Path().string() + ".older-1";
+  const fs::path older = NativePath(file.TargetFile().Path()).string() + ".older-1";
   EXPECT_EQ(RootValue(HiveFile(HostPlace::Anywhere(older), HiveMode::Read, disk / "state", log)), "private");
   EXPECT_THAT(log.Text(), HasSubstr(".older-1"));
 }
@@ -171,7 +171,7 @@ TEST_F(HiveFileTest, APrivateCopyThatIsDamagedItselfIsKeptAndNeedsConsent) {
     Change(file, "one");
   }
   HiveFile sound = Open(kHive);
-  const fs::path copy = sound.TargetFile().Path();
+  const fs::path copy = NativePath(sound.TargetFile().Path());
   DamageKeys(copy, {"kept"});
   EXPECT_THROW(sound.Reload(), Error) << "nobody has agreed to that";
   EXPECT_EQ(RootValue(sound), "one") << "what there was stays";
@@ -186,7 +186,7 @@ TEST_F(HiveFileTest, APrivateCopyThatIsDamagedItselfIsKeptAndNeedsConsent) {
 }
 
 /// Why another process cannot lock the folders; "(done)" when it can.
-std::string WhyNotElsewhere(const std::vector<fs::path>& folders, const std::vector<int>& inherited) {
+std::string WhyNotElsewhere(const std::vector<HostPath>& folders, const std::vector<HandleNumber>& inherited) {
   const TempFolder temp;
   const pid_t child = fork();
   if (child == 0) {
@@ -200,15 +200,15 @@ std::string WhyNotElsewhere(const std::vector<fs::path>& folders, const std::vec
 
 TEST(DiskLock, LetsInOneProgramAndThoseItHandsTheLockTo) {
   const TempFolder disk;
-  const std::vector<fs::path> folders = {disk.Folder("profile"), disk.Folder("config"), disk / "profile/../profile"};
+  const std::vector<HostPath> folders = {disk.Folder("profile"), disk.Folder("config"), disk / "profile/../profile"};
   {
     TestLog log;
     const DiskLock lock(folders, {}, log);
-    const std::vector<int> numbers = lock.Descriptors();
+    const std::vector<HandleNumber> numbers = lock.Numbers();
     ASSERT_EQ(numbers.size(), 2u);
     // The system keeps 15 characters of a program's name.
     const auto inUse = HasSubstr("offline_registr (process " + std::to_string(getpid()) + ")");
-    EXPECT_EQ(fcntl(numbers[0], F_GETFD), FD_CLOEXEC);
+    EXPECT_EQ(fcntl(static_cast<int>(numbers[0]), F_GETFD), FD_CLOEXEC);
     EXPECT_EQ(WhyNotElsewhere(folders, numbers), "(done)");
     EXPECT_THAT(WhyNotElsewhere(folders, {}), inUse) << "the end of that process must not have ended the lock";
     EXPECT_THAT(WhyNotElsewhere(folders, {numbers[0]}), inUse);
@@ -216,7 +216,7 @@ TEST(DiskLock, LetsInOneProgramAndThoseItHandsTheLockTo) {
     EXPECT_TRUE(log.lines.empty());
   }
   EXPECT_EQ(WhyNotElsewhere(folders, {}), "(done)");
-  EXPECT_TRUE(fs::is_empty(folders[0]));
+  EXPECT_TRUE(fs::is_empty(NativePath(folders[0])));
 }
 
 }  // namespace

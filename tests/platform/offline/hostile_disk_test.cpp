@@ -3,9 +3,9 @@
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
+#include "host/posix/open_beneath.h"
 #include "offline_fixture.h"
-#include "platform/offline/host_file.h"
-#include "platform/offline/open_beneath.h"
+#include "platform/offline/host_open.h"
 
 namespace quillbox {
 namespace {
@@ -163,18 +163,18 @@ TEST_P(HostileDiskTest, ALinkPutInAfterTheLookupIsNotFollowed) {
   const HostPlace fresh = *drives.PlaceOf(WinPath("C:\\Store\\bashrc"), LastStep::NoLink);
   const auto expectAllRefused = [&](const HostPlace& place, const std::string& why) {
     EXPECT_EQ(FaultOf([&] { OpenForReading(place); }), why);
-    EXPECT_EQ(FaultOf([&] { NewFile(place).Commit(); }), why);
+    EXPECT_EQ(FaultOf([&] { StartNewFile(place)->Commit(); }), why);
   };
   fs::remove(c / "Store/Folders.dbx");
   Link("../../outside/bashrc", "Store/Folders.dbx");
   expectAllRefused(file, "it leads out of the disk");
-  EXPECT_TRUE(S_ISLNK(StatPlace(file)->st_mode));
+  EXPECT_TRUE(InfoOf(file)->IsLink());
 
   fs::rename(c / "Store", c / "moved");
   fs::create_directory_symlink(temp / "outside", c / "Store");
   for (const HostPlace& place : {file, fresh}) expectAllRefused(place, "it leads out of the disk");
   EXPECT_EQ(FaultOf([&] { OpenFolder(folder); }), "it leads out of the disk");
-  EXPECT_EQ(StatPlace(fresh), std::nullopt);
+  EXPECT_FALSE(InfoOf(fresh));
 
   fs::remove(c / "Store");
   fs::create_directory_symlink(temp / "elsewhere", c / "Store");
@@ -190,15 +190,15 @@ TEST_P(HostileDiskTest, AFileGoesToTheFolderThatWasThereAtItsBeginning) {
   const auto place = [this](const char* name) {
     return *drives.PlaceOf(WinPath("C:\\bk").Join(name), LastStep::NoLink);
   };
-  NewFile written(place("written.dbx"));
-  written.Write("whole");
+  const auto written = StartNewFile(place("written.dbx"));
+  written->Write("whole");
   {
-    NewFile abandoned(place("abandoned.dbx"));
-    abandoned.Write("half");
+    const auto abandoned = StartNewFile(place("abandoned.dbx"));
+    abandoned->Write("half");
     fs::rename(c / "bk", c / "renamed");
     fs::create_directory_symlink(temp / "outside", c / "bk");
   }
-  written.Commit();
+  written->Commit();
   EXPECT_EQ(temp.Read("c/renamed/written.dbx"), "whole");
   EXPECT_EQ(std::distance(fs::directory_iterator(c / "renamed"), {}), 1) << "nothing is left of the other one";
 }

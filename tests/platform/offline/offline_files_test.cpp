@@ -5,12 +5,12 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include "host/host_names.h"
 #include "offline_fixture.h"
 #include "platform/offline/environment.h"
 #include "platform/offline/folder_finder.h"
 #include "platform/offline/folder_memory.h"
-#include "platform/offline/host_file.h"
-#include "platform/offline/windows_names.h"
+#include "platform/offline/host_open.h"
 #include "text/unicode.h"
 
 namespace quillbox {
@@ -21,7 +21,7 @@ struct OfflineFilesTest : testing::Test, TwoDrives {
   /// Where a Windows path is on this computer.
   std::string Below(const std::string& path) {
     const PlaceResult place = map.PlaceOf(WinPath(path));
-    return place ? place->Path().lexically_relative(temp.Path()).string() : "(none)";
+    return place ? place->Path().RelativeTo(temp.Path()).Text() : "(none)";
   }
   std::vector<std::string> Names(const std::string& pattern) { return Names(files.Find(WinPath(pattern))); }
   static std::vector<std::string> Names(const std::unique_ptr<FileFinder>& finder) {
@@ -137,16 +137,16 @@ TEST_F(OfflineFilesTest, ADeviceOfTheHostIsWrittenToAndNeverReplaced) {
   const auto onHost = [this](const char* name) { return WinPath("Z:" + (temp / name).string()); };
   std::filesystem::create_symlink("/dev/null", temp / "null");
   ASSERT_EQ(mkfifo((temp / "pipe").c_str(), 0600), 0);
-  const HostFd reader(open((temp / "pipe").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  const HostHandle reader(open((temp / "pipe").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   files.WriteFile(onHost("null"), "gone");
   files.WriteFile(onHost("pipe"), "through");
   std::string got(7, '\0');
-  EXPECT_EQ(read(reader.Get(), got.data(), got.size()), 7);
+  EXPECT_EQ(read(static_cast<int>(reader.Number()), got.data(), got.size()), 7);
   EXPECT_EQ(got, "through");
   EXPECT_TRUE(std::filesystem::is_symlink(temp / "null"));
   EXPECT_TRUE(std::filesystem::is_fifo(temp / "pipe"));
   EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
-  EXPECT_THROW(NewFile(HostPlace::Anywhere(temp / "null")), std::system_error);
+  EXPECT_THROW(StartNewFile(HostPlace::Anywhere(temp / "null")), std::system_error);
 }
 
 TEST(WindowsName, NamesThatWindowsCannotHoldSurviveBothWays) {

@@ -1,5 +1,6 @@
 // A disk as a whole: what is found on it, how it is opened, and the programs that are started on it.
 #include "platform/offline/offline_platform.h"
+#include "host/host_paths.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -58,7 +59,7 @@ std::string WhyNot(const std::filesystem::path& folder) {
 
 std::vector<std::filesystem::path> Near(const std::filesystem::path& folder) {
   std::vector<std::filesystem::path> folders;
-  for (const WindowsDisk& disk : FindDisksNear(folder)) folders.push_back(disk.folder);
+  for (const WindowsDisk& disk : FindDisksNear(folder)) folders.push_back(NativePath(disk.folder));
   return folders;
 }
 
@@ -79,11 +80,11 @@ TEST(WindowsDisk, FindsThePeopleWhereverWindowsKeptThem) {
     const WindowsDisk found = FindWindowsDisk(disk.Path());
     ASSERT_EQ(found.profiles.size(), 2u) << row.root;
     EXPECT_EQ(found.profiles[0].name, "Anna");
-    EXPECT_TRUE(std::filesystem::exists(found.profiles[0].hive.Place().Path()));
+    EXPECT_TRUE(Exists(found.profiles[0].hive.Place().Path()));
     EXPECT_EQ(found.profiles[1].winFolder.Text().substr(0, 3), "C:\\");
     EXPECT_EQ(found.profiles[1].winFolder.Name(), "zoe");
     EXPECT_TRUE(EqualIgnoreCase(found.windowsPath.Text(), std::string("C:\\") + row.windows));
-    EXPECT_TRUE(std::filesystem::exists(found.softwareHive.value().Place().Path()));
+    EXPECT_TRUE(Exists(found.softwareHive.value().Place().Path()));
   }
 }
 
@@ -270,14 +271,13 @@ TEST_F(SalvageTest, ADamagedHiveKeepsTheWholeDiskFromBeingWritten) {
     EXPECT_EQ(again.GetRegistry().Open(kNewMachineKey, Access::Full).status, Status::Success);
     EXPECT_THAT(again.SystemDescription(),
                 EndsWith("(damaged in 1 place: what cannot be read is left out; changes go to a private copy)"));
-    std::filesystem::remove_all(options.stateFolder);
-    std::ofstream(options.stateFolder) << "a file";
-    EXPECT_THAT(again.SystemDescription(),
-                HasSubstr("; changes cannot be saved, since " + options.stateFolder.string() +
-                          " cannot be written: Not a directory)"));
+    std::filesystem::remove_all(NativePath(options.stateFolder));
+    std::ofstream(NativePath(options.stateFolder)) << "a file";
+    EXPECT_THAT(again.SystemDescription(), HasSubstr("; changes cannot be saved, since " + options.stateFolder.Text() +
+                                                     " cannot be written: Not a directory)"));
     WriteBytes(row.hive, sound.at(row.hive));
     dialogs.messages.clear();
-    std::filesystem::remove_all(options.stateFolder);
+    std::filesystem::remove_all(NativePath(options.stateFolder));
   }
 }
 
@@ -311,8 +311,8 @@ TEST_F(OfflinePlatformTest, FoldersThatAreWrittenAreFreedOfWhatKilledProgramsLef
     std::ofstream(folder / ".quillbox-a1B2c3") << "half a file";
   }
   const auto inUse = disk.temp.File("c/Backup/.quillbox-d4E5f6", "another program's");
-  const HostFd holder(open(inUse.c_str(), O_RDONLY | O_CLOEXEC));
-  ASSERT_EQ(flock(holder.Get(), LOCK_EX), 0);
+  const HostHandle holder(open(inUse.c_str(), O_RDONLY | O_CLOEXEC));
+  ASSERT_EQ(flock(static_cast<int>(holder.Number()), LOCK_EX), 0);
   disk.temp.File("c/Backup/.quillbox-notes.txt", "the person's own");
   OfflinePlatform platform(options, dialogs);
   platform.GetFiles().WriteFile(WinPath("C:\\Export\\a.reg"), "text");
@@ -328,14 +328,15 @@ TEST_F(OfflinePlatformTest, FoldersThatAreWrittenAreFreedOfWhatKilledProgramsLef
 TEST_F(OfflinePlatformTest, TheEditorGetsTheDiskItsLockAndTheRawCommandLine) {
   options.drives = {{'D', disk.temp.Folder("data")}};
   // A shell script in the registry editor's place, which reports to the file $OUT.
-  options.registryEditor = disk.temp.File("editor", "#!/bin/sh\nOUT='" + (disk.temp / "out").string() + R"('
+  const std::filesystem::path editor = disk.temp.File("editor", "#!/bin/sh\nOUT='" + (disk.temp / "out").string() + R"('
 for a in "$@"; do
   echo "<$a>" >> "$OUT"
-  if [ "$last" = --lock-fd ]; then [ -e "/proc/self/fd/$a" ] && echo passed >> "$OUT"; fi
+  if [ "$last" = --lock ]; then [ -e "/proc/self/fd/$a" ] && echo passed >> "$OUT"; fi
   last=$a
 done
 cp ')" + (disk.anna / "ntuser.dat").string() + "' \"$OUT.hive\"\necho 'line 3 makes no sense' >&2\nexit 1\n");
-  std::filesystem::permissions(options.registryEditor, std::filesystem::perms::owner_all);
+  std::filesystem::permissions(editor, std::filesystem::perms::owner_all);
+  options.registryEditor = editor;
   OfflinePlatform platform(options, dialogs);
   platform.GetDrives().SetCurrentDrive('D');
   platform.GetRegistry().Create({RegistryRoot::CurrentUser, "Identities\\{3}"});
