@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "support/golden_text.h"
 #include "support/registry_snapshot.h"
 #include "support/sample_platform.h"
 #include "ui/forms/program_windows.h"
@@ -20,7 +21,23 @@ class SampleWindows : public SamplePlatform {
     windows.reset();
     SamplePlatform::OpenDisk();
     windows = std::make_unique<ProgramWindows>(*platform);
+    for (Form* form : windows->All()) {
+      for (Control* control : form->Controls()) {
+        if (auto* bar = dynamic_cast<StatusBar*>(control)) bar->onChanged = [this, bar] { Keep(*bar); };
+      }
+    }
   }
+  /// Keeps what the bar shows, and the statuses of the main window.
+  void Keep(const StatusBar& bar) {
+    for (std::size_t panel = 0; panel < bar.panels.size(); ++panel) {
+      const std::string& text = bar.panels[panel];
+      if (!text.empty()) dialogs.looks.insert(text + " [panel " + std::to_string(panel + 1) + "]");
+    }
+    const std::string& text = bar.panels[0];
+    const bool isMain = &bar == &windows->form1.sb1;
+    if (isMain && !text.empty() && (statuses.empty() || statuses.back() != text)) statuses.push_back(text);
+  }
+  void TearDown() override { ExpectInGolden(dialogs.looks, "ui/forms/messages_golden.txt"); }
 
   /// Makes D:\Backup and has it be the backup folder, then starts the program.
   Form1& Start() {
@@ -46,14 +63,8 @@ class SampleWindows : public SamplePlatform {
     return SnapshotOf(platform->GetRegistry(), CurrentUser(key));
   }
 
-  /// From now on `statuses` gets each text that the main window's first panel shows.
-  void WatchStatus() {
-    statuses.clear();
-    windows->form1.sb1.onChanged = [this] {
-      const std::string& text = windows->form1.sb1.panels[0];
-      if (!text.empty() && (statuses.empty() || statuses.back() != text)) statuses.push_back(text);
-    };
-  }
+  /// From now on `statuses` has each text that the main window's first panel shows.
+  void WatchStatus() { statuses.clear(); }
   /// The statuses without those of single stores, such as "Inbox.dbx Backup Complete".
   std::vector<std::string> StatusesButFiles(const std::string& ending) const {
     std::vector<std::string> rest;

@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -45,6 +46,7 @@ struct ScriptedDialogs : Dialogs {
   std::vector<OverwriteQuestion> overwriteQuestions;
   std::vector<ProgressShown> progress;
   int openProgressDisplays = 0;
+  std::set<std::string> looks;  ///< of all dialogs, to hold them against a golden text
 
   /// Fails the test when an answer was queued that no dialog took.
   ~ScriptedDialogs() override {
@@ -65,14 +67,17 @@ struct ScriptedDialogs : Dialogs {
   /// The text of the message shown last; empty when there was none.
   std::string LastMessage() const { return messages.empty() ? std::string() : messages.back().text; }
 
-  /// "TEXT [Yes No, question]" of the message shown last.
-  std::string LastAsked() const {
+  /// "TEXT [Yes No, question]"
+  static std::string LookOf(const Message& message) {
     static constexpr const char* kButtons[] = {"OK", "OK Cancel", "Yes No", "Yes No Cancel"};
     static constexpr const char* kIcons[] = {"", ", exclamation", ", question", ", error", ", information"};
-    const Message& message = messages.back();
     return message.text + " [" + kButtons[static_cast<std::size_t>(message.buttons)] +
-           kIcons[static_cast<std::size_t>(message.icon)] + "]";
+           kIcons[static_cast<std::size_t>(message.icon)] + (message.noIsDefault ? ", No is the default" : "") +
+           (message.title == kProgramName ? "" : ", " + message.title) +
+           (message.words ? ", " + message.words->yes + "/" + message.words->no : "") + "]";
   }
+  /// That of the message shown last.
+  std::string LastAsked() const { return LookOf(messages.back()); }
   /// "FOLDER|NAME|FILTER" of the dialog shown last.
   static std::string LastFile(const std::vector<FileDialog>& shown) {
     return shown.back().folder.Text() + "|" + shown.back().name + "|" + shown.back().filter;
@@ -84,6 +89,7 @@ struct ScriptedDialogs : Dialogs {
 
   MessageAnswer Show(const Message& message) override {
     messages.push_back(message);
+    looks.insert(LookOf(message));
     if (message.buttons == MessageButtons::Ok) return MessageAnswer::Ok;
     const MessageAnswer refusal = message.buttons == MessageButtons::YesNo ? MessageAnswer::No : MessageAnswer::Cancel;
     return Take(messageAnswers, refusal, message.text);
@@ -91,25 +97,30 @@ struct ScriptedDialogs : Dialogs {
   std::optional<std::string> Input(const std::string& prompt, const std::string& title,
                                    const std::string& proposed) override {
     inputs.push_back({prompt, title, proposed});
+    looks.insert(LastInput() + " [input]");
     return Take(inputAnswers, std::optional<std::string>(), prompt);
   }
   std::optional<WinPath> OpenFile(const FileDialog& dialog) override {
     openFileDialogs.push_back(dialog);
+    looks.insert(dialog.title + "|" + LastFile(openFileDialogs) + " [open]");
     return Take(openFileAnswers, std::optional<WinPath>(), "open " + dialog.name);
   }
   std::optional<WinPath> SaveFile(const FileDialog& dialog) override {
     saveFileDialogs.push_back(dialog);
+    looks.insert(dialog.title + "|" + LastFile(saveFileDialogs) + (dialog.askOverwrite ? " [save, asks]" : " [save]"));
     return Take(saveFileAnswers, std::optional<WinPath>(), "save " + dialog.name);
   }
   std::optional<WinPath> BrowseForFolder(const FolderDialog& dialog) override {
     folderDialogs.push_back(dialog);
+    looks.insert(dialog.title + "|" + dialog.folder.Text() + " [folder]");
     return Take(folderAnswers, std::optional<WinPath>(), "folder: " + dialog.title);
   }
   OverwriteAnswer AskOverwrite(const OverwriteQuestion& question) override {
     overwriteQuestions.push_back(question);
     return Take(overwriteAnswers, OverwriteAnswer::Cancel, "overwrite " + question.target.Text());
   }
-  std::unique_ptr<Progress> ShowProgress(const std::string& /*title*/) override {
+  std::unique_ptr<Progress> ShowProgress(const std::string& title) override {
+    looks.insert(title + " [progress]");
     return std::make_unique<ScriptedProgress>(*this);
   }
 

@@ -7,38 +7,10 @@
 namespace quillbox {
 namespace {
 
-/// The menu items of one row; "*" stands for the {USER_ID}. The signatures, a hive file here, have no command.
-struct Item {
-  const char *save, *exportFile, *exportDone;
-  const char *restore, *restoreFile, *restoreDone;
-  std::string commandEnd;
-  std::string missing = {};    ///< the message without the key; empty: that is not asked
-  const char* noFolder = ".";  ///< how the message without a backup folder ends
-};
-const std::string kSettings = "  \"HKEY_CURRENT_USER\\Identities\\*\\Software\\Microsoft\\Outlook Express\\5.0\\";
-const Item kItems[] = {
-    {"Identity", "CurrentIdentity.reg", "Current Identity Export Complete", "resCurSelIdent", "",
-     "Current Identity Import Complete", " HKEY_CURRENT_USER\\Identities\\*"},
-    {"allIdentities", "AllIdentities.reg", "All Identities Export Complete", "resAllIdent", "",
-     "All Identities Import Complete", "  \"HKEY_CURRENT_USER\\Identities\\\""},
-    {"regAddBook", "AddressBook.reg", "Address Book Export Complete", "resAddBook", "AddressBook.reg",
-     "Address Book Import Complete", "  \"HKEY_CURRENT_USER\\Software\\Microsoft\\WAB\""},
-    {"blkSend", "BlockedSenders.reg", "Blocked Senders Export Complete", "resblkswnd", "BlockedSenders.reg",
-     "Blocked Senders Import Complete", kSettings + "Block Senders\"",
-     "There is not a Block Senders subkey to save for this Identity."},
-    {"dntshowdlg", "Dont Show Dialogs.reg", "Dont Show Dialogs Export Complete", "resdontshow", "DontShowDialog.reg",
-     "Dont Show Dialogs Import Complete", kSettings + "Dont Show Dialogs\"",
-     "There is not a Dont Show Dialogs subkey to save for this Identity."},
-    {"expLMOE", "HKLMOutlookExpress.reg", "HKLM Outlook Express Export Complete", "resHKLMOE", "HKLMOutlookExpress.reg",
-     "HKLM Outlook Express Import Complete", "  \"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Outlook Express\"", "", " "},
-    {"msgRules", "MessageRules.reg", "Message Rules Export Complete", "resMsgRules", "MessageRules.reg",
-     "Message Rules Import Complete", kSettings + "Rules\"", "There is not a Rules subkey to save for this Identity."},
-    {"regIAM", "IAM.reg", "Internet Accounts Manager Subkey Backup Complete", "resIAM", "IAM.reg",
-     "Internet Accounts Manager Import Complete",
-     "  \"HKEY_CURRENT_USER\\SOFTWARE\\Microsoft\\Internet Account Manager\\Accounts\"", "", " "},
-    {"sigs", "SignaturesXP.reg", "Signatures Export Complete", "resSigs", "SignaturesXP.reg",
-     "Signatures Import Complete", "", "There is not a signatures subkey to save for this Identity."},
-};
+/// A part of the registry and its two menu items.
+std::vector<GoldenLine> Parts() {
+  return ReadGolden("ui/forms/registry_items_golden.txt");
+}
 
 /// A full disk: writes beyond a size fail while an object of this class lives.
 class FileSizeLimit {
@@ -69,12 +41,12 @@ class RegistryItemsTest : public SampleWindows {
     userId = form->Label6.caption;
   }
   /// Chooses a menu item, a switched-off one too.
-  void Click(const char* item) { form->RunHandler(item, form->menuBar.Item(item).onClick); }
-  void Save(const char* item, const WinPath& chosen) {
+  void Click(const std::string& item) { form->RunHandler(item, form->menuBar.Item(item).onClick); }
+  void Save(const std::string& item, const WinPath& chosen) {
     dialogs.saveFileAnswers = {chosen};
     Click(item);
   }
-  void Restore(const char* item, const WinPath& chosen) {
+  void Restore(const std::string& item, const WinPath& chosen) {
     dialogs.openFileAnswers = {chosen};
     Click(item);
   }
@@ -90,12 +62,15 @@ class RegistryItemsTest : public SampleWindows {
   static constexpr const char* kFilter = "|Registration Files (*.reg) | *.reg";
 };
 
-TEST_F(RegistryItemsTest, EachItemIsSavedAndComesBackAsItWas) {
-  for (const Item& item : kItems) {
-    if (item.commandEnd.empty()) continue;
-    SCOPED_TRACE(item.save);
+TEST_F(RegistryItemsTest, EachPartIsSavedAndComesBackAsItWas) {
+  for (const GoldenLine& part : Parts()) {
+    const std::string commandEnd = OfIdentity(part.Fact("key")[1]);
+    if (commandEnd.empty()) continue;
+    SCOPED_TRACE(part.Place());
+    const GoldenLine saves = part.Fact("saves");
+    const GoldenLine merges = part.Fact("merges");
     form->cmbUserIDs.pick(userId);
-    std::string key = Trim(OfIdentity(item.commandEnd));
+    std::string key = Trim(commandEnd);
     std::erase(key, '"');
     const RegistryPath path = ParseRegistryPath(key).value();
     const RegistrySnapshot before = SnapshotOf(platform->GetRegistry(), path);
@@ -103,18 +78,18 @@ TEST_F(RegistryItemsTest, EachItemIsSavedAndComesBackAsItWas) {
     platform->processes.commandLines.clear();
     form->sb1.panels[1] = "old";
 
-    Save(item.save, file);
+    Save(part[1], file);
     EXPECT_TRUE(dialogs.saveFileDialogs.back().askOverwrite);
-    EXPECT_EQ(dialogs.LastFile(dialogs.saveFileDialogs), "D:\\Backup|" + std::string(item.exportFile) + kFilter);
-    EXPECT_EQ(form->sb1.panels[0], item.exportDone);
+    EXPECT_EQ(dialogs.LastFile(dialogs.saveFileDialogs), "D:\\Backup|" + saves[1] + kFilter);
+    EXPECT_EQ(form->sb1.panels[0], saves[2]);
     EXPECT_EQ(form->sb1.panels[1], "");
     Store().DeleteKey(path);
-    Restore(item.restore, file);
-    EXPECT_EQ(dialogs.LastFile(dialogs.openFileDialogs), "D:\\Backup|" + std::string(item.restoreFile) + kFilter);
-    EXPECT_EQ(form->sb1.panels[0], item.restoreDone);
+    Restore(part[2], file);
+    EXPECT_EQ(dialogs.LastFile(dialogs.openFileDialogs), "D:\\Backup|" + merges[1] + kFilter);
+    EXPECT_EQ(form->sb1.panels[0], merges[2]);
     EXPECT_EQ(SnapshotOf(platform->GetRegistry(), path), before);
     EXPECT_EQ(platform->processes.commandLines,
-              (std::vector<std::string>{"regedit /s /e:A \"D:\\Backup\\item.reg\"" + OfIdentity(item.commandEnd),
+              (std::vector<std::string>{"regedit /s /e:A \"D:\\Backup\\item.reg\"" + commandEnd,
                                         "regedit /s /c \"D:\\Backup\\item.reg"}));
     EXPECT_EQ(form->Label2.caption, "3");
   }
@@ -175,10 +150,10 @@ TEST_F(RegistryItemsTest, TheKindOfWindowsChoosesTheFormAndTheNameOfSignatures) 
   OpenDisk();
   form = &Start();
   form->cmbUserIDs.pick(userId);
-  for (const Item& item : kItems) {
+  for (const GoldenLine& part : Parts()) {
     form->sb1.panels[0] = "before";
-    Save(item.save, WinPath("D:\\never.reg"));
-    EXPECT_EQ(form->sb1.panels[0], item.save == std::string("regIAM") ? "before" : item.exportDone);
+    Save(part[1], WinPath("D:\\never.reg"));
+    EXPECT_EQ(form->sb1.panels[0], part[1] == "regIAM" ? "before" : part.Fact("saves")[2]);
   }
   EXPECT_TRUE(platform->processes.commandLines.empty());
   EXPECT_FALSE(std::filesystem::exists(sample.driveD / "never.reg"));
@@ -187,15 +162,13 @@ TEST_F(RegistryItemsTest, TheKindOfWindowsChoosesTheFormAndTheNameOfSignatures) 
 TEST_F(RegistryItemsTest, AMissingKeyIsToldBeforeAMissingFolder) {
   windows->session.backupFolder.Reset();
   form->cmbUserNames.pick("Guest");
-  for (const Item& item : kItems) {
-    const std::string noFolder = "Please select a backup folder or create one from the Tools menu";
-    Click(item.save);
-    EXPECT_EQ(dialogs.LastAsked(),
-              item.missing.empty() ? noFolder + item.noFolder + " [OK]" : item.missing + " [OK, exclamation]");
+  for (const GoldenLine& part : Parts()) {
+    Click(part[1]);
+    EXPECT_EQ(dialogs.LastAsked(), part.Fact("refuses")[1]) << part.Place();
 
     form->sb1.panels[0] = "before";
     dialogs.openFileAnswers = {std::nullopt};
-    Click(item.restore);
+    Click(part[2]);
     EXPECT_EQ(form->sb1.panels[0], "before");
   }
   form->cmbUserNames.pick("Main Identity");
