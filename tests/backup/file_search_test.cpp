@@ -118,8 +118,10 @@ TEST(DriveList, FixedDrivesThenCdRomsThenAll) {
   EXPECT_THAT(list.items, ElementsAre("C:\\{volume has no label}", "D:\\DATA", "B:\\CD-ROM", "E:\\CD-ROM",
                                       "All Hard Drives (C:\\, D:\\)"));
   EXPECT_THAT(list.roots, ElementsAre(WinPath("C:\\"), WinPath("D:\\"), WinPath("B:\\"), WinPath("E:\\")));
-  EXPECT_EQ(DriveTypeText(drives, "r"), "RAM Disk");
-  EXPECT_EQ(DriveTypeText(drives, "Q:\\"), "Drive Doesn't Exist");
+  drives.types['F'] = DriveType::Removable;
+  std::string types;
+  for (const char* root : {"f", "C:", "z:\\", "B", "r", "Q:\\"}) types += DriveTypeText(drives, root) + "|";
+  EXPECT_EQ(types, "Removable Drive|Fixed Drive|Remote Drive|CD-ROM|RAM Disk|Drive Doesn't Exist|");
 }
 
 }  // namespace

@@ -100,8 +100,15 @@ TEST_F(IdentityReportTest, AllIdentitiesOfTheSelectedFolderAreListedWithNamesInO
   facts.fileType = "*.idx";
   const std::string report = MakeIdentityReport(facts, ReportFormat::Html);
   EXPECT_THAT(report, HasSubstr("\r\n<Main>\u240D\u240AEnd: " + kMain + "</DIV>\r\nBüro: " + kOffice + "</DIV>\r\n"));
-  EXPECT_THAT(MakeIdentityReport(facts, ReportFormat::Text), HasSubstr("\r\nNumber of  Files Found: 3\r\n"))
-      << "other types of files have no label";
+  const std::pair<const char*, const char*> labels[] = {{"*.idx", ""},  // nor have other patterns
+                                                        {"*.mbx", "Outlook Express 4 MBX"},
+                                                        {"*.wab", "Address Book WAB"},
+                                                        {"*.wa~", "Address Book Backup WA~"}};
+  for (const auto& [type, label] : labels) {
+    facts.fileType = type;
+    EXPECT_THAT(MakeIdentityReport(facts, ReportFormat::Text),
+                HasSubstr("\r\nNumber of " + std::string(label) + " Files Found: 3\r\n"));
+  }
 }
 
 constexpr const char* kOwn = "{1}";  // an identity that has the rules that a test writes, and no others

@@ -86,8 +86,7 @@ TEST_F(Form6Test, FourFilesAreRememberedAndSwitchedTo) {
   EXPECT_THAT(Captions(), ElementsAre("a.wab", "c.wab", kNoneSelected, kNoneSelected));
   Select(picker, {"a.wab", "b.wab", "c.wab", "d.wab", "e.wab"});
   picker.cmdSelWABs.click();
-  EXPECT_EQ(dialogs.LastMessage(),
-            "You have selected more than four WAB files. The last ones selected will not be added.");
+  EXPECT_THAT(dialogs.LastMessage(), testing::StartsWith("You have selected more than four"));
   EXPECT_TRUE(picker.lstFiles9.selected->empty());
   EXPECT_EQ(Slots(), filled);
 
@@ -147,6 +146,9 @@ TEST_F(Form6Test, TheSettingIsSavedAndRestored) {
   EXPECT_EQ(Value(""), first);
   EXPECT_EQ(form.txtRestore.text, first);
   EXPECT_EQ(form.sb1.panels[0], "Restore Complete");
+  store->SetKeyValue(kAddressBookKey, "", "", ValueType::Sz);
+  form.cmdmkbackup6.click();
+  EXPECT_THAT(dialogs.LastMessage(), testing::StartsWith("No Address Book is set"));
 }
 
 TEST_F(Form6Test, TheMoveCommandAsksForAFolderAndNeedsAFile) {

@@ -119,14 +119,15 @@ TEST_F(HostileDiskTest, WhatThePersonChoosesInTheWindowsNeedsNoQuestion) {
 TEST_F(HostileDiskTest, SystemFoldersAndTheDiskItselfAreNeitherOfferedNorTaken) {
   std::filesystem::create_directory_symlink(sample.driveC, temp / "host/link");
   std::filesystem::create_directory_symlink("/proc/self", temp / "host/status");
+  std::filesystem::create_directory_symlink("loop", temp / "host/loop");
   for (const std::string& folder :
        {OnZ(temp / "host/status/fd"), std::string("Z:\\PROC\\self\\fd"), std::string("Z:\\sys\\kernel"),
-        std::string("z:/tmp/../dev"), OnZ(sample.driveD), OnZ(temp / "host/link/Mail")}) {
+        std::string("z:/tmp/../dev"), OnZ(sample.driveD), OnZ(temp / "host/link/Mail"), OnZ(temp / "host/loop/x")}) {
     Form1& form = Start();
     dialogs.messages.clear();
     dialogs.folderAnswers = {WinPath(folder)};
     form.menuBar.click("brbkfldr");
-    EXPECT_THAT(dialogs.Texts(), ElementsAre(HasSubstr("\"" + folder + "\" cannot be the backup folder: it is ")));
+    EXPECT_THAT(dialogs.Texts(), ElementsAre(HasSubstr("\"" + folder + "\" cannot be the backup folder: ")));
     windows->form3.txtbkPth.type(folder);
     windows->form3.cmdSetPath.click();
     form.menuBar.click("addBookFile");

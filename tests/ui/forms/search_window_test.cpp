@@ -1,5 +1,6 @@
 #include "ui/forms/search_window.h"
 
+#include "support/ordinary_user.h"
 #include "support/sample_windows.h"
 
 namespace quillbox {
@@ -73,6 +74,7 @@ TEST_F(Form2Test, ADriveOrAllDrivesAreSearchedForWhatTheTypeSays) {
   EXPECT_EQ(form.Label3.caption, std::to_string(form.lvFiles.RowCount()));
   EXPECT_EQ(form.sb2.panels[0], "Search Complete");
   EXPECT_EQ(form.cmdSearch.caption, "Search");
+  EXPECT_EQ(dialogs.progress.front().text, "0 found, now in C:\\");
   EXPECT_EQ(dialogs.openProgressDisplays, 0);
 
   const std::pair<const char*, const char*> types[] = {
@@ -90,6 +92,17 @@ TEST_F(Form2Test, ADriveOrAllDrivesAreSearchedForWhatTheTypeSays) {
   form.cmdSearch.click();
   EXPECT_THAT(Rows(form), ElementsAre("D:\\Elsewhere\\Book.wa~"));
 
+  const auto folder = sample.driveC / "Mail/a";
+  chmod(temp.Path().c_str(), 0755);
+  chmod(folder.c_str(), 0);
+  form.cboDrives.pick(0);
+  std::optional<OrdinaryUser> user(std::in_place);
+  form.cmdSearch.click();
+  user.reset();
+  chmod(folder.c_str(), 0755);
+  EXPECT_EQ(form.sb2.panels[1], "Folders not read: 1");
+
+  form.cboDrives.pick(2);
   form.cboFileType.type("old.*");
   EXPECT_EQ(form.Label13.caption, "Address Book Backup") << "a pattern of one's own has no description";
   form.cmdSearch.click();
@@ -142,12 +155,11 @@ TEST_F(Form2Test, CheckedFilesAreRestoredIntoTheChosenIdentityAfterAYes) {
   Form2& form = SearchMail();
   form.IdentyPth.type("C:\\Store");
   form.cndSelectAll.click();
-  dialogs.messageAnswers = {MessageAnswer::No, MessageAnswer::Yes, MessageAnswer::Yes, MessageAnswer::Yes};
+  dialogs.messageAnswers = {MessageAnswer::No};
+  dialogs.messageAnswers.resize(5, MessageAnswer::Yes);
   form.resDBXFiles.click();
   EXPECT_FALSE(std::filesystem::exists(sample.driveC / "Store"));
-  EXPECT_EQ(dialogs.LastAsked(),
-            "Restoring DBX files will overwrite those that currently exist in Outlook Express's message stores folder. "
-            "Do you wish to overwrite these files? [Yes No]");
+  EXPECT_THAT(dialogs.LastAsked(), testing::StartsWith("Restoring DBX files will overwrite those"));
 
   form.cmdDeselectAll.click();
   form.resDBXFiles.click();
@@ -161,9 +173,11 @@ TEST_F(Form2Test, CheckedFilesAreRestoredIntoTheChosenIdentityAfterAYes) {
 
   form.IdentyPth.type("This Identity is empty, there are no values to save.");
   form.resDBXFiles.click();
-  EXPECT_EQ(dialogs.LastMessage(),
-            "There is no message store folder to restore the files to. Please select another Identity.");
+  EXPECT_THAT(dialogs.LastMessage(), testing::StartsWith("There is no message store folder"));
   EXPECT_EQ(form.sb2.panels[0], "") << "nothing is copied to a folder that the marker would name";
+  form.IdentyPth.type("C:\\Mail\\a\\Inbox.dbx");
+  form.resDBXFiles.click();
+  EXPECT_THAT(dialogs.LastMessage(), testing::StartsWith("The folder \"C:\\Mail\\a\\Inbox.dbx\" cannot be made"));
 }
 
 TEST_F(Form2Test, CloseKeepsAndTheCloseBoxForgets) {
