@@ -51,10 +51,14 @@ for group in GROUPS:
     for index, word in enumerate(words):
         NEXT.setdefault(word, words[(index + 1) % len(words)])
 
-# Lines whose texts nobody but a programmer sees, layouts, and those that are no table.
+# Lines whose texts nobody but a programmer sees, and those that are no table. The name that a handler runs by is in the
+# log only.
 SKIPPED = re.compile(
-    r"^\s*(#|//|///|namespace|using|static_assert|case )|GetLog\(\)|log_\.|logic_error|spokenName|\bItem\(|Grid\("
+    r"^\s*(#|//|///|namespace|using|static_assert|case )|GetLog\(\)|log_\.|logic_error|invalid_argument|spokenName"
+    r'|RunHandler\("'
 )
+# The first line of a function that only arranges controls: shares of the space and columns have no right value.
+LAYOUT = re.compile(r"^LayoutNode .*\{$")
 TOKEN = re.compile(r'"(?:[^"\\]|\\.)*"|\b[A-Za-z_]\w*(?:::\w+)*|\b\d+\b|//.*')
 
 
@@ -81,8 +85,10 @@ def mutants(tree, only):
             if not name.startswith(start) or target_of(name)[0] != start or only not in name:
                 continue
             lines = path.read_text().split("\n")
+            arranges = False
             for number, line in enumerate(lines):
-                if SKIPPED.search(line):
+                arranges = line != "}" and (arranges or bool(LAYOUT.match(line)))
+                if arranges or SKIPPED.search(line):
                     continue
                 for match in TOKEN.finditer(line):
                     other = changed(match.group())

@@ -14,7 +14,10 @@ struct TestDrives : Drives {
     return root.IsAbsolute() && known != types.end() ? known->second : DriveType::NoRoot;
   }
   bool IsOwnDrive(char letter) override { return letter != 'Z' && types.count(letter) > 0; }
-  std::optional<std::string> VolumeLabel(const WinPath& root) override { return labels[root.Drive()]; }
+  std::optional<std::string> VolumeLabel(const WinPath& root) override {
+    const auto label = labels.find(root.Drive());
+    return label == labels.end() ? std::nullopt : std::optional(label->second);
+  }
   Status SetCurrentDrive(char) override { return Status::Success; }
   Status SetCurrentDirectory(const WinPath&) override { return Status::Success; }
   WinPath CurrentDirectory() override { return WinPath("C:\\Data"); }

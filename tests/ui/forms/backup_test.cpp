@@ -393,6 +393,21 @@ TEST_F(CompleteBackupTest, OnlyStoresWithAKnownPlaceAreRestored) {
   EXPECT_THAT(dialogs.messages[2].text, HasSubstr(": its message store folder \"D:\\Mail\\Office\" cannot be made\n"));
 }
 
+TEST_F(CompleteBackupTest, AStoreThatIsNotKnownIsNotAnEmptyIdentity) {
+  Store().SetKeyValue(IdentitySettingsKey(kOffice), "Store Root", RegValue(7), ValueType::Dword);
+  for (const auto& entry : std::filesystem::directory_iterator(StoreOf("Main Identity"))) {
+    std::filesystem::remove(entry);
+  }
+  Store().DeleteKey(CurrentUser(kWabKey));
+  form->cmdbkupall.click();
+  EXPECT_THAT(dialogs.LastMessage(), StartsWith("The messages of \"Büro\" cannot be copied: "));
+  EXPECT_EQ(form->sb1.panels[1], "2 Identities Backed Up; no files copied; 1 message store not copied");
+  Store().DeleteKey(CurrentUser(IdentityKey(kOffice)));
+  windows->session.GetInputPaths();
+  form->cmdbkupall.click();
+  EXPECT_EQ(form->sb1.panels[1], "1 Identities Backed Up; no files copied");
+}
+
 TEST_F(CompleteBackupTest, IdentitiesOfOneNameShareAFolderAndLoseNothingUnasked) {
   for (const char* username : {"Main Identity", "Büro"}) SetUsername(Identity(username).userId, "Twin");
   windows->session.GetInputPaths();

@@ -37,6 +37,7 @@ TEST_F(LastBackupTest, SaysWhatWasNotDoneFirstAndChecksEveryCopy) {
   EXPECT_EQ(form.lvSteps.RowCount(), 29U) << "what was not done, and each copy and export";
   form.cmdCheck.click();
   EXPECT_EQ(form.sb1.panels[0], "21 copies are the same as the source; 6 registry files can be read");
+  EXPECT_EQ(dialogs.progress.back().done + dialogs.progress.back().total, 0U) << "registry files have no known end";
   const auto size = std::filesystem::file_size(BackupFolderOnHost() / "AllIdentities.reg");
   EXPECT_EQ(Row(23),
             "AllIdentities.reg |  | readable, " + std::to_string(size) + " bytes: D:\\Backup\\AllIdentities.reg");

@@ -148,6 +148,8 @@ TEST_F(Form1Test, TheOverwriteBoxIsStoredAndLoaded) {
   EXPECT_TRUE(Start().chkOverwrite.checked);
   windows->form1.chkOverwrite.click();
   EXPECT_EQ(Read(kIdentitiesKey, "BackupOverWrite"), RegValue(0));
+  OpenDisk();
+  EXPECT_FALSE(Start().chkOverwrite.checked);
   Store().SetKeyValue(kIdentitiesKey, "BackupOverWrite", RegValue(7), ValueType::Dword);
   windows->form1.chkOverwrite.checked = true;
   windows->form1.Open();

@@ -156,7 +156,7 @@ TEST_F(Form2Test, CheckedFilesAreRestoredIntoTheChosenIdentityAfterAYes) {
   form.IdentyPth.type("C:\\Store");
   form.cndSelectAll.click();
   dialogs.messageAnswers = {MessageAnswer::No};
-  dialogs.messageAnswers.resize(5, MessageAnswer::Yes);
+  dialogs.messageAnswers.resize(6, MessageAnswer::Yes);
   form.resDBXFiles.click();
   EXPECT_FALSE(std::filesystem::exists(sample.driveC / "Store"));
   EXPECT_THAT(dialogs.LastAsked(), testing::StartsWith("Restoring DBX files will overwrite those"));
@@ -175,6 +175,10 @@ TEST_F(Form2Test, CheckedFilesAreRestoredIntoTheChosenIdentityAfterAYes) {
   form.resDBXFiles.click();
   EXPECT_THAT(dialogs.LastMessage(), testing::StartsWith("There is no message store folder"));
   EXPECT_EQ(form.sb2.panels[0], "") << "nothing is copied to a folder that the marker would name";
+  windows->session.backupFolder.Reset();
+  form.resDBXFiles.click();
+  EXPECT_EQ(dialogs.LastMessage(), "Please select a backup folder or create one from the Tools menu.");
+  windows->session.backupFolder.Choose(WinPath(kBackup));
   form.IdentyPth.type("C:\\Mail\\a\\Inbox.dbx");
   form.resDBXFiles.click();
   EXPECT_THAT(dialogs.LastMessage(), testing::StartsWith("The folder \"C:\\Mail\\a\\Inbox.dbx\" cannot be made"));

@@ -104,6 +104,7 @@ TEST_F(Form13Test, ANumberThatIsTypedButNotAppliedIsAskedAbout) {
 
 TEST_F(Form13Test, TheReceiptForListsFollowsTheOneForAll) {
   Open();
+  EXPECT_EQ(windows->form13.SSTab1.selected.Get(), 0U);
   EXPECT_FALSE(Combo("cmbSendReceiptToList").enabled) << "the sample asks each time";
   Combo("cmbSendMDN").pick("Always send a read receipt");
   EXPECT_TRUE(Combo("cmbSendReceiptToList").enabled);
