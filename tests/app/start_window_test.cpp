@@ -4,6 +4,7 @@
 #include "platform/offline/offline_platform.h"
 #include "sample/sample_disk.h"
 #include "support/damaged_hive.h"
+#include "support/host_tricks.h"
 #include "support/matchers.h"
 #include "support/scripted_dialogs.h"
 #include "support/temp_folder.h"
@@ -127,8 +128,7 @@ TEST_F(StartWindowTest, FurtherDrivesAreAddedAndTakenAway) {
 }
 
 TEST_F(StartWindowTest, TheLastDisksAreListedWithProfileFolderAndTime) {
-  setenv("TZ", "UTC", 1);
-  tzset();
+  SetEnvironmentVariable("TZ", "UTC");
   MakeDisk("xp", {"Ann", "Ben"});
   RememberDisk(temp / "state", {{temp / "gone", "Eve", {}}, 0});
   RememberDisk(temp / "state", {{temp / "xp", "Ben", {{'D', temp / "xp"}}}, 1'700'000'000});

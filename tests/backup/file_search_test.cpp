@@ -3,8 +3,8 @@
 #include "backup/drives.h"
 #include "host/host_folder.h"
 #include "platform/offline/offline_files.h"
+#include "support/host_tricks.h"
 #include "support/matchers.h"
-#include "support/ordinary_user.h"
 #include "support/temp_folder.h"
 #include "support/test_drives.h"
 
@@ -54,6 +54,7 @@ TEST_F(FileSearchTest, EachFolderComesBeforeWhatIsBelowItAndEachMatchOnce) {
 }
 
 TEST_F(FileSearchTest, LinksToFoldersAreNotEntered) {
+  NEEDS(Links);
   temp.File("c/a/Inbox.dbx");
   temp.File("outside/far.dbx");
   std::filesystem::create_directory_symlink(c, c / "a/loop");
@@ -65,19 +66,21 @@ TEST_F(FileSearchTest, LinksToFoldersAreNotEntered) {
 }
 
 TEST_F(FileSearchTest, AFolderThatCannotBeReadIsToldAndTheRestIsSearched) {
+  NEEDS(Modes);
   for (const char* file : {"c/a/in.dbx", "c/b/in.dbx", "c/top.dbx"}) temp.File(file);
-  chmod(temp.Path().c_str(), 0755);
-  for (const char* folder : {"c/a", "c/b"}) chmod((temp / folder).c_str(), 0);
+  std::filesystem::permissions(temp.Path(), std::filesystem::perms{0755});
+  for (const char* folder : {"c/a", "c/b"}) std::filesystem::permissions((temp / folder), std::filesystem::perms{0});
   const auto paths = [&] {
     const OrdinaryUser user;
     return Search("C:\\", "*.dbx");
   }();
-  for (const char* folder : {"c/a", "c/b"}) chmod((temp / folder).c_str(), 0700);
+  for (const char* folder : {"c/a", "c/b"}) std::filesystem::permissions((temp / folder), std::filesystem::perms{0700});
   EXPECT_THAT(paths, ElementsAre("C:\\top.dbx"));
   EXPECT_THAT(report.unread, UnorderedElementsAre("C:\\a: Permission denied", "C:\\b: Permission denied"));
 }
 
 TEST_F(FileSearchTest, NamesThatAreNoTextAreFoundAndCanBeOpened) {
+  NEEDS(BadNames);
   temp.File(
       "c/bad\xFF"
       "dir/caf\xE9.dbx",

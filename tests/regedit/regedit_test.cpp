@@ -1,7 +1,4 @@
 // The registry editor: its command line, and as it is really used, started as a program on a disk.
-#include <stdlib.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
 
 #include <algorithm>
 
@@ -11,6 +8,7 @@
 #include "regedit/export.h"
 #include "registry/reg_file_recorder.h"
 #include "support/damaged_hive.h"
+#include "support/host_tricks.h"
 #include "support/scripted_dialogs.h"
 
 namespace quillbox {
@@ -87,17 +85,28 @@ TEST(RegeditCommandLine, NamesTheDisk) {
   EXPECT_EQ(disk.directory, WinPath("D:\\bk"));
 }
 
-struct Outcome {
-  int code = -1;
-  std::string out, err;
-};
+/// The words of a command as a person types it: blanks between them, single quotes around blanks.
+std::vector<std::string> Words(const std::string& command) {
+  std::vector<std::string> words = {""};
+  bool isQuoted = false;
+  for (const char c : command) {
+    if (c == '\'') {
+      isQuoted = !isQuoted;
+    } else if (c == ' ' && !isQuoted) {
+      words.emplace_back();
+    } else {
+      words.back() += c;
+    }
+  }
+  return words;
+}
 
 class RegeditProgram : public testing::Test {
  protected:
   RegeditProgram() {
     MakeHiveFile(kHive);
     MakeHiveFile(folder / "c/WINDOWS/system32/config/software");
-    setenv("XDG_STATE_HOME", (folder / "state").c_str(), 1);
+    SetEnvironmentVariable("XDG_STATE_HOME", (folder / "state").string());
     folder.File(
         "start.reg",
         "REGEDIT4\r\n[HKEY_CURRENT_USER\\Identities\\{1}]\r\n\"Username\"=\"Ann\"\r\n@=hex(2):25,41,25,e9,00\r\n"
@@ -105,24 +114,20 @@ class RegeditProgram : public testing::Test {
         "[HKEY_CURRENT_USER\\Identities\\b\\deep]\r\n[HKEY_CURRENT_USER\\Identities\\A]\r\n");
   }
 
-  /// Runs `command` in a shell, in the test's folder.
-  Outcome Shell(const std::string& command) {
-    const std::string line = "cd '" + folder.Path().string() + "' && " + command + " >out 2>err";
-    const int status = std::system(line.c_str());
-    return {WEXITSTATUS(status), folder.Read("out"), folder.Read("err")};
+  ProgramRun Run(const std::string& arguments) {
+    return RunProgram(QUILLBOX_BIN_DIR "/regedit", Words(arguments), folder.Path());
   }
-  Outcome Run(const std::string& arguments) { return Shell("'" QUILLBOX_BIN_DIR "/regedit' " + arguments); }
 
   TempFolder folder;
   const std::filesystem::path kHive = folder / "c/Documents and Settings/Ann/NTUSER.DAT";
 };
 
 TEST_F(RegeditProgram, MergesAndExportsByHand) {
-  const Outcome merged = Run("--disk c start.reg");
+  const ProgramRun merged = Run("--disk c start.reg");
   EXPECT_EQ(merged.code, 0) << merged.err;
   EXPECT_EQ(merged.out, "start.reg: 3 keys added, 0 keys deleted, 5 values set, 0 values deleted\n");
   EXPECT_EQ(Run("--disk c /s start.reg").out, "");
-  const Outcome exported = Run("--disk c --profile ann /e:A out.reg 'hkcu\\Identities'");
+  const ProgramRun exported = Run("--disk c --profile ann /e:A out.reg 'hkcu\\Identities'");
   EXPECT_EQ(exported.code, 0) << exported.err;
   EXPECT_EQ(exported.out, "HKEY_CURRENT_USER\\Identities: 5 keys and 5 values exported to out.reg\n");
   EXPECT_EQ(folder.Read("out.reg"),
@@ -136,7 +141,7 @@ TEST_F(RegeditProgram, TextThatEightBitsCannotHoldGetsTheUnicodeForm) {
   folder.File("wide.reg",
               "\xEF\xBB\xBFREGEDIT4\n[HKEY_CURRENT_USER\\Identities\\Key]\n\"Username\"=\"\xE8\xA1\xA8\"\n");
   ASSERT_EQ(Run("--disk c wide.reg").code, 0);
-  const Outcome exported = Run("--disk c /e:A out.reg HKEY_CURRENT_USER\\\\Identities");
+  const ProgramRun exported = Run("--disk c /e:A out.reg HKEY_CURRENT_USER\\Identities");
   EXPECT_THAT(exported.out + exported.err, HasSubstr("[HKEY_CURRENT_USER\\Identities\\Key] \"Username\""));
   EXPECT_THAT(folder.Read("out.reg"), StartsWith("\xFF\xFEW"));
   EXPECT_THAT(ContentsOf(folder.Read("out.reg")), testing::IsSupersetOf(ContentsOf(folder.Read("wide.reg"))));
@@ -146,7 +151,7 @@ TEST_F(RegeditProgram, TextThatEightBitsCannotHoldGetsTheUnicodeForm) {
   system.SetValue(system.CreatePath(system.Root(), "ControlSet001\\Control\\Nls\\CodePage"), "ACP", 1,
                   Utf16Bytes({u"932\0", 4}));
   WriteBytes(folder / "c/WINDOWS/system32/config/system", system.Image(kTestTime));
-  EXPECT_EQ(Run("--disk c /e:A out.reg HKEY_CURRENT_USER\\\\Identities").code, 0);
+  EXPECT_EQ(Run("--disk c /e:A out.reg HKEY_CURRENT_USER\\Identities").code, 0);
   EXPECT_THAT(folder.Read("out.reg"), AllOf(StartsWith("REGEDIT4"), HasSubstr("\"Username\"=\"\x95\x5C\"")));
 }
 
@@ -159,11 +164,11 @@ TEST_F(RegeditProgram, CountsWhatItMergesAndNamesWhatItCannot) {
               "[-HKEY_CURRENT_USER\\I\\Old]\r\n[-HKEY_CURRENT_USER\\I\\Never]\r\n"
               "[hkey_current_user\\I\\Kept]\r\n\"V\"=-\r\n\"never\"=-\r\n\"new\"=dword:2\r\n"
               "[HKEY_CURRENT_USER\\I\\New\\Sub]\r\n@=\"y\"\r\nbroken\r\n[HKEY_USERS\\S-1]\r\n\"lost\"=\"x\"\r\n");
-  const Outcome merged = Run("--disk c x.reg");
+  const ProgramRun merged = Run("--disk c x.reg");
   EXPECT_EQ(merged.out, "x.reg: 1 key added, 1 key deleted, 2 values set, 1 value deleted\n");
   EXPECT_THAT(merged.err, AllOf(HasSubstr("x.reg, line 10: "), HasSubstr("x.reg, line 11: \"HKEY_USERS\\S-1\": ")));
   EXPECT_EQ(std::count(merged.err.begin(), merged.err.end(), '\n'), 2 + 1) << "and that SYSTEM is not there";
-  Run("--disk c /e:A out.reg HKEY_CURRENT_USER\\\\I");
+  Run("--disk c /e:A out.reg HKEY_CURRENT_USER\\I");
   EXPECT_EQ(
       folder.Read("out.reg"),
       "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\I]\r\n\r\n[HKEY_CURRENT_USER\\I\\Kept]\r\n\"new\"=dword:00000002\r\n\r\n"
@@ -191,7 +196,7 @@ TEST(RegeditExport, LargeKeysAreWrittenInPieces) {
 }
 
 TEST_F(RegeditProgram, WrongCommandsGetUsageAndFailuresAReason) {
-  const Outcome wrong = Run("--disk c --x a.reg");
+  const ProgramRun wrong = Run("--disk c --x a.reg");
   EXPECT_EQ(wrong.code, 2);
   EXPECT_THAT(wrong.err, HasSubstr("Usage:"));
   folder.File("kept.reg", "an earlier export");
@@ -199,7 +204,7 @@ TEST_F(RegeditProgram, WrongCommandsGetUsageAndFailuresAReason) {
   for (const char* failing :
        {"--disk nowhere start.reg", "--disk c --profile Bob start.reg", "--disk c wrong.reg",
         "--disk c /s /e kept.reg 'HKEY_CURRENT_USER\\Never'", "--disk c /e no/folder.reg HKEY_CURRENT_USER"}) {
-    const Outcome outcome = Run(failing);
+    const ProgramRun outcome = Run(failing);
     EXPECT_EQ(outcome.code, 1) << failing;
     EXPECT_THAT(outcome.err, AllOf(HasSubstr("regedit: "), EndsWith("\n"))) << failing;
     EXPECT_EQ(outcome.out, "") << failing;
@@ -239,7 +244,7 @@ TEST_F(RegeditProgram, EveryRefusedChangeHasItsOwnReason) {
     if (!rows[i].second.empty()) reasons += "no.reg, line " + std::to_string(i + 2) + ": " + rows[i].second + "\n";
   }
   folder.File("no.reg", file);
-  const Outcome merged = Run("--disk c no.reg");
+  const ProgramRun merged = Run("--disk c no.reg");
   EXPECT_EQ(merged.code, 1);
   EXPECT_EQ(merged.out, "no.reg: 1 key added, 0 keys deleted, 0 values set, 0 values deleted\n");
   EXPECT_THAT(merged.err, EndsWith(reasons));
@@ -248,7 +253,7 @@ TEST_F(RegeditProgram, EveryRefusedChangeHasItsOwnReason) {
 TEST_F(RegeditProgram, HiveThatIsNotThereIsNamedWithItsFault) {
   folder.File("c/WINDOWS/system32/config/software", "no hive");
   folder.File("no.reg", "REGEDIT4\n[-HKEY_LOCAL_MACHINE\\Software\\A]\n[HKEY_LOCAL_MACHINE\\SYSTEM\\A]\n");
-  const Outcome merged = Run("--disk c no.reg");
+  const ProgramRun merged = Run("--disk c no.reg");
   EXPECT_EQ(merged.code, 1);
   EXPECT_THAT(merged.err,
               AllOf(HasSubstr("no.reg, line 2: \"HKEY_LOCAL_MACHINE\\Software\\A\": its hive is not there: /"),
@@ -261,15 +266,13 @@ TEST_F(RegeditProgram, FilesLargerThanTheMemoryAreReadInPieces) {
   constexpr std::uintmax_t kMegabyte = std::uintmax_t{1} << 20;
   const auto file = folder.File("big.reg", "REGEDIT4\n[HKEY_CURRENT_USER\\New]\n\"a\"=\"never closed\n");
   std::filesystem::resize_file(file, 384 * kMegabyte);
-  const Outcome merged = Run("--disk c big.reg");
+  const ProgramRun merged = Run("--disk c big.reg");
   EXPECT_EQ(merged.code, 1);
   EXPECT_EQ(merged.out, "big.reg: 1 key added, 0 keys deleted, 0 values set, 0 values deleted\n");
   EXPECT_THAT(merged.err, EndsWith("\nbig.reg, line 3: a quote is not closed\nbig.reg, line 4: this is neither a key "
                                    "nor a value nor a comment\n"));
-  rusage used = {};
-  getrusage(RUSAGE_CHILDREN, &used);
   // Most of this is what the address sanitizer needs for itself where it is on.
-  EXPECT_LT(used.ru_maxrss, 200 * 1024) << "kilobytes";
+  EXPECT_LT(MostMemoryOfPrograms(), 200 * kMegabyte);
 
   std::filesystem::resize_file(file, 4096 * kMegabyte + 1);
   EXPECT_THAT(Run("--disk c big.reg").err,
@@ -290,7 +293,7 @@ class RegeditOnADamagedDisk : public RegeditProgram {
 
 TEST_F(RegeditOnADamagedDisk, AllIsRefusedUnlessItIsToBeSalvaged) {
   for (const char* command : {"--disk c c/more.reg", "--disk c /e out.reg HKEY_CURRENT_USER"}) {
-    const Outcome refused = Run(command);
+    const ProgramRun refused = Run(command);
     EXPECT_EQ(refused.code, 1) << command;
     EXPECT_THAT(refused.err,
                 AllOf(HasSubstr("The registry of Ann is damaged in 1 place. Open what can be read? The disk will not "
@@ -300,7 +303,7 @@ TEST_F(RegeditOnADamagedDisk, AllIsRefusedUnlessItIsToBeSalvaged) {
   EXPECT_FALSE(std::filesystem::exists(folder / "out.reg"));
   EXPECT_FALSE(std::filesystem::exists(folder / "state/quillbox/copies"));
 
-  const Outcome exported = Run("--disk c --salvage /e:A out.reg HKEY_CURRENT_USER");
+  const ProgramRun exported = Run("--disk c --salvage /e:A out.reg HKEY_CURRENT_USER");
   EXPECT_EQ(exported.code, 0) << exported.err;
   EXPECT_THAT(exported.err, HasSubstr("the root key is damaged: "));
   EXPECT_THAT(folder.Read("out.reg"), AllOf(HasSubstr("[HKEY_CURRENT_USER\\Sound]"), Not(HasSubstr("Damaged"))));

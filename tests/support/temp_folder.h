@@ -35,8 +35,10 @@ inline std::vector<std::string> Names(const std::filesystem::path& folder) {
 
 /// The name under which the program sees a file of this computer that is on none of the disk's drives.
 inline std::string OnZ(const std::filesystem::path& host) {
-  std::string path = "Z:" + host.string();
-  std::replace(path.begin(), path.end(), '/', '\\');
+  std::string path = "Z:";
+  // A host that has drives itself shows them as folders.
+  if (host.has_root_name()) path += "\\" + NameOf(host.root_name()).substr(0, 1);
+  for (const std::filesystem::path& name : host.relative_path()) path += "\\" + NameOf(name);
   return path;
 }
 

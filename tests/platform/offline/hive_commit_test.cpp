@@ -1,15 +1,11 @@
 // Two hives that change in one command: both or none, whatever fails and whenever the program is killed.
 #include "platform/offline/hive_commit.h"
 
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <csignal>
 
 #include "platform/offline/offline_fixture.h"
 #include "support/host_calls.h"
+#include "support/host_tricks.h"
 
 namespace quillbox {
 namespace {
@@ -86,18 +82,13 @@ class HiveCommitTest : public testing::TestWithParam<Private>, protected Offline
   /// none.
   template <typename Act, typename IsLast>
   bool Survives(Act act, IsLast isLast) {
-    const pid_t child = fork();
-    if (child == 0) {
-      const HostCallGuard guard([&](HostCall call, const std::string& file) {
-        if (isLast(call, file)) raise(SIGKILL);
-        return 0;
-      });
-      act();
-      _exit(0);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    return RunInCopy([&] {
+             const HostCallGuard guard([&](HostCall call, const std::string& file) {
+               if (isLast(call, file)) KillThisProcess();
+               return 0;
+             });
+             act();
+           }) == 0;
   }
   /// The same with the call of that number.
   template <typename Act>
@@ -130,6 +121,8 @@ INSTANTIATE_TEST_SUITE_P(Places, HiveCommitTest,
                          });
 
 TEST_P(HiveCommitTest, AKillAtAnyMomentGivesBothOrNone) {
+  NEEDS(Forks);
+  NEEDS(FailingCalls);
   int before = 0, after = 0;
   bool ended = false;
   for (int call = 0; !ended; ++call) {
@@ -147,6 +140,8 @@ TEST_P(HiveCommitTest, AKillAtAnyMomentGivesBothOrNone) {
 }
 
 TEST_P(HiveCommitTest, AKillWhileItIsFinishedIsFinishedLater) {
+  NEEDS(Forks);
+  NEEDS(FailingCalls);
   bool ended = false;
   for (int call = 0; !ended; ++call) {
     Renew();
@@ -159,6 +154,8 @@ TEST_P(HiveCommitTest, AKillWhileItIsFinishedIsFinishedLater) {
 }
 
 TEST_P(HiveCommitTest, AFailureAtAnyStepIsToldAndMadeGoodByTheNextCommand) {
+  NEEDS(Forks);
+  NEEDS(FailingCalls);
   bool failed = true;
   for (int call = 0; failed; ++call) {
     Renew();
@@ -201,6 +198,8 @@ INSTANTIATE_TEST_SUITE_P(Disk, HiveRecord, testing::Values(Private{}));
 constexpr std::string_view kHead = "Quillbox was putting these registry hives in place together:\n";
 
 TEST_P(HiveRecord, AForgedRecordTouchesNothingButTheHives) {
+  NEEDS(Forks);
+  NEEDS(FailingCalls);
   MakeHiveFile(disk / "victim", "mine");
   MakeHiveFile(disk / "victim.quillbox-new", "evil");
   MakeHiveFile(disk / "c/evil", "evil");
@@ -247,7 +246,7 @@ TEST_P(HiveRecord, AForgedRecordTouchesNothingButTheHives) {
   EXPECT_EQ(OnDisk(), kBefore);
 
   // A record that is a pipe or leads elsewhere is not read.
-  mkfifo(record.c_str(), 0600);
+  MakePipe(record);
   Reopen();
   fs::remove(record);
   fs::create_symlink(disk.File("c/elsewhere", std::string(kHead) + user + machine + "end\n"), record);
@@ -258,6 +257,8 @@ TEST_P(HiveRecord, AForgedRecordTouchesNothingButTheHives) {
 }
 
 TEST_P(HiveRecord, WhatCannotBeMendedIsSaid) {
+  NEEDS(Forks);
+  NEEDS(FailingCalls);
   ChangeKilledBefore("software");
   MakeHiveFile(kMachine, "changed by Windows");
   Hive again = Hive::Load(ReadBytes(kMachine), "software");

@@ -1,16 +1,12 @@
 #include "platform/offline/hive_file.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <chrono>
 
 #include "platform/offline/disk_lock.h"
 #include "platform/offline/offline_fixture.h"
 #include "support/host_calls.h"
-#include "support/ordinary_user.h"
+#include "support/host_tricks.h"
+#include "support/read_only_folder.h"
 
 namespace quillbox {
 namespace {
@@ -62,6 +58,7 @@ TEST_F(HiveFileTest, TheFirstChangeKeepsTheOriginalAndItsLogs) {
 }
 
 TEST_F(HiveFileTest, AReadOnlyDiskGetsAPrivateCopy) {
+  NEEDS(Modes);
   const std::string original = disk.Read(kHive);
   {
     const ReadOnlyFolder readOnly(disk, "profile");
@@ -89,6 +86,7 @@ TEST_F(HiveFileTest, AReadOnlyDiskGetsAPrivateCopy) {
 }
 
 TEST_F(HiveFileTest, NothingOutsideTheDiskIsReadOrReplaced) {
+  NEEDS(Links);
   const TempFolder outside;
   outside.File("log", "the host's own");
   outside.File("hive", "the host's own");
@@ -110,6 +108,7 @@ TEST_F(HiveFileTest, NothingOutsideTheDiskIsReadOrReplaced) {
 }
 
 TEST_F(HiveFileTest, WithoutAnyPlaceToWriteNothingCanBeChanged) {
+  NEEDS(Modes);
   const ReadOnlyFolder readOnly(disk, "profile");
   HiveFile file(HostPlace::Anywhere(disk / kHive), HiveMode::Write, disk / "profile/state", log);
   registry.Mount({RegistryRoot::CurrentUser, ""}, file);
@@ -120,7 +119,8 @@ TEST_F(HiveFileTest, WithoutAnyPlaceToWriteNothingCanBeChanged) {
 }
 
 TEST_F(HiveFileTest, LogsThatAreNotFilesDoNoHarm) {
-  ASSERT_EQ(mkfifo((disk / "profile/NTUSER.DAT.LOG").c_str(), 0600), 0);
+  NEEDS(Pipes);
+  MakePipe(disk / "profile/NTUSER.DAT.LOG");
   disk.Folder("profile/NTUSER.DAT.LOG1");
   fs::resize_file(disk.File("profile/NTUSER.DAT.LOG2"), (256u << 20) + 1);
   Change("first");
@@ -146,6 +146,7 @@ TEST_F(HiveFileTest, AHiveWithoutItsLogsNeedsConsentOnce) {
 }
 
 TEST_F(HiveFileTest, AFolderThatCannotBeFlushedIsReportedAndTriedAgain) {
+  NEEDS(FailingCalls);
   HiveFile file = Open(kHive);
   SetRootValue(file, "new");
   int code = EIO;
@@ -188,17 +189,15 @@ TEST_F(HiveFileTest, APrivateCopyThatIsDamagedItselfIsKeptAndNeedsConsent) {
 /// Why another process cannot lock the folders; "(done)" when it can.
 std::string WhyNotElsewhere(const std::vector<HostPath>& folders, const std::vector<HandleNumber>& inherited) {
   const TempFolder temp;
-  const pid_t child = fork();
-  if (child == 0) {
+  RunInCopy([&] {
     TestLog log;
     temp.File("why", FaultOf([&] { DiskLock(folders, inherited, log); }));
-    _exit(0);
-  }
-  waitpid(child, nullptr, 0);
+  });
   return temp.Read("why");
 }
 
 TEST(DiskLock, LetsInOneProgramAndThoseItHandsTheLockTo) {
+  NEEDS(Forks);
   const TempFolder disk;
   const std::vector<HostPath> folders = {disk.Folder("profile"), disk.Folder("config"), disk / "profile/../profile"};
   {
@@ -207,12 +206,11 @@ TEST(DiskLock, LetsInOneProgramAndThoseItHandsTheLockTo) {
     const std::vector<HandleNumber> numbers = lock.Numbers();
     ASSERT_EQ(numbers.size(), 2u);
     // The system keeps 15 characters of a program's name.
-    const auto inUse = HasSubstr("offline_registr (process " + std::to_string(getpid()) + ")");
-    EXPECT_EQ(fcntl(static_cast<int>(numbers[0]), F_GETFD), FD_CLOEXEC);
+    const auto inUse = HasSubstr("offline_registr (process " + std::to_string(ProcessNumber()) + ")");
     EXPECT_EQ(WhyNotElsewhere(folders, numbers), "(done)");
     EXPECT_THAT(WhyNotElsewhere(folders, {}), inUse) << "the end of that process must not have ended the lock";
     EXPECT_THAT(WhyNotElsewhere(folders, {numbers[0]}), inUse);
-    EXPECT_THAT(WhyNotElsewhere(folders, {STDIN_FILENO, 999}), inUse);
+    EXPECT_THAT(WhyNotElsewhere(folders, {0, 999}), inUse);
     EXPECT_TRUE(log.lines.empty());
   }
   EXPECT_EQ(WhyNotElsewhere(folders, {}), "(done)");

@@ -2,13 +2,11 @@
 #include "platform/offline/offline_platform.h"
 #include "host/host_paths.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
-
 #include <map>
 
 #include "offline_fixture.h"
 #include "platform/offline/windows_disk.h"
+#include "support/host_tricks.h"
 #include "support/scripted_dialogs.h"
 #include "text/unicode.h"
 
@@ -124,6 +122,7 @@ TEST(WindowsDisk, OneOfSeveralProfilesHasToBeNamed) {
 }
 
 TEST(WindowsDisk, HivesThatLeadOutOfTheDiskAreRefused) {
+  NEEDS(Links);
   const XpDisk disk;
   std::filesystem::rename(disk.anna / "ntuser.dat", disk.temp / "outside.dat");
   std::filesystem::create_symlink("../../../outside.dat", disk.anna / "ntuser.dat");
@@ -146,6 +145,7 @@ TEST(WindowsDisk, HivesThatLeadOutOfTheDiskAreRefused) {
 }
 
 TEST(WindowsDisk, ProfilesOnAnotherDriveAreFoundThroughALink) {
+  NEEDS(Links);
   TempFolder temp;
   temp.File("c/WINDOWS/system32/config/software");
   temp.File("d/People/Anna/NTUSER.DAT");
@@ -311,8 +311,7 @@ TEST_F(OfflinePlatformTest, FoldersThatAreWrittenAreFreedOfWhatKilledProgramsLef
     std::ofstream(folder / ".quillbox-a1B2c3") << "half a file";
   }
   const auto inUse = disk.temp.File("c/Backup/.quillbox-d4E5f6", "another program's");
-  const HostHandle holder(open(inUse.c_str(), O_RDONLY | O_CLOEXEC));
-  ASSERT_EQ(flock(static_cast<int>(holder.Number()), LOCK_EX), 0);
+  const LockedFile holder(inUse);
   disk.temp.File("c/Backup/.quillbox-notes.txt", "the person's own");
   OfflinePlatform platform(options, dialogs);
   platform.GetFiles().WriteFile(WinPath("C:\\Export\\a.reg"), "text");
@@ -326,6 +325,7 @@ TEST_F(OfflinePlatformTest, FoldersThatAreWrittenAreFreedOfWhatKilledProgramsLef
 }
 
 TEST_F(OfflinePlatformTest, TheEditorGetsTheDiskItsLockAndTheRawCommandLine) {
+  NEEDS(Scripts);
   options.drives = {{'D', disk.temp.Folder("data")}};
   // A shell script in the registry editor's place, which reports to the file $OUT.
   const std::filesystem::path editor = disk.temp.File("editor", "#!/bin/sh\nOUT='" + (disk.temp / "out").string() + R"('

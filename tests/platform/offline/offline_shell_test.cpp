@@ -1,9 +1,6 @@
 // What the shell does: the copies of a command, also on disks with faults, and the file manager.
 #include "platform/offline/offline_shell.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <atomic>
 #include <chrono>
 #include <future>
@@ -11,7 +8,8 @@
 
 #include "offline_fixture.h"
 #include "support/faulty_copy_io.h"
-#include "support/ordinary_user.h"
+#include "support/host_tricks.h"
+#include "support/read_only_folder.h"
 #include "support/scripted_dialogs.h"
 
 namespace quillbox {
@@ -192,6 +190,7 @@ TEST_F(CopyCommandTest, APlaceThatTakesNothingIsOneQuestion) {
 }
 
 TEST_F(CopyCommandTest, AFolderWithoutTheRightToWriteIsNamed) {
+  NEEDS(Modes);
   const ReadOnlyFolder readOnly(disk, "bk");
   dialogs.messageAnswers = {MessageAnswer::No};
   EXPECT_EQ(CopyAll().at(0), "Inbox.dbx Failed: you may not write to the folder");
@@ -322,6 +321,7 @@ TEST_F(OfflineShellTest, AsksBeforeItReplacesUntilTheCommandEnds) {
 }
 
 TEST_F(OfflineShellTest, EachFailureNamesTheFileAndTheReason) {
+  NEEDS(Links);
   disk.Folder("bk/Sent.dbx");
   disk.File("Other/Link.dbx", "hostile");
   const TempFolder outside;
@@ -369,6 +369,7 @@ TEST_F(OfflineShellTest, AFileThatChangesMeanwhileIsCopiedAgainOrNotAtAll) {
 }
 
 TEST_F(OfflineShellTest, ExploresOnlyFoldersAndNeverThroughAShell) {
+  NEEDS(Scripts);
   for (const char* missing : {"None Selected", "", "C:\\Mail\\Inbox.dbx", "Q:\\x"}) {
     shell.Explore(WinPath(missing), "");
     EXPECT_EQ(dialogs.LastMessage(), std::string("The path '") + missing + "' does not exist or is not a directory.");

@@ -1,4 +1,5 @@
 // Backups and restores by the main window's buttons: of the selected identity, of all identities, of all there is.
+#include "support/host_tricks.h"
 #include "support/sample_ids.h"
 #include "support/sample_windows.h"
 
@@ -160,6 +161,7 @@ TEST_F(QuickBackupTest, AStoreThatIsGoneIsToldAndTheRestBackedUp) {
 }
 
 TEST_F(QuickBackupTest, FilesOfTheHostThatADiskLinksToAreNeitherCopiedNorReplaced) {
+  NEEDS(Links);
   temp.File("bashrc", "the person's own");
   Form1& form = StartOn("Main Identity");
   std::filesystem::remove(StoreOnHost() / "Inbox.dbx");

@@ -1,5 +1,6 @@
 // A disk whose registry names what is not its own: nobody who opens it and presses the buttons may lose, give away or
 // receive a file of this computer.
+#include "support/host_tricks.h"
 #include "support/sample_windows.h"
 
 namespace quillbox {
@@ -117,6 +118,7 @@ TEST_F(HostileDiskTest, WhatThePersonChoosesInTheWindowsNeedsNoQuestion) {
 }
 
 TEST_F(HostileDiskTest, SystemFoldersAndTheDiskItselfAreNeitherOfferedNorTaken) {
+  NEEDS(MountPoints);
   std::filesystem::create_directory_symlink(sample.driveC, temp / "host/link");
   std::filesystem::create_directory_symlink("/proc/self", temp / "host/status");
   std::filesystem::create_directory_symlink("loop", temp / "host/loop");

@@ -1,6 +1,6 @@
 #include "ui/forms/odds_and_ends_window.h"
 
-#include "support/ordinary_user.h"
+#include "support/host_tricks.h"
 #include "support/sample_windows.h"
 #include "support/settings_walk.h"
 
@@ -88,6 +88,7 @@ TEST_F(Form12Test, TheSlideShowDelayFollowsTheInlineImages) {
 }
 
 TEST_F(Form12Test, AMachineThatCannotBeWrittenIsShownAsItIs) {
+  NEEDS(Modes);
   namespace fs = std::filesystem;
   Start();
   Store().SetKeyValue2(kMachine, "No modify accts", 1, ValueType::Dword);
