@@ -41,10 +41,6 @@ void ThrowFault(const std::error_code& fault) {
   throw std::system_error(fault);
 }
 
-std::string ReasonOf(const std::error_code& fault) {
-  return fault.message();
-}
-
 bool ForbidsWriting(const std::error_code& fault) {
   return fault == std::errc::read_only_file_system || fault == std::errc::permission_denied ||
          fault == std::errc::operation_not_permitted;

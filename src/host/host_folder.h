@@ -56,6 +56,8 @@ class HostFolder {
 
   explicit operator bool() const { return static_cast<bool>(handle_); }
   const HostHandle& Handle() const { return handle_; }
+  /// Where it is, on hosts that cannot work by the handle; none on others.
+  const HostPath& Path() const { return path_; }
   void Close() { handle_.Close(); }
 
   EntryInfo Info() const;
@@ -98,7 +100,7 @@ class HostFolder {
 
  private:
   HostHandle handle_;
-  HostPath path_;  ///< only for hosts that cannot work by the handle
+  HostPath path_;
 };
 
 }  // namespace quillbox

@@ -14,13 +14,17 @@ constexpr std::size_t kLetters = 6;
 
 }  // namespace
 
-std::string RandomTemporaryName() {
+std::string RandomLetters() {
   static constexpr std::string_view kAlphabet = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
   std::array<std::uint8_t, kLetters> bytes = {};
   FillRandom(bytes);
-  std::string name(kBeginning);
-  for (const std::uint8_t byte : bytes) name += kAlphabet[byte % kAlphabet.size()];
-  return name;
+  std::string letters;
+  for (const std::uint8_t byte : bytes) letters += kAlphabet[byte % kAlphabet.size()];
+  return letters;
+}
+
+std::string RandomTemporaryName() {
+  return std::string(kBeginning) + RandomLetters();
 }
 
 bool IsTemporaryName(std::string_view name) {

@@ -6,6 +6,8 @@
 
 namespace quillbox {
 
+/// Six random letters or digits.
+std::string RandomLetters();
 /// ".quillbox-" and six random letters.
 std::string RandomTemporaryName();
 bool IsTemporaryName(std::string_view name);

@@ -48,6 +48,10 @@ void HostHandle::Close() {
   if (number_ != kNone) close(static_cast<int>(std::exchange(number_, kNone)));
 }
 
+std::string ReasonOf(const std::error_code& fault) {
+  return fault.message();
+}
+
 bool IsFull(const std::error_code& fault) {
   return IsOneOf(fault, {ENOSPC, EDQUOT});
 }
