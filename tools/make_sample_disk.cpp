@@ -2,8 +2,12 @@
 #include <cstdint>
 #include <cstdio>
 #include <exception>
-#include <string_view>
+#include <filesystem>
+#include <string>
+#include <vector>
 
+#include "host/host_path.h"
+#include "host/host_program.h"
 #include "sample/sample_disk.h"
 
 namespace {
@@ -16,11 +20,12 @@ void PrintDrive(const std::filesystem::path& drive, char letter) {
     ++files;
     bytes += entry.file_size();
   }
-  std::printf("%c:\\  %s  (%zu files, %ju KB)\n", letter, drive.string().c_str(), files, bytes / 1024);
+  std::printf("%c:\\  %s  (%zu files, %ju KB)\n", letter, quillbox::HostPath(drive).Text().c_str(), files,
+              bytes / 1024);
 }
 
-int Make(const char* folder) {
-  const quillbox::SampleDisk disk = quillbox::MakeSampleDisk(folder);
+int Make(const std::string& folder) {
+  const quillbox::SampleDisk disk = quillbox::MakeSampleDisk(quillbox::NativePath(quillbox::HostPath(folder)));
   PrintDrive(disk.driveC, 'C');
   PrintDrive(disk.driveD, 'D');
   std::printf("profile: %s\n", disk.profile.c_str());
@@ -29,15 +34,17 @@ int Make(const char* folder) {
 
 }  // namespace
 
-int main(int count, char** arguments) {
-  if (count != 2 || arguments[1][0] == '-' || arguments[1][0] == '\0') {
+int main(int count, char** texts) {
+  const quillbox::Utf8Output output;
+  const std::vector<std::string> arguments = quillbox::ProgramArguments(count, texts);
+  if (arguments.size() != 1 || arguments[0].starts_with('-') || arguments[0].empty()) {
     std::fputs(
         "usage: make_sample_disk FOLDER\n  FOLDER must not exist or be empty; the drives C and D are made in it.\n",
         stderr);
     return 2;
   }
   try {
-    return Make(arguments[1]);
+    return Make(arguments[0]);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "make_sample_disk: %s\n", error.what());
     return 1;

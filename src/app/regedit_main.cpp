@@ -6,6 +6,7 @@
 
 #include "app/console_dialogs.h"
 #include "host/host_paths.h"
+#include "host/host_program.h"
 #include "platform/offline/offline_platform.h"
 #include "regedit/run.h"
 
@@ -50,8 +51,9 @@ RegeditExit Run(const std::vector<std::string>& arguments) {
 }  // namespace quillbox
 
 int main(int argc, char** argv) {
+  const quillbox::Utf8Output output;
   try {
-    return static_cast<int>(quillbox::Run({argv + 1, argv + argc}));
+    return static_cast<int>(quillbox::Run(quillbox::ProgramArguments(argc, argv)));
   } catch (const quillbox::HiveRefused& error) {
     std::cerr << "regedit: " << error.what()
               << "\nregedit: nothing was done; with --salvage it is opened all the same\n";

@@ -38,4 +38,19 @@ extern const char* const kSystemOpener;
 /// Has `opener`, or the system itself where that is empty, open a folder or a page. Throws std::system_error.
 std::unique_ptr<StartedProgram> OpenForUser(const std::string& opener, const std::string& folderOrPage);
 
+/// The arguments of this program without its name, as inner text. `count` and `arguments` are main's.
+std::vector<std::string> ProgramArguments(int count, char** arguments);
+
+/// While it lives, a console takes what this program prints for UTF-8, as every terminal does on other hosts.
+class Utf8Output {
+ public:
+  Utf8Output();
+  ~Utf8Output();
+  Utf8Output(const Utf8Output&) = delete;
+  Utf8Output& operator=(const Utf8Output&) = delete;
+
+ private:
+  [[maybe_unused]] unsigned before_ = 0;  ///< of the console, where there are several such ways
+};
+
 }  // namespace quillbox

@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 
@@ -119,5 +120,12 @@ std::unique_ptr<StartedProgram> OpenForUser(const std::string& opener, const std
   differences.GiveOwnSession();
   return std::make_unique<Child>(Spawn(program, differences));
 }
+
+std::vector<std::string> ProgramArguments(int count, char** arguments) {
+  return {arguments + std::min(count, 1), arguments + count};
+}
+
+Utf8Output::Utf8Output() = default;
+Utf8Output::~Utf8Output() = default;
 
 }  // namespace quillbox
