@@ -128,7 +128,7 @@ TEST_F(StartWindowTest, FurtherDrivesAreAddedAndTakenAway) {
 }
 
 TEST_F(StartWindowTest, TheLastDisksAreListedWithProfileFolderAndTime) {
-  SetEnvironmentVariable("TZ", "UTC");
+  SetVariable("TZ", "UTC");
   MakeDisk("xp", {"Ann", "Ben"});
   RememberDisk(temp / "state", {{temp / "gone", "Eve", {}}, 0});
   RememberDisk(temp / "state", {{temp / "xp", "Ben", {{'D', temp / "xp"}}}, 1'700'000'000});

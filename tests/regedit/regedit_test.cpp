@@ -106,7 +106,7 @@ class RegeditProgram : public testing::Test {
   RegeditProgram() {
     MakeHiveFile(kHive);
     MakeHiveFile(folder / "c/WINDOWS/system32/config/software");
-    SetEnvironmentVariable("XDG_STATE_HOME", (folder / "state").string());
+    SetVariable("XDG_STATE_HOME", (folder / "state").string());
     folder.File(
         "start.reg",
         "REGEDIT4\r\n[HKEY_CURRENT_USER\\Identities\\{1}]\r\n\"Username\"=\"Ann\"\r\n@=hex(2):25,41,25,e9,00\r\n"

@@ -32,10 +32,12 @@ std::string WhyNot(Trick trick);
 #define NEEDS(trick) \
   if (const std::string why = ::quillbox::WhyNot(::quillbox::Trick::trick); !why.empty()) GTEST_SKIP() << why
 
+/// The errno for a user's share of the disk that is full; 0 where the host has none.
+int QuotaErrno();
 void MakePipe(const std::filesystem::path& path);
 /// Gives a file an attribute of a file server's; false where the file system has none.
 bool SetServerAttribute(const std::filesystem::path& file, const std::string& value);
-void SetEnvironmentVariable(const std::string& name, const std::string& value);
+void SetVariable(const std::string& name, const std::string& value);
 
 /// Runs `act` in a copy of this process. Its exit code is 0 when it came to its end, else not.
 int RunInCopy(const std::function<void()>& act);

@@ -65,10 +65,10 @@ class HiveCommitTest : public testing::TestWithParam<Private>, protected Offline
   std::vector<std::string> Leftovers() const {
     std::vector<std::string> names;
     for (const auto& entry : fs::recursive_directory_iterator(disk.Path())) {
-      const std::string name = entry.path().filename();
+      const std::string name = entry.path().filename().string();
       const bool expected = entry.is_directory() || name == "NTUSER.DAT" || name == "software" ||
                             name.ends_with(".before-quillbox") || name.ends_with(".origin");
-      if (!expected) names.push_back(entry.path().lexically_relative(disk.Path()));
+      if (!expected) names.push_back(entry.path().lexically_relative(disk.Path()).string());
     }
     return names;
   }

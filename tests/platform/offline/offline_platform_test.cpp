@@ -220,8 +220,8 @@ struct SalvageTest : OfflinePlatformTest {
   const RegistryPath kNewMachineKey = {RegistryRoot::LocalMachine, "SOFTWARE\\New"};
 
   /// Every file of the disk with what is in it.
-  std::map<std::string, Bytes> Everything() const {
-    std::map<std::string, Bytes> files;
+  std::map<std::filesystem::path, Bytes> Everything() const {
+    std::map<std::filesystem::path, Bytes> files;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(disk.folder)) {
       if (entry.is_regular_file()) files[entry.path()] = ReadBytes(entry.path());
     }
@@ -248,7 +248,7 @@ struct SalvageTest : OfflinePlatformTest {
 
 TEST_F(SalvageTest, ADamagedHiveKeepsTheWholeDiskFromBeingWritten) {
   disk.temp.File("c/Documents and Settings/Anna/.quillbox-a1B2c3", "left over");
-  const std::map<std::string, Bytes> sound = Everything();
+  const std::map<std::filesystem::path, Bytes> sound = Everything();
   const struct {
     std::filesystem::path hive;
     const char *key, *name;
@@ -257,7 +257,7 @@ TEST_F(SalvageTest, ADamagedHiveKeepsTheWholeDiskFromBeingWritten) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
     DamageKeys(row.hive, {row.key});
-    const std::map<std::string, Bytes> before = Everything();
+    const std::map<std::filesystem::path, Bytes> before = Everything();
     dialogs.messageAnswers = {MessageAnswer::No};
     EXPECT_THAT(WhyNot(), HasSubstr(row.hive.filename().string() + ", offset 0x"));
     dialogs.messageAnswers = {MessageAnswer::Yes};
@@ -284,7 +284,7 @@ TEST_F(SalvageTest, ADamagedHiveKeepsTheWholeDiskFromBeingWritten) {
 TEST_F(SalvageTest, ARegistryWhoseLogsCannotBeUsedIsWrittenOnlyIfThePersonSaysYes) {
   LeaveUnclosed(kUser);
   disk.temp.File("c/Documents and Settings/Anna/ntuser.dat.LOG", "no log");
-  const std::map<std::string, Bytes> before = Everything();
+  const std::map<std::filesystem::path, Bytes> before = Everything();
   dialogs.messageAnswers = {MessageAnswer::No};
   EXPECT_THAT(WhyNot(), HasSubstr("its logs cannot be used (ntuser.dat.LOG: "));
   EXPECT_THAT(dialogs.LastMessage(),

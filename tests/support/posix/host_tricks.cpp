@@ -9,6 +9,7 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <ctime>
@@ -36,6 +37,10 @@ std::string WhyNot(Trick /*trick*/) {
   return {};
 }
 
+int QuotaErrno() {
+  return EDQUOT;
+}
+
 void MakePipe(const std::filesystem::path& path) {
   if (mkfifo(path.c_str(), S_IRUSR | S_IWUSR) != 0) ADD_FAILURE() << "cannot make the pipe " << path;
 }
@@ -44,7 +49,7 @@ bool SetServerAttribute(const std::filesystem::path& file, const std::string& va
   return setxattr(file.c_str(), "user.DOSATTRIB", value.data(), value.size(), 0) == 0;
 }
 
-void SetEnvironmentVariable(const std::string& name, const std::string& value) {
+void SetVariable(const std::string& name, const std::string& value) {
   setenv(name.c_str(), value.c_str(), 1);
   tzset();
 }

@@ -13,8 +13,9 @@ namespace quillbox {
 
 namespace {
 
+/// As text, which has ends of lines of its own here.
 std::string ContentOf(const std::filesystem::path& file) {
-  std::ifstream in(file, std::ios::binary);
+  std::ifstream in(file);
   return {std::istreambuf_iterator<char>(in), {}};
 }
 
@@ -44,13 +45,17 @@ std::string WhyNot(Trick trick) {
   return {};
 }
 
+int QuotaErrno() {
+  return 0;
+}
+
 void MakePipe(const std::filesystem::path& /*path*/) {}
 
 bool SetServerAttribute(const std::filesystem::path& /*file*/, const std::string& /*value*/) {
   return false;
 }
 
-void SetEnvironmentVariable(const std::string& name, const std::string& value) {
+void SetVariable(const std::string& name, const std::string& value) {
   _putenv_s(name.c_str(), value.c_str());
   _tzset();
 }
