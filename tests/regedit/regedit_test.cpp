@@ -8,6 +8,7 @@
 #include "regedit/export.h"
 #include "registry/reg_file_recorder.h"
 #include "support/damaged_hive.h"
+#include "support/golden_text.h"
 #include "support/host_tricks.h"
 #include "support/scripted_dialogs.h"
 
@@ -28,51 +29,12 @@ std::string Told(const RegeditRequest& request) {
   return command.isHostFile ? text + " host" : text;
 }
 
-TEST(RegeditCommandLine, TakesWindowsCommandLinesApart) {
-  constexpr std::pair<const char*, const char*> kRows[] = {
-      {R"(regedit /s /e:A "WAB.reg"  "HKEY_CURRENT_USER\Software\Microsoft\WAB")",
-       R"(silent export8 <WAB.reg> <HKEY_CURRENT_USER\Software\Microsoft\WAB>)"},
-      {R"(regedit /s /e:A "B:\My Mail\u.reg" HKEY_CURRENT_USER\Identities\{0-1} x )",
-       R"(silent export8 <B:\My Mail\u.reg> <HKEY_CURRENT_USER\Identities\{0-1} x>)"},
-      {R"(regedit /s /e:A "All.reg"  "HKEY_CURRENT_USER\Identities\")",
-       R"(silent export8 <All.reg> <HKEY_CURRENT_USER\Identities>)"},
-      {R"("C:\My Windows\regedit.exe" /S /E a.reg "hkcu\Identities)",
-       R"(silent export16 <a.reg> <HKEY_CURRENT_USER\Identities>)"},
-      {R"(regedit /s /c "C:\My Mail\All Identities.reg)", R"(silent merge <C:\My Mail\All Identities.reg>)"},
-      {R"(regedit /s /c C:\My Mail\a.reg  )", R"(silent merge <C:\My Mail\a.reg>)"},
-      {R"(regedit "a.reg")", "merge <a.reg>"},
-      {R"(regedit /s /e:A "never closed HKEY_CURRENT_USER\Identities)", "fault"},
-      {R"(regedit /s /e:A "a.reg"  "HKEY_NOWHERE\Identities")", "fault"},
-      {R"(regedit /s /e:A "a.reg")", "fault"},
-      {R"(regedit /s /e:A "a.reg" "HKEY_CURRENT_USER\A" more)", "fault"},
-      {R"(regedit /x "a.reg")", "fault"},
-      {R"(regedit /s /c ")", "fault"},
-      {"regedit", "fault"},
-      {"", "fault"},
-  };
-  for (const auto& [line, told] : kRows) EXPECT_EQ(Told(ParseCommandLine(line)), told) << line;
-}
-
-TEST(RegeditCommandLine, TakesHostArgumentsApart) {
-  const std::pair<std::vector<std::string>, const char*> rows[] = {
-      {{"--disk", "/mnt", "/e:A", "/tmp/a b.reg", R"(HKEY_CURRENT_USER\Identities\)"},
-       R"(export8 </tmp/a b.reg> <HKEY_CURRENT_USER\Identities> host)"},
-      {{"/s", "x.reg", "--disk", "c"}, "silent merge <x.reg> host"},
-      {{"--disk", "c", "/c", R"(D:\x.reg)"}, R"(merge <D:\x.reg>)"},
-      {{"--disk", "c", "--command-line", R"(regedit /s /c "a b.reg)"}, "silent merge <a b.reg>"},
-      {{"x.reg"}, "fault"},
-      {{"--disk"}, "fault"},
-      {{"--disk", "c"}, "fault"},
-      {{"--disk", "c", "a.reg", "b.reg"}, "fault"},
-      {{"--disk", "c", "/e", "a.reg"}, "fault"},
-      {{"--disk", "c", "--depth", "3", "a.reg"}, "fault"},
-      {{"--disk", "c", "--drive", "D", "a.reg"}, "fault"},
-      {{"--disk", "c", "--drive", "Z=/mnt", "a.reg"}, "fault"},
-      {{"--disk", "c", "--lock", "7x", "a.reg"}, "fault"},
-      {{"--disk", "c", "--command-line", "regedit /x", "a.reg"}, "fault"},
-  };
-  for (const auto& [arguments, told] : rows) {
-    EXPECT_EQ(Told(ParseArguments(arguments)), told) << testing::PrintToString(arguments);
+TEST(RegeditCommandLine, IsTakenApartAsTheGoldenTextSays) {
+  for (const GoldenLine& line : ReadGolden("regedit/command_lines_golden.txt")) {
+    const bool isLine = line[0] == "line";
+    const RegeditRequest request =
+        isLine ? ParseCommandLine(line[1]) : ParseArguments({line.words.begin() + 1, line.words.end()});
+    EXPECT_EQ(Told(request), line.Fact("is")[1]) << line.Place();
   }
 }
 

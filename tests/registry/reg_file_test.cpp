@@ -1,6 +1,7 @@
 #include "registry/reg_file.h"
 
 #include "registry/reg_file_recorder.h"
+#include "support/golden_text.h"
 #include "support/matchers.h"
 
 namespace quillbox {
@@ -49,6 +50,13 @@ RegFileRecorder ReadLines(const std::string& lines) {
   return Read(file);
 }
 
+/// A golden text with the ends of lines that registry files have.
+std::string Lines(const std::string& name) {
+  std::string lines;
+  for (const std::string& line : GoldenTexts("registry/" + name)) lines += line + "\r\n";
+  return lines;
+}
+
 void WriteOneOfEach(RegFileWriter& writer) {
   writer.Key("HKEY_CURRENT_USER\\A");
   writer.Value("", 1, Stored(u"C:\\say \"hi\""));
@@ -65,20 +73,7 @@ void WriteOneOfEach(RegFileWriter& writer) {
 TEST(RegFileWriter, UnicodeFormIsExact) {
   RegFileWriter writer(RegFileForm::Unicode5, CodePage());
   WriteOneOfEach(writer);
-  EXPECT_EQ(Narrow(writer.Finish()),
-            "Windows Registry Editor Version 5.00\r\n\r\n"
-            "[HKEY_CURRENT_USER\\A]\r\n"
-            "@=\"C:\\\\say \\\"hi\\\"\"\r\n"
-            "\"q\\\"\\\\\"=\"cut\"\r\n"
-            "\"number\"=dword:12345678\r\n"
-            "\"short\"=hex(4):ab\r\n\r\n"
-            "[HKEY_CURRENT_USER\\A\\B]\r\n"
-            "\"path\"=hex(2):25,00,50,00,72,00,6f,00,67,00,72,00,61,00,6d,00,46,00,69,00,6c,\\\r\n"
-            "  00,65,00,73,00,25,00,5c,00,4d,00,61,00,69,00,6c,00,00,00\r\n"
-            "\"list\"=hex(7):61,00,00,00,62,00,00,00,00,00\r\n"
-            "\"none\"=hex(0):\r\n"
-            "\"wide\"=hex(b):ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,\\\r\n"
-            "  ff,ff,ff,ff,ff,ff\r\n\r\n");
+  EXPECT_EQ(Narrow(writer.Finish()), Lines("one_of_each.reg"));
 }
 
 TEST(RegFileWriter, EightBitFormIsExact) {
@@ -149,16 +144,7 @@ TEST(RegFileReader, MarkDecidesTheEncodingAndHeaderTheHexText) {
 }
 
 TEST(RegFileReader, ReportsMalformedLinesAndReadsOn) {
-  const RegFileRecorder recorder = Read(
-      "REGEDIT4\r\n\"early\"=\"x\"\r\n[HKEY_CURRENT_USER\\A]\r\n"   // 2 before any key
-      "\"open\"=\"never closed\r\n\"after\"=\"kept\"\r\n"           // 4
-      "nonsense\r\n\"no equals\"\r\n\"kind\"=qword:1\r\n"           // 6, 7, 8
-      "\"d\"=dword:123456789\r\n\"d\"=dword:\r\n\"t\"=\"x\"y\r\n"   // 9, 10, 11
-      "\"h\"=hex:01,02,\\\r\n  0g,\\\r\n  04\r\n\"h\"=hex:123\r\n"  // 13, 15
-      "\"h\"=hex:01,\\\r\n\"kept\"=dword:1\r\n\"h\"=hex:01,\r\n"    // 16, 18
-      "\"multi\"=\"a\r\nb\"\r\n\"m\"=hex:1,\\\r\n2\r\n?\r\n"        // 23
-      "[HKEY_CURRENT_USER\\B\r\n\"lost\"=\"with its key\"\r\n"      // 24
-      "[HKEY_CURRENT_USER\\C]\r\n\"cut\"=hex:01,\\\r\n");           // 27
+  const RegFileRecorder recorder = Read(Lines("malformed.reg"));
   EXPECT_THAT(recorder.said,
               ElementsAre("! 2", "+ HKEY_CURRENT_USER\\A", "! 4", "after 1 kept|", "! 6", "! 7", "! 8", "! 9", "! 10",
                           "! 11", "! 13", "! 15", "! 16", "kept 4 1 0 0 0", "! 18", "multi 1 a\r\nb|", "m 3 1 2",

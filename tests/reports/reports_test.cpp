@@ -16,7 +16,7 @@ namespace {
 /// made from the tables of the stored rules' format, not by this program. Run with QUILLBOX_NEW_GOLDEN=1 to write them
 /// anew, and read what has changed before you commit it.
 void ExpectGolden(const std::string& name, const std::string& bytes) {
-  const std::filesystem::path file = std::filesystem::path(QUILLBOX_GOLDEN_DIR) / name;
+  const std::filesystem::path file = std::filesystem::path(QUILLBOX_TESTS_DIR) / "reports/golden" / name;
   if (std::getenv("QUILLBOX_NEW_GOLDEN")) std::ofstream(file, std::ios::binary) << bytes;
   std::ifstream in(file, std::ios::binary);
   EXPECT_EQ(bytes, std::string(std::istreambuf_iterator<char>(in), {})) << name;
@@ -35,7 +35,7 @@ TEST(GeneralDateTest, PicturesAreFilled) {
   EXPECT_EQ(FormatGeneralDate(At("23:59:59"), us), "3/7/2004 11:59:59 PM");
   const DateStyle german = {.shortDate = "dd/MM/yy", .time = "HH:mm:ss", .dateSeparator = ".", .timeSeparator = ":"};
   EXPECT_EQ(FormatGeneralDate(At("09:05:09"), german), "07.03.04 09:05:09");
-  const DateStyle words = {.shortDate = "dddd, d 'de' MMM yyyy 'open", .time = "t h H", .morning = "Ä1"};
+  const DateStyle words = {.shortDate = "dddd, d 'de' MMM yyy 'open", .time = "t h H", .morning = "Ä1"};
   EXPECT_EQ(FormatGeneralDate(At("01:00:00"), words), "Sunday, 7 de Mar 2004 open Ä 1 1");
 }
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "core/registry_store.h"
-#include "support/golden_text.h"
+#include "support/golden_looks.h"
 #include "support/matchers.h"
 #include "support/scripted_dialogs.h"
 #include "ui/form.h"

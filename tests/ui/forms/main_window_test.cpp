@@ -2,7 +2,7 @@
 
 #include <set>
 
-#include "support/golden_text.h"
+#include "support/golden_looks.h"
 #include "support/sample_ids.h"
 #include "support/sample_windows.h"
 
