@@ -58,7 +58,7 @@ SKIPPED = re.compile(
     r'|RunHandler\("'
 )
 # The first line of a function that only arranges controls: shares of the space and columns have no right value.
-LAYOUT = re.compile(r"^LayoutNode .*\{$")
+LAYOUT = re.compile(r"^(std::vector<)?LayoutNode.* .*\{$")
 TOKEN = re.compile(r'"(?:[^"\\]|\\.)*"|\b[A-Za-z_]\w*(?:::\w+)*|\b\d+\b|//.*')
 
 

@@ -102,7 +102,7 @@ struct ScriptedDialogs : Dialogs {
   }
   std::optional<WinPath> OpenFile(const FileDialog& dialog) override {
     openFileDialogs.push_back(dialog);
-    looks.insert(dialog.title + "|" + LastFile(openFileDialogs) + " [open]");
+    looks.insert(dialog.title + "|" + LastFile(openFileDialogs) + (dialog.askOverwrite ? " [open, asks]" : " [open]"));
     return Take(openFileAnswers, std::optional<WinPath>(), "open " + dialog.name);
   }
   std::optional<WinPath> SaveFile(const FileDialog& dialog) override {

@@ -244,6 +244,8 @@ class CompleteBackupTest : public SampleWindows {
 
 TEST_F(CompleteBackupTest, AllIdentitiesGetAFolderEachAndEmptyOnesNone) {
   platform->processes.commandLines.clear();
+  form->sb1.panels[0] = "old";
+  dialogs.onProgress = [this](const auto& /*shown*/) { return !(form->sb1.panels[0] == "old"); };
   form->cmdbkupall.click();
   EXPECT_EQ(form->sb1.panels[0], "Backup Complete");
   EXPECT_EQ(form->sb1.panels[1], std::string("2 Identities Backed Up; ") + kLeftOut);
@@ -400,7 +402,9 @@ TEST_F(CompleteBackupTest, AStoreThatIsNotKnownIsNotAnEmptyIdentity) {
   for (const auto& entry : std::filesystem::directory_iterator(StoreOf("Main Identity"))) {
     std::filesystem::remove(entry);
   }
-  Store().DeleteKey(CurrentUser(kWabKey));
+  for (const std::string& key : {std::string(kWabKey), IdentitySettingsKey(kOffice) + "\\Signatures"}) {
+    Store().DeleteKey(CurrentUser(key));
+  }
   form->cmdbkupall.click();
   EXPECT_THAT(dialogs.LastMessage(), StartsWith("The messages of \"Büro\" cannot be copied: "));
   EXPECT_EQ(form->sb1.panels[1], "2 Identities Backed Up; no files copied; 1 message store not copied");

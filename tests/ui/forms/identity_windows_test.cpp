@@ -90,6 +90,7 @@ TEST_F(IdentityWindowsTest, ACloneNeedsOneDestinationAndABackupFolder) {
   EXPECT_EQ(refused(kMain), "Please select a backup folder or create one from the Tools menu [OK]");
   form.close();
   windows->form1.menuBar.click("CloneIdentity");
+  EXPECT_EQ(form.lblDestinationUser.caption, "");
   EXPECT_EQ(dialogs.messages.size(), 9U) << "opened without a backup folder, it says so as well";
 }
 
@@ -282,6 +283,9 @@ TEST_F(IdentityWindowsTest, ASavedFileIsCarriedOverAndMerged) {
   form.cmdReplace.click();
   EXPECT_EQ(form.lblFinished.caption, "");
   ExpectClosedBy(form);
+  for (Label* label : {&form.lblselectedfile, &form.lblFinished}) label->caption = "old";
+  OpenBy("usrIDString", form);
+  EXPECT_EQ(form.lblselectedfile.caption.Get() + form.lblFinished.caption.Get(), "");
 }
 
 TEST_F(IdentityWindowsTest, TheSwitchedOffReplacementWorksByPrompts) {

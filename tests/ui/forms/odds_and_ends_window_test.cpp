@@ -59,7 +59,10 @@ TEST_F(Form12Test, WhatIsOfAnIdentityIsReadAndStoredForTheOneShown) {
   EXPECT_NE(Read(Key("", 0), "WindowTitle"), RegValue("abc"));
   Press("cmdResIELogo");
   for (const char* name : {"BrandBitmap", "SmBrandBitmap"}) {
-    EXPECT_EQ(Read("Software\\Microsoft\\Internet Explorer\\Toolbar", name), RegValue("")) << name;
+    const std::string toolbar = "Software\\Microsoft\\Internet Explorer\\Toolbar";
+    EXPECT_EQ(Read(toolbar, name), RegValue("")) << name;
+    const OpenResult key = Store().OpenKey(CurrentUser(toolbar));
+    EXPECT_EQ(platform->GetRegistry().Query(key.key, name, std::nullopt).type, ValueType::Sz);
   }
   form.close();
   EXPECT_TRUE(windows->form1.visible && !form.visible);
