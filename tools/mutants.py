@@ -54,7 +54,7 @@ for group in GROUPS:
 # Lines whose texts nobody but a programmer sees, and those that are no table. The name that a handler runs by is in the
 # log only.
 SKIPPED = re.compile(
-    r"^\s*(#|//|///|namespace|using|static_assert|case )|GetLog\(\)|log_\.|logic_error|invalid_argument|spokenName"
+    r"^\s*(#|//|///|namespace|using|static_assert|case )|GetLog\(\)|log_\.|logic_error|invalid_argument|spokenName|isShort"
     r'|RunHandler\("'
 )
 # The first line of a function that only arranges controls: shares of the space and columns have no right value.

@@ -36,7 +36,7 @@ constexpr Written kWritesSeconds{
 constexpr Setting kRows[] = {
     {"NoSplash", "", "cmbNoSplash", Settings, "NoSplash", kOnByZero, Missing::Stores(0), kWritesChoice},
     {"Show Source Edit Color", "", "cmbShowSourceEditColor", Settings, "Show Source Edit Color", kOnOff,
-     Missing::Stores(1), kWritesChoice},
+     Missing::Stores(1), kWritesOnOff},
     {"BlockExeAttachments (global setting)",
      "Undocumented. Disables check box for Tools | Options | Security tab | Do not allow attachments to be saved or "
      "opens that could potientially be a virus.",

@@ -39,6 +39,8 @@ class QuickBackupTest : public SampleWindows {
 
 TEST_F(QuickBackupTest, TheFolderHoldsExactlyWhatBelongsToTheIdentity) {
   Form1& form = StartOn("Main Identity");
+  form.sb1.panels[0] = "old";
+  dialogs.onProgress = [&](const auto& /*shown*/) { return !(form.sb1.panels[0] == "old"); };
   WatchStatus();
   form.cmdQuickBackup.click();
   EXPECT_THAT(statuses, Contains("Inbox.dbx Backup Complete"));
@@ -415,7 +417,8 @@ TEST_F(CompleteBackupTest, AStoreThatIsNotKnownIsNotAnEmptyIdentity) {
 }
 
 TEST_F(CompleteBackupTest, IdentitiesOfOneNameShareAFolderAndLoseNothingUnasked) {
-  for (const char* username : {"Main Identity", "Büro"}) SetUsername(Identity(username).userId, "Twin");
+  SetUsername(kMain, "Twin");
+  SetUsername(kOffice, "twin");
   windows->session.GetInputPaths();
   form->chkOverwrite.click();
   form->cmdbkupall.click();

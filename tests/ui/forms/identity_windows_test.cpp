@@ -53,7 +53,7 @@ TEST_F(IdentityWindowsTest, ANewIdentityIsMadeOrNothingIs) {
   EXPECT_THAT(windows->form1.cmbUserIDs.items.Get(), Contains(userId));
   ExpectClosedBy(form);
   windows->form1.menuBar.click("crtnewID");
-  EXPECT_EQ(form.txtNewGUID.text, "");
+  EXPECT_EQ(form.txtNewUsername.text.Get() + form.txtNewGUID.text.Get(), "");
 }
 
 TEST_F(IdentityWindowsTest, ACloneNeedsOneDestinationAndABackupFolder) {

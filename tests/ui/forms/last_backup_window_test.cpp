@@ -93,6 +93,10 @@ TEST_F(LastBackupTest, TheSavedTextSaysHowEachStepEnded) {
     windows->lastBackup.cmdSave.click();
     saved += Content(sample.driveC / "report.txt");
   }
+  windows->session.KeepBackup(all);
+  Open().cmdCheck.click();
+  EXPECT_EQ(windows->lastBackup.sb1.panels[0],
+            "0 copies are the same as the source, 1 is NOT; 0 registry files can be read, 1 can NOT");
   std::string wanted;
   for (const std::string& line : GoldenTexts("ui/forms/last_backup_golden.txt")) wanted += line + "\r\n";
   EXPECT_TRUE(FitsGolden(saved, wanted)) << saved;

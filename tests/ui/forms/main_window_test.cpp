@@ -135,6 +135,7 @@ TEST_F(Form1Test, ABrowsedFolderBecomesTheBackupFolder) {
   EXPECT_EQ(dialogs.folderDialogs.front().folder, WinPath()) << "backups go to this computer: it opens on the home";
 
   OpenResult key = Store().OpenKey(CurrentUser(kIdentitiesKey));
+  EXPECT_EQ(platform->GetRegistry().Query(key.key, "Quillbox", std::nullopt).type, ValueType::Sz);
   platform->GetRegistry().DeleteValue(key.key, "Quillbox");
   form.menuBar.click("opnbkfldr");
   EXPECT_EQ(dialogs.LastMessage(), "Backup Folder Has Not Been Set");

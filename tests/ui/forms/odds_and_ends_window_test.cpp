@@ -124,7 +124,21 @@ TEST_F(Form12Test, AMachineThatCannotBeWrittenIsShownAsItIs) {
     Combo("cmbNomodifyaccts").pick("Off");
     EXPECT_EQ(Combo("cmbNomodifyaccts").text, "Off");
     EXPECT_EQ(Machine("No modify accts"), RegValue(1));
+    windows->form13.Open();
+    EXPECT_EQ(windows->form13.lblProtected.caption, "") << "it writes nothing of the machine";
   }
+  fs::permissions(profile, fs::perms{0555});
+  fs::permissions(profile / "NTUSER.DAT", fs::perms{0444});
+  {
+    const OrdinaryUser user;
+    OpenDisk();
+    windows->form1.Open();
+    Open();
+    windows->form13.Open();
+    EXPECT_THAT(windows->form12.lblProtected.caption.Get(), HasSubstr("NTUSER.DAT"));
+    EXPECT_THAT(windows->form13.lblProtected.caption.Get(), HasSubstr("NTUSER.DAT"));
+  }
+  fs::permissions(profile, fs::perms{0755});
   dialogs.messages.clear();
 }
 

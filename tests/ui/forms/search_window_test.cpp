@@ -75,6 +75,7 @@ TEST_F(Form2Test, ADriveOrAllDrivesAreSearchedForWhatTheTypeSays) {
   EXPECT_EQ(form.sb2.panels[0], "Search Complete");
   EXPECT_EQ(form.cmdSearch.caption, "Search");
   EXPECT_EQ(dialogs.progress.front().text, "0 found, now in C:\\");
+  EXPECT_EQ(dialogs.progress.front().done + dialogs.progress.front().total, 0U) << "nobody knows how much there is";
   EXPECT_EQ(dialogs.openProgressDisplays, 0);
 
   const std::pair<const char*, const char*> types[] = {
@@ -142,6 +143,11 @@ TEST_F(Form2Test, CheckedFilesAreBackedUpAskingBeforeOneReplacesAnother) {
   platform->CopyWithFaults().writeError = ENOSPC;
   form.cmdCopyFiles.click();
   EXPECT_EQ(dialogs.messages.back().buttons, MessageButtons::Ok) << "after a single file nothing can go on";
+  form.cndSelectAll.click();
+  dialogs.overwriteAnswers = {OverwriteAnswer::YesToAll};
+  dialogs.messageAnswers = {MessageAnswer::No};
+  form.cmdCopyFiles.click();
+  EXPECT_EQ(dialogs.messages.back().buttons, MessageButtons::YesNo) << "after one of several it can";
 
   windows->session.backupFolder.Reset();
   form.cmdCopyFiles.click();

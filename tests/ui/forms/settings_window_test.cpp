@@ -123,6 +123,9 @@ TEST_F(Form13Test, AnIdentityThatWasNeverUsedIsNotShown) {
   EXPECT_THAT(dialogs.LastMessage(), StartsWith("This Identity has not been set up."));
   EXPECT_EQ(Shown("cmbLaunchInbox") + Shown("txtPollForMail"), "");
   EXPECT_THAT(Combo("cmbLaunchInbox").items.Get(), IsEmpty());
+  Store().DeleteKey(CurrentUser(Key("", 1)));
+  form.cmboUserIDs10.pick(1);
+  EXPECT_EQ(dialogs.messages.size(), 2U) << "nor is one without a key";
   Reload();
   EXPECT_THAT(Combo("cmbLaunchInbox").items.Get(), ElementsAre("On", "Off"));
   EXPECT_EQ(Shown("cmbLaunchInbox"), "On");
