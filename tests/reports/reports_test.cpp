@@ -35,8 +35,8 @@ TEST(GeneralDateTest, PicturesAreFilled) {
   EXPECT_EQ(FormatGeneralDate(At("23:59:59"), us), "3/7/2004 11:59:59 PM");
   const DateStyle german = {.shortDate = "dd/MM/yy", .time = "HH:mm:ss", .dateSeparator = ".", .timeSeparator = ":"};
   EXPECT_EQ(FormatGeneralDate(At("09:05:09"), german), "07.03.04 09:05:09");
-  const DateStyle words = {.shortDate = "dddd, d 'de' MMM yyy 'open", .time = "t h H", .morning = "Ä1"};
-  EXPECT_EQ(FormatGeneralDate(At("01:00:00"), words), "Sunday, 7 de Mar 2004 open Ä 1 1");
+  const DateStyle words = {.shortDate = "dddd, d 'de' MMM yyy 'open", .time = "t h''H", .morning = "Ä1"};
+  EXPECT_EQ(FormatGeneralDate(At("01:00:00"), words), "Sunday, 7 de Mar 2004 open Ä 11");
 }
 
 using GeneralDateOnDisk = SamplePlatform;

@@ -467,6 +467,15 @@ TEST_F(CompleteBackupTest, WhatAllItsStepsCouldNotDoIsToldTogether) {
   EXPECT_EQ(form->sb1.panels[0], "Backup Complete");
   EXPECT_THAT(form->sb1.panels[1].Get(),
               AllOf(StartsWith("2 Identities Backed Up; 0 of "), HasSubstr(" files copied: the disk is read-only; ")));
+
+  const WinPath book("D:\\Backup\\Ann Miller.wab");
+  temp.File("disk/D/Backup/Ann Miller.wab", "book");
+  dialogs.openFileAnswers = {book};
+  dialogs.overwriteAnswers = {OverwriteAnswer::Yes};
+  dialogs.messageAnswers = {MessageAnswer::Yes};
+  dialogs.messages.clear();
+  form->cmdRestore.click();
+  EXPECT_EQ(dialogs.messages.front().buttons, MessageButtons::YesNo) << "the stores are copied after it";
 }
 
 }  // namespace

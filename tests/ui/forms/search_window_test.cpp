@@ -194,11 +194,13 @@ TEST_F(Form2Test, CheckedFilesAreRestoredIntoTheChosenIdentityAfterAYes) {
 TEST_F(Form2Test, CloseKeepsAndTheCloseBoxForgets) {
   Form2& form = SearchMail();
   form.cboFileType.pick("*.idx");
+  form.cmbResIdentity.pick(1);
   form.escape();
   EXPECT_TRUE(windows->form1.visible);
   windows->form1.cmdSearch.click();
   EXPECT_EQ(form.lvFiles.RowCount(), 3U);
   EXPECT_EQ(form.cboFileType.text, "*.idx");
+  EXPECT_EQ(form.lblusrname.caption, Identities()[1].username);
 
   form.close();
   EXPECT_TRUE(!form.visible && windows->form1.visible);
@@ -206,6 +208,7 @@ TEST_F(Form2Test, CloseKeepsAndTheCloseBoxForgets) {
   windows->form1.cmdSearch.click();
   EXPECT_EQ(form.lvFiles.RowCount(), 0U);
   EXPECT_EQ(form.cboFileType.text, "*.dbx");
+  EXPECT_EQ(form.Label13.caption, "Outlook Express 5+");
   EXPECT_EQ(form.cboFileType.items->size(), 5U);
   EXPECT_EQ(form.lblusrname.caption, "Renamed") << "the identities are read again";
   EXPECT_EQ(windows->form1.Label7.caption, "Renamed");
