@@ -199,6 +199,9 @@ TEST_F(QuickBackupTest, OfNothingIsNotCompleteAlone) {
   form.cmdQuickBackup.click();
   EXPECT_EQ(form.sb1.panels[0], "Backup Complete");
   EXPECT_EQ(form.sb1.panels[1], "no files copied");
+  for (const char* name : {"a..dbx", "b.c.dbx"}) std::ofstream(StoreOnHost() / name) << "mail";
+  form.cmdQuickBackup.click();
+  EXPECT_EQ(form.sb1.panels[1], "no files copied; 2 files left out (full stop in the name)");
 }
 
 TEST_F(QuickBackupTest, AnUnknownWindowsCopiesTheFilesAndExportsNothing) {
@@ -351,12 +354,16 @@ TEST_F(CompleteBackupTest, ABackupFolderThatIsGoneIsToldOnce) {
     EXPECT_EQ(message.icon, MessageIcon::Exclamation);
   }
   EXPECT_EQ(form->cmdbkupall.caption, "Backup All Identities Now");
+  CancelAddressBookRestore();
+  form->cmdRestore.click();
+  EXPECT_THAT(dialogs.Texts(), Contains(StartsWith("The complete restore ended early.")));
 
   // A folder that holds no backup: three files are missing, and one message names them.
   std::filesystem::create_directories(BackupFolderOnHost());
+  dialogs.messages.clear();
   CancelAddressBookRestore();
   form->cmdRestore.click();
-  ASSERT_EQ(dialogs.messages.size(), 3u);
+  ASSERT_EQ(dialogs.messages.size(), 1u);
   EXPECT_THAT(dialogs.LastMessage(),
               AllOf(HasSubstr("AllIdentities.reg"), HasSubstr("IAM.reg"), HasSubstr("AddressBook.reg")));
 }

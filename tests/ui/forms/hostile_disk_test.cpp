@@ -238,6 +238,9 @@ TEST_F(HostileDiskTest, AnAddressBookOfThisComputerIsNeitherReadNorWritten) {
   dialogs.messages.clear();
   form.cmdbkupall.click();
   EXPECT_THAT(dialogs.Texts(), ElementsAre(refusal)) << "once for all identities";
+  form.menuBar.click("lastBackup");
+  EXPECT_EQ(windows->lastBackup.lvSteps.Text(1, 0), "the address book");
+  windows->lastBackup.close();
   dialogs.openFileAnswers = {WinPath("C:\\evil.desktop"), std::nullopt};
   dialogs.folderAnswers = {WinPath("D:\\")};
   for (const char* item : {"addBookFile", "resWAB", "MoveWAB"}) {
