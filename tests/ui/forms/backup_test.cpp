@@ -157,6 +157,8 @@ TEST_F(QuickBackupTest, AStoreThatIsGoneIsToldAndTheRestBackedUp) {
   form.cmdQuickBackup.click();
   EXPECT_THAT(dialogs.LastMessage(), HasSubstr("\"" + form.Text1.text.Get() + "\" does not exist"));
   EXPECT_EQ(form.sb1.panels[1], "1 message store not copied");
+  windows->lastBackup.Open();
+  EXPECT_EQ(windows->lastBackup.lvSteps.Text(0, 0), "the messages of \"Main Identity\"");
   EXPECT_EQ(Names(BackupFolderOnHost() / "Main Identity"),
             (std::vector<std::string>{"Ann Miller.wab", "HKLMOutlookExpress.reg", "IAM.reg", "Main Identity.reg",
                                       "WAB.reg"}));
@@ -397,6 +399,7 @@ TEST_F(CompleteBackupTest, OnlyStoresWithAKnownPlaceAreRestored) {
   EXPECT_EQ(Names(BackupFolderOnHost() / "Guest"), std::vector<std::string>{"Inbox.dbx"});
   EXPECT_EQ(form->sb1.panels[0], "Restore Complete");
   EXPECT_EQ(form->sb1.panels[1], "2 message stores not copied");
+  EXPECT_THAT(platform->log.Text(), HasSubstr("not copied: the messages of \"Guest\" " + kGuest + ": it was never"));
 
   const auto folder = StoreOf("Büro");
   std::filesystem::remove_all(folder);

@@ -92,6 +92,10 @@ TEST_F(IdentityWindowsTest, ACloneNeedsOneDestinationAndABackupFolder) {
   windows->form1.menuBar.click("CloneIdentity");
   EXPECT_EQ(form.lblDestinationUser.caption, "");
   EXPECT_EQ(dialogs.messages.size(), 9U) << "opened without a backup folder, it says so as well";
+  form.close();
+  Store().DeleteKey(CurrentUser(kIdentitiesKey));
+  windows->form1.menuBar.click("CloneIdentity");
+  EXPECT_THAT(dialogs.Texts(), Contains("Registry read error 2Identities"));
 }
 
 TEST_F(IdentityWindowsTest, AnIdentityIsClonedOntoANewOneWithItsMessages) {

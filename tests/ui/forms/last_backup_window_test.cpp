@@ -99,6 +99,7 @@ TEST_F(LastBackupTest, TheSavedTextSaysHowEachStepEnded) {
   windows->session.KeepBackup(all);
   Open().cmdCheck.click();
   EXPECT_EQ(windows->lastBackup.sb1.panels[0], "1 copy is the same as the source; 1 registry file can be read");
+  EXPECT_EQ(Row(windows->lastBackup.lvSteps.RowCount() - 2), "x.dbx | 7 bytes | the same as D:\\Backup\\x.dbx");
   std::string wanted;
   for (const std::string& line : GoldenTexts("ui/forms/last_backup_golden.txt")) wanted += line + "\r\n";
   EXPECT_TRUE(FitsGolden(saved, wanted)) << saved;

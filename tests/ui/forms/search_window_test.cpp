@@ -139,6 +139,8 @@ TEST_F(Form2Test, CheckedFilesAreBackedUpAskingBeforeOneReplacesAnother) {
   form.cmdDeselectAll.click();
   form.cmdCopyFiles.click();
   EXPECT_EQ(form.sb2.panels[1], "No files were checked");
+  windows->lastBackup.Open();
+  EXPECT_THAT(windows->lastBackup.lblBackup.caption.Get(), testing::StartsWith("Back Up Files, "));
   form.lvFiles.check(RowOf(form, "C:\\Mail\\b\\Old.dbx"), true);
   platform->CopyWithFaults().writeError = ENOSPC;
   form.cmdCopyFiles.click();
