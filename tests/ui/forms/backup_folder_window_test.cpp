@@ -87,6 +87,15 @@ TEST_F(Form3Test, WithoutABackupFolderItStartsAtC) {
   windows->form1.menuBar.click("crtbkfldr2");
   EXPECT_EQ(windows->form3.txtbkPth.text, "C:\\");
   EXPECT_EQ(windows->form3.Drive1.text, "C:\\");
+
+  OpenDisk();
+  StoreBackupFolder("A:\\gone");
+  dialogs.messageAnswers = {MessageAnswer::Yes};
+  dialogs.folderAnswers = {WinPath(OnZ(temp.Folder("floppy")))};
+  windows->form1.Open();
+  windows->form1.menuBar.click("crtbkfldr2");
+  EXPECT_EQ(windows->form3.Drive1.items->front(), "A:\\");
+  EXPECT_EQ(windows->form3.Drive1.text, "C:\\") << "not at the first drive";
 }
 
 TEST_F(Form3Test, AProfileWithoutIdentitiesIsAskedForThePlaceOfTheSetting) {
