@@ -93,24 +93,24 @@ TEST_F(Form2Test, ADriveOrAllDrivesAreSearchedForWhatTheTypeSays) {
   form.cmdSearch.click();
   EXPECT_THAT(Rows(form), ElementsAre("D:\\Elsewhere\\Book.wa~"));
 
-  if (!WhyNot(Trick::Modes).empty()) return;
-  const auto folder = sample.driveC / "Mail/a";
-  std::filesystem::permissions(temp.Path(), std::filesystem::perms{0755});
-  std::filesystem::permissions(folder, std::filesystem::perms{0});
-  form.cboDrives.pick(0);
-  std::optional<OrdinaryUser> user(std::in_place);
-  form.cmdSearch.click();
-  user.reset();
-  std::filesystem::permissions(folder, std::filesystem::perms{0755});
-  EXPECT_EQ(form.sb2.panels[1], "Folders not read: 1");
-
-  form.cboDrives.pick(2);
   form.cboFileType.type("old.*");
   EXPECT_EQ(form.Label13.caption, "Address Book Backup") << "a pattern of one's own has no description";
   form.cmdSearch.click();
   EXPECT_THAT(Rows(form), ElementsAre("C:\\Mail\\b\\Old.dbx"));
   form.cboFileType.type("  ");
   EXPECT_FALSE(form.cmdSearch.enabled);
+
+  if (!WhyNot(Trick::Modes).empty()) return;
+  const auto folder = sample.driveC / "Mail/a";
+  std::filesystem::permissions(temp.Path(), std::filesystem::perms{0755});
+  std::filesystem::permissions(folder, std::filesystem::perms{0});
+  form.cboDrives.pick(0);
+  form.cboFileType.pick("*.dbx");
+  std::optional<OrdinaryUser> user(std::in_place);
+  form.cmdSearch.click();
+  user.reset();
+  std::filesystem::permissions(folder, std::filesystem::perms{0755});
+  EXPECT_EQ(form.sb2.panels[1], "Folders not read: 1");
 }
 
 TEST_F(Form2Test, CancelKeepsWhatWasFoundAndSearchesNoFurtherDrive) {
