@@ -65,6 +65,8 @@ class HostFolder {
   EntryInfo InfoOf(const std::string& name, Links links = Links::Keep) const;
   /// Nothing when there is none, or it cannot be seen.
   std::optional<EntryInfo> Find(const std::string& name, Links links = Links::Keep) const;
+  /// The name under which an entry is stored: a file system that has no case finds it by other spellings, too.
+  std::string StoredName(const std::string& name) const;
   /// Where a link leads to, as it is written there; nothing when it cannot be read.
   std::optional<HostPath> ReadLink(const std::string& name) const;
 

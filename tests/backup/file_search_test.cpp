@@ -97,6 +97,7 @@ TEST_F(FileSearchTest, NamesThatAreNoTextAreFoundAndCanBeOpened) {
 /// Far deeper than folders may be open at a time, with paths longer than the system takes at once, and with something
 /// to come back to on every level.
 TEST_F(FileSearchTest, DepthHasNoLimit) {
+  NEEDS(DeepFolders);
   constexpr int kDepth = 1500;
   const HostFolder outside = HostFolder::Open(HostPath(temp.File("a.dbx").parent_path()));
   HostFolder folder = HostFolder::Open(HostPath(c));

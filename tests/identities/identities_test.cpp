@@ -120,7 +120,8 @@ TEST_F(CloneIdentityTest, WhatCannotBeClonedChangesNothing) {
               HasSubstr("not in the registry"));
   // An earlier clone's file must not be taken for the export that failed.
   platform->processes.forward = false;
-  std::ofstream(sample.driveD / "Backup/IdentitySource.reg") << "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\X]\r\n";
+  std::ofstream(sample.driveD / "Backup/IdentitySource.reg", std::ios::binary)
+      << "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\X]\r\n";
   EXPECT_THROW(Clone(request).CloneSettings(), Error);
   EXPECT_EQ(Snapshot(kIdentitiesKey), before);
 }

@@ -18,6 +18,7 @@ enum class Trick {
   Links,         ///< symbolic links
   Modes,         ///< permissions of files, and a user who has none
   Pipes,         ///< named pipes, devices and sockets in a folder
+  DeepFolders,   ///< paths of many thousand bytes
   BadNames,      ///< names that Windows forbids, and two that differ in case only
   OpenFolders,   ///< a folder that is renamed while it is open
   Scripts,       ///< programs that are shell scripts

@@ -90,6 +90,10 @@ std::optional<EntryInfo> HostFolder::Find(const std::string& name, Links links) 
   return InfoOfStat(info);
 }
 
+std::string HostFolder::StoredName(const std::string& name) const {
+  return name;
+}
+
 std::optional<HostPath> HostFolder::ReadLink(const std::string& name) const {
   std::array<char, PATH_MAX> target = {};
   const ssize_t size = readlinkat(Fd(handle_), name.c_str(), target.data(), target.size());

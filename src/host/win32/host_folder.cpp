@@ -14,6 +14,7 @@
 #include "host/win32/reparse_point.h"
 #include "host/win32/system_path.h"
 #include "host/win32/win32.h"
+#include "text/unicode.h"
 
 namespace quillbox {
 
@@ -72,6 +73,15 @@ EntryInfo HostFolder::InfoOf(const std::string& name, Links links) const {
 
 std::optional<EntryInfo> HostFolder::Find(const std::string& name, Links links) const {
   return quillbox::InfoOf(path_.Join(name), links).info;
+}
+
+std::string HostFolder::StoredName(const std::string& name) const {
+  if (path_.IsRoot()) return UpperCase(name);  // drives
+  WIN32_FIND_DATAW found = {};
+  const HANDLE search = FindFirstFileW(SystemPath(path_.Join(name)).c_str(), &found);
+  if (search == INVALID_HANDLE_VALUE) return name;
+  FindClose(search);
+  return Narrow(found.cFileName);
 }
 
 std::optional<HostPath> HostFolder::ReadLink(const std::string& name) const {

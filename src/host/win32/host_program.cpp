@@ -175,6 +175,7 @@ ProgramEnd RunToEnd(const HostProgram& program) {
       StartProcess(program, {.passed = program.passed, .errors = Raw(writeEnd), .flags = CREATE_NO_WINDOW});
   writeEnd.Close();
   std::string errors = Drain(readEnd);
+  std::erase(errors, '\r');  // of the ends of lines, which programs write as text
   WaitForSingleObject(Raw(process), INFINITE);
   return {.exitCode = ExitCodeOf(process), .errors = std::move(errors)};
 }

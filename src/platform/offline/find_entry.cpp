@@ -1,7 +1,6 @@
 #include "platform/offline/find_entry.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "host/host_names.h"
 #include "text/unicode.h"
@@ -17,17 +16,17 @@ bool SameName(std::string_view a, std::string_view b, bool bothPlain) {
          std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return AsciiUpper(x) == AsciiUpper(y); });
 }
 
-std::optional<HostEntry> ExactEntry(const HostFolder& folder, std::string name) {
+std::optional<HostEntry> ExactEntry(const HostFolder& folder, const std::string& name) {
   const std::optional<EntryInfo> info = folder.Find(name);
-  return info ? std::optional(HostEntry{std::move(name), *info}) : std::nullopt;
+  return info ? std::optional(HostEntry{folder.StoredName(name), *info}) : std::nullopt;
 }
 
 }  // namespace
 
 std::optional<HostEntry> FindEntry(const HostFolder& folder, std::string_view windowsName) {
-  std::string asHost = HostName(windowsName);
+  const std::string asHost = HostName(windowsName);
   const bool sameText = asHost == windowsName;
-  if (std::optional<HostEntry> exact = ExactEntry(folder, std::move(asHost))) return exact;
+  if (std::optional<HostEntry> exact = ExactEntry(folder, asHost)) return exact;
   if (!sameText && !LeavesItsFolder(windowsName)) {
     if (std::optional<HostEntry> exact = ExactEntry(folder, std::string(windowsName))) return exact;
   }

@@ -29,6 +29,8 @@ std::string WhyNot(Trick trick) {
       return "permissions are lists of rights here, and wine keeps none";
     case Trick::Pipes:
       return "named pipes are in no folder here";
+    case Trick::DeepFolders:
+      return "wine's own paths end at 4,096 bytes";
     case Trick::BadNames:
       return "Windows has no such names";
     case Trick::OpenFolders:

@@ -84,7 +84,7 @@ TEST_F(QuickBackupTest, ExistingFilesAreReplacedOnlyWhenThePersonSaysSo) {
   form.cmdQuickBackup.click();
   const auto inbox = BackupFolderOnHost() / "Main Identity/Inbox.dbx";
   const std::string original = Content(inbox);
-  std::ofstream(inbox) << "older";
+  std::ofstream(inbox, std::ios::binary) << "older";
 
   dialogs.overwriteAnswers = {OverwriteAnswer::Cancel, OverwriteAnswer::Cancel};  // messages, address book
   form.cmdQuickBackup.click();
@@ -201,7 +201,7 @@ TEST_F(QuickBackupTest, OfNothingIsNotCompleteAlone) {
   form.cmdQuickBackup.click();
   EXPECT_EQ(form.sb1.panels[0], "Backup Complete");
   EXPECT_EQ(form.sb1.panels[1], "no files copied");
-  for (const char* name : {"a..dbx", "b.c.dbx"}) std::ofstream(StoreOnHost() / name) << "mail";
+  for (const char* name : {"a..dbx", "b.c.dbx"}) std::ofstream(StoreOnHost() / name, std::ios::binary) << "mail";
   form.cmdQuickBackup.click();
   EXPECT_EQ(form.sb1.panels[1], "no files copied; 2 files left out (full stop in the name)");
 }
@@ -240,7 +240,7 @@ class CompleteBackupTest : public SampleWindows {
     Files files;
     for (const std::string& name : Names(folder)) {
       const bool isLeftOut = name == "Pop3uidl.dbx" || name.find('.') + 4 != name.size();
-      if (name.ends_with(".dbx") && !isLeftOut) files[name] = Content(folder / name);
+      if (name.ends_with(".dbx") && !isLeftOut) files[name] = Content(folder / PathOf(name));
     }
     return files;
   }
@@ -264,8 +264,8 @@ TEST_F(CompleteBackupTest, AllIdentitiesGetAFolderEachAndEmptyOnesNone) {
                                       username + ".reg", "SignaturesWinXP.reg",    "WAB.reg"};
     for (const auto& [name, content] : FilesIn(StoreOf(username))) expected.push_back(name);
     std::sort(expected.begin(), expected.end());
-    EXPECT_EQ(Names(BackupFolderOnHost() / username), expected);
-    EXPECT_THAT(Content(BackupFolderOnHost() / username / "SignaturesWinXP.reg"), StartsWith("regf"));
+    EXPECT_EQ(Names(BackupFolderOnHost() / PathOf(username)), expected);
+    EXPECT_THAT(Content(BackupFolderOnHost() / PathOf(username) / "SignaturesWinXP.reg"), StartsWith("regf"));
   }
   EXPECT_EQ(platform->processes.commandLines.size(), 8u);
   EXPECT_EQ(platform->GetDrives().CurrentDirectory().Text(), kBackup);
@@ -287,7 +287,7 @@ TEST_F(CompleteBackupTest, WhatItSavedComesBackAsItWas) {
   EXPECT_EQ(Names(BackupFolderOnHost()),
             (std::vector<std::string>{"AddressBook.reg", "AllIdentities.reg", "Ann Miller.wab", "Büro", "IAM.reg",
                                       "Main Identity"}));
-  EXPECT_THAT(Names(BackupFolderOnHost() / "Büro"), AllOf(Contains("Pop3uidl.dbx"), Not(Contains("IAM.reg"))));
+  EXPECT_THAT(Names(BackupFolderOnHost() / PathOf("Büro")), AllOf(Contains("Pop3uidl.dbx"), Not(Contains("IAM.reg"))));
   EXPECT_EQ(platform->processes.commandLines.front(),
             "regedit /s /e:A \"AllIdentities.reg\"  \"HKEY_CURRENT_USER\\Identities\\\"");
 
@@ -351,8 +351,8 @@ TEST_F(CompleteBackupTest, ABackupFolderThatIsGoneIsToldOnce) {
   form->cmdComplete.click();
   ASSERT_EQ(dialogs.messages.size(), 2u);
   for (const Message& message : dialogs.messages) {
-    EXPECT_THAT(message.text, MatchesRegex("The (complete )?backup ended early. What was done until then stays done."
-                                           "\n\n.*D:\\\\Backup: the folder does not exist.*"));
+    EXPECT_THAT(message.text, AllOf(HasSubstr("backup ended early. What was done until then stays done.\n\n"),
+                                    HasSubstr("D:\\Backup: the folder does not exist")));
     EXPECT_EQ(message.icon, MessageIcon::Exclamation);
   }
   EXPECT_EQ(form->cmdbkupall.caption, "Backup All Identities Now");
@@ -403,7 +403,7 @@ TEST_F(CompleteBackupTest, OnlyStoresWithAKnownPlaceAreRestored) {
 
   const auto folder = StoreOf("Büro");
   std::filesystem::remove_all(folder);
-  std::ofstream(folder) << "in the way";
+  std::ofstream(folder, std::ios::binary) << "in the way";
   CancelAddressBookRestore();
   form->cmdRestore.click();
   EXPECT_THAT(dialogs.messages[2].text, HasSubstr(": its message store folder \"D:\\Mail\\Office\" cannot be made\n"));
@@ -458,10 +458,10 @@ TEST_F(CompleteBackupTest, CancelOfAQuestionEndsItsStepOnly) {
 
   // Cancelled: the files of the first identity, then the address book file. The second identity is asked about again.
   form->chkOverwrite.click();
-  std::filesystem::remove(BackupFolderOnHost() / "Büro/Inbox.dbx");
+  std::filesystem::remove(BackupFolderOnHost() / PathOf("Büro/Inbox.dbx"));
   dialogs.overwriteAnswers = {OverwriteAnswer::Cancel, OverwriteAnswer::Cancel, OverwriteAnswer::YesToAll};
   form->cmdbkupall.click();
-  EXPECT_EQ(FilesIn(BackupFolderOnHost() / "Büro").count("Inbox.dbx"), 1u);
+  EXPECT_EQ(FilesIn(BackupFolderOnHost() / PathOf("Büro")).count("Inbox.dbx"), 1u);
 }
 
 TEST_F(CompleteBackupTest, WhatAllItsStepsCouldNotDoIsToldTogether) {

@@ -115,7 +115,7 @@ TEST_F(IdentityWindowsTest, AnIdentityIsClonedOntoANewOneWithItsMessages) {
     return OnHost(ReadStoreFolder(Store(), platform->GetSystemFacts(), id).value().Text());
   };
   std::filesystem::create_directory(folderOf(kMain) / "Old mail");
-  std::ofstream(folderOf(kMain) / "Old mail/2003.dbx") << "old";
+  std::ofstream(folderOf(kMain) / "Old mail/2003.dbx", std::ios::binary) << "old";
   for (CheckBox* box : {&form.Check2, &form.chkCopyDBX}) box->click();
   form.cmdClone.click();
   EXPECT_EQ(form.StatusBar1.panels[0], "Cloning Complete");
@@ -245,7 +245,7 @@ TEST_F(IdentityWindowsTest, ASavedFileIsCarriedOverAndMerged) {
   form.cmdMerge.click();
   EXPECT_THAT(dialogs.Texts(), ElementsAre("", "Registry file has been merged."));
   EXPECT_TRUE(platform->processes.commandLines.empty());
-  std::ofstream(BackupFolderOnHost() / "a.b.reg")
+  std::ofstream(BackupFolderOnHost() / "a.b.reg", std::ios::binary)
       << "REGEDIT4\n\n[HKEY_CURRENT_USER\\Identities\\" << kMain << "]\n\"Carried\"=\"over\"\n";
   dialogs.openFileAnswers = {WinPath("D:\\Backup\\a.b.reg"), std::nullopt};
   form.cmpOpen.click();
@@ -264,9 +264,9 @@ TEST_F(IdentityWindowsTest, ASavedFileIsCarriedOverAndMerged) {
   // Refusals leave nothing to merge either.
   dialogs.openFileAnswers = {WinPath("D:\\Backup\\no id.reg"), WinPath("D:\\Backup\\wide.reg"),
                              WinPath("D:\\Backup\\folder.reg"), WinPath("D:\\Backup\\a.b.reg")};
-  std::ofstream(BackupFolderOnHost() / "no id.reg") << "REGEDIT4\n\"{x\"=\"" << kMain << "\"\n";
-  std::ofstream(BackupFolderOnHost() / "wide.reg") << std::string("W\0i\0n\0{\0", 8);
-  std::ofstream(BackupFolderOnHost() / "folder.reg") << kMain;
+  std::ofstream(BackupFolderOnHost() / "no id.reg", std::ios::binary) << "REGEDIT4\n\"{x\"=\"" << kMain << "\"\n";
+  std::ofstream(BackupFolderOnHost() / "wide.reg", std::ios::binary) << std::string("W\0i\0n\0{\0", 8);
+  std::ofstream(BackupFolderOnHost() / "folder.reg", std::ios::binary) << kMain;
   std::filesystem::create_directory(BackupFolderOnHost() / "Newfolder.reg");
   for (const char* reason :
        {"no id.reg\" has its first \"{\" before something that is not a {USER_ID}: {x\"=\"",
@@ -296,7 +296,7 @@ TEST_F(IdentityWindowsTest, TheSwitchedOffReplacementWorksByPrompts) {
   Form1& form = Start();
   form.menuBar.click("repUSERID");
   EXPECT_TRUE(dialogs.messages.empty());
-  std::ofstream(BackupFolderOnHost() / "x.reg") << "REGEDIT4\n" << kMain << "\n";
+  std::ofstream(BackupFolderOnHost() / "x.reg", std::ios::binary) << "REGEDIT4\n" << kMain << "\n";
   const auto run = [&](const std::optional<std::string>& userId) {
     dialogs.messageAnswers = {MessageAnswer::Yes};
     dialogs.openFileAnswers = {WinPath("D:\\Backup\\x.reg")};

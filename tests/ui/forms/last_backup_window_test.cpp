@@ -41,10 +41,10 @@ TEST_F(LastBackupTest, SaysWhatWasNotDoneFirstAndChecksEveryCopy) {
   const auto size = std::filesystem::file_size(BackupFolderOnHost() / "AllIdentities.reg");
   EXPECT_EQ(Row(23),
             "AllIdentities.reg |  | readable, " + std::to_string(size) + " bytes: D:\\Backup\\AllIdentities.reg");
-  const auto inbox = BackupFolderOnHost() / "Büro/Inbox.dbx";
+  const auto inbox = BackupFolderOnHost() / PathOf("Büro/Inbox.dbx");
   std::string content = Content(inbox);
   content[3]++;
-  std::ofstream(inbox) << content;
+  std::ofstream(inbox, std::ios::binary) << content;
   std::filesystem::remove(BackupFolderOnHost() / "AllIdentities.reg");
   form.cmdCheck.click();
   EXPECT_EQ(form.sb1.panels[0],

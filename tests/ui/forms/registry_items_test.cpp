@@ -212,7 +212,7 @@ TEST_F(RegistryItemsTest, TheAddressBookFileGoesThereAndBack) {
   Click("addBookFile");
   EXPECT_EQ(form->sb1.panels[0], " Address Book Copy Complete");
   EXPECT_EQ(Content(BackupFolderOnHost() / "Ann Miller.wab"), content);
-  std::ofstream(book) << "newer";
+  std::ofstream(book, std::ios::binary) << "newer";
   dialogs.overwriteAnswers = {OverwriteAnswer::Yes};
   Restore("resWAB", WinPath("D:\\Backup\\Ann Miller.wab"));
   EXPECT_EQ(dialogs.LastFile(dialogs.openFileDialogs), "D:\\Backup|AddressBook.WAB|Address Book (*.WAB) | *.WAB");

@@ -30,7 +30,7 @@ TEST_F(UnattachedDriveTest, IsNamedOnTheSpotAndUsedFromThenOn) {
                                         "now."));
   EXPECT_THAT(dialogs.Texts(), Contains(HasSubstr("it is the root folder of this computer")));
   EXPECT_EQ(CopiedInbox(), "on E:");
-  EXPECT_THAT(named, ElementsAre("E=" + (temp / "disk/E").string()));
+  EXPECT_THAT(named, ElementsAre("E=" + HostPath(temp / "disk/E").Text()));
   form.menuBar.click("Search");
   EXPECT_THAT(windows->form2.cboDrives.items->back(), HasSubstr("E:\\"));
   dialogs.messages.clear();

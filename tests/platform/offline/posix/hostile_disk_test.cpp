@@ -4,8 +4,8 @@
 #include <sys/sysmacros.h>
 
 #include "host/posix/open_beneath.h"
-#include "offline_fixture.h"
 #include "platform/offline/host_open.h"
+#include "platform/offline/offline_fixture.h"
 
 namespace quillbox {
 namespace {
