@@ -101,6 +101,9 @@ class HostFolder {
   bool CanMakeFiles() const;
 
  private:
+  /// The same folder for listing.
+  HostFolder OpenAgain() const;
+
   HostHandle handle_;
   HostPath path_;
 };

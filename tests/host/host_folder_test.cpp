@@ -11,22 +11,7 @@
 namespace quillbox {
 namespace {
 
-class HostFolderTest : public testing::Test {
- protected:
-  TempFolder temp_;
-  const HostPath path_{temp_.Path()};
-};
-
-/// The reason why `act` fails; no code when it does not.
-template <class Act>
-std::error_code CodeOf(const Act& act) {
-  try {
-    act();
-  } catch (const std::system_error& failure) {
-    return failure.code();
-  }
-  return {};
-}
+using HostFolderTest = InTempFolder;
 
 TEST_F(HostFolderTest, ListsEachEntryOnceHoweverManyThereAre) {
   for (int number = 0; number < 1500; ++number) {

@@ -9,11 +9,7 @@
 namespace quillbox {
 namespace {
 
-class NewFileTest : public testing::Test {
- protected:
-  TempFolder temp_;
-  const HostPath path_{temp_.Path()};
-};
+using NewFileTest = InTempFolder;
 
 void Put(HostFolder folder, const std::string& name, std::string_view content) {
   NewFile file(std::move(folder), name, Links::Keep);

@@ -3,8 +3,10 @@
 #pragma once
 
 #include <cstddef>
+#include <system_error>
 
 #include "host/host_path.h"
+#include "support/temp_folder.h"
 
 namespace quillbox {
 
@@ -13,5 +15,22 @@ bool MakeLink(const HostPath& link, const HostPath& target);
 
 /// How long a path can be that names are made in one by one, in bytes.
 std::size_t LongestPath();
+
+/// The reason why `act` fails; no code when it does not.
+template <class Act>
+std::error_code CodeOf(const Act& act) {
+  try {
+    act();
+  } catch (const std::system_error& failure) {
+    return failure.code();
+  }
+  return {};
+}
+
+class InTempFolder : public testing::Test {
+ protected:
+  TempFolder temp_;
+  const HostPath path_{temp_.Path()};
+};
 
 }  // namespace quillbox

@@ -136,19 +136,10 @@ bool HostFolder::ListSome(std::vector<ListedEntry>& entries) const {
   }
 }
 
-bool HostFolder::EachName(const std::function<bool(const std::string& name)>& see) const try {
-  // A descriptor of its own: the folder's may be good for opening entries only, and has a position of its own.
-  const HostFolder own(HostHandle(openat(Fd(handle_), ".", kListFlags)));
-  if (!own) return false;
-  std::vector<ListedEntry> entries;
-  while (own.ListSome(entries)) {
-    for (const ListedEntry& entry : entries) {
-      if (see(entry.name)) return true;
-    }
-  }
-  return true;
-} catch (const std::system_error&) {
-  return false;
+HostFolder HostFolder::OpenAgain() const {
+  HostFolder own(HostHandle(openat(Fd(handle_), ".", kListFlags)));
+  if (!own) ThrowErrno(errno);
+  return own;
 }
 
 std::error_code HostFolder::MakeFolder(const std::string& name) const {

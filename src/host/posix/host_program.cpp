@@ -10,14 +10,12 @@
 #include <cerrno>
 
 #include "host/host_fault.h"
-#include "host/posix/host_io.h"
 #include "host/posix/posix.h"
+#include "host/program_errors.h"
 
 namespace quillbox {
 
 namespace {
-
-constexpr std::size_t kMaxKeptErrors = std::size_t{16} * 1024;
 
 /// posix_spawn's two lists of what is different in the new process.
 struct Differences {
@@ -69,18 +67,6 @@ int WaitForEnd(pid_t process) {
   return ExitCodeOf(status);
 }
 
-/// Everything that comes out of a pipe, of which the first part is kept.
-std::string Drain(const HostHandle& pipe) try {
-  std::string kept;
-  std::array<char, 4096> buffer = {};
-  while (const std::size_t got = ReadUpTo(pipe, buffer)) {
-    if (kept.size() < kMaxKeptErrors) kept.append(buffer.data(), got);
-  }
-  return kept;
-} catch (const std::system_error& failure) {
-  return "(what it wrote cannot be read: " + ReasonOf(failure.code()) + ")";
-}
-
 class Child : public StartedProgram {
  public:
   explicit Child(pid_t process) : process_(process) {}
@@ -102,13 +88,13 @@ class Child : public StartedProgram {
 ProgramEnd RunToEnd(const HostProgram& program) {
   std::array<int, 2> ends = {-1, -1};
   if (pipe2(ends.data(), O_CLOEXEC) != 0) ThrowErrno(errno);
-  const HostHandle readEnd(ends[0]);
+  const HostFile readEnd{HostHandle(ends[0]), "errors"};
   HostHandle writeEnd(ends[1]);
   Differences differences(program);
   differences.WriteErrorsTo(Fd(writeEnd));
   const pid_t process = Spawn(program, differences);
   writeEnd.Close();
-  std::string errors = Drain(readEnd);
+  std::string errors = ErrorsFrom(readEnd);
   return {.exitCode = WaitForEnd(process), .errors = std::move(errors)};
 }
 

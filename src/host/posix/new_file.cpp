@@ -14,7 +14,6 @@
 #include <vector>
 
 #include "host/host_fault.h"
-#include "host/host_paths.h"
 #include "host/posix/host_io.h"
 #include "host/posix/posix.h"
 #include "host/temporary_name.h"
@@ -35,14 +34,6 @@ mode_t ProcessUmask() {
   const mode_t mask = umask(0);
   umask(mask);
   return mask;
-}
-
-/// A path whose last name is a link: what it leads to.
-HostPath FollowLink(const HostPath& target) {
-  const PathInfo there = InfoOf(target, Links::Keep);
-  if (!there.info || !there.info->IsLink()) return target;
-  const RealPath led = RealPathAsFarAsThere(target);
-  return led.fault ? target : led.path;
 }
 
 /// The permissions of what is replaced, or nothing; refuses what cannot be replaced by a file.
@@ -90,19 +81,6 @@ timespec AsTimespec(const HostTime& time) {
 }
 
 }  // namespace
-
-NewFile::NewFile(HostFolder folder, std::string name, Links links)
-    : folder_(std::move(folder)), name_(std::move(name)) {
-  Begin(links);
-}
-
-NewFile::NewFile(const HostPath& target) {
-  const HostPath led = FollowLink(target);
-  if (!led.HasName()) ThrowErrno(EISDIR);
-  folder_ = HostFolder::Open(led.Parent());
-  name_ = led.Name();
-  Begin(Links::Follow);
-}
 
 void NewFile::Begin(Links links) {
   const std::optional<mode_t> replaced = ModeOfReplaced(folder_, name_, links);

@@ -126,18 +126,8 @@ bool HostFolder::ListSome(std::vector<ListedEntry>& entries) const {
   return true;
 }
 
-bool HostFolder::EachName(const std::function<bool(const std::string& name)>& see) const try {
-  // A handle of its own: the folder's may be good for opening entries only, and has a position of its own.
-  const HostFolder own(OrThrow(OpenAsFolder(path_, Links::Follow, FolderUse::Listing)), path_);
-  std::vector<ListedEntry> entries;
-  while (own.ListSome(entries)) {
-    for (const ListedEntry& entry : entries) {
-      if (see(entry.name)) return true;
-    }
-  }
-  return true;
-} catch (const std::system_error&) {
-  return false;
+HostFolder HostFolder::OpenAgain() const {
+  return HostFolder(OrThrow(OpenAsFolder(path_, Links::Follow, FolderUse::Listing)), path_);
 }
 
 std::error_code HostFolder::MakeFolder(const std::string& name) const {

@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "host/host_fault.h"
-#include "host/win32/host_io.h"
+#include "host/program_errors.h"
 #include "host/win32/system_path.h"
 #include "host/win32/win32.h"
 
@@ -18,7 +18,6 @@ namespace quillbox {
 
 namespace {
 
-constexpr std::size_t kMaxKeptErrors = std::size_t{16} * 1024;
 constexpr int kUnknownExit = -1;
 
 /// An argument as the C runtime of a started program takes it apart: backslashes count only before a quote.
@@ -122,18 +121,6 @@ int ExitCodeOf(const HostHandle& process) {
   return GetExitCodeProcess(Raw(process), &code) ? static_cast<int>(code) : kUnknownExit;
 }
 
-/// Everything that comes out of a pipe, of which the first part is kept.
-std::string Drain(const HostHandle& pipe) try {
-  std::string kept;
-  std::array<char, 4096> buffer = {};
-  while (const std::size_t got = ReadUpTo(pipe, buffer)) {
-    if (kept.size() < kMaxKeptErrors) kept.append(buffer.data(), got);
-  }
-  return kept;
-} catch (const std::system_error& failure) {
-  return "(what it wrote cannot be read: " + ReasonOf(failure.code()) + ")";
-}
-
 class Child : public StartedProgram {
  public:
   explicit Child(HostHandle process) : process_(std::move(process)) {}
@@ -169,12 +156,12 @@ ProgramEnd RunToEnd(const HostProgram& program) {
   HANDLE read = nullptr;
   HANDLE write = nullptr;
   if (!CreatePipe(&read, &write, nullptr, 0)) ThrowLast();
-  const HostHandle readEnd = Owned(read);
+  const HostFile readEnd{Owned(read), "errors"};
   HostHandle writeEnd = Owned(write);
   const HostHandle process =
       StartProcess(program, {.passed = program.passed, .errors = Raw(writeEnd), .flags = CREATE_NO_WINDOW});
   writeEnd.Close();
-  std::string errors = Drain(readEnd);
+  std::string errors = ErrorsFrom(readEnd);
   std::erase(errors, '\r');  // of the ends of lines, which programs write as text
   WaitForSingleObject(Raw(process), INFINITE);
   return {.exitCode = ExitCodeOf(process), .errors = std::move(errors)};

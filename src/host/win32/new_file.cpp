@@ -28,14 +28,6 @@ constexpr DWORD kWriteAll = kWrite | WRITE_DAC | WRITE_OWNER;
 /// Others may read it, and it may get another name; RemoveAbandonedFiles wants more.
 constexpr DWORD kShared = FILE_SHARE_READ | FILE_SHARE_DELETE;
 
-/// A path whose last name is a link: what it leads to.
-HostPath FollowLink(const HostPath& target) {
-  const PathInfo there = InfoOf(target, Links::Keep);
-  if (!there.info || !there.info->IsLink()) return target;
-  const RealPath led = RealPathAsFarAsThere(target);
-  return led.fault ? target : led.path;
-}
-
 HostHandle MakeFile(const HostPath& path) {
   const std::wstring system = SystemPath(path);
   for (const DWORD access : {kWriteAll, kWriteAll & ~DWORD{WRITE_OWNER}}) {
@@ -67,19 +59,6 @@ HostHandle OpenReplaced(const HostPath& target, Links links) {
 }
 
 }  // namespace
-
-NewFile::NewFile(HostFolder folder, std::string name, Links links)
-    : folder_(std::move(folder)), name_(std::move(name)) {
-  Begin(links);
-}
-
-NewFile::NewFile(const HostPath& target) {
-  const HostPath led = FollowLink(target);
-  if (!led.HasName()) ThrowFault(SystemCode(std::errc::is_a_directory));
-  folder_ = HostFolder::Open(Absolute(led).Parent());
-  name_ = led.Name();
-  Begin(Links::Follow);
-}
 
 void NewFile::Begin(Links links) {
   const HostHandle replaced = OpenReplaced(folder_.Path().Join(name_), links);

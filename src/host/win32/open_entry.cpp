@@ -9,14 +9,13 @@
 #include "host/win32/reparse_point.h"
 #include "host/win32/system_path.h"
 #include "host/win32/win32.h"
+#include "text/file_time.h"
 
 namespace quillbox {
 
 namespace {
 
-/// 1601 until 1970, in seconds.
-constexpr std::int64_t kEpoch = 11'644'473'600;
-constexpr std::int64_t kUnitsPerSecond = 10'000'000;
+constexpr auto kUnitsPerSecond = static_cast<std::int64_t>(kFileTimePerSecond);
 constexpr std::uint32_t kNanosecondsPerUnit = 100;
 /// Of the volume that does not exist, on which the virtual folders are.
 constexpr std::uint64_t kVirtualVolume = ~std::uint64_t{0};
@@ -153,12 +152,13 @@ std::optional<HostPath> PathOfHandle(HANDLE entry) {
 
 HostTime TimeOf(const FILETIME& time) {
   const auto units = static_cast<std::int64_t>(Joined(time.dwHighDateTime, time.dwLowDateTime));
-  return {units / kUnitsPerSecond - kEpoch, static_cast<std::uint32_t>(units % kUnitsPerSecond) * kNanosecondsPerUnit};
+  return {units / kUnitsPerSecond - kSecondsFrom1601To1970,
+          static_cast<std::uint32_t>(units % kUnitsPerSecond) * kNanosecondsPerUnit};
 }
 
 FILETIME FileTimeOf(const HostTime& time) {
-  const auto units =
-      static_cast<std::uint64_t>((time.seconds + kEpoch) * kUnitsPerSecond + time.nanoseconds / kNanosecondsPerUnit);
+  const auto units = static_cast<std::uint64_t>((time.seconds + kSecondsFrom1601To1970) * kUnitsPerSecond +
+                                                time.nanoseconds / kNanosecondsPerUnit);
   return {static_cast<DWORD>(units), static_cast<DWORD>(units >> 32)};
 }
 

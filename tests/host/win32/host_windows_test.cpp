@@ -6,6 +6,7 @@
 #include "host/host_handle.h"
 #include "host/host_paths.h"
 #include "host/new_file.h"
+#include "host/test_host.h"
 #include "host/volume.h"
 #include "host/win32/reparse_point.h"
 #include "support/matchers.h"
@@ -14,26 +15,12 @@
 namespace quillbox {
 namespace {
 
-class WindowsTest : public testing::Test {
- protected:
-  TempFolder temp_;
-  const HostPath path_{temp_.Path()};
-};
+using WindowsTest = InTempFolder;
 
 /// Opened as other programs do.
 HostHandle OpenedElsewhere(const std::filesystem::path& file, DWORD share) {
   return HostHandle(reinterpret_cast<HandleNumber>(
       CreateFileW(file.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING, 0, nullptr)));
-}
-
-template <class Act>
-std::error_code CodeOf(const Act& act) {
-  try {
-    act();
-  } catch (const std::system_error& failure) {
-    return failure.code();
-  }
-  return {};
 }
 
 TEST_F(WindowsTest, FilesThatAnotherProgramKeepsAreInUse) {

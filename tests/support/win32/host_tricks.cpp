@@ -6,6 +6,7 @@
 #include <ctime>
 #include <fstream>
 #include <iterator>
+#include <map>
 
 #include "support/temp_folder.h"
 
@@ -22,29 +23,19 @@ std::string ContentOf(const std::filesystem::path& file) {
 }  // namespace
 
 std::string WhyNot(Trick trick) {
-  switch (trick) {
-    case Trick::Links:
-      return "wine 8 makes no symbolic links, and Windows lets only some users make them";
-    case Trick::Modes:
-      return "permissions are lists of rights here, and wine keeps none";
-    case Trick::Pipes:
-      return "named pipes are in no folder here";
-    case Trick::DeepFolders:
-      return "wine's own paths end at 4,096 bytes";
-    case Trick::BadNames:
-      return "Windows has no such names";
-    case Trick::OpenFolders:
-      return "an open folder cannot be renamed here";
-    case Trick::Scripts:
-      return "there are no shell scripts here";
-    case Trick::Forks:
-      return "a process cannot be copied here";
-    case Trick::FailingCalls:
-      return "the system's calls cannot be replaced here";
-    case Trick::MountPoints:
-      return "there is no /dev here";
-  }
-  return {};
+  static const std::map<Trick, const char*> kReasons = {
+      {Trick::Links, "wine 8 makes no symbolic links, and Windows lets only some users make them"},
+      {Trick::Modes, "permissions are lists of rights here, and wine keeps none"},
+      {Trick::Pipes, "named pipes are in no folder here"},
+      {Trick::DeepFolders, "wine's own paths end at 4,096 bytes"},
+      {Trick::BadNames, "Windows has no such names"},
+      {Trick::OpenFolders, "an open folder cannot be renamed here"},
+      {Trick::Scripts, "there are no shell scripts here"},
+      {Trick::Forks, "a process cannot be copied here"},
+      {Trick::FailingCalls, "the system's calls cannot be replaced here"},
+      {Trick::MountPoints, "there is no /dev here"},
+  };
+  return kReasons.at(trick);
 }
 
 int QuotaErrno() {
