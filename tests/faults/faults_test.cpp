@@ -132,8 +132,11 @@ class FaultyRuns {
     plan->failAt = failAt;
     plan->andAllAfter = how == Broken::FromNow ? 1 : 0;
     plan->code = how == Broken::FromNow ? ENOSPC : EIO;
-    const std::string environment = "env LD_PRELOAD='" QUILLBOX_FAULT_LIBRARY "' " + std::string(kFaultPlanVariable) +
-                                    "=" + Quoted(planFile) + " " + kFaultRootVariable + "=" +
+    // The loader takes a blank in a path for the end of it.
+    const fs::path library = work / "faults.so";
+    fs::create_symlink(QUILLBOX_FAULT_LIBRARY, library);
+    const std::string environment = "env LD_PRELOAD=" + library.string() + " " + std::string(kFaultPlanVariable) + "=" +
+                                    Quoted(planFile) + " " + kFaultRootVariable + "=" +
                                     Quoted(fs::canonical(disk) / "") + " ASAN_OPTIONS=verify_asan_link_order=0 ";
     FaultyRun run;
     run.exitCode =

@@ -54,9 +54,8 @@ TEST_F(HiveFileTest, TheFirstChangeKeepsTheOriginalAndItsLogs) {
   EXPECT_EQ(disk.Read("profile/ntuser.dat.LOG1.before-quillbox"), "a new log");
   EXPECT_EQ(disk.Read("profile/ntuser.dat.LOG2.before-quillbox"), "one more") << "each log counts by itself";
   EXPECT_EQ(RootValue(Open(kHive, HiveMode::Read)), "second");
-  if (WhyNot(Trick::Modes).empty()) {
-    EXPECT_EQ(fs::status(disk / kHive).permissions(), fs::perms{0640});
-  }
+  const bool hasMode = fs::status(disk / kHive).permissions() == fs::perms{0640};
+  EXPECT_TRUE(hasMode || !WhyNot(Trick::Modes).empty());
 }
 
 TEST_F(HiveFileTest, AReadOnlyDiskGetsAPrivateCopy) {
