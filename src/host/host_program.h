@@ -45,7 +45,7 @@ std::vector<std::string> ProgramArguments(int count, char** arguments);
 class Utf8Output {
  public:
   Utf8Output();
-  ~Utf8Output();
+  ~Utf8Output();  // NOLINT(performance-trivially-destructible): not on every host
   Utf8Output(const Utf8Output&) = delete;
   Utf8Output& operator=(const Utf8Output&) = delete;
 

@@ -68,6 +68,7 @@ HostFolder HostFolder::Open(const HostPath& path) {
   return HostFolder(OpenAsFolder([&](int flags) { return HostHandle(open(native.c_str(), flags)); }));
 }
 
+// NOLINTNEXTLINE(bugprone-easily-swappable-parameters): the second is relative to the first
 HostFolder HostFolder::OpenBeneath(const HostPath& root, const HostPath& below) {
   const HostHandle top(open(NativePath(root).c_str(), kNamesOnlyFlags));
   if (!top) ThrowErrno(errno);
