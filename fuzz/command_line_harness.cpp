@@ -53,7 +53,7 @@ std::vector<Seed> CommandLineSeeds() {
       seed("merge", R"(regedit /s /c "C:\My Mail\All.reg)"),
       seed("merge-plain", R"(regedit C:\My Mail\All.reg)"),
       seed("arguments", "--disk\nc\n--profile\nAnn\n--drive\nD=d\n/s\n/e:A\nout.reg\nhkcu\\Identities"),
-      seed("passed-on", "--disk\nc\n--lock-fd\n7\n--directory\nC:\\\n--command-line\nregedit /s C:\\a.reg"),
+      seed("passed-on", "--disk\nc\n--lock\n7\n--directory\nC:\\\n--command-line\nregedit /s C:\\a.reg"),
   };
 }
 

@@ -72,7 +72,7 @@ bool IsStream(const HostPlace& file) {
 void RemoveAbandonedFilesIn(const HostPlace& folder) {
   try {
     RemoveAbandonedFiles(OpenFolder(folder));
-  } catch (const std::system_error&) {  // NOLINT(bugprone-empty-catch): nothing was left where there is no folder
+  } catch (const std::system_error&) {  // NOLINT(bugprone-empty-catch): a folder that is missing has no leftovers
   }
 }
 
