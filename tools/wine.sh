@@ -7,7 +7,9 @@ set -eu
 WINEPREFIX=$(cd "$(dirname "$0")/.." && pwd)/build/wine
 # Its folders of documents and pictures lead to the home.
 HOME=$WINEPREFIX
-export HOME WINEPREFIX WINEDEBUG=-all WINEDLLOVERRIDES="winemenubuilder.exe,mscoree,mshtml="
+# Names of files are UTF-8 to wine only where the locale says so.
+LC_ALL=C.UTF-8
+export HOME LC_ALL WINEPREFIX WINEDEBUG=-all WINEDLLOVERRIDES="winemenubuilder.exe,mscoree,mshtml="
 unset DISPLAY WAYLAND_DISPLAY
 # Debian keeps the loader and the server beside wine's libraries.
 wine=/usr/lib/wine
