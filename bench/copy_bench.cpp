@@ -18,8 +18,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/offline/offline_files.h"
-#include "platform/offline/offline_shell.h"
+#include "platform/hosted/hosted_files.h"
+#include "platform/hosted/hosted_shell.h"
+#include "platform/offline/offline_drives.h"
 #include "platform/offline/system_services.h"
 #include "timing.h"
 
@@ -90,11 +91,11 @@ void Prepare(const fs::path& folder, std::string_view targetName) {
 
 void CopyOurs(const fs::path& folder) {
   OfflineDrives drives(DriveMap{folder});
-  OfflineFiles files(drives);
+  HostedFiles files(drives);
   NoDialogs dialogs;
   NoLog log;
   RegistryFacts facts;
-  OfflineShell shell(files, facts, dialogs, log);
+  HostedShell shell(files, facts, dialogs, log);
   for (int number = 0; number < kFiles; ++number) {
     shell.CopyFile({.source = WinPath("C:\\in").Join(NameOf(number)), .target = WinPath("C:\\ours")});
   }

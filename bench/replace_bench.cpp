@@ -17,7 +17,8 @@
 #include <vector>
 
 #include "identities/replace_user_id.h"
-#include "platform/offline/offline_files.h"
+#include "platform/hosted/hosted_files.h"
+#include "platform/offline/offline_drives.h"
 #include "platform/offline/system_services.h"
 #include "timing.h"
 
@@ -52,7 +53,7 @@ void MakeFile(const fs::path& file) {
 
 void Replace(const fs::path& folder) {
   quillbox::OfflineDrives drives(quillbox::DriveMap{folder});
-  quillbox::OfflineFiles files(drives);
+  quillbox::HostedFiles files(drives);
   quillbox::RegistryFacts facts;
   quillbox::ReplaceUserId(files, facts, {quillbox::WinPath("C:\\in.reg"), quillbox::WinPath("C:\\ours.reg"), kNew});
 }

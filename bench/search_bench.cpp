@@ -14,7 +14,8 @@
 #include <vector>
 
 #include "backup/file_search.h"
-#include "platform/offline/offline_files.h"
+#include "platform/hosted/hosted_files.h"
+#include "platform/offline/offline_drives.h"
 #include "timing.h"
 
 namespace {
@@ -50,7 +51,7 @@ void MakeTree(const fs::path& root) {
 
 std::size_t Search(const fs::path& root) {
   quillbox::OfflineDrives drives(quillbox::DriveMap{root});
-  quillbox::OfflineFiles files(drives);
+  quillbox::HostedFiles files(drives);
   quillbox::FoundFiles found;
   quillbox::SearchReport report;
   quillbox::SearchFiles(files, quillbox::WinPath("C:\\"), kPattern, found, report,

@@ -11,7 +11,7 @@
 #include "app/options.h"
 #include "app/start_window.h"
 #include "host/state_folder.h"
-#include "platform/offline/log.h"
+#include "platform/hosted/log.h"
 #include "platform/offline/offline_platform.h"
 #include "text/error.h"
 #include "ui/forms/program_windows.h"

@@ -2,7 +2,8 @@
 
 #include "backup/drives.h"
 #include "host/host_folder.h"
-#include "platform/offline/offline_files.h"
+#include "platform/hosted/hosted_files.h"
+#include "platform/offline/offline_drives.h"
 #include "support/host_tricks.h"
 #include "support/matchers.h"
 #include "support/temp_folder.h"
@@ -25,7 +26,7 @@ struct FileSearchTest : testing::Test {
   TempFolder temp;
   std::filesystem::path c = temp.Folder("c");
   OfflineDrives drives{DriveMap(c)};
-  OfflineFiles files{drives};
+  HostedFiles files{drives};
   FoundFiles found;
   SearchReport report;
   SearchProgress progress = [](const std::string&, std::size_t) { return true; };

@@ -191,7 +191,7 @@ class ReplaceUserIdTest : public ::testing::Test {
 
   TempFolder temp;
   OfflineDrives drives{DriveMap{temp.Path()}};
-  OfflineFiles files{drives};
+  HostedFiles files{drives};
   RegistryFacts facts;
 };
 

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/offline/copy_io.h"
+#include "platform/hosted/copy_io.h"
 
 namespace quillbox {
 

@@ -52,7 +52,7 @@ struct RecordingPlatform : OfflinePlatform {
   FaultyCopyIo& CopyWithFaults() {
     auto io = std::make_unique<FaultyCopyIo>();
     FaultyCopyIo& faults = *io;
-    faultyShell = std::make_unique<OfflineShell>(GetFiles(), GetSystemFacts(), GetDialogs(), log, "", std::move(io));
+    faultyShell = std::make_unique<HostedShell>(GetFiles(), GetSystemFacts(), GetDialogs(), log, "", std::move(io));
     shell.inner = faultyShell.get();
     return faults;
   }
@@ -67,7 +67,7 @@ struct RecordingPlatform : OfflinePlatform {
   RecordingProcesses processes{OfflinePlatform::GetProcesses()};
   RecordingShell shell{OfflinePlatform::GetShell()};
   TestLog log;
-  std::unique_ptr<OfflineShell> faultyShell;
+  std::unique_ptr<HostedShell> faultyShell;
 };
 
 class SamplePlatform : public ::testing::Test {

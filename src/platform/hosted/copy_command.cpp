@@ -1,12 +1,12 @@
-#include "platform/offline/copy_command.h"
+#include "platform/hosted/copy_command.h"
 
 #include <array>
 #include <cstdio>
 #include <system_error>
 #include <utility>
 
-#include "platform/offline/damaged_copy.h"
-#include "platform/offline/host_open.h"
+#include "platform/hosted/damaged_copy.h"
+#include "platform/hosted/host_open.h"
 #include "text/code_page.h"
 #include "text/error.h"
 #include "text/message_text.h"

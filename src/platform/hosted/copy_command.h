@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "platform/copy_result.h"
-#include "platform/offline/copy_flush.h"
-#include "platform/offline/copy_io.h"
-#include "platform/offline/file_copy.h"
-#include "platform/offline/offline_files.h"
+#include "platform/hosted/copy_flush.h"
+#include "platform/hosted/copy_io.h"
+#include "platform/hosted/file_copy.h"
+#include "platform/hosted/hosted_files.h"
 #include "platform/platform.h"
 
 namespace quillbox {
@@ -23,7 +23,7 @@ namespace quillbox {
 class CopyCommand {
  public:
   /// All must outlive the command.
-  CopyCommand(OfflineFiles& files, SystemFacts& facts, Dialogs& dialogs, Log& log, CopyIo& io)
+  CopyCommand(HostedFiles& files, SystemFacts& facts, Dialogs& dialogs, Log& log, CopyIo& io)
       : files_(files), facts_(facts), dialogs_(dialogs), log_(log), io_(io) {}
   CopyCommand(const CopyCommand&) = delete;
   CopyCommand& operator=(const CopyCommand&) = delete;
@@ -80,7 +80,7 @@ class CopyCommand {
   std::optional<std::string> StopReason() const;
   void End(const Job& job, CopyEnd end, std::string reason = {});
 
-  OfflineFiles& files_;
+  HostedFiles& files_;
   SystemFacts& facts_;
   Dialogs& dialogs_;
   Log& log_;

@@ -1,4 +1,4 @@
-#include "platform/offline/copy_flush.h"
+#include "platform/hosted/copy_flush.h"
 
 #include <utility>
 

@@ -7,7 +7,7 @@
 #include <system_error>
 #include <thread>
 
-#include "platform/offline/copy_io.h"
+#include "platform/hosted/copy_io.h"
 
 namespace quillbox {
 

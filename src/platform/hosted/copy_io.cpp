@@ -1,6 +1,6 @@
-#include "platform/offline/copy_io.h"
+#include "platform/hosted/copy_io.h"
 
-#include "platform/offline/host_open.h"
+#include "platform/hosted/host_open.h"
 
 namespace quillbox {
 

@@ -9,7 +9,7 @@
 
 #include "host/host_file.h"
 #include "host/new_file.h"
-#include "platform/offline/host_place.h"
+#include "platform/hosted/host_place.h"
 
 namespace quillbox {
 

@@ -1,4 +1,4 @@
-#include "platform/offline/damaged_copy.h"
+#include "platform/hosted/damaged_copy.h"
 
 #include <algorithm>
 #include <array>
@@ -7,7 +7,7 @@
 #include <span>
 #include <system_error>
 
-#include "platform/offline/host_open.h"
+#include "platform/hosted/host_open.h"
 
 namespace quillbox {
 

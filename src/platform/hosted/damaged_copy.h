@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/offline/file_copy.h"
+#include "platform/hosted/file_copy.h"
 
 namespace quillbox {
 

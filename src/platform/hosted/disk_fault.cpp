@@ -1,4 +1,4 @@
-#include "platform/offline/disk_fault.h"
+#include "platform/hosted/disk_fault.h"
 
 #include <string>
 

@@ -1,4 +1,4 @@
-#include "platform/offline/file_copy.h"
+#include "platform/hosted/file_copy.h"
 
 #include <algorithm>
 #include <array>

@@ -11,8 +11,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/offline/copy_io.h"
-#include "platform/offline/disk_fault.h"
+#include "platform/hosted/copy_io.h"
+#include "platform/hosted/disk_fault.h"
 
 namespace quillbox {
 

@@ -1,4 +1,4 @@
-#include "platform/offline/find_entry.h"
+#include "platform/hosted/find_entry.h"
 
 #include <algorithm>
 

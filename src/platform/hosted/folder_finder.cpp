@@ -1,12 +1,12 @@
-#include "platform/offline/folder_finder.h"
+#include "platform/hosted/folder_finder.h"
 
 #include <array>
 #include <system_error>
 #include <utility>
 
 #include "host/host_names.h"
-#include "platform/offline/host_open.h"
-#include "platform/offline/place_finder.h"
+#include "platform/hosted/host_open.h"
+#include "platform/hosted/place_finder.h"
 #include "text/file_time.h"
 
 namespace quillbox {

@@ -8,7 +8,7 @@
 #include "host/file_attributes.h"
 #include "host/host_folder.h"
 #include "platform/file_system.h"
-#include "platform/offline/host_place.h"
+#include "platform/hosted/host_place.h"
 
 namespace quillbox {
 

@@ -1,6 +1,6 @@
-#include "platform/offline/folder_sweep.h"
+#include "platform/hosted/folder_sweep.h"
 
-#include "platform/offline/host_open.h"
+#include "platform/hosted/host_open.h"
 
 namespace quillbox {
 

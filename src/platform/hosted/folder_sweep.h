@@ -3,7 +3,7 @@
 
 #include <set>
 
-#include "platform/offline/host_place.h"
+#include "platform/hosted/host_place.h"
 
 namespace quillbox {
 

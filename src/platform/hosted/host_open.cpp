@@ -1,4 +1,4 @@
-#include "platform/offline/host_open.h"
+#include "platform/hosted/host_open.h"
 
 #include "host/host_paths.h"
 

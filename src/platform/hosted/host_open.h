@@ -10,8 +10,8 @@
 #include "host/host_file.h"
 #include "host/host_folder.h"
 #include "host/new_file.h"
-#include "platform/offline/host_place.h"
-#include "platform/offline/place_finder.h"
+#include "platform/hosted/host_place.h"
+#include "platform/hosted/place_finder.h"
 
 namespace quillbox {
 

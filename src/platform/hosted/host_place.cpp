@@ -1,4 +1,4 @@
-#include "platform/offline/host_place.h"
+#include "platform/hosted/host_place.h"
 
 #include <algorithm>
 

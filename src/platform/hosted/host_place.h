@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "host/host_path.h"
-#include "platform/offline/disk_fault.h"
+#include "platform/hosted/disk_fault.h"
 
 namespace quillbox {
 

@@ -1,8 +1,8 @@
-#include "platform/offline/host_streams.h"
+#include "platform/hosted/host_streams.h"
 
 #include <utility>
 
-#include "platform/offline/host_open.h"
+#include "platform/hosted/host_open.h"
 #include "text/error.h"
 
 namespace quillbox {

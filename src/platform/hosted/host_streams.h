@@ -5,7 +5,7 @@
 #include <string>
 
 #include "platform/file_system.h"
-#include "platform/offline/host_place.h"
+#include "platform/hosted/host_place.h"
 
 namespace quillbox {
 

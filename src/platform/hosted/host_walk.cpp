@@ -1,12 +1,12 @@
-#include "platform/offline/host_walk.h"
+#include "platform/hosted/host_walk.h"
 
 #include <algorithm>
 #include <optional>
 #include <utility>
 
 #include "host/host_names.h"
-#include "platform/offline/folder_finder.h"
-#include "platform/offline/host_open.h"
+#include "platform/hosted/folder_finder.h"
+#include "platform/hosted/host_open.h"
 
 namespace quillbox {
 

@@ -1,14 +1,14 @@
-#include "platform/offline/offline_files.h"
+#include "platform/hosted/hosted_files.h"
 
 #include <optional>
 #include <system_error>
 #include <utility>
 
 #include "host/host_names.h"
-#include "platform/offline/folder_finder.h"
-#include "platform/offline/host_open.h"
-#include "platform/offline/host_streams.h"
-#include "platform/offline/host_walk.h"
+#include "platform/hosted/folder_finder.h"
+#include "platform/hosted/host_open.h"
+#include "platform/hosted/host_streams.h"
+#include "platform/hosted/host_walk.h"
 #include "text/error.h"
 #include "text/unicode.h"
 
@@ -55,9 +55,9 @@ class RefusedWalk : public FolderWalk {
 
 }  // namespace
 
-OfflineFiles::OfflineFiles(OfflineDrives& drives) : drives_(drives) {}
+HostedFiles::HostedFiles(HostedDrives& drives) : drives_(drives) {}
 
-std::unique_ptr<FileFinder> OfflineFiles::Find(const WinPath& pattern) {
+std::unique_ptr<FileFinder> HostedFiles::Find(const WinPath& pattern) {
   const std::string& text = pattern.Text();
   const std::size_t nameStart = text.find_last_of(pattern.Drive() != 0 ? "\\/:" : "\\/") + 1;
   std::string name = text.substr(nameStart);
@@ -70,7 +70,7 @@ std::unique_ptr<FileFinder> OfflineFiles::Find(const WinPath& pattern) {
   return std::make_unique<FolderFinder>(*place, std::move(name), FolderFinder::Options{.isRoot = IsRoot(folder)});
 }
 
-std::unique_ptr<FolderWalk> OfflineFiles::Walk(const WinPath& root, const std::string& pattern) {
+std::unique_ptr<FolderWalk> HostedFiles::Walk(const WinPath& root, const std::string& pattern) {
   if (root.Empty()) return std::make_unique<RefusedWalk>(std::nullopt);
   const PlaceResult place = drives_.PlaceOf(root);
   if (place) return std::make_unique<HostWalk>(*place, root, pattern);
@@ -79,7 +79,7 @@ std::unique_ptr<FolderWalk> OfflineFiles::Walk(const WinPath& root, const std::s
   return std::make_unique<RefusedWalk>(std::move(refusal));
 }
 
-std::optional<FileEntry> OfflineFiles::Stat(const WinPath& path) {
+std::optional<FileEntry> HostedFiles::Stat(const WinPath& path) {
   const WinPath absolute = drives_.Absolute(path);
   const PlaceResult place = drives_.PlaceOf(absolute, LastStep::Keep);
   if (!place) return std::nullopt;
@@ -98,7 +98,7 @@ std::optional<FileEntry> OfflineFiles::Stat(const WinPath& path) {
   }
 }
 
-std::optional<std::string> OfflineFiles::RefusalOf(const WinPath& path) {
+std::optional<std::string> HostedFiles::RefusalOf(const WinPath& path) {
   const PlaceResult place = drives_.PlaceOf(path);
   if (place || place.Fault() == DiskFault::NoSuchDrive || place.Fault() == DiskFault::ImpossibleName) {
     return std::nullopt;
@@ -106,14 +106,14 @@ std::optional<std::string> OfflineFiles::RefusalOf(const WinPath& path) {
   return ReasonOf(place.Fault());
 }
 
-Status OfflineFiles::MakeDirectory(const WinPath& path) {
+Status HostedFiles::MakeDirectory(const WinPath& path) {
   const WinPath absolute = drives_.Absolute(path);
   const PlaceResult place = drives_.PlaceOf(absolute, LastStep::Keep);
   if (!place) return StatusOf(place.Fault());
   if (place->IsRoot() || InfoOf(*place)) return Status::FileExists;
   if (!IsFolder(place->Folder())) return Status::PathNotFound;
   if (FileNameFault(absolute.Name())) return Status::InvalidParameter;
-  if (drives_.Map().IsLeftAlone(absolute.Drive())) return Status::AccessDenied;
+  if (drives_.IsLeftAlone(absolute.Drive())) return Status::AccessDenied;
   try {
     const OpenPlace made = OpenFolderOf(*place);
     return StatusOf(made.folder.MakeFolder(made.name));
@@ -122,7 +122,7 @@ Status OfflineFiles::MakeDirectory(const WinPath& path) {
   }
 }
 
-bool OfflineFiles::MakePath(const WinPath& path) {
+bool HostedFiles::MakePath(const WinPath& path) {
   const WinPath absolute = drives_.Absolute(path);
   const PlaceResult place = drives_.PlaceOf(absolute);
   if (!place || place->Path().Text().size() > kMaxMadePath) return false;
@@ -131,12 +131,12 @@ bool OfflineFiles::MakePath(const WinPath& path) {
   return MakeDirectory(absolute) == Status::Success;
 }
 
-Status OfflineFiles::DeleteFile(const WinPath& path) {
+Status HostedFiles::DeleteFile(const WinPath& path) {
   const PlaceResult place = drives_.PlaceOf(path, LastStep::Keep);
   if (!place) return place.Fault() == DiskFault::LeadsOut ? Status::AccessDenied : Status::PathNotFound;
   if (place->IsRoot()) return Status::AccessDenied;
   if (!IsFolder(place->Folder())) return Status::PathNotFound;
-  if (IsFolder(*place) || drives_.Map().IsLeftAlone(drives_.Absolute(path).Drive())) return Status::AccessDenied;
+  if (IsFolder(*place) || drives_.IsLeftAlone(drives_.Absolute(path).Drive())) return Status::AccessDenied;
   try {
     const OpenPlace gone = OpenFolderOf(*place);
     return StatusOf(gone.folder.Remove(gone.name));
@@ -145,21 +145,21 @@ Status OfflineFiles::DeleteFile(const WinPath& path) {
   }
 }
 
-std::string OfflineFiles::ReadFile(const WinPath& path) {
+std::string HostedFiles::ReadFile(const WinPath& path) {
   return WithName(kReading, path.Text(), [&] { return ReadWholeFile(drives_.PlaceOf(path).OrThrow()); });
 }
 
-void OfflineFiles::WriteFile(const WinPath& path, std::string_view bytes) {
+void HostedFiles::WriteFile(const WinPath& path, std::string_view bytes) {
   const std::unique_ptr<FileWriter> file = StartFile(path);
   file->Write(bytes);
   file->Commit();
 }
 
-std::unique_ptr<FileReader> OfflineFiles::OpenForReading(const WinPath& path) {
+std::unique_ptr<FileReader> HostedFiles::OpenForReading(const WinPath& path) {
   return OpenHostFile(WithName(kReading, path.Text(), [&] { return drives_.PlaceOf(path).OrThrow(); }), path.Text());
 }
 
-std::unique_ptr<FileWriter> OfflineFiles::StartFile(const WinPath& path) {
+std::unique_ptr<FileWriter> HostedFiles::StartFile(const WinPath& path) {
   const WinPath absolute = drives_.Absolute(path);
   const HostPlace place =
       WithName(kWriting, absolute.Text(), [&] { return drives_.PlaceOf(absolute, LastStep::NoLink).OrThrow(); });

@@ -1,4 +1,4 @@
-// The file system of a Windows disk that isn't running: files and folders of the host under Windows' names.
+// Files and folders of the host under the names that a Windows path gives them.
 #pragma once
 
 #include <memory>
@@ -7,17 +7,17 @@
 #include <string_view>
 
 #include "platform/file_system.h"
-#include "platform/offline/folder_sweep.h"
-#include "platform/offline/offline_drives.h"
+#include "platform/hosted/folder_sweep.h"
+#include "platform/hosted/hosted_drives.h"
 
 namespace quillbox {
 
-class OfflineFiles : public FileSystem {
+class HostedFiles : public FileSystem {
  public:
   /// `drives` must outlive this object.
-  explicit OfflineFiles(OfflineDrives& drives);
+  explicit HostedFiles(HostedDrives& drives);
 
-  OfflineDrives& OnDrives() const { return drives_; }
+  HostedDrives& OnDrives() const { return drives_; }
   /// Removes abandoned temporary files from a host folder into which a file is about to be written.
   void Sweep(const HostPlace& folder) { sweep_.Sweep(folder); }
   void EndCommand() { sweep_.Forget(); }
@@ -35,7 +35,7 @@ class OfflineFiles : public FileSystem {
   std::unique_ptr<FileWriter> StartFile(const WinPath& path) override;
 
  private:
-  OfflineDrives& drives_;
+  HostedDrives& drives_;
   FolderSweep sweep_;
 };
 

@@ -1,4 +1,4 @@
-#include "platform/offline/offline_shell.h"
+#include "platform/hosted/hosted_shell.h"
 
 #include <algorithm>
 #include <array>
@@ -7,7 +7,7 @@
 #include <system_error>
 
 #include "host/host_program.h"
-#include "platform/offline/host_open.h"
+#include "platform/hosted/host_open.h"
 #include "text/message_text.h"
 #include "text/unicode.h"
 
@@ -22,53 +22,57 @@ constexpr std::chrono::seconds kSoon{1};
 }  // namespace
 
 /// An opener that was started.
-struct OfflineShell::Child {
+struct HostedShell::Child {
   std::unique_ptr<StartedProgram> program;
   bool isWatched = true;  ///< false when the shell is gone
 
   bool HasEnded() { return program->ExitCode().has_value(); }
 };
 
-OfflineShell::OfflineShell(OfflineFiles& files, SystemFacts& facts, Dialogs& dialogs, Log& log, std::string opener,
-                           std::unique_ptr<CopyIo> io)
+HostedShell::HostedShell(HostedFiles& files, SystemFacts& facts, Dialogs& dialogs, Log& log, std::string opener,
+                         std::unique_ptr<CopyIo> io)
     : files_(files), facts_(facts), dialogs_(dialogs), log_(log), opener_(std::move(opener)), io_(std::move(io)) {}
 
-OfflineShell::~OfflineShell() {
+HostedShell::~HostedShell() {
   ReapEnded();
   for (const auto& child : started_) child->isWatched = false;
 }
 
-void OfflineShell::BeginCopyStep() {
+void HostedShell::BeginCopyStep() {
   if (copies_) copies_->BeginStep();
 }
 
-void OfflineShell::CopyFile(const CopyRequest& request) {
+void HostedShell::CopyFile(const CopyRequest& request) {
   if (!copies_) copies_.emplace(files_, facts_, dialogs_, log_, *io_);
   copies_->Copy(request);
 }
 
-std::vector<CopyResult> OfflineShell::FinishCopies() {
+std::vector<CopyResult> HostedShell::FinishCopies() {
   return copies_ ? copies_->Finish() : std::vector<CopyResult>();
 }
 
-void OfflineShell::EndCommand() {
+void HostedShell::EndCommand() {
   if (copies_) copies_->Finish();
   copies_.reset();
 }
 
-void OfflineShell::Explore(const WinPath& folder, const std::string& /*parameters*/) {
+void HostedShell::Explore(const WinPath& folder, const std::string& parameters) {
   const PlaceResult place = folder.Empty() ? PlaceResult(DiskFault::NoSuchDrive) : files_.OnDrives().PlaceOf(folder);
   if (!place || !IsFolder(*place)) {
     dialogs_.Show({"The path '" + OneLine(folder.Text()) + "' does not exist or is not a directory.", kProgramName,
                    MessageButtons::Ok, MessageIcon::Error});
     return;
   }
-  const std::string host = place->Path().Text();
+  ShowFolder(place->Path(), parameters);
+}
+
+void HostedShell::ShowFolder(const HostPath& folder, const std::string& /*parameters*/) {
+  const std::string host = folder.Text();
   Start(host, {.text = "No file manager could be started. On this computer the folder is:\n\n" + OneLine(host),
                .icon = MessageIcon::Information});
 }
 
-void OfflineShell::OpenUrl(const std::string& url) {
+void HostedShell::OpenUrl(const std::string& url) {
   const bool isPage = std::any_of(kPageSchemes.begin(), kPageSchemes.end(),
                                   [&](std::string_view scheme) { return StartsWithIgnoreCase(url, scheme); });
   if (isPage) {
@@ -81,7 +85,7 @@ void OfflineShell::OpenUrl(const std::string& url) {
 
 /// Starts the opener detached from this program, which it outlives. Shows `failure` when it isn't there, and later when
 /// it has ended soon with an exit code that says so; the windows go on meanwhile.
-void OfflineShell::Start(const std::string& argument, const Message& failure) try {
+void HostedShell::Start(const std::string& argument, const Message& failure) try {
   ReapEnded();
   const auto child = std::make_shared<Child>(Child{OpenForUser(opener_, argument)});
   started_.push_back(child);
@@ -100,7 +104,7 @@ void OfflineShell::Start(const std::string& argument, const Message& failure) tr
   dialogs_.Show(failure);
 }
 
-void OfflineShell::ReapEnded() {
+void HostedShell::ReapEnded() {
   std::erase_if(started_, [](const auto& child) { return child->HasEnded(); });
 }
 

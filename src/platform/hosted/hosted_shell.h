@@ -1,5 +1,5 @@
-// The shell of a Windows disk that isn't running: copies files, and opens folders and pages with the host's own
-// programs. Failures are shown to the person.
+// The shell over files of the host: copies them, and opens folders and pages with the host's own programs. Failures are
+// shown to the person.
 #pragma once
 
 #include <memory>
@@ -8,22 +8,22 @@
 #include <vector>
 
 #include "host/host_program.h"
-#include "platform/offline/copy_command.h"
-#include "platform/offline/copy_io.h"
-#include "platform/offline/offline_files.h"
+#include "platform/hosted/copy_command.h"
+#include "platform/hosted/copy_io.h"
+#include "platform/hosted/hosted_files.h"
 #include "platform/platform.h"
 
 namespace quillbox {
 
-class OfflineShell : public Shell {
+class HostedShell : public Shell {
  public:
   /// All must outlive the shell. `opener` is the host's program that opens a folder or a page given as its argument,
   /// `io` the calls that copies make.
-  OfflineShell(OfflineFiles& files, SystemFacts& facts, Dialogs& dialogs, Log& log, std::string opener = kSystemOpener,
-               std::unique_ptr<CopyIo> io = std::make_unique<CopyIo>());
-  ~OfflineShell() override;
-  OfflineShell(const OfflineShell&) = delete;
-  OfflineShell& operator=(const OfflineShell&) = delete;
+  HostedShell(HostedFiles& files, SystemFacts& facts, Dialogs& dialogs, Log& log, std::string opener = kSystemOpener,
+              std::unique_ptr<CopyIo> io = std::make_unique<CopyIo>());
+  ~HostedShell() override;
+  HostedShell(const HostedShell&) = delete;
+  HostedShell& operator=(const HostedShell&) = delete;
 
   void Explore(const WinPath& folder, const std::string& parameters) override;
   void OpenUrl(const std::string& url) override;
@@ -34,12 +34,16 @@ class OfflineShell : public Shell {
   /// Waits for the copies, forgets what was answered for all of them, and takes the progress display away.
   void EndCommand();
 
+ protected:
+  /// Shows a folder that is there.
+  virtual void ShowFolder(const HostPath& folder, const std::string& parameters);
+
  private:
   struct Child;
   void Start(const std::string& argument, const Message& failure);
   void ReapEnded();
 
-  OfflineFiles& files_;
+  HostedFiles& files_;
   SystemFacts& facts_;
   Dialogs& dialogs_;
   Log& log_;

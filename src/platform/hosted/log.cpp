@@ -1,4 +1,4 @@
-#include "platform/offline/log.h"
+#include "platform/hosted/log.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "platform/offline/place_finder.h"
+#include "platform/hosted/place_finder.h"
 
 #include <algorithm>
 #include <deque>
@@ -6,8 +6,8 @@
 #include <string>
 
 #include "host/host_names.h"
-#include "platform/offline/find_entry.h"
-#include "platform/offline/host_open.h"
+#include "platform/hosted/find_entry.h"
+#include "platform/hosted/host_open.h"
 
 namespace quillbox {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/offline/host_place.h"
+#include "platform/hosted/host_place.h"
 
 namespace quillbox {
 

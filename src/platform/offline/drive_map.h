@@ -5,8 +5,8 @@
 #include <memory>
 #include <optional>
 
-#include "platform/offline/host_place.h"
-#include "platform/offline/place_finder.h"
+#include "platform/hosted/host_place.h"
+#include "platform/hosted/place_finder.h"
 #include "text/win_path.h"
 
 namespace quillbox {

@@ -54,7 +54,7 @@ std::optional<FolderFault> FolderMemory::FaultOf(const WinPath& folder) const {
 bool FolderMemory::IsOfTheSystem(const HostPath& place) const {
   for (HostPath above = place;; above = above.Parent()) {
     for (char letter = 'A'; letter <= 'Z'; ++letter) {
-      if (drives_.IsOwnDrive(letter) && IsSameEntry(above, *drives_.Map().FolderOf(letter))) return true;
+      if (drives_.IsOwnDrive(letter) && IsSameEntry(above, *drives_.FolderOf(letter))) return true;
     }
     if (!above.HasName()) return false;
   }

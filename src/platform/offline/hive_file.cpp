@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "host/host_paths.h"
+#include "platform/hosted/host_open.h"
 #include "platform/offline/hive_logs.h"
-#include "platform/offline/host_open.h"
 #include "text/error.h"
 
 namespace quillbox {

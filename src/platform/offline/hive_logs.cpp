@@ -4,9 +4,9 @@
 #include <system_error>
 
 #include "host/host_names.h"
+#include "platform/hosted/host_open.h"
+#include "platform/hosted/place_finder.h"
 #include "platform/offline/hive_storage.h"
-#include "platform/offline/host_open.h"
-#include "platform/offline/place_finder.h"
 #include "text/error.h"
 
 namespace quillbox {

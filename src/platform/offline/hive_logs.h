@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/offline/host_place.h"
+#include "platform/hosted/host_place.h"
 #include "platform/platform.h"
 #include "registry/hive.h"
 

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <system_error>
 
-#include "platform/offline/host_open.h"
-#include "platform/offline/host_streams.h"
+#include "platform/hosted/host_open.h"
+#include "platform/hosted/host_streams.h"
 
 namespace quillbox {
 namespace {

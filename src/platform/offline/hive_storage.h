@@ -7,7 +7,7 @@
 #include <system_error>
 
 #include "host/entry.h"
-#include "platform/offline/host_place.h"
+#include "platform/hosted/host_place.h"
 #include "text/error.h"
 #include "text/unicode.h"
 

@@ -10,16 +10,17 @@
 #include <string>
 #include <vector>
 
+#include "platform/hosted/hosted_files.h"
+#include "platform/hosted/hosted_services.h"
+#include "platform/hosted/hosted_shell.h"
+#include "platform/hosted/log.h"
 #include "platform/offline/disk_lock.h"
 #include "platform/offline/folder_memory.h"
 #include "platform/offline/hive_file.h"
-#include "platform/offline/log.h"
 #include "platform/offline/missing_drives.h"
 #include "platform/offline/offline_drives.h"
-#include "platform/offline/offline_files.h"
 #include "platform/offline/offline_processes.h"
 #include "platform/offline/offline_registry.h"
-#include "platform/offline/offline_shell.h"
 #include "platform/offline/system_services.h"
 #include "platform/offline/windows_disk.h"
 #include "platform/platform.h"
@@ -66,7 +67,7 @@ class OfflinePlatform : public Platform {
   OfflinePlatform& operator=(const OfflinePlatform&) = delete;
 
   Registry& GetRegistry() override { return registry_; }
-  OfflineFiles& GetFiles() override { return files_; }
+  HostedFiles& GetFiles() override { return files_; }
   OfflineDrives& GetDrives() override { return drives_; }
   SystemFacts& GetSystemFacts() override { return facts_; }
   Shell& GetShell() override { return shell_; }
@@ -120,10 +121,10 @@ class OfflinePlatform : public Platform {
   RegistryFacts facts_;
   OfflineDrives drives_;
   MissingDrives missingDrives_;
-  OfflineFiles files_;
+  HostedFiles files_;
   OfflineRegistry registry_;
   FolderMemory chosenFolders_;
-  OfflineShell shell_;
+  HostedShell shell_;
   OfflineProcesses processes_;
   std::vector<std::string> warnings_;
 };

@@ -10,9 +10,9 @@
 
 #include "host/host_paths.h"
 #include "host/state_folder.h"
+#include "platform/hosted/host_open.h"
+#include "platform/hosted/host_streams.h"
 #include "platform/offline/hive_storage.h"
-#include "platform/offline/host_open.h"
-#include "platform/offline/host_streams.h"
 
 namespace quillbox {
 namespace {

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string>
 
-#include "platform/offline/host_place.h"
+#include "platform/hosted/host_place.h"
 
 namespace quillbox {
 

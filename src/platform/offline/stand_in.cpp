@@ -5,8 +5,8 @@
 
 #include "host/host_paths.h"
 #include "host/state_folder.h"
+#include "platform/hosted/host_open.h"
 #include "platform/offline/hive_storage.h"
-#include "platform/offline/host_open.h"
 #include "text/error.h"
 
 namespace quillbox {

@@ -6,14 +6,8 @@
 #include <system_error>
 
 #include "host/system_facts.h"
-#include "text/file_time.h"
 
 namespace quillbox {
-
-std::uint64_t SystemClock::Now() {
-  const HostTime now = quillbox::Now();
-  return FileTimeOfUnix(now.seconds, now.nanoseconds);
-}
 
 std::string RandomGuids::Create() try {
   std::array<std::uint8_t, 16> b = {};

@@ -1,4 +1,4 @@
-// Small services: the clock, GUIDs, facts of the registry, a clipboard for programs without a window.
+// Small services: GUIDs, and facts of the registry.
 #pragma once
 
 #include <string>
@@ -10,11 +10,6 @@
 #include "text/code_page.h"
 
 namespace quillbox {
-
-class SystemClock : public Clock {
- public:
-  std::uint64_t Now() override;
-};
 
 /// Random (version 4) GUIDs.
 class RandomGuids : public Guids {
@@ -33,12 +28,6 @@ class RegistryFacts : public SystemFacts {
  private:
   Environment environment_;
   unsigned codePage_;
-};
-
-/// For programs without a window, which have no clipboard to clear.
-class NoClipboard : public Clipboard {
- public:
-  void Clear() override {}
 };
 
 }  // namespace quillbox

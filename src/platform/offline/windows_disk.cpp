@@ -8,12 +8,12 @@
 #include "host/host_names.h"
 #include "host/host_paths.h"
 #include "host/state_folder.h"
+#include "platform/hosted/folder_finder.h"
+#include "platform/hosted/host_open.h"
+#include "platform/hosted/place_finder.h"
 #include "platform/offline/disk_image.h"
 #include "platform/offline/drive_map.h"
-#include "platform/offline/folder_finder.h"
 #include "platform/offline/hive_file.h"
-#include "platform/offline/host_open.h"
-#include "platform/offline/place_finder.h"
 #include "text/unicode.h"
 
 namespace quillbox {

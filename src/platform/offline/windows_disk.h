@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/offline/host_place.h"
+#include "platform/hosted/host_place.h"
 #include "text/error.h"
 #include "text/win_path.h"
 

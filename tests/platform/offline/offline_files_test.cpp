@@ -1,11 +1,11 @@
-#include "platform/offline/offline_files.h"
+#include "platform/hosted/hosted_files.h"
 
 #include "host/host_names.h"
 #include "offline_fixture.h"
+#include "platform/hosted/folder_finder.h"
+#include "platform/hosted/host_open.h"
 #include "platform/offline/environment.h"
-#include "platform/offline/folder_finder.h"
 #include "platform/offline/folder_memory.h"
-#include "platform/offline/host_open.h"
 #include "support/host_tricks.h"
 #include "text/unicode.h"
 

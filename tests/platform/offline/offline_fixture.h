@@ -7,8 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "platform/hosted/hosted_files.h"
 #include "platform/offline/drive_map.h"
-#include "platform/offline/offline_files.h"
+#include "platform/offline/offline_drives.h"
 #include "platform/offline/offline_registry.h"
 #include "platform/offline/system_services.h"
 #include "platform/platform.h"
@@ -57,7 +58,7 @@ struct OfflineFixture {
   TestLog log;
   FixedClock clock;
   OfflineDrives drives{DriveMap(disk.Path())};
-  OfflineFiles files{drives};
+  HostedFiles files{drives};
   OfflineRegistry registry{clock, files, log};
 
   HiveFile Open(std::string_view hive, HiveMode mode = HiveMode::Write) {
@@ -75,7 +76,7 @@ struct TwoDrives {
   std::filesystem::path c = temp.Folder("c");
   std::filesystem::path d = temp.Folder("d");
   OfflineDrives drives{DriveMap(c, {{'D', d}})};
-  OfflineFiles files{drives};
+  HostedFiles files{drives};
 };
 
 }  // namespace quillbox

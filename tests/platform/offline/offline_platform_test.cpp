@@ -234,7 +234,7 @@ struct SalvageTest : OfflinePlatformTest {
     OfflinePlatform platform(options, dialogs);
     platform.GetRegistry().Create(kNewUserKey);
     platform.GetRegistry().Create(kNewMachineKey);
-    OfflineFiles& files = platform.GetFiles();
+    HostedFiles& files = platform.GetFiles();
     EXPECT_THROW(files.WriteFile(WinPath("C:\\report.txt"), "text"), Error);
     EXPECT_EQ(files.MakeDirectory(WinPath("C:\\New")), Status::AccessDenied);
     EXPECT_EQ(files.DeleteFile(WinPath("C:\\WINDOWS\\system32\\config\\software")), Status::AccessDenied);

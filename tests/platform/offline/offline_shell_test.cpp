@@ -1,5 +1,5 @@
 // What the shell does: the copies of a command, also on disks with faults, and the file manager.
-#include "platform/offline/offline_shell.h"
+#include "platform/hosted/hosted_shell.h"
 
 #include <atomic>
 #include <chrono>
@@ -67,7 +67,7 @@ struct CopyCommandTest : CopyFixture {
   }
 
   FaultyCopyIo& io = *new FaultyCopyIo;
-  OfflineShell shell{files, facts, dialogs, log, "", std::unique_ptr<CopyIo>(&io)};
+  HostedShell shell{files, facts, dialogs, log, "", std::unique_ptr<CopyIo>(&io)};
 };
 
 TEST_F(CopyCommandTest, WhatCanBeReadIsKeptBesideTheGoodCopyAfterOneQuestion) {
@@ -285,7 +285,7 @@ struct OfflineShellTest : CopyFixture {
         {.source = WinPath(source), .target = WinPath(target), .noConfirm = noConfirm, .part = CopyPart::OnlyFile});
     return shell.FinishCopies().back().end == CopyEnd::Copied;
   }
-  OfflineShell shell{files, facts, dialogs, log, (disk / "opener").string()};
+  HostedShell shell{files, facts, dialogs, log, (disk / "opener").string()};
 };
 
 TEST_F(OfflineShellTest, CopiesLargeFilesUnderADisplayOfTheProgress) {

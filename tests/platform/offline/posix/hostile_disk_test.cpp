@@ -4,7 +4,7 @@
 #include <sys/sysmacros.h>
 
 #include "host/posix/open_beneath.h"
-#include "platform/offline/host_open.h"
+#include "platform/hosted/host_open.h"
 #include "platform/offline/offline_fixture.h"
 
 namespace quillbox {
