@@ -14,12 +14,13 @@ enum class Status : std::uint32_t {
   InvalidParameter = 87,
   DiskFull = 112,
   FileExists = 183,
-  MoreData = 234,      ///< the buffer is too small for the value
-  NoMoreItems = 259,   ///< the index is past the end
-  BadRegistry = 1009,  ///< a hive file that cannot be used
-  RegistryIo = 1016,   ///< a hive file that cannot be read or written
-  KeyDeleted = 1018,   ///< the open key was deleted meanwhile
-  NoResources = 1450,  ///< a value, a list or the hive would become too large
+  MoreData = 234,           ///< the buffer is too small for the value
+  NoMoreItems = 259,        ///< the index is past the end
+  BadRegistry = 1009,       ///< a hive file that cannot be used
+  RegistryIo = 1016,        ///< a hive file that cannot be read or written
+  KeyDeleted = 1018,        ///< the open key was deleted meanwhile
+  PrivilegeNotHeld = 1314,  ///< a right that this program lacks or has not enabled
+  NoResources = 1450,       ///< a value, a list or the hive would become too large
 };
 
 }  // namespace quillbox

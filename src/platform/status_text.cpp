@@ -21,6 +21,7 @@ constexpr StatusRow kRows[] = {
     {Status::BadRegistry, "it is not a usable hive file", "its hive cannot be used"},
     {Status::RegistryIo, "the work on its file failed (the log says more)", "the work on its hive failed"},
     {Status::KeyDeleted, "it was deleted meanwhile", "the key was deleted meanwhile"},
+    {Status::PrivilegeNotHeld, "it needs a right that this program does not have"},
     {Status::NoResources, "it is larger than the registry can hold (the log says more)",
      "it is larger than the registry can hold"},
 };

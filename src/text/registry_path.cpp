@@ -60,4 +60,13 @@ std::optional<RegistryPath> ParseRegistryPath(std::string_view fullName) {
   return std::nullopt;
 }
 
+std::string PlainKeyPath(std::string_view path) {
+  std::string names;
+  for (const char c : path) {
+    if (c != '\\' || (!names.empty() && names.back() != '\\')) names += c;
+  }
+  if (!names.empty() && names.back() == '\\') names.pop_back();
+  return names;
+}
+
 }  // namespace quillbox

@@ -30,6 +30,9 @@ struct RegistryPath {
   auto operator<=>(const RegistryPath&) const = default;
 };
 
+/// A key path with single backslashes between its names and none at either end.
+std::string PlainKeyPath(std::string_view path);
+
 /// `HKEY_CURRENT_USER` and so on; "HKEY_0" for None.
 std::string_view RootName(RegistryRoot root);
 /// The full name as the registry editor writes it: `HKEY_CURRENT_USER\Identities`.

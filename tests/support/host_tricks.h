@@ -24,6 +24,7 @@ enum class Trick {
   Scripts,       ///< programs that are shell scripts
   Forks,         ///< a copy of the test in another process
   FailingCalls,  ///< HostCallGuard, and a limit to the size of files
+  Privileges,    ///< keys that are saved and restored as hive files
   MountPoints,   ///< places of POSIX: /dev, /proc, /tmp
 };
 /// Why the machine cannot do it; empty when it can.

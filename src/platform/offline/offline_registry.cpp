@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/registry_data.h"
 #include "text/byte_order.h"
 #include "text/error.h"
 #include "text/unicode.h"
@@ -24,17 +25,7 @@ constexpr std::uint64_t kMaxHiveBytes = std::uint64_t{1} << 31;
 constexpr std::string_view kCurrentControlSet = "CurrentControlSet";
 const RegistryPath kSystem = {RegistryRoot::LocalMachine, "System"};
 
-/// The names of a key path with single backslashes between them and none at either end.
-std::string Normalised(std::string_view path) {
-  std::string names;
-  for (const char c : path) {
-    if (c != '\\' || (!names.empty() && names.back() != '\\')) names += c;
-  }
-  if (!names.empty() && names.back() == '\\') names.pop_back();
-  return names;
-}
-
-/// What is left of `path` below `above` (both normalised), or nothing when it is not there or below.
+/// What is left of `path` below `above` (both plain), or nothing when it is not there or below.
 std::optional<std::string_view> Below(std::string_view path, std::string_view above) {
   if (above.empty()) return path;
   for (std::size_t end = 0; end != std::string_view::npos;) {
@@ -43,21 +34,6 @@ std::optional<std::string_view> Below(std::string_view path, std::string_view ab
     return end == std::string_view::npos ? std::string_view() : path.substr(end + 1);
   }
   return {};
-}
-
-bool IsText(ValueType type) {
-  return type == ValueType::Sz || type == ValueType::ExpandSz || type == ValueType::MultiSz;
-}
-
-Bytes FromStored(ValueType type, Bytes stored) {
-  if (!IsText(type)) return stored;
-  const std::string text = ToUtf8(Utf16FromBytes(stored));
-  return {text.begin(), text.end()};
-}
-
-Bytes ToStored(ValueType type, ByteView data) {
-  if (!IsText(type)) return {data.begin(), data.end()};
-  return Utf16Bytes(ToUtf16(std::string(data.begin(), data.end())));
 }
 
 /// The name of the control set that the system hive calls the current one.
@@ -106,7 +82,7 @@ struct OfflineRegistry::MountPoint {
 struct OfflineRegistry::Place {
   RegistryRoot root = RegistryRoot::None;
   MountPoint* mount = nullptr;
-  std::string path;  ///< below the hive's root, normalised
+  std::string path;  ///< below the hive's root, plain
 };
 
 /// An open key. The registry knows all of them, so that a deleted key is never mistaken for the next one in its cell.
@@ -150,7 +126,7 @@ OfflineRegistry::OfflineRegistry(Clock& clock, FileSystem& files, Log& log)
 OfflineRegistry::~OfflineRegistry() = default;
 
 void OfflineRegistry::Mount(const RegistryPath& at, HiveFile& file) {
-  mounts_.push_back({{at.root, Normalised(at.subkey)}, &file});
+  mounts_.push_back({{at.root, PlainKeyPath(at.subkey)}, &file});
 }
 
 void OfflineRegistry::Commit() {
@@ -186,12 +162,12 @@ void OfflineRegistry::Reload() {
 }
 
 void OfflineRegistry::NoteMissing(const RegistryPath& at, std::string why) {
-  missing_.emplace_back(RegistryPath{at.root, Normalised(at.subkey)}, std::move(why));
+  missing_.emplace_back(RegistryPath{at.root, PlainKeyPath(at.subkey)}, std::move(why));
 }
 
 std::optional<OfflineRegistry::Place> OfflineRegistry::Locate(const RegistryPath& path) {
   refusal_.reset();
-  const std::string names = Normalised(path.subkey);
+  const std::string names = PlainKeyPath(path.subkey);
   bool isRoot = false;
   for (MountPoint& mount : mounts_) {
     if (mount.at.root != path.root) continue;
@@ -246,7 +222,7 @@ Status OfflineRegistry::Refuse(Status status, std::string why) {
 /// The answer to a change at `path` when nothing can be written there; Success when something can.
 Status OfflineRegistry::RefuseWrite(const RegistryPath& path, const std::optional<Place>& place) {
   if (!place) {
-    const std::string names = Normalised(path.subkey);
+    const std::string names = PlainKeyPath(path.subkey);
     for (const auto& [at, why] : missing_) {
       if (at.root == path.root && Below(names, at.subkey))
         return Refuse(Status::AccessDenied, "its hive is not there: " + why);
@@ -341,15 +317,7 @@ QueryResult OfflineRegistry::Query(const Key& key, std::string_view name,
   std::optional<HiveValue> value = use.hive == nullptr ? std::nullopt : use.hive->Value(use.open->key, name);
   if (!value) return {Status::FileNotFound, {}, 0};
   const auto type = static_cast<ValueType>(value->type);
-  const Bytes data = FromStored(type, std::move(value->data));
-  QueryResult result = {Status::Success, type, static_cast<std::uint32_t>(data.size())};
-  if (!buffer) return result;
-  if (buffer->size() < data.size()) {
-    result.status = Status::MoreData;
-  } else {
-    std::copy(data.begin(), data.end(), buffer->begin());
-  }
-  return result;
+  return AnswerQuery(type, FromStored(type, std::move(value->data)), buffer);
 }
 
 Status OfflineRegistry::SetValue(const Key& key, std::string_view name, ValueType type, ByteView data) {
@@ -392,7 +360,8 @@ Status OfflineRegistry::DeleteTree(const RegistryPath& path) {
 Status OfflineRegistry::SaveKey(const Key& key, const WinPath& file) {
   const Use use = Check(key, Need::Any);
   if (use.status != Status::Success) return use.status;
-  if (!HasPrivilege(kBackupPrivilege) || use.hive == nullptr) return Status::AccessDenied;
+  if (!HasPrivilege(kBackupPrivilege)) return Status::PrivilegeNotHeld;
+  if (use.hive == nullptr) return Status::AccessDenied;
   if (files_.Stat(file)) return Status::FileExists;
   return Try(Status::RegistryIo, [&] {
     const FileTime now = clock_.Now();
@@ -405,7 +374,7 @@ Status OfflineRegistry::SaveKey(const Key& key, const WinPath& file) {
 Status OfflineRegistry::RestoreKey(const Key& key, const WinPath& file, std::uint32_t flags) {
   const Use use = Check(key, Need::Write);
   if (use.status != Status::Success) return use.status;
-  if (!HasPrivilege(kRestorePrivilege)) return Status::AccessDenied;
+  if (!HasPrivilege(kRestorePrivilege)) return Status::PrivilegeNotHeld;
   if (flags != 0 && flags != kForceRestore) return Status::InvalidParameter;
   const OpenKey& target = *use.open;
   const auto isInUse = [&](const OpenKey* open) { return open != &target && open->IsBelow(target.place, true); };

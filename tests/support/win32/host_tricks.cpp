@@ -33,6 +33,7 @@ std::string WhyNot(Trick trick) {
       {Trick::Scripts, "there are no shell scripts here"},
       {Trick::Forks, "a process cannot be copied here"},
       {Trick::FailingCalls, "the system's calls cannot be replaced here"},
+      {Trick::Privileges, "wine restores no keys from files, and saves them in a form of its own"},
       {Trick::MountPoints, "there is no /dev here"},
   };
   return kReasons.at(trick);
