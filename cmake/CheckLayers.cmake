@@ -31,10 +31,11 @@ function(quillbox_check_files files folder named what)
   endforeach()
 endfunction()
 
-# What differs from system to system is in posix/ and win32/. The toolkit's layer has files a port of the toolkit.
+# What differs from system to system is in posix/ and win32/. One platform is of one system alone, and the toolkit's
+# layer has files a port of the toolkit.
 function(quillbox_check_neutral files)
   foreach(file IN LISTS files)
-    if(file MATCHES "/(posix|win32)/[^/]*$|/ui/wx/[^/]*$")
+    if(file MATCHES "/(posix|win32)/[^/]*$|/platform/windows/[^/]*$|/ui/wx/[^/]*$")
       continue()
     endif()
     file(STRINGS "${file}" lines

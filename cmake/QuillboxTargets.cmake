@@ -19,18 +19,23 @@ else()
 endif()
 string(TOLOWER "${QUILLBOX_HOST}" QUILLBOX_HOST_FOLDER)
 
-# quillbox_layer(NAME SOURCES file... [POSIX file...] [WIN32 file...] LINKS target... [PRIVATE_LINKS target...])
+# quillbox_layer(NAME SOURCES file... [POSIX file...] [WIN32 file...] LINKS target... [PRIVATE_LINKS target...]
+#   [ONLY posix|win32])
 # A static library `quillbox_NAME`. LINKS names every layer that its headers include, PRIVATE_LINKS those that only its
 # sources include: who uses this layer does not see them. The test "layers" holds every include against these lists.
 # POSIX and WIN32 are the sources for one kind of host, by their names in the layer's folder posix/ or win32/. Headers
-# there are seen by the sources of that folder alone. Both kinds are in the test on every host.
+# there are seen by the sources of that folder alone. Both kinds are in the test on every host. ONLY: the kind of host
+# that all of the layer is for.
 function(quillbox_layer name)
-  cmake_parse_arguments(arg "" "" "SOURCES;POSIX;WIN32;LINKS;PRIVATE_LINKS" ${ARGN})
+  cmake_parse_arguments(arg "" "ONLY" "SOURCES;POSIX;WIN32;LINKS;PRIVATE_LINKS" ${ARGN})
   set(target quillbox_${name})
+  if(arg_ONLY AND NOT arg_ONLY STREQUAL QUILLBOX_HOST_FOLDER)
+    set(skipped TRUE)
+  endif()
   list(TRANSFORM arg_POSIX PREPEND posix/)
   list(TRANSFORM arg_WIN32 PREPEND win32/)
   set(host_sources ${arg_${QUILLBOX_HOST}})
-  if(arg_SOURCES OR host_sources)
+  if((arg_SOURCES OR host_sources) AND NOT skipped)
     add_library(${target} STATIC ${arg_SOURCES} ${host_sources})
     set(scope PUBLIC)
     target_link_libraries(${target} PRIVATE quillbox_warnings ${arg_PRIVATE_LINKS})
@@ -88,12 +93,14 @@ function(quillbox_include_root target scope source_folder)
   target_include_directories(${target} ${scope} "${root}")
 endfunction()
 
-# quillbox_test(NAME SOURCES file... [POSIX file...] [WIN32 file...] LINKS target... [USES program...] [DISPLAY])
+# quillbox_test(NAME SOURCES file... [POSIX file...] [WIN32 file...] LINKS target... [USES program...] [DISPLAY]
+#   [ONLY posix|win32])
 # A GoogleTest program in tests/, found by ctest test by test. DISPLAY: its tests open real windows and run one
 # at a time under the virtual display that ./test starts. USES: programs of ours that the tests start. POSIX and WIN32
-# are the sources for one kind of host, in posix/ and win32/ as a layer's, whose headers there they see.
+# are the sources for one kind of host, in posix/ and win32/ as a layer's, whose headers there they see. ONLY: as a
+# layer's.
 function(quillbox_test name)
-  cmake_parse_arguments(arg "DISPLAY" "" "SOURCES;POSIX;WIN32;LINKS;USES" ${ARGN})
+  cmake_parse_arguments(arg "DISPLAY" "ONLY" "SOURCES;POSIX;WIN32;LINKS;USES" ${ARGN})
   if(NOT QUILLBOX_TESTS)
     return()
   endif()
@@ -104,6 +111,9 @@ function(quillbox_test name)
     list(TRANSFORM arg_${kind} PREPEND "${CMAKE_SOURCE_DIR}/tests/${folder}/${subfolder}")
     set_property(GLOBAL APPEND PROPERTY QUILLBOX_TEST_FILES ${arg_${kind}})
   endforeach()
+  if(arg_ONLY AND NOT arg_ONLY STREQUAL QUILLBOX_HOST_FOLDER)
+    return()
+  endif()
   set(host_sources ${arg_${QUILLBOX_HOST}})
   set(target ${name}_test)
   add_executable(${target} ${arg_SOURCES} ${host_sources})

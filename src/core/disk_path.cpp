@@ -30,12 +30,13 @@ std::string Reason(const PathRefusal& refusal) {
 std::variant<WinPath, PathFault> Decide(Drives& drives, std::string text) {
   std::replace(text.begin(), text.end(), '/', '\\');
   const WinPath path(text);
-  if (text.starts_with("\\\\")) return PathFault::OnNetwork;
+  const bool isShare = text.starts_with("\\\\");
+  if (isShare && !drives.ReachesShares()) return PathFault::OnNetwork;
   if (path.Drive() != 0 && !drives.IsOwnDrive(path.Drive())) {
     const bool isMissing = drives.TypeOfDrive(WinPath(Root(path))) == DriveType::NoRoot;
     return isMissing ? PathFault::NotAttached : PathFault::NoSuchDrive;
   }
-  if (!path.IsAbsolute()) return PathFault::NotFull;
+  if (!isShare && !path.IsAbsolute()) return PathFault::NotFull;
   return Resolve(path, path);
 }
 

@@ -20,6 +20,8 @@ class Drives {
   /// True for a drive of the system that is worked on, with or without a medium; false for a letter that has none and
   /// for a drive that shows the files of the computer that the program runs on.
   virtual bool IsOwnDrive(char letter) = 0;
+  /// True where shares of other computers ("\\\\server\\mail") can be used by their names.
+  virtual bool ReachesShares() { return false; }
   /// Where the drive of an absolute path is not there, lets the user name it, once in a command. The caller looks at
   /// the drive again afterwards.
   virtual void OfferToAttach(const WinPath& /*path*/) {}
