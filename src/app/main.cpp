@@ -10,6 +10,7 @@
 #include "app/no_display.h"
 #include "app/options.h"
 #include "app/start_window.h"
+#include "app/this_computer.h"
 #include "host/state_folder.h"
 #include "platform/hosted/log.h"
 #include "platform/offline/offline_platform.h"
@@ -23,16 +24,18 @@
 namespace quillbox {
 namespace {
 
-/// One disk's time, from its choice to its end.
+/// The time of one disk, or of this computer, from its choice to its end.
 class Application {
  public:
   Application(WindowSystem& system, DiskChoice disk) : system_(system), disk_(std::move(disk)) {}
 
-  /// Opens the disk that was named, or asks.
-  void Start(bool choose) {
-    if (choose || disk_.folder.Empty() || IsForSeveral(disk_)) return ShowStartWindow();
+  /// Opens what was named, or this computer where its user has identities, or asks.
+  void Start(const Options& options) {
+    const bool namesNone = disk_.folder.Empty();
+    const bool opensThis = options.thisComputer || (namesNone && !options.choose && HasIdentitiesHere());
+    if (!opensThis && (options.choose || namesNone || IsForSeveral(disk_))) return ShowStartWindow();
     try {
-      OpenDisk(disk_);
+      opensThis ? OpenComputer() : OpenDisk(disk_);
     } catch (const Error& error) {
       log_.Write(Describe(error));
       ShowStartWindow();
@@ -55,6 +58,7 @@ class Application {
     start_ = std::make_unique<StartWindow>(guard_, dialogs_, StateFolder());
     start_->onOpen = [this](const DiskChoice& choice) { OpenDisk(choice); };
     start_->onSearch = [this](const DiskChoice& choice) { SearchDisk(choice); };
+    start_->onThisComputer = [this] { OpenComputer(); };
     start_->onClosed = [this] { system_.Quit(); };
     if (!disk_.folder.Empty()) start_->Look(disk_);
     start_->Show();
@@ -69,6 +73,15 @@ class Application {
     for (const std::string& warning : platform_->Warnings()) {
       dialogs_.Show({.text = warning, .icon = MessageIcon::Exclamation});
     }
+  }
+
+  void OpenComputer() {
+    computer_ = OpenThisComputer(StateFolder(), dialogs_, clipboard_);
+    computer_->onStartedAgain = [this] { system_.Quit(); };
+    dialogs_.UseHostPaths(computer_->GetHostPaths());
+    ShowWindows(computer_->GetPlatform());
+    windows_->form1.Open();
+    computer_->Greet();
   }
 
   void SearchDisk(const DiskChoice& disk) {
@@ -89,7 +102,11 @@ class Application {
     platform_ = std::make_unique<OfflinePlatform>(offline, dialogs_, &clipboard_);
     disk_ = disk;
     dialogs_.UseHostPaths(platform_->GetDrives());
-    windows_ = std::make_unique<ProgramWindows>(*platform_);
+    ShowWindows(*platform_);
+  }
+
+  void ShowWindows(Platform& platform) {
+    windows_ = std::make_unique<ProgramWindows>(platform);
     windows_->quit = [this] { system_.Quit(); };
     windows_->chooseDisk = [this] {
       wantsAnother_ = true;
@@ -115,22 +132,23 @@ class Application {
   WxClipboard clipboard_;
   HandlerGuard guard_{log_, dialogs_};
   std::unique_ptr<OfflinePlatform> platform_;
+  std::unique_ptr<ThisComputer> computer_;
   std::unique_ptr<ProgramWindows> windows_;
   std::unique_ptr<StartWindow> start_;
 };
 
-/// Opens one disk after the other. Each is closed, its changes written and its lock released, before the next is
-/// chosen: nothing of it is left for the next one.
-void RunDisks(const Options& options) {
-  DiskChoice disk = options.disk;
-  bool choose = options.choose;
-  for (bool another = true; another; choose = true, disk = {}) {
+/// Opens one disk, or this computer, after the other. Each is closed, its changes written and its lock released, before
+/// the next is chosen: nothing of it is left for the next one.
+void RunDisks(Options options) {
+  for (bool another = true; another;) {
     std::unique_ptr<Application> application;
     RunWindows([&](WindowSystem& system) {
-      application = std::make_unique<Application>(system, disk);
-      application->Start(choose);
+      application = std::make_unique<Application>(system, options.disk);
+      application->Start(options);
     });
     another = application->WantsAnotherDisk();
+    options = {};
+    options.choose = true;
   }
 }
 

@@ -1,5 +1,6 @@
 #include "app/options.h"
 
+#include "app/this_computer.h"
 #include "host/host_paths.h"
 
 namespace quillbox {
@@ -24,15 +25,25 @@ std::optional<CommandFault> Choose(Options& options, const std::string& /*value*
   return std::nullopt;
 }
 
+std::optional<CommandFault> OpenHere(Options& options, const std::string& /*value*/) {
+  if (!IsWindowsHere()) return CommandFault{"this computer does not run Windows"};
+  options.thisComputer = true;
+  return std::nullopt;
+}
+
 std::optional<CommandFault> SetProfile(Options& options, const std::string& value) {
   options.disk.profile = value;
   return std::nullopt;
 }
 
 constexpr CommandOption<Options> kOptions[] = {
-    {"--profile", true, SetProfile},      {"--drive", true, AddDrive},
-    {"--choose", false, Choose},          {"--help", false, End<OptionsEnd::Help>},
-    {"-h", false, End<OptionsEnd::Help>}, {"--version", false, End<OptionsEnd::Version>},
+    {"--profile", true, SetProfile},
+    {"--drive", true, AddDrive},
+    {"--choose", false, Choose},
+    {"--this-computer", false, OpenHere},
+    {"--help", false, End<OptionsEnd::Help>},
+    {"-h", false, End<OptionsEnd::Help>},
+    {"--version", false, End<OptionsEnd::Version>},
 };
 
 }  // namespace
@@ -48,6 +59,9 @@ std::variant<Options, CommandFault> ParseOptions(const std::vector<std::string>&
     } else {
       options.disk.folder = Absolute(HostPath(argument));
     }
+  }
+  if (options.thisComputer && !options.disk.folder.Empty()) {
+    return CommandFault{"either a folder or this computer can be opened"};
   }
   return options;
 }

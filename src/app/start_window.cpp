@@ -5,6 +5,7 @@
 #include <ctime>
 #include <optional>
 
+#include "app/this_computer.h"
 #include "host/host_names.h"
 #include "host/host_paths.h"
 #include "host/state_folder.h"
@@ -86,6 +87,7 @@ WinPath HostOnlyPaths::WindowsPathOf(const HostPath& path) const {
 StartWindow::StartWindow(HandlerGuard& guard, Dialogs& dialogs, const HostPath& stateFolder)
     : Form(guard, "StartWindow", "Quillbox - Open a Windows disk"),
       lblWelcome(*this, "lblWelcome", kWelcome),
+      cmdThisComputer(*this, "cmdThisComputer", "&This Computer", "Open the Windows that Quillbox runs on."),
       lblState(*this, "lblState"),
       lblDisks(*this, "lblDisks", "Disks opened before"),
       lstDisks(*this, "lstDisks", "Whose mail was opened last, and where. Double-click to open it again."),
@@ -117,6 +119,7 @@ StartWindow::StartWindow(HandlerGuard& guard, Dialogs& dialogs, const HostPath& 
     lblState.caption =
         Sentence("nothing can be remembered, and changes to a write-protected disk cannot be kept: " + *fault);
   }
+  cmdThisComputer.visible = IsWindowsHere();
   txtCommand.readOnly = true;
   txtCommand.visible = false;
   cmdOpen.isDefault = true;
@@ -130,6 +133,7 @@ StartWindow::StartWindow(HandlerGuard& guard, Dialogs& dialogs, const HostPath& 
 }
 
 void StartWindow::SetHandlers() {
+  cmdThisComputer.onClick = [this] { Leave(onThisComputer); };
   lstDisks.onSelect = [this] { lstDisks_Click(); };
   lstDisks.onOpen = [this] { cmdOpen_Click(); };
   txtFolder.onChange = [this] { txtFolder_Change(); };
@@ -151,7 +155,7 @@ void StartWindow::SetHandlers() {
 
 LayoutNode StartWindow::Layout() {
   return Column({
-      Item(lblWelcome),
+      Row({Item(lblWelcome, 1), Item(cmdThisComputer)}),
       Item(lblState),
       Item(lblDisks),
       Item(lstDisks, 1),
@@ -329,9 +333,9 @@ bool StartWindow::HasTypedDrive() const {
   return !Trim(txtDrive.text.Get()).empty();
 }
 
-void StartWindow::Leave(const std::function<void(const DiskChoice&)>& open, const DiskChoice& disk) {
+void StartWindow::Leave(const std::function<void()>& open) {
   try {
-    open(disk);
+    open();
     Hide();
   } catch (const Error& error) {
     ShowFault(Describe(error));
@@ -348,14 +352,14 @@ void StartWindow::cmdOpen_Click() {
   const auto line = lstProfiles.selected.Get();
   if (!line || *line >= found_.size()) return;
   const Found& found = found_[*line];
-  Leave(onOpen, {.folder = found.folder, .profile = found.profile, .drives = choice_.drives});
+  Leave([&] { onOpen({.folder = found.folder, .profile = found.profile, .drives = choice_.drives}); });
 }
 
 void StartWindow::cmdSearch_Click() {
   if (HasTypedDrive() && !AddDrive()) return;
   if (looked_ != txtFolder.text.Get()) LookAtText();
   if (!IsFolder(choice_.folder)) return;
-  Leave(onSearch, {.folder = choice_.folder, .profile = {}, .drives = choice_.drives});
+  Leave([&] { onSearch({.folder = choice_.folder, .profile = {}, .drives = choice_.drives}); });
 }
 
 void StartWindow::cmdSample_Click() {

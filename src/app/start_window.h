@@ -34,6 +34,7 @@ class StartWindow : public Form {
 
   // In tab order.
   Label lblWelcome;
+  Button cmdThisComputer;
   Label lblState;
   Label lblDisks;
   ListBox lstDisks;
@@ -64,6 +65,8 @@ class StartWindow : public Form {
   std::function<void(const DiskChoice&)> onOpen = [](const DiskChoice&) {};
   /// The same for a search of the disk without its registry.
   std::function<void(const DiskChoice&)> onSearch = [](const DiskChoice&) {};
+  /// Opens the Windows that the program runs on; as onOpen.
+  std::function<void()> onThisComputer = [] {};
   /// Called when the person closes the window without opening a disk.
   std::function<void()> onClosed = [] {};
 
@@ -85,7 +88,7 @@ class StartWindow : public Form {
   void ShowDrives();
   bool HasTypedDrive() const;
   bool AddDrive();
-  void Leave(const std::function<void(const DiskChoice&)>& open, const DiskChoice& disk);
+  void Leave(const std::function<void()>& open);
 
   void cmdChoose_Click();
   void txtFolder_Change();

@@ -1,6 +1,7 @@
 #include "app/options.h"
 
 #include "app/disk_list.h"
+#include "app/this_computer.h"
 #include "support/matchers.h"
 #include "support/temp_folder.h"
 #include "text/error.h"
@@ -28,6 +29,14 @@ TEST(Options, AWrongCommandLineNamesItsFault) {
       {{"--drive", "D="}, "--drive needs a letter, \"=\" and a folder (D=FOLDER), not \"D=\""},
       {{"a", "b"}, "one folder is drive C:; \"b\" is a second one"},
   };
+  const auto here = ParseOptions({"--this-computer"});
+  if (IsWindowsHere()) {
+    EXPECT_TRUE(std::get<Options>(here).thisComputer);
+    EXPECT_EQ(std::get<CommandFault>(ParseOptions({"E:\\", "--this-computer"})).reason,
+              "either a folder or this computer can be opened");
+  } else {
+    EXPECT_EQ(std::get<CommandFault>(here).reason, "this computer does not run Windows");
+  }
   for (const auto& [given, fault] : rows) EXPECT_EQ(std::get<CommandFault>(ParseOptions(given)).reason, fault);
 }
 

@@ -1,6 +1,7 @@
 #include "app/start_window.h"
 
 #include "app/no_display.h"
+#include "app/this_computer.h"
 #include "platform/offline/offline_platform.h"
 #include "sample/sample_disk.h"
 #include "support/damaged_hive.h"
@@ -51,6 +52,18 @@ TEST_F(StartWindowTest, AChosenDiskShowsItsProfilesAndOpens) {
   EXPECT_TRUE(window.cmdOpen.enabled);
   window.cmdOpen.click();
   EXPECT_THAT(opened, ElementsAre(DiskChoice{sample.driveC, "Ann Miller", {}}));
+  EXPECT_FALSE(window.visible);
+}
+
+TEST_F(StartWindowTest, ThisComputerIsOfferedWhereItRunsWindows) {
+  ASSERT_EQ(window.cmdThisComputer.visible, IsWindowsHere());
+  if (!IsWindowsHere()) return;
+  window.Show();
+  window.onThisComputer = [] { throw Error("opening it", {}, "a reason"); };
+  window.cmdThisComputer.click();
+  EXPECT_THAT(window.lblFault.caption.Get(), HasSubstr("a reason"));
+  window.onThisComputer = [] {};
+  window.cmdThisComputer.click();
   EXPECT_FALSE(window.visible);
 }
 

@@ -1,0 +1,18 @@
+#include "app/this_computer.h"
+
+namespace quillbox {
+
+bool IsWindowsHere() {
+  return false;
+}
+
+bool HasIdentitiesHere() {
+  return false;
+}
+
+std::unique_ptr<ThisComputer> OpenThisComputer(const HostPath& /*stateFolder*/, Dialogs& /*dialogs*/,
+                                               Clipboard& /*clipboard*/) {
+  return nullptr;
+}
+
+}  // namespace quillbox
