@@ -9,14 +9,19 @@ WINEPREFIX=$(cd "$(dirname "$0")/.." && pwd)/build/wine
 HOME=$WINEPREFIX
 # Names of files are UTF-8 to wine only where the locale says so.
 LC_ALL=C.UTF-8
-export HOME LC_ALL WINEPREFIX WINEDEBUG=-all WINEDLLOVERRIDES="winemenubuilder.exe,mscoree,mshtml="
+# Tests may change all of this Windows.
+QUILLBOX_WINDOWS_FOR_TESTS=1
+export HOME LC_ALL QUILLBOX_WINDOWS_FOR_TESTS WINEPREFIX WINEDEBUG=-all WINEDLLOVERRIDES="winemenubuilder.exe,mscoree,mshtml="
 unset DISPLAY WAYLAND_DISPLAY
 # Debian keeps the loader and the server beside wine's libraries.
 wine=/usr/lib/wine
 
 case "${1:-}" in
   --start)
-    mkdir -p "$WINEPREFIX"
+    mkdir -p "$WINEPREFIX/drive_c" "$WINEPREFIX/drive_d" "$WINEPREFIX/dosdevices"
+    for drive in c:../drive_c d:../drive_d z:/; do
+      ln -sfn "${drive#?:}" "$WINEPREFIX/dosdevices/${drive%%:*}:"
+    done
     "$wine/wineserver64" -p
     # Its services stay while the server does. They keep the output of who starts them open, so it is not a test's.
     "$wine/wine64" wineboot --init </dev/null >/dev/null 2>&1 || {

@@ -1,4 +1,5 @@
-// The offline platform on a small sample disk in a temporary folder, with what it would show, start or open recorded.
+// The platform on what a small sample disk holds, with what it would show, start or open recorded: on that disk in a
+// temporary folder, or on the Windows that the tests run on.
 #pragma once
 
 #include <algorithm>
@@ -8,13 +9,17 @@
 
 #include "core/identity_catalogue.h"
 #include "core/registry_store.h"
-#include "platform/offline/offline_platform.h"
-#include "sample/sample_disk.h"
 #include "support/faulty_copy_io.h"
 #include "support/matchers.h"
 #include "support/scripted_dialogs.h"
 #include "support/temp_folder.h"
 #include "support/test_log.h"
+
+#ifdef QUILLBOX_ON_RUNNING_WINDOWS
+#include "running_windows/windows_sample.h"
+#else
+#include "support/offline_sample.h"
+#endif
 
 namespace quillbox {
 
@@ -46,8 +51,8 @@ struct RecordingShell : Shell {
   std::vector<std::string> urls;
 };
 
-struct RecordingPlatform : OfflinePlatform {
-  using OfflinePlatform::OfflinePlatform;
+struct RecordingPlatform : SampledPlatform {
+  using SampledPlatform::SampledPlatform;
   /// From now on copies have the faults that are set in what this returns.
   FaultyCopyIo& CopyWithFaults() {
     auto io = std::make_unique<FaultyCopyIo>();
@@ -61,11 +66,11 @@ struct RecordingPlatform : OfflinePlatform {
   Log& GetLog() override { return log; }
   void EndCommand() override {
     if (faultyShell) faultyShell->EndCommand();
-    OfflinePlatform::EndCommand();
+    SampledPlatform::EndCommand();
   }
 
-  RecordingProcesses processes{OfflinePlatform::GetProcesses()};
-  RecordingShell shell{OfflinePlatform::GetShell()};
+  RecordingProcesses processes{SampledPlatform::GetProcesses()};
+  RecordingShell shell{SampledPlatform::GetShell()};
   TestLog log;
   std::unique_ptr<HostedShell> faultyShell;
 };
@@ -74,7 +79,7 @@ class SamplePlatform : public ::testing::Test {
  protected:
   void SetUp() override { MakeDisk(); }
   void MakeDisk() {
-    sample = MakeSampleDisk(temp / "disk", {.smallStores = true});
+    sample = MakeSampled(temp);
     OpenDisk();
   }
 
@@ -82,16 +87,8 @@ class SamplePlatform : public ::testing::Test {
   virtual void OpenDisk() {
     store.reset();
     platform.reset();
-    OfflineOptions options;
-    options.folder = sample.driveC;
-    options.profile = sample.profile;
-    options.drives = {{'D', sample.driveD}};
-    options.stateFolder = temp / "state";
-    options.driveNamed = [this](char letter, const HostPath& folder) {
-      named.push_back(std::string(1, letter) + "=" + folder.Text());
-    };
-    options.registryEditor = HostPath(QUILLBOX_BIN_DIR "/regedit");
-    platform = std::make_unique<RecordingPlatform>(options, dialogs);
+    platform = OpenSampled<RecordingPlatform>(sample, temp, dialogs,
+                                              [this](std::string drive) { named.push_back(std::move(drive)); });
     store = std::make_unique<RegistryStore>(*platform);
   }
 
