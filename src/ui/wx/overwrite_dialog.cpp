@@ -85,7 +85,10 @@ class OverwriteDialog : public wxDialog {
       const int id = wxID_HIGHEST + 1 + static_cast<int>(choice.answer);
       auto* button = new wxButton(this, id, choice.label);
       button->Bind(wxEVT_BUTTON, [this, id](wxCommandEvent&) { EndModal(id); });
-      if (choice.answer == OverwriteAnswer::No) button->SetDefault();
+      if (choice.answer == OverwriteAnswer::No) {
+        button->SetDefault();
+        button->SetFocus();
+      }
       row->Add(button, wxSizerFlags().Border(wxLEFT, gap_));
     }
     return row;
