@@ -17,6 +17,7 @@
 #include <limits>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "text/win_path.h"
 #include "ui/wx/layout_builder.h"
@@ -126,18 +127,15 @@ std::string FormWindow::SpokenName(std::size_t position) const {
   return label && !label->caption->empty() ? Trim(label->caption.Get()) : control.tooltip.Get();
 }
 
-/// Entries, pickers and buttons of a window are equally high, whatever the toolkit knows about each before it is shown.
-void FormWindow::GiveOneHeight() {
-  const auto isField = [](wxWindow* window) {
-    return dynamic_cast<wxTextCtrl*>(window) || dynamic_cast<wxComboBox*>(window) || dynamic_cast<wxButton*>(window);
-  };
-  int height = 0;
+void FormWindow::GiveFieldsOneHeight() {
+  std::vector<wxWindow*> fields;
   for (const Widget& widget : widgets_) {
-    if (isField(widget.window)) height = std::max(height, NaturalHeight(*widget.window));
+    wxWindow* window = widget.window;
+    if (dynamic_cast<wxTextCtrl*>(window) || dynamic_cast<wxComboBox*>(window) || dynamic_cast<wxButton*>(window)) {
+      fields.push_back(window);
+    }
   }
-  for (const Widget& widget : widgets_) {
-    if (isField(widget.window)) widget.window->SetMinSize(wxSize(widget.window->GetMinWidth(), height));
-  }
+  GiveOneHeight(fields);
 }
 
 void FormWindow::MakeContent() {
@@ -156,7 +154,7 @@ void FormWindow::MakeContent() {
     }
     control->onChanged = [this, control] { OnControlChanged(*control); };
   }
-  GiveOneHeight();
+  GiveFieldsOneHeight();
   OrderTabs(*content_);
 }
 

@@ -30,7 +30,7 @@ class FormWindow {
   void Follow();
   void Make();
   void MakeContent();
-  void GiveOneHeight();
+  void GiveFieldsOneHeight();
   std::string SpokenName(std::size_t position) const;
   wxWindow* MakeWidgetOf(Control& control, wxWindow& parent, bool growing);
   std::size_t PositionOf(const Control& control) const;

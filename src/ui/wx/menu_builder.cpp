@@ -3,6 +3,7 @@
 #include <wx/frame.h>
 #include <wx/menu.h>
 
+#include <cstddef>
 #include <map>
 #include <string>
 #include <vector>
@@ -39,16 +40,24 @@ class Menus {
   std::map<MenuPath, wxMenu*> menus_;
 };
 
+/// Where `menu` is in the bar.
+std::size_t PositionOf(const wxMenu& menu, const wxMenuBar& bar) {
+  std::size_t position = 0;
+  while (bar.GetMenu(position) != &menu) ++position;
+  return position;
+}
+
 }  // namespace
 
 void AddMenuBar(Form& form, wxFrame& frame) {
   if (form.menuBar.Items().empty()) return;
   auto* bar = new wxMenuBar;
   Menus menus(*bar);
+  std::vector<const MenuItem*> commands;
   for (const MenuItem& item : form.menuBar.Items()) {
     if (item.path.size() == 1) {
-      MakeCommandOfBar(menus.At(item.path), [&form, &item] { form.menuBar.click(item.name); });
-      bar->EnableTop(bar->GetMenuCount() - 1, item.enabled);
+      menus.At(item.path);
+      commands.push_back(&item);
       continue;
     }
     wxMenu& menu = menus.At(MenuPath(item.path.begin(), item.path.end() - 1));
@@ -58,6 +67,11 @@ void AddMenuBar(Form& form, wxFrame& frame) {
         wxEVT_MENU, [&form, &item](wxCommandEvent&) { form.menuBar.click(item.name); }, leaf->GetId());
   }
   frame.SetMenuBar(bar);
+  for (const MenuItem* item : commands) {
+    wxMenu& menu = menus.At(item->path);
+    bar->EnableTop(PositionOf(menu, *bar), item->enabled);
+    MakeCommandOfBar(menu, [&form, item] { form.menuBar.click(item->name); });
+  }
 }
 
 }  // namespace quillbox

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include <wx/artprov.h>
+#include <wx/bmpbndl.h>
 #include <wx/button.h>
 #include <wx/dialog.h>
 #include <wx/display.h>
@@ -21,22 +21,6 @@ constexpr int kGap = 8;
 constexpr int kWidest = 520;
 /// A text that is higher than this share of the screen is shown in a box that scrolls.
 constexpr int kScreenShare = 2;
-
-const char* ArtOf(MessageIcon icon) {
-  switch (icon) {
-    case MessageIcon::None:
-      break;
-    case MessageIcon::Exclamation:
-      return wxART_WARNING;
-    case MessageIcon::Question:
-      return wxART_QUESTION;
-    case MessageIcon::Error:
-      return wxART_ERROR;
-    case MessageIcon::Information:
-      return wxART_INFORMATION;
-  }
-  return nullptr;
-}
 
 struct Choice {
   wxString label;
@@ -88,8 +72,8 @@ class MessageDialog : public wxDialog {
  public:
   MessageDialog(const Message& message, wxWindow* parent) : wxDialog(parent, wxID_ANY, ToWx(message.title)) {
     auto* content = new wxBoxSizer(wxHORIZONTAL);
-    if (const char* art = ArtOf(message.icon)) {
-      content->Add(new wxStaticBitmap(this, wxID_ANY, wxArtProvider::GetBitmapBundle(art, wxART_MESSAGE_BOX)),
+    if (message.icon != MessageIcon::None) {
+      content->Add(new wxStaticBitmap(this, wxID_ANY, PictureOf(message.icon)),
                    wxSizerFlags().Border(wxRIGHT, 2 * gap_));
     }
     content->Add(MakeText(ToWxLines(message.text)), wxSizerFlags(1).Expand());

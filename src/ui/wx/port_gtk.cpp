@@ -1,18 +1,28 @@
 #include <gtk/gtk.h>
+#include <langinfo.h>
 #include <wx/app.h>
+#include <wx/artprov.h>
+#include <wx/bmpbndl.h>
 #include <wx/combobox.h>
 #include <wx/dataview.h>
 #include <wx/dialog.h>
 #include <wx/listbox.h>
 #include <wx/menu.h>
 #include <wx/statbox.h>
+#include <wx/string.h>
 #include <wx/textctrl.h>
 
+#include <algorithm>
+#include <clocale>
 #include <cstddef>
+#include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 #include "ui/wx/port.h"
 
@@ -107,22 +117,82 @@ gboolean ShowRowTip(GtkWidget* list, gint x, gint y, gboolean byKeyboard, GtkToo
   return tip.empty() ? FALSE : TRUE;
 }
 
+wxArtID ArtOf(MessageIcon icon) {
+  switch (icon) {
+    case MessageIcon::None:
+      break;
+    case MessageIcon::Exclamation:
+      return wxART_WARNING;
+    case MessageIcon::Question:
+      return wxART_QUESTION;
+    case MessageIcon::Error:
+      return wxART_ERROR;
+    case MessageIcon::Information:
+      return wxART_INFORMATION;
+  }
+  return {};
+}
+
 }  // namespace
+
+/// In a session without a message bus (a bare display) the toolkit's libraries would complain at every dialog that they
+/// cannot store its size.
+void PrepareToolkitStart() {
+  const char* folder = std::getenv("XDG_RUNTIME_DIR");
+  if (std::getenv("DBUS_SESSION_BUS_ADDRESS") || (folder && std::filesystem::exists(std::string(folder) + "/bus")))
+    return;
+  setenv("GSETTINGS_BACKEND", "memory", 0);
+}
+
+/// File names and texts are UTF-8 even when the session sets no language, and numbers have the same form everywhere.
+void FinishToolkitStart() {
+  if (std::string_view(nl_langinfo(CODESET)) != "UTF-8") std::setlocale(LC_CTYPE, "C.UTF-8");
+  std::setlocale(LC_NUMERIC, "C");
+}
+
+HostPath FromDialogPath(const wxString& path) {
+  return HostPath(static_cast<const char*>(path.fn_str()));
+}
+
+wxString ToDialogPath(const HostPath& path) {
+  return wxString(path.Text().c_str(), *wxConvFileName);
+}
+
+/// "*.WAB" as "*.[wW][aA][bB]".
+wxString PatternInAnyCase(const wxString& pattern) {
+  wxString result;
+  for (const wxUniChar c : pattern) {
+    const wxString lower = wxString(c).Lower();
+    const wxString upper = wxString(c).Upper();
+    result += lower == upper ? wxString(c) : "[" + lower + upper + "]";
+  }
+  return result;
+}
 
 void SetAccessibleName(wxWindow& window, const std::string& name) {
   NameWithParts(window.GetHandle(), const_cast<char*>(name.c_str()));
+}
+
+wxBitmapBundle PictureOf(MessageIcon icon) {
+  return wxArtProvider::GetBitmapBundle(ArtOf(icon), wxART_MESSAGE_BOX);
 }
 
 void MarkAsAlert(wxDialog& dialog) {
   atk_object_set_role(gtk_widget_get_accessible(dialog.GetHandle()), ATK_ROLE_ALERT);
 }
 
-int NaturalHeight(wxWindow& window) {
+/// The toolkit's own best height of an entry depends on whether it has been shown.
+void GiveOneHeight(const std::vector<wxWindow*>& fields) {
   int height = 0;
-  gtk_widget_get_preferred_height(window.GetHandle(), nullptr, &height);
-  return height;
+  for (wxWindow* field : fields) {
+    int natural = 0;
+    gtk_widget_get_preferred_height(field->GetHandle(), nullptr, &natural);
+    height = std::max(height, natural);
+  }
+  for (wxWindow* field : fields) field->SetMinSize(wxSize(field->GetMinWidth(), height));
 }
 
+/// Items wider than a screen are shortened in the middle.
 void TameComboBox(wxComboBox& box) {
   const auto stop = +[](GtkWidget*, GdkEvent*, gpointer) -> gboolean { return TRUE; };
   g_signal_connect(box.GetHandle(), "scroll-event", G_CALLBACK(stop), nullptr);
@@ -132,6 +202,13 @@ void TameComboBox(wxComboBox& box) {
     g_object_set(cell->data, "ellipsize", PANGO_ELLIPSIZE_MIDDLE, "max-width-chars", kListCharacters, nullptr);
   }
   g_list_free(cells);
+}
+
+void OpenByClick(wxComboBox& box) {
+  box.Bind(wxEVT_LEFT_DOWN, [&box](wxMouseEvent&) {
+    box.SetFocus();
+    box.Popup();
+  });
 }
 
 void ShowReadOnly(wxTextCtrl& entry, bool readOnly) {

@@ -200,10 +200,7 @@ void Factory::Visit(ComboBox& control) {
   if (control.editable) {
     box->Bind(wxEVT_TEXT, [box, &control](wxCommandEvent&) { control.type(FromWx(box->GetValue())); });
   } else {
-    box->Bind(wxEVT_LEFT_DOWN, [box](wxMouseEvent&) {
-      box->SetFocus();
-      box->Popup();
-    });
+    OpenByClick(*box);
   }
 }
 

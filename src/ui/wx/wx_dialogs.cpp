@@ -18,23 +18,13 @@
 #include "host/host_paths.h"
 #include "ui/wx/message_dialog.h"
 #include "ui/wx/overwrite_dialog.h"
+#include "ui/wx/port.h"
 #include "ui/wx/progress_window.h"
 #include "ui/wx/wx_runtime.h"
 #include "ui/wx/wx_text.h"
 
 namespace quillbox {
 namespace {
-
-/// A pattern that matches in any case, as Windows' own do: "*.WAB" as "*.[wW][aA][bB]".
-wxString InAnyCase(const wxString& pattern) {
-  wxString result;
-  for (const wxUniChar c : pattern) {
-    const wxString lower = wxString(c).Lower();
-    const wxString upper = wxString(c).Upper();
-    result += lower == upper ? wxString(c) : "[" + lower + upper + "]";
-  }
-  return result;
-}
 
 /// "Text (*.txt) | *.txt" as the toolkit expects it: no blanks around the bars.
 wxString ToolkitFilter(const std::string& filter) {
@@ -44,18 +34,10 @@ wxString ToolkitFilter(const std::string& filter) {
     const std::size_t bar = std::min(filter.find('|', start), filter.size());
     const wxString part = ToWx(Trim(std::string_view(filter).substr(start, bar - start)));
     if (start > 0) result += '|';
-    result += isPattern ? InAnyCase(part) : part;
+    result += isPattern ? PatternInAnyCase(part) : part;
     start = bar + 1;
   }
   return result;
-}
-
-HostPath FromWxPath(const wxString& text) {
-  return HostPath(static_cast<const char*>(text.fn_str()));
-}
-
-wxString ToWxPath(const HostPath& path) {
-  return wxString(path.Text().c_str(), *wxConvFileName);
 }
 
 }  // namespace
@@ -131,17 +113,17 @@ bool WxDialogs::MayReplace(const WinPath& file) {
 std::optional<WinPath> WxDialogs::AskForFile(const FileDialog& dialog, long style) {
   const bool opens = (style & wxFD_OPEN) != 0;
   const wxString title = dialog.title.empty() ? wxString(opens ? "Open" : "Save As") : ToWx(dialog.title);
-  wxFileDialog window(ActiveWindow(), title, ToWxPath(paths_->HostPathOf(dialog.folder)), ToWx(dialog.name),
+  wxFileDialog window(ActiveWindow(), title, ToDialogPath(paths_->HostPathOf(dialog.folder)), ToWx(dialog.name),
                       dialog.filter.empty() ? wxString("All Files|*") : ToolkitFilter(dialog.filter), style);
   if (window.ShowModal() != wxID_OK) return std::nullopt;
-  return Answer(FromWxPath(window.GetPath()));
+  return Answer(FromDialogPath(window.GetPath()));
 }
 
 std::optional<WinPath> WxDialogs::BrowseForFolder(const FolderDialog& dialog) {
-  const wxString folder = dialog.folder.Empty() ? wxGetHomeDir() : ToWxPath(paths_->HostPathOf(dialog.folder));
+  const wxString folder = dialog.folder.Empty() ? wxGetHomeDir() : ToDialogPath(paths_->HostPathOf(dialog.folder));
   wxDirDialog window(ActiveWindow(), ToWx(dialog.title), folder);
   if (window.ShowModal() != wxID_OK) return std::nullopt;
-  return Answer(FromWxPath(window.GetPath()));
+  return Answer(FromDialogPath(window.GetPath()));
 }
 
 std::optional<WinPath> WxDialogs::Answer(const HostPath& chosen) {

@@ -1,6 +1,5 @@
 #include "ui/wx/wx_runtime.h"
 
-#include <langinfo.h>
 #include <wx/app.h>
 #include <wx/evtloop.h>
 #include <wx/init.h>
@@ -8,14 +7,11 @@
 #include <wx/toplevel.h>
 #include <wx/window.h>
 
-#include <clocale>
 #include <cstdlib>
-#include <filesystem>
 #include <iostream>
-#include <string>
-#include <string_view>
 
 #include "text/error.h"
+#include "ui/wx/port.h"
 #include "ui/wx/wx_text.h"
 
 namespace quillbox {
@@ -38,26 +34,11 @@ class App : public wxApp {
   }
 };
 
-/// File names and texts are UTF-8 even when the session sets no language, and numbers have the same form everywhere.
-void FixLocale() {
-  if (std::string_view(nl_langinfo(CODESET)) != "UTF-8") std::setlocale(LC_CTYPE, "C.UTF-8");
-  std::setlocale(LC_NUMERIC, "C");
-}
-
-/// In a session without a message bus (a bare display) the toolkit's libraries would complain at every dialog that they
-/// cannot store its size.
-void KeepDesktopSettingsInMemoryWithoutBus() {
-  const char* folder = std::getenv("XDG_RUNTIME_DIR");
-  if (std::getenv("DBUS_SESSION_BUS_ADDRESS") || (folder && std::filesystem::exists(std::string(folder) + "/bus")))
-    return;
-  setenv("GSETTINGS_BACKEND", "memory", 0);
-}
-
 }  // namespace
 
 WxRuntime::WxRuntime() {
   if (wxTheApp) return;
-  KeepDesktopSettingsInMemoryWithoutBus();
+  PrepareToolkitStart();
   wxApp::SetInstance(new App);
   static char name[] = "quillbox";
   static char* arguments[] = {name, nullptr};
@@ -68,7 +49,7 @@ WxRuntime::WxRuntime() {
                 "there is no display to show it on");
   }
   started_ = true;
-  FixLocale();
+  FinishToolkitStart();
   delete wxLog::SetActiveTarget(new wxLogStderr);  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): the log owns it
   wxTheApp->CallOnInit();
 }
