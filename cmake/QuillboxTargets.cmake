@@ -19,6 +19,12 @@ else()
 endif()
 string(TOLOWER "${QUILLBOX_HOST}" QUILLBOX_HOST_FOLDER)
 
+# Where the registry editor for old disks is built. A Windows looks for its own in the folder of a running program first.
+set(QUILLBOX_EDITOR_FOLDER "${CMAKE_BINARY_DIR}/bin")
+if(WIN32)
+  string(APPEND QUILLBOX_EDITOR_FOLDER "/offline")
+endif()
+
 # quillbox_layer(NAME SOURCES file... [POSIX file...] [WIN32 file...] LINKS target... [PRIVATE_LINKS target...]
 #   [ONLY posix|win32])
 # A static library `quillbox_NAME`. LINKS names every layer that its headers include, PRIVATE_LINKS those that only its
@@ -54,6 +60,27 @@ function(quillbox_layer name)
   set_property(GLOBAL PROPERTY QUILLBOX_SOURCES_OF_${target} ${arg_SOURCES} ${arg_POSIX} ${arg_WIN32})
   set_property(GLOBAL PROPERTY QUILLBOX_LINKS_OF_${target} ${arg_LINKS})
   set_property(GLOBAL PROPERTY QUILLBOX_PRIVATE_LINKS_OF_${target} ${arg_PRIVATE_LINKS})
+endfunction()
+
+# quillbox_program_facts(TARGET DESCRIPTION text [ICON file])
+# For Windows: a program's version, manifest and icon. Elsewhere programs have none.
+function(quillbox_program_facts target)
+  if(NOT WIN32)
+    return()
+  endif()
+  cmake_parse_arguments(arg "" "DESCRIPTION;ICON" "" ${ARGN})
+  set(templates "${CMAKE_SOURCE_DIR}/src/app/win32")
+  set(manifest "${CMAKE_CURRENT_BINARY_DIR}/${target}.manifest")
+  set(icon "")
+  if(arg_ICON)
+    # The system takes the icon with the lowest number for the program's.
+    set(icon "1 ICON \"${CMAKE_CURRENT_SOURCE_DIR}/${arg_ICON}\"")
+  endif()
+  configure_file("${templates}/program.manifest.in" "${manifest}" @ONLY)
+  configure_file("${templates}/program.rc.in" "${CMAKE_CURRENT_BINARY_DIR}/${target}.rc" @ONLY)
+  target_sources(${target} PRIVATE "${CMAKE_CURRENT_BINARY_DIR}/${target}.rc")
+  set_source_files_properties("${CMAKE_CURRENT_BINARY_DIR}/${target}.rc" PROPERTIES
+    OBJECT_DEPENDS "${manifest};${CMAKE_CURRENT_SOURCE_DIR}/${arg_ICON}")
 endfunction()
 
 # Adds the test "layers": that each layer names every layer that its files include.

@@ -11,6 +11,7 @@
 #include "app/options.h"
 #include "app/start_window.h"
 #include "app/this_computer.h"
+#include "host/host_program.h"
 #include "host/state_folder.h"
 #include "platform/hosted/log.h"
 #include "platform/offline/offline_platform.h"
@@ -155,24 +156,21 @@ void RunDisks(Options options) {
 int Run(const std::vector<std::string>& arguments) {
   auto parsed = ParseOptions(arguments);
   if (const auto* fault = std::get_if<CommandFault>(&parsed)) {
+    const Utf8Output output;
     std::fprintf(stderr, "quillbox: %s\n%s", fault->reason.c_str(), kUsage);
     return 2;
   }
   const auto& options = std::get<Options>(parsed);
-  switch (options.end) {
-    case OptionsEnd::Help:
-      std::fputs(kUsage, stdout);
-      return 0;
-    case OptionsEnd::Version:
-      std::puts("quillbox " QUILLBOX_VERSION);
-      return 0;
-    case OptionsEnd::Run:
-      break;
+  if (options.end != OptionsEnd::Run) {
+    const Utf8Output output;
+    std::fputs(options.end == OptionsEnd::Help ? kUsage : "quillbox " QUILLBOX_VERSION "\n", stdout);
+    return 0;
   }
   std::unique_ptr<WxRuntime> runtime;
   try {
     runtime = std::make_unique<WxRuntime>();
   } catch (const Error& error) {
+    const Utf8Output output;
     std::fprintf(stderr, "quillbox: %s\n%s", Describe(error).c_str(), TextWithoutDisplay(options.disk).c_str());
     return 1;
   }
@@ -185,8 +183,9 @@ int Run(const std::vector<std::string>& arguments) {
 
 int main(int argc, char** argv) {
   try {
-    return quillbox::Run({argv + 1, argv + argc});
+    return quillbox::Run(quillbox::ProgramArguments(argc, argv));
   } catch (const std::exception& error) {
+    const quillbox::Utf8Output output;
     std::fprintf(stderr, "quillbox: %s\n", error.what());
     return 1;
   }

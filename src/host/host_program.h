@@ -41,7 +41,8 @@ std::unique_ptr<StartedProgram> OpenForUser(const std::string& opener, const std
 /// The arguments of this program without its name, as inner text. `count` and `arguments` are main's.
 std::vector<std::string> ProgramArguments(int count, char** arguments);
 
-/// While it lives, a console takes what this program prints for UTF-8, as every terminal does on other hosts.
+/// While it lives, a console takes what this program prints for UTF-8, as every terminal does on other hosts. A program
+/// with windows, which has no console, prints to that of the program that started it.
 class Utf8Output {
  public:
   Utf8Output();
@@ -50,7 +51,8 @@ class Utf8Output {
   Utf8Output& operator=(const Utf8Output&) = delete;
 
  private:
-  [[maybe_unused]] unsigned before_ = 0;  ///< of the console, where there are several such ways
+  [[maybe_unused]] bool borrowed_ = false;  ///< the console is that of the program that started this one
+  [[maybe_unused]] unsigned before_ = 0;    ///< of the console, where there are several such ways
 };
 
 }  // namespace quillbox

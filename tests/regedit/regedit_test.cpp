@@ -4,6 +4,7 @@
 
 #include "platform/offline/offline_fixture.h"
 #include "platform/offline/offline_platform.h"
+#include "platform/offline/offline_processes.h"
 #include "regedit/command_line.h"
 #include "regedit/export.h"
 #include "registry/reg_file_recorder.h"
@@ -77,7 +78,7 @@ class RegeditProgram : public testing::Test {
   }
 
   ProgramRun Run(const std::string& arguments) {
-    return RunProgram(QUILLBOX_BIN_DIR "/regedit", Words(arguments), folder.Path());
+    return RunProgram(NativePath(RegistryEditorBesideProgram()), Words(arguments), folder.Path());
   }
 
   TempFolder folder;
@@ -278,9 +279,7 @@ TEST_F(RegeditOnADamagedDisk, AllIsRefusedUnlessItIsToBeSalvaged) {
 TEST_F(RegeditOnADamagedDisk, TheProgramThatHasAskedHandsTheAnswerOn) {
   ScriptedDialogs dialogs;
   dialogs.messageAnswers = {MessageAnswer::Yes};
-  const HostPath editor(QUILLBOX_BIN_DIR "/regedit");
-  OfflinePlatform platform({.folder = folder / "c", .stateFolder = folder / "state", .registryEditor = editor},
-                           dialogs);
+  OfflinePlatform platform({.folder = folder / "c", .stateFolder = folder / "state"}, dialogs);
   platform.GetRegistry().Create({RegistryRoot::CurrentUser, "Before"});
   const ProcessEnd end = platform.GetProcesses().RunAndWait("regedit /s C:\\more.reg", ShowStyle::Normal);
   EXPECT_EQ(end.exitCode, 0) << end.errors;

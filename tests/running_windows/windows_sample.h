@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "platform/offline/offline_processes.h"
 #include "platform/windows/windows_platform.h"
 #include "sample/sample_disk.h"
 #include "support/host_tricks.h"
@@ -57,7 +58,7 @@ struct SampleOriginal {
     for (const SampledKey& key : kSampledKeys) {
       if (!key.isInSample) continue;
       const std::string file = std::to_string(files.size()) + ".reg";
-      RunOrThrow(QUILLBOX_BIN_DIR "/regedit.exe", {"--disk", NameOf(disk.driveC), "/e", file, FullName(key.path)},
+      RunOrThrow(NativePath(RegistryEditorBesideProgram()).replace_extension(".exe"), {"--disk", NameOf(disk.driveC), "/e", file, FullName(key.path)},
                  temp);
       files.push_back(NameOf(temp / file));
     }

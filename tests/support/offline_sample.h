@@ -29,7 +29,6 @@ std::unique_ptr<Platform> OpenSampled(const SampleDisk& sample, const TempFolder
   options.driveNamed = [named = std::move(named)](char letter, const HostPath& folder) {
     named(std::string(1, letter) + "=" + folder.Text());
   };
-  options.registryEditor = HostPath(QUILLBOX_BIN_DIR "/regedit");
   return std::make_unique<Platform>(options, dialogs);
 }
 

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdio>
 #include <utility>
 
 #include "host/host_fault.h"
@@ -150,6 +151,11 @@ HostHandle OpenBySystem(const std::string& folderOrPage) {
   return Owned(info.hProcess);
 }
 
+/// False for a standard stream of a program that was started without one.
+bool LeadsSomewhere(DWORD stream) {
+  return GetFileType(GetStdHandle(stream)) != FILE_TYPE_UNKNOWN;
+}
+
 }  // namespace
 
 ProgramEnd RunToEnd(const HostProgram& program) {
@@ -184,12 +190,21 @@ std::vector<std::string> ProgramArguments(int, char**) {
   return texts;
 }
 
-Utf8Output::Utf8Output() : before_(GetConsoleOutputCP()) {
+Utf8Output::Utf8Output() {
+  borrowed_ = !LeadsSomewhere(STD_OUTPUT_HANDLE) && AttachConsole(ATTACH_PARENT_PROCESS) != 0;
+  if (borrowed_) {
+    std::freopen("CONOUT$", "w", stdout);
+    if (!LeadsSomewhere(STD_ERROR_HANDLE)) std::freopen("CONOUT$", "w", stderr);
+  }
+  before_ = GetConsoleOutputCP();
   SetConsoleOutputCP(CP_UTF8);
 }
 
+/// A console that is kept would end this program with the one that it belongs to.
 Utf8Output::~Utf8Output() {
+  std::fflush(nullptr);
   if (before_ != 0) SetConsoleOutputCP(before_);
+  if (borrowed_) FreeConsole();
 }
 
 }  // namespace quillbox

@@ -14,6 +14,7 @@ namespace quillbox {
 namespace {
 
 constexpr std::string_view kEditorName = "regedit";
+constexpr std::string_view kEditorFolder = "offline";
 constexpr const char* kLockOption = "--lock";
 
 /// True when the command line's program is the registry editor, with or without ".exe".
@@ -65,7 +66,9 @@ ProcessEnd OfflineProcesses::RunEditor(const std::string& commandLine) {
 }
 
 HostPath RegistryEditorBesideProgram() {
-  return ProgramFolder() / kEditorName;
+  const HostPath beside = ProgramFolder();
+  const HostPath own = beside / kEditorFolder;
+  return (IsFolder(own) ? own : beside) / kEditorName;
 }
 
 }  // namespace quillbox

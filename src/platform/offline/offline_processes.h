@@ -41,7 +41,8 @@ class OfflineProcesses : public Processes {
   RegistryEditor editor_;
 };
 
-/// The registry editor that was built with the running program: `regedit` in the same folder.
+/// The registry editor that was built with the running program: `regedit` in the same folder, or in `offline` there.
+/// On Windows it is always in the latter, since a program that starts "regedit" must get the system's own.
 HostPath RegistryEditorBesideProgram();
 
 }  // namespace quillbox

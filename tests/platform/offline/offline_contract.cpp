@@ -14,7 +14,6 @@ class OfflineWorld : public ContractWorld {
     options.folder = sample_.driveC;
     options.profile = sample_.profile;
     options.stateFolder = temp_ / "state";
-    options.registryEditor = HostPath(QUILLBOX_BIN_DIR "/regedit");
     platform_ = std::make_unique<OfflinePlatform>(options, dialogs);
     key = {RegistryRoot::CurrentUser, "Contract"};
     folder = WinPath("C:\\Contract");
