@@ -1,6 +1,7 @@
 #!/bin/sh
 # Runs what was built for Windows, under a wine of its own in build/wine: no display, no menus, nothing outside.
 #   tools/wine.sh PROGRAM.exe [ARGUMENT...]
+#   tools/wine.sh --display PROGRAM.exe [ARGUMENT...]     shows its windows on $DISPLAY
 #   tools/wine.sh --start     makes that wine when there is none, and keeps its server for faster starts
 #   tools/wine.sh --stop      ends everything that runs in it
 set -eu
@@ -11,8 +12,14 @@ HOME=$WINEPREFIX
 LC_ALL=C.UTF-8
 # Tests may change all of this Windows.
 QUILLBOX_WINDOWS_FOR_TESTS=1
-export HOME LC_ALL QUILLBOX_WINDOWS_FOR_TESTS WINEPREFIX WINEDEBUG=-all WINEDLLOVERRIDES="winemenubuilder.exe,mscoree,mshtml="
-unset DISPLAY WAYLAND_DISPLAY
+export HOME LC_ALL QUILLBOX_WINDOWS_FOR_TESTS WINEPREFIX WINEDEBUG=-all
+export WINEDLLOVERRIDES="winemenubuilder.exe,mscoree,mshtml="
+if [ "${1:-}" = --display ]; then
+  shift
+else
+  unset DISPLAY
+fi
+unset WAYLAND_DISPLAY
 # Debian keeps the loader and the server beside wine's libraries.
 wine=/usr/lib/wine
 
