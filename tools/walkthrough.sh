@@ -53,6 +53,9 @@ quick_backup() {
     [ $waited -lt 300 ] || { echo "The backup did not end within a minute." >&2; exit 1; }
   done
   sleep 1
+  # Under wine and without a window manager, nothing draws again what a closed window has covered.
+  xdotool windowunmap --sync "$window" windowmap --sync "$window"
+  sleep 1
   import -window root "$2"
 }
 
