@@ -12,6 +12,7 @@ namespace {
 constexpr std::size_t kHeaderSize = 0x24BC;
 constexpr std::size_t kNodeSize = 0x27C;
 constexpr std::size_t kNodeEntries = 51;
+constexpr std::size_t kFirstChildAt = 0x08;
 constexpr std::size_t kNodeEntriesOffset = 0x18;
 constexpr std::size_t kNodeEntrySize = 12;
 constexpr std::size_t kSegmentData = 0x200;
@@ -43,6 +44,11 @@ constexpr ClassId kClassIds[] = {
 constexpr std::uint32_t kReadFlag = 0x80;
 constexpr std::uint32_t kMailFlag = 0x01000001;
 constexpr std::uint32_t kNormalPriority = 3;
+constexpr std::uint32_t kNoParent = 0xFFFFFFFF;
+
+// Outlook Express 4.
+constexpr std::size_t kOldHeaderSize = 0x54;
+constexpr std::size_t kOldMessageHeadSize = 16;
 
 std::uint32_t Offset(std::size_t position) {
   return static_cast<std::uint32_t>(position);
@@ -131,22 +137,20 @@ class Store {
     return Offset(start);
   }
 
-  void AddRecord(const Record& record) {
+  /// A record; the tree leads to it unless it is deleted.
+  void AddRecord(const Record& record, bool deleted = false) {
     const std::size_t at = file_.size();
     const Bytes bytes = record.At(at);
     file_.insert(file_.end(), bytes.begin(), bytes.end());
-    records_.push_back(Offset(at));
+    if (!deleted) records_.push_back(Offset(at));
     NoteSpace(kRecordSpaceAt, at);
   }
 
   Bytes Finish() {
-    if (records_.size() > kMaxDbxRecords) {
-      throw Error("writing a message store", {},
-                  std::to_string(records_.size()) + " records are too many for one file");
-    }
     if (!records_.empty()) WriteTree();
     Put(kRecordCountAt, Offset(records_.size()));
     Put(kFileSizeAt, Offset(file_.size()));
+    if (file_.size() > UINT32_MAX) throw Error("writing a message store", {}, "it would be larger than 4 GB");
     return std::move(file_);
   }
 
@@ -160,26 +164,10 @@ class Store {
     Put(headerField + 8, Offset(file_.size() - start));
   }
 
-  // All records in one node, or a root whose entries are between the leaves.
   void WriteTree() {
     const std::size_t root = file_.size();
-    const std::size_t total = records_.size();
     Put(kTreeRootAt, Offset(root));
-    if (total <= kNodeEntries) {
-      WriteNode(0, {0, total}, {});
-    } else {
-      const std::size_t between = total / (kNodeEntries + 1);
-      const std::size_t leaves = between + 1;
-      std::vector<Span> spans;
-      std::size_t first = 0;
-      for (std::size_t leaf = 0; leaf < leaves; ++leaf) {
-        const std::size_t size = (total - between) * (leaf + 1) / leaves - (total - between) * leaf / leaves;
-        spans.push_back({first, size});
-        first += size + 1;
-      }
-      WriteNode(0, {0, between}, spans);
-      for (const Span& span : spans) WriteNode(Offset(root), span, {});
-    }
+    WriteNode(0, {0, records_.size()});
     Put(kTreeCountAt, Offset((file_.size() - root) / kNodeSize));
     NoteSpace(kTreeSpaceAt, root);
   }
@@ -188,25 +176,48 @@ class Store {
     std::size_t first, size;
   };
 
-  /// A leaf with the records of `entries`; or, with `leaves`, the root, whose entries are the records between them.
-  void WriteNode(std::uint32_t parent, Span entries, std::span<const Span> leaves) {
+  /// How many records fit below each child of a node with `total` of them; 0 for a leaf.
+  static std::size_t RoomOfChildren(std::size_t total) {
+    std::size_t room = 0;
+    for (std::size_t next = kNodeEntries; next < total; next = room * (kNodeEntries + 1) + kNodeEntries) room = next;
+    return room;
+  }
+
+  /// The records of a node's children: about as many each, with one entry of the node between two of them.
+  static std::vector<Span> ShareAmongChildren(Span all) {
+    const std::size_t room = RoomOfChildren(all.size);
+    if (room == 0) return {};
+    const std::size_t children = (all.size + room + 1) / (room + 1);
+    const std::size_t shared = all.size - (children - 1);
+    std::vector<Span> shares;
+    std::size_t first = all.first;
+    for (std::size_t child = 0; child < children; ++child) {
+      const std::size_t size = shared * (child + 1) / children - shared * child / children;
+      shares.push_back({first, size});
+      first += size + 1;
+    }
+    return shares;
+  }
+
+  /// The node for `records`, and the nodes below it; its offset.
+  std::uint32_t WriteNode(std::uint32_t parent, Span records) {
     const std::size_t at = file_.size();
+    const std::vector<Span> children = ShareAmongChildren(records);
+    const std::size_t entries = children.empty() ? records.size : children.size() - 1;
     file_.resize(at + kNodeSize);
-    const auto leafAt = [&](std::size_t leaf) { return Offset(at + kNodeSize * (leaf + 1)); };
     Put(at, Offset(at));
     Put(at + 0x0C, parent);
-    file_[at + 0x11] = static_cast<std::uint8_t>(entries.size);
-    if (!leaves.empty()) {
-      Put(at + 0x08, leafAt(0));
-      Put(at + 0x14, Offset(leaves[0].size));
+    file_[at + 0x11] = static_cast<std::uint8_t>(entries);
+    for (std::size_t i = 0; i < entries; ++i) {
+      const std::size_t record = children.empty() ? records.first + i : children[i].first + children[i].size;
+      Put(at + kNodeEntriesOffset + i * kNodeEntrySize, records_[record]);
     }
-    for (std::size_t i = 0; i < entries.size; ++i) {
-      const std::size_t entry = at + kNodeEntriesOffset + i * kNodeEntrySize;
-      Put(entry, records_[leaves.empty() ? entries.first + i : leaves[i].first + leaves[i].size]);
-      if (leaves.empty()) continue;
-      Put(entry + 4, leafAt(i + 1));
-      Put(entry + 8, Offset(leaves[i + 1].size));
+    for (std::size_t i = 0; i < children.size(); ++i) {
+      const std::size_t entry = at + kNodeEntriesOffset + (i - 1) * kNodeEntrySize;
+      Put(i == 0 ? at + kFirstChildAt : entry + 4, WriteNode(Offset(at), children[i]));
+      Put(i == 0 ? at + kNodeEntriesOffset - 4 : entry + 8, Offset(children[i].size));
     }
+    return Offset(at);
   }
 
   Bytes file_;
@@ -219,14 +230,14 @@ Bytes MessageStore(std::span<const DbxMessage> messages) {
   Store store(DbxKind::Messages);
   std::uint32_t id = 0;
   for (const DbxMessage& message : messages) {
-    const std::uint32_t text = store.AddText(message.text);
+    const std::uint32_t text = message.text.empty() ? 0 : store.AddText(message.text);
     const auto lines = static_cast<std::uint32_t>(std::count(message.text.begin(), message.text.end(), '\n'));
     Record record;
     record.Number(FieldId{0x00}, ++id);
-    record.Number(FieldId{0x01}, kMailFlag | (message.read ? kReadFlag : 0));
+    record.Number(FieldId{0x01}, kMailFlag | message.flags | (message.read ? kReadFlag : 0));
     record.Time(FieldId{0x02}, message.sent);
     record.Number(FieldId{0x03}, lines);
-    record.Number(FieldId{0x04}, text);
+    if (text != 0) record.Number(FieldId{0x04}, text);
     record.Text(FieldId{0x05}, message.subject);
     record.Time(FieldId{0x06}, message.sent);
     record.Text(FieldId{0x07}, message.messageId);
@@ -240,25 +251,48 @@ Bytes MessageStore(std::span<const DbxMessage> messages) {
     record.Text(FieldId{0x14}, message.receiverAddress);
     record.Text(FieldId{0x1A}, message.account);
     record.Text(FieldId{0x1B}, "00000001");
+    store.AddRecord(record, message.deleted);
+  }
+  return store.Finish();
+}
+
+Bytes FolderListFile(std::span<const DbxFolder> folders) {
+  Store store(DbxKind::FolderList);
+  for (const DbxFolder& folder : folders) {
+    Record record;
+    // Zeros are left out.
+    const auto number = [&](std::uint8_t field, std::uint32_t value) {
+      if (value != 0) record.Number(FieldId{field}, value);
+    };
+    number(0x00, folder.id);
+    number(0x01, folder.parent.value_or(kNoParent));
+    record.Text(FieldId{0x02}, folder.name);
+    if (!folder.file.empty()) record.Text(FieldId{0x03}, folder.file);
+    number(0x06, 0x1);
+    number(0x07, folder.messages);
+    number(0x08, folder.unread);
+    number(0x09, folder.special);
+    number(0x0A, folder.tree);
     store.AddRecord(record);
   }
   return store.Finish();
 }
 
-Bytes FolderList(std::span<const DbxFolder> folders) {
-  Store store(DbxKind::FolderList);
-  for (const DbxFolder& folder : folders) {
-    Record record;
-    record.Number(FieldId{0x00}, folder.id);
-    record.Number(FieldId{0x01}, folder.parent);
-    record.Text(FieldId{0x02}, folder.name);
-    if (!folder.file.empty()) record.Text(FieldId{0x03}, folder.file);
-    record.Number(FieldId{0x06}, 0x4);
-    record.Number(FieldId{0x07}, folder.messages);
-    record.Number(FieldId{0x08}, folder.unread);
-    store.AddRecord(record);
+Bytes OldMessageStore(std::span<const std::string> texts) {
+  Bytes file = {'J', 'M', 'F', '6', 1, 0, 1, 0};
+  AppendNumber<4>(file, texts.size());
+  AppendNumber<4>(file, texts.size());
+  file.resize(kOldHeaderSize);
+  std::uint32_t number = 0;
+  for (const std::string& text : texts) {
+    file.insert(file.end(), {0x00, 0x7F, 0x00, 0x7F});
+    AppendNumber<4>(file, ++number);
+    AppendNumber<4>(file, kOldMessageHeadSize + text.size());
+    AppendNumber<4>(file, text.size());
+    file.insert(file.end(), text.begin(), text.end());
   }
-  return store.Finish();
+  Store32(&file[0x10], Offset(file.size()));
+  return file;
 }
 
 Bytes EmptyStore(DbxKind kind) {
