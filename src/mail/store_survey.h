@@ -1,0 +1,47 @@
+// The books of one store: every message read through it is noted with the bytes that it takes, and at the end every
+// byte of the file is accounted for, and what nothing leads to has been found. So an export keeps the books while it
+// reads, and the file is read once.
+#pragma once
+
+#include "mail/deleted_pieces.h"
+#include "mail/store_reader.h"
+
+namespace quillbox {
+
+class StoreSurvey {
+ public:
+  /// `store` must outlive the survey. Walks the tree.
+  explicit StoreSurvey(StoreReader& store);
+
+  /// As those of StoreReader, noted.
+  std::variant<StoredMessage, StoreDamage> ReadMessage(std::uint32_t entry);
+  TextResult ReadText(const StoredMessage& message, const TextSink& sink);
+
+  /// Reads the messages that `entries` names without a use for their text, for those who want the account only.
+  void ReadAll();
+
+  /// After every entry was read: closes the books. Only then is what follows complete.
+  void Finish();
+  /// Adds up to the file's size, whatever the file holds.
+  StoreAccount Account() const;
+  const std::vector<RecoveredMessage>& Recovered() const { return recovered_; }
+  /// All damage: of the tree, of the messages read, and of the accounting.
+  const DamageList& Damage() const { return damage_; }
+
+  /// What the record of a recovered message says; nothing but its place and its text where there is no record.
+  StoredMessage ReadRecovered(const RecoveredMessage& message);
+  /// As much of its text as is there. No damage: the message's state says what it is.
+  TextResult ReadRecoveredText(const RecoveredMessage& message, const TextSink& sink);
+
+ private:
+  void ClaimIndex();
+  void ClaimDamage();
+  void ClaimOldMessage(const StoredMessage& message);
+
+  StoreReader& store_;
+  StoreExtents extents_;
+  DamageList damage_;
+  std::vector<RecoveredMessage> recovered_;
+};
+
+}  // namespace quillbox
