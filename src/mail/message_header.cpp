@@ -130,7 +130,7 @@ class WordDecoder {
         raw.remove_prefix(word->length);
       } else {
         const std::size_t next = raw.find("=?", 1);
-        AddPlain(raw.substr(0, next));
+        plain_ += raw.substr(0, next);
         raw.remove_prefix(std::min(raw.size(), next));
       }
     }
@@ -140,8 +140,6 @@ class WordDecoder {
   }
 
  private:
-  void AddPlain(std::string_view text) { plain_ += text; }
-
   void AddWord(const EncodedWord& word, std::string_view asItCame) {
     // Blanks between two words are not part of the text; a character may begin in one and end in the next.
     const bool onlyBlanks = std::all_of(plain_.begin(), plain_.end(), IsBlank);
@@ -187,7 +185,7 @@ MessageHeader ParseHeader(std::string_view text) {
     const std::string_view line = TakeLine(text);
     if (line.empty()) break;
     if (IsBlank(line.front())) {
-      if (field != nullptr) *field += " " + std::string(TrimBlanks(line));
+      if (field != nullptr) *field += (field->empty() ? "" : " ") + std::string(TrimBlanks(line));
       continue;
     }
     field = nullptr;

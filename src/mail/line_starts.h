@@ -1,0 +1,55 @@
+// Finds lines that begin in a certain way in bytes that come piece by piece, whatever the pieces and however long the
+// lines: mailbox files quote such lines, and unquote them.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace quillbox {
+
+class LineStarts {
+ public:
+  struct Rule {
+    std::string_view quote;                   ///< may be repeated before the beginning; letters as they are
+    std::span<const std::string_view> words;  ///< the beginnings; no one begins with the quote
+    bool ignoreCase = false;
+    bool headerOnly = false;  ///< only before the first empty line
+  };
+
+  class Listener {
+   public:
+    virtual ~Listener() = default;
+    virtual void Text(std::string_view piece) = 0;
+    /// A line begins with `quotes` quotes and `word` (as it was written). What follows is Text again, or nothing up to
+    /// the end of the line when the answer is false.
+    virtual bool Found(std::uint64_t quotes, std::string_view word) = 0;
+  };
+
+  LineStarts(const Rule& rule, Listener& listener) : rule_(rule), listener_(listener) {}
+
+  void Add(std::string_view piece);
+  /// What was held back comes out; the next byte begins a line of a new text.
+  void End();
+
+ private:
+  enum class Place { LineStart, InLine, Skipping };
+
+  /// Looks at a byte of a line's beginning; false when it belongs to the rest of the line.
+  bool TakeByte(char c);
+  void Match();
+  void Flush();
+
+  Rule rule_;
+  Listener& listener_;
+  Place place_ = Place::LineStart;
+  bool afterHeader_ = false;
+  std::uint64_t quotes_ = 0;
+  std::string pending_;  ///< of the line after its quotes; shorter than the longest word
+};
+
+/// Gives `text` to the listener `count` times.
+void Repeat(LineStarts::Listener& listener, std::string_view text, std::uint64_t count);
+
+}  // namespace quillbox
