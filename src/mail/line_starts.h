@@ -2,6 +2,7 @@
 // lines: mailbox files quote such lines, and unquote them.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -27,7 +28,7 @@ class LineStarts {
     virtual bool Found(std::uint64_t quotes, std::string_view word) = 0;
   };
 
-  LineStarts(const Rule& rule, Listener& listener) : rule_(rule), listener_(listener) {}
+  LineStarts(const Rule& rule, Listener& listener);
 
   void Add(std::string_view piece);
   /// What was held back comes out; the next byte begins a line of a new text.
@@ -40,11 +41,14 @@ class LineStarts {
   bool TakeByte(char c);
   void Match();
   void Flush();
+  static std::size_t ToLineEnd(std::string_view piece);
+  std::size_t ToNextCandidate(std::string_view piece) const;
 
   Rule rule_;
   Listener& listener_;
   Place place_ = Place::LineStart;
   bool afterHeader_ = false;
+  std::array<bool, 256> mayBegin_ = {};  ///< by the first byte of a line: whether the rule may apply
   std::uint64_t quotes_ = 0;
   std::string pending_;  ///< of the line after its quotes; shorter than the longest word
 };

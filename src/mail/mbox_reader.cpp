@@ -78,12 +78,14 @@ class MessageReading final : public LineStarts::Listener {
     listener_.Text(piece);
   }
 
-  /// Header lines come in pieces that end with the line at the latest.
+  /// The value goes to the end of its line; the rest is the message's again.
   void AddValue(std::string_view piece) {
-    value_ += piece.substr(0, kMaxValue - std::min(kMaxValue, value_.size()));
-    if (!piece.ends_with('\n')) return;
-    NoteState(*ownLine_, Trim(value_.substr(0, value_.find_first_of("\r\n"))));
+    const std::size_t end = piece.find('\n');
+    value_ += piece.substr(0, std::min(end, kMaxValue - std::min(kMaxValue, value_.size())));
+    if (end == std::string_view::npos) return;
+    NoteState(*ownLine_, Trim(value_.substr(0, value_.find('\r'))));
     ownLine_.reset();
+    Text(piece.substr(end + 1));
   }
 
   void NoteState(OwnLine line, const std::string& value) {
