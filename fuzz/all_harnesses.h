@@ -8,6 +8,7 @@
 namespace quillbox {
 
 inline const std::array kAllHarnesses = {&kHiveHarness,        &kHiveChangeHarness, &kHiveLogHarness, &kRegTextHarness,
-                                         &kCommandLineHarness, &kTextHarness,       &kRuleHarness};
+                                         &kCommandLineHarness, &kTextHarness,       &kRuleHarness,    &kStoreHarness,
+                                         &kMboxHarness,        &kMailHeaderHarness};
 
 }  // namespace quillbox
