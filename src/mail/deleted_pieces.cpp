@@ -37,7 +37,8 @@ struct Stretch {
   std::uint32_t End() const { return first + segments * kSegmentSize; }
 };
 
-struct FoundRecord {
+/// Where a record or segment is, and how much the offsets in it are too high.
+struct Place {
   std::uint32_t offset;
   std::int64_t shift;
 };
@@ -47,14 +48,15 @@ class ShapeScan {
  public:
   ShapeScan(StoreInput& input, bool isFolderList) : input_(input), isFolderList_(isFolderList) {}
 
-  void Scan(std::uint64_t start, std::uint64_t end) {
-    std::uint64_t at = (start + kAlignment - 1) / kAlignment * kAlignment;
-    while (at + kSegmentHeadSize <= end && at < UINT32_MAX) {
-      const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(kScanPiece, end - at));
+  void Scan(FileSpan gap) {
+    end_ = gap.End();
+    std::uint64_t at = (gap.start + kAlignment - 1) / kAlignment * kAlignment;
+    while (at + kSegmentHeadSize <= end_ && at < UINT32_MAX) {
+      const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(kScanPiece, end_ - at));
       const auto read = input_.Read(at, size);
       if (const auto* bytes = std::get_if<ByteView>(&read)) {
         piece_.assign(bytes->begin(), bytes->end());
-        at = ScanPiece(at, end);
+        at = ScanPiece(at);
       } else {
         at += size;
       }
@@ -62,78 +64,79 @@ class ShapeScan {
   }
 
   std::vector<Stretch> stretches;
-  std::vector<FoundRecord> records;
-  std::vector<std::pair<std::uint32_t, std::uint32_t>> found;  ///< offset and length of everything
+  std::vector<Place> records;
+  std::vector<FileSpan> found;  ///< everything
   bool full = false;
 
  private:
   /// Where to go on.
-  std::uint64_t ScanPiece(std::uint64_t start, std::uint64_t end) {
+  std::uint64_t ScanPiece(std::uint64_t start) {
     std::size_t at = 0;
     while (at + kSegmentHeadSize <= piece_.size()) {
       const std::uint64_t offset = start + at;
-      const std::uint64_t length = offset <= UINT32_MAX ? Recognise(&piece_[at], offset, end) : 0;
-      if (length != 0) Note(offset, length);
+      const std::uint64_t length = offset <= UINT32_MAX ? Recognise(&piece_[at], offset) : 0;
+      if (length != 0) Note({offset, length});
       at += length == 0 ? kAlignment : static_cast<std::size_t>((length + kAlignment - 1) / kAlignment * kAlignment);
     }
     return start + at;
   }
 
-  void Note(std::uint64_t offset, std::uint64_t length) {
-    const auto start = static_cast<std::uint32_t>(offset);
-    if (!found.empty() && found.back().first + found.back().second == start) {
-      found.back().second += static_cast<std::uint32_t>(length);
+  void Note(FileSpan span) {
+    if (!found.empty() && found.back().End() == span.start) {
+      found.back().length += span.length;
     } else if (found.size() < kMaxStretches + kMaxRecords) {
-      found.emplace_back(start, static_cast<std::uint32_t>(length));
+      found.push_back(span);
     }
   }
 
   /// The length of the part whose first 16 bytes are at `head`; 0 when there is none.
-  std::uint64_t Recognise(const std::uint8_t* head, std::uint64_t offset, std::uint64_t end) {
+  std::uint64_t Recognise(const std::uint8_t* head, std::uint64_t offset) {
     const std::uint32_t own = Load32(head);
     if (own == 0 || own % kAlignment != 0) return 0;
     const std::int64_t shift = std::int64_t{own} - static_cast<std::int64_t>(offset);
+    const Place place{static_cast<std::uint32_t>(offset), shift};
     const std::uint32_t second = Load32(head + 4);
     if (second == kSegmentRoom) {
-      if (const std::uint64_t length = Segment(head, offset, end, shift)) return length;
+      if (const std::uint64_t length = Segment(head, place)) return length;
     }
-    if (second == 0) return shift == 0 ? Node(offset, end) : 0;
-    return Record(head, offset, end, shift);
+    if (second == 0) return shift == 0 ? Node(offset) : 0;
+    return Record(head, place);
   }
 
-  std::uint64_t Segment(const std::uint8_t* head, std::uint64_t offset, std::uint64_t end, std::int64_t shift) {
+  std::uint64_t Segment(const std::uint8_t* head, const Place& place) {
+    const auto [offset, shift] = place;
     const std::uint32_t used = Load32(head + kSegmentUsedAt);
     const std::uint32_t next = Load32(head + kSegmentNextAt);
     const std::int64_t nextPlace = next == 0 ? 0 : std::int64_t{next} - shift;
     if (used == 0 || used > kSegmentRoom || nextPlace < 0 || nextPlace > UINT32_MAX) return 0;
-    if (offset + kSegmentHeadSize + used > end) return 0;
-    if (shift != 0 && next != 0 && !HoldsNumber(static_cast<std::uint64_t>(nextPlace), next)) return 0;
-    AddSegment(static_cast<std::uint32_t>(offset), used, static_cast<std::uint32_t>(nextPlace), shift);
-    return std::min<std::uint64_t>(kSegmentSize, end - offset);
+    if (std::uint64_t{offset} + kSegmentHeadSize + used > end_) return 0;
+    if (shift != 0 && next != 0 && NumberAt(static_cast<std::uint32_t>(nextPlace)) != next) return 0;
+    AddSegment({offset, 1, used, static_cast<std::uint32_t>(nextPlace), shift});
+    return std::min<std::uint64_t>(kSegmentSize, end_ - offset);
   }
 
-  bool HoldsNumber(std::uint64_t offset, std::uint32_t number) {
+  std::optional<std::uint32_t> NumberAt(std::uint32_t offset) {
     const auto read = input_.Read(offset, 4);
     const auto* bytes = std::get_if<ByteView>(&read);
-    return bytes != nullptr && Load32(bytes->data()) == number;
+    return bytes == nullptr ? std::nullopt : std::optional(Load32(bytes->data()));
   }
 
-  void AddSegment(std::uint32_t offset, std::uint32_t used, std::uint32_t next, std::int64_t shift) {
+  void AddSegment(const Stretch& segment) {
     if (!stretches.empty()) {
       Stretch& last = stretches.back();
-      if (last.shift == shift && last.next == offset && last.End() == offset) {
+      if (last.shift == segment.shift && last.next == segment.first && last.End() == segment.first) {
         ++last.segments;
-        last.bytes += used;
-        last.next = next;
+        last.bytes += segment.bytes;
+        last.next = segment.next;
         return;
       }
     }
     full = full || stretches.size() == kMaxStretches;
-    if (!full) stretches.push_back({offset, 1, used, next, shift});
+    if (!full) stretches.push_back(segment);
   }
 
-  std::uint64_t Node(std::uint64_t offset, std::uint64_t end) {
-    if (offset + kNodeSize > end) return 0;
+  std::uint64_t Node(std::uint64_t offset) {
+    if (offset + kNodeSize > end_) return 0;
     const auto read = input_.Read(offset, kNodeSize);
     const auto* bytes = std::get_if<ByteView>(&read);
     if (bytes == nullptr) return 0;
@@ -146,24 +149,45 @@ class ShapeScan {
     return kNodeSize;
   }
 
-  std::uint64_t Record(const std::uint8_t* head, std::uint64_t offset, std::uint64_t end, std::int64_t shift) {
+  std::uint64_t Record(const std::uint8_t* head, const Place& place) {
+    const auto [offset, shift] = place;
     const std::uint32_t length = Load32(head + kRecordLengthAt);
     const std::size_t fields = head[kRecordFieldsAt];
     if (length < kMinRecordLength || length > kMaxRecordLength || length % kAlignment != 0) return 0;
-    if (fields < kMinFields || fields > kMaxFields || offset + kRecordHeadSize + length > end) return 0;
+    if (fields < kMinFields || fields > kMaxFields || std::uint64_t{offset} + kRecordHeadSize + length > end_) return 0;
     const std::size_t total = Load16(head + kRecordTotalAt);
     if (shift != 0 && total != 0 && total != length + kRecordHeadSize) return 0;
+    if (!HasFieldTable(offset, head)) return 0;
     const auto read = StoreRecord::Read(input_, offset, shift);
     const auto* record = std::get_if<StoreRecord>(&read);
-    if (record == nullptr || record->FieldFault() || !record->FieldsRise()) return 0;
-    if (!record->Has(isFolderList_ ? kFolderName : kMessageText)) return 0;
+    if (record == nullptr || !record->Has(isFolderList_ ? kFolderName : kMessageText)) return 0;
     full = full || records.size() == kMaxRecords;
-    if (!full && !isFolderList_) records.push_back({static_cast<std::uint32_t>(offset), shift});
+    if (!full && !isFolderList_) records.push_back(place);
     return record->Size();
+  }
+
+  /// True for a table of fields whose numbers rise, as in every record seen, and whose places are within the record.
+  /// Looked at before the record is read, so that bytes which only begin like one cost little.
+  bool HasFieldTable(std::uint64_t offset, const std::uint8_t* head) {
+    const std::size_t fields = head[kRecordFieldsAt];
+    const std::uint32_t length = Load32(head + kRecordLengthAt);
+    const auto read = input_.Read(offset + kRecordHeadSize, fields * 4);
+    const auto* table = std::get_if<ByteView>(&read);
+    if (table == nullptr || fields * 4 > length) return false;
+    int last = -1;
+    for (std::size_t i = 0; i < fields; ++i) {
+      const std::uint32_t entry = Load32(&(*table)[i * 4]);
+      const int number = static_cast<int>(entry & 0x7F);
+      const bool isPlace = (entry & 0x80) == 0;
+      if (number <= last || (isPlace && (entry >> 8) >= length - fields * 4)) return false;
+      last = number;
+    }
+    return true;
   }
 
   StoreInput& input_;
   bool isFolderList_;
+  std::uint64_t end_ = 0;  ///< of the gap
   Bytes piece_;
 };
 
@@ -173,8 +197,8 @@ class Joiner {
   Joiner(StoreInput& input, const StoreExtents& extents, const std::vector<Stretch>& stretches)
       : input_(input), extents_(extents), stretches_(stretches), taken_(stretches.size()) {}
 
-  std::vector<RecoveredMessage> Join(const std::vector<FoundRecord>& records) {
-    for (const FoundRecord& record : records) JoinRecord(record);
+  std::vector<RecoveredMessage> Join(const std::vector<Place>& records) {
+    for (const Place& record : records) JoinRecord(record);
     FindContinuations();
     for (std::size_t i = 0; i < stretches_.size(); ++i) {
       if (!taken_[i] && !IsContinuation(stretches_[i])) JoinAlone(stretches_[i]);
@@ -193,7 +217,7 @@ class Joiner {
     bool ends = false;  ///< by a last segment
   };
 
-  void JoinRecord(const FoundRecord& found) {
+  void JoinRecord(const Place& found) {
     const auto read = StoreRecord::Read(input_, found.offset, found.shift);
     const auto* record = std::get_if<StoreRecord>(&read);
     if (record == nullptr) return;
@@ -201,24 +225,24 @@ class Joiner {
     if (!message.text) return;
     const std::int64_t place = std::int64_t{*message.text} - found.shift;
     if (place < 0 || place > UINT32_MAX) return;
-    const auto first = static_cast<std::uint32_t>(place);
+    const Place first{static_cast<std::uint32_t>(place), found.shift};
     // An older copy of a record whose message is still in the tree.
-    if (extents_.UseAt(first) == ByteUse::Messages && found.shift == 0) return;
-    RecoveredMessage recovered{RecoveryState::RecordOnly, found.offset, found.shift, first};
-    if (const auto stretch = Find(first, found.shift)) {
+    if (extents_.UseAt(first.offset) == ByteUse::Messages && found.shift == 0) return;
+    RecoveredMessage recovered{RecoveryState::RecordOnly, found.offset, found.shift, first.offset};
+    if (const auto stretch = Find(first)) {
       // An older copy of a record that was found before.
       if (taken_[*stretch]) return;
-      const Chain chain = Follow(first, found.shift);
+      const Chain chain = Follow(first);
       recovered.segments = chain.segments;
-      const bool isWhole = chain.ends && BeginsWithHeader(first, found.shift) && !IsTooShort(chain, message);
+      const bool isWhole = chain.ends && BeginsWithHeader(first) && !IsTooShort(chain, message);
       recovered.state = isWhole ? RecoveryState::Whole : RecoveryState::Partly;
     }
     messages_.push_back(recovered);
   }
 
   void JoinAlone(const Stretch& stretch) {
-    const Chain chain = Follow(stretch.first, stretch.shift);
-    const bool isWhole = chain.ends && BeginsWithHeader(stretch.first, stretch.shift);
+    const Chain chain = Follow({stretch.first, stretch.shift});
+    const bool isWhole = chain.ends && BeginsWithHeader({stretch.first, stretch.shift});
     messages_.push_back({isWhole ? RecoveryState::Whole : RecoveryState::Partly, std::nullopt, stretch.shift,
                          stretch.first, chain.segments});
   }
@@ -228,23 +252,23 @@ class Joiner {
     return chain.bytes + chain.bytes / 3 < message.size.value_or(0);
   }
 
-  bool BeginsWithHeader(std::uint32_t first, std::int64_t shift) {
-    SegmentChain chain(input_, first, shift);
+  bool BeginsWithHeader(const Place& first) {
+    SegmentChain chain(input_, first.offset, first.shift);
     const auto segment = chain.Next();
     return segment && LooksLikeHeader(segment->text);
   }
 
-  Chain Follow(std::uint32_t place, std::int64_t shift) {
+  Chain Follow(Place place) {
     Chain chain;
-    while (const auto index = Find(place, shift)) {
+    while (const auto index = Find(place)) {
       if (taken_[*index]) return chain;
       taken_[*index] = true;
       const Stretch& stretch = stretches_[*index];
-      const std::uint32_t skipped = (place - stretch.first) / kSegmentSize;
+      const std::uint32_t skipped = (place.offset - stretch.first) / kSegmentSize;
       chain.segments += stretch.segments - skipped;
       chain.bytes += stretch.bytes - std::min(stretch.bytes, skipped * kSegmentRoom);
-      place = stretch.next;
-      if (place == 0) {
+      place.offset = stretch.next;
+      if (place.offset == 0) {
         chain.ends = true;
         return chain;
       }
@@ -253,13 +277,13 @@ class Joiner {
   }
 
   /// The stretch that has a segment at `place`.
-  std::optional<std::size_t> Find(std::uint32_t place, std::int64_t shift) const {
-    const auto after = std::upper_bound(stretches_.begin(), stretches_.end(), place,
+  std::optional<std::size_t> Find(const Place& place) const {
+    const auto after = std::upper_bound(stretches_.begin(), stretches_.end(), place.offset,
                                         [](std::uint32_t at, const Stretch& stretch) { return at < stretch.first; });
     if (after == stretches_.begin()) return std::nullopt;
     const auto stretch = std::prev(after);
-    const std::uint32_t distance = place - stretch->first;
-    if (stretch->shift != shift || distance % kSegmentSize != 0 || distance / kSegmentSize >= stretch->segments) {
+    const std::uint32_t distance = place.offset - stretch->first;
+    if (stretch->shift != place.shift || distance % kSegmentSize != 0 || distance / kSegmentSize >= stretch->segments) {
       return std::nullopt;
     }
     return static_cast<std::size_t>(stretch - stretches_.begin());
@@ -288,13 +312,13 @@ class Joiner {
 
 DeletedPieces FindDeletedPieces(StoreInput& input, StoreExtents& extents, bool isFolderList) {
   ShapeScan scan(input, isFolderList);
-  extents.ForEachGap([&](std::uint64_t start, std::uint64_t end) { scan.Scan(start, end); });
+  extents.ForEachGap([&](FileSpan gap) { scan.Scan(gap); });
   DeletedPieces pieces;
   if (scan.full) {
     pieces.damage.Add({0, StorePart::Store, DamageReason::TooMany, "not all deleted messages are recovered"});
   }
   if (!isFolderList) pieces.messages = Joiner(input, extents, scan.stretches).Join(scan.records);
-  for (const auto& [offset, length] : scan.found) extents.Claim(offset, length, ByteUse::Deleted);
+  for (const FileSpan& span : scan.found) extents.Claim(span, ByteUse::Deleted);
   extents.Settle();
   return pieces;
 }

@@ -47,8 +47,9 @@ EmlFacts FactsOf(const StoredMessage& message, const MessageHeader& header, cons
 /// "2004-03-17 Subject (sender)", without the ending ".eml". The date is UTC.
 std::string EmlStem(const EmlFacts& facts);
 
-/// The name of a message's file in a Maildir's "cur": the same for the same message, so that its flags can change and
-/// an export finds it again. `separator` is ':' but where file names cannot have it ('!' there).
+/// The name of a message's file in a Maildir's "cur"; the file has the message's bytes as they are. It is the same for
+/// the same message, so that its flags can change and an export finds it again. `separator` is ':' but where file names
+/// cannot have it ('!' there).
 std::string MaildirName(const MessageIdentity& identity, std::int64_t received, const MailState& state,
                         char separator = ':');
 /// The part of such a name that stays when flags change.

@@ -19,14 +19,14 @@ enum class FolderTree : std::uint8_t { Other = 0, WebMail = 2, Local = 3, Root =
 
 struct MailFolder {
   std::uint32_t number = 0;
-  std::optional<std::size_t> parent;  ///< its place in the list; nothing for one at the top
-  std::string name;                   ///< inner text
-  std::string file;                   ///< of the store, without a folder; matches without case. Empty: it has none
-  std::string server;                 ///< "LocalStore", or the account that it is on
+  std::optional<std::size_t> parent = {};  ///< its place in the list; nothing for one at the top
+  std::string name = {};                   ///< inner text
+  std::string file = {};                   ///< of the store, without a folder; matches without case. Empty: it has none
+  std::string server = {};                 ///< "LocalStore", or the account that it is on
   SpecialFolder special = SpecialFolder::None;
   FolderTree tree = FolderTree::Other;
   std::uint32_t flags = 0;
-  std::optional<std::uint32_t> messages, unread;  ///< as the list counts them
+  std::optional<std::uint32_t> messages = {}, unread = {};  ///< as the list counts them
 };
 
 struct FolderList {
@@ -53,8 +53,9 @@ struct StoreName {
 /// Nothing for a file that isn't named like a store of messages: another ending, Folders, Offline and the like.
 std::optional<StoreName> ParseStoreName(std::string_view file);
 
-/// The folders by the names of the stores alone, in one level.
-FolderList FoldersOfFiles(std::span<const std::string> files);
+/// Adds a folder at the top for each store among `files` that no folder of the list names: for a list without them all
+/// stores, where Folders.dbx is lost, damaged or empty.
+void AddUnnamedStores(FolderList& list, std::span<const std::string> files);
 
 enum class MailTarget { Thunderbird, Maildir, Files };
 /// The name that the program behind a target gives its own folder of this kind; empty for none.

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <unordered_set>
 
 #include "mail/folder_list.h"
 #include "text/unicode.h"
@@ -83,13 +84,18 @@ std::optional<StoreName> ParseStoreName(std::string_view file) {
   return name;
 }
 
-FolderList FoldersOfFiles(std::span<const std::string> files) {
-  FolderList list;
+void AddUnnamedStores(FolderList& list, std::span<const std::string> files) {
+  std::unordered_set<std::string> named;
+  std::uint32_t number = 0;
+  for (const MailFolder& folder : list.folders) {
+    named.insert(UpperCase(folder.file));
+    number = std::max(number, folder.number + 1);
+  }
   for (const std::string& file : files) {
     const auto name = ParseStoreName(file);
-    if (!name) continue;
+    if (!name || !named.insert(UpperCase(file)).second) continue;
     MailFolder folder;
-    folder.number = static_cast<std::uint32_t>(list.folders.size());
+    folder.number = number++;
     // A copy has a folder of its own here: only the person knows what is in it.
     folder.name = name->isCopy ? file.substr(0, file.rfind('.')) : name->folder;
     folder.file = file;
@@ -97,7 +103,6 @@ FolderList FoldersOfFiles(std::span<const std::string> files) {
     folder.tree = FolderTree::Local;
     list.folders.push_back(std::move(folder));
   }
-  return list;
 }
 
 std::string_view TargetName(SpecialFolder special, MailTarget target) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
 
 #include "text/error.h"
 #include "text/unicode.h"
@@ -77,21 +78,34 @@ std::string DecodeUpperHalf(const UpperHalf& table, std::string_view bytes) {
   return ToUtf8(units);
 }
 
+/// The page of that number; null for one that this computer doesn't know. Making a page takes longer than decoding a
+/// header, so each is made once.
+const CodePage* FindPage(unsigned number) {
+  thread_local std::map<unsigned, std::optional<CodePage>> pages;
+  const auto [entry, isNew] = pages.try_emplace(number);
+  if (isNew) {
+    try {
+      entry->second.emplace(number);
+    } catch (const Error&) {
+      entry->second.reset();
+    }
+  }
+  return entry->second ? &*entry->second : nullptr;
+}
+
 }  // namespace
 
-std::optional<std::string> DecodeCharset(std::string_view charset, std::string_view bytes) {
-  const std::string name = SmallLetters(charset);
+std::optional<std::string> DecodeCharset(const EncodedText& text) {
+  const std::string name = SmallLetters(text.charset);
+  const std::string_view bytes = text.bytes;
   if (name == "utf-8" || name == "utf8") return ToUtf8(ToUtf16(bytes));
   for (const UpperHalf& table : kUpperHalves) {
     if (table.charset == name) return DecodeUpperHalf(table, bytes);
   }
   const auto page = PageOf(name);
   if (!page) return std::nullopt;
-  try {
-    return CodePage(*page).Decode(bytes);
-  } catch (const Error&) {
-    return std::nullopt;  // A page that this computer doesn't know.
-  }
+  const CodePage* const known = FindPage(*page);
+  return known == nullptr ? std::nullopt : std::optional(known->Decode(bytes));
 }
 
 }  // namespace quillbox

@@ -9,7 +9,12 @@
 
 namespace quillbox {
 
-/// `bytes` in the charset of that name (without regard to case) as inner text; nothing for a charset that isn't known.
-std::optional<std::string> DecodeCharset(std::string_view charset, std::string_view bytes);
+struct EncodedText {
+  std::string_view charset;  ///< without regard to case
+  std::string_view bytes;
+};
+
+/// The bytes as inner text; nothing for a charset that isn't known.
+std::optional<std::string> DecodeCharset(const EncodedText& text);
 
 }  // namespace quillbox

@@ -158,7 +158,7 @@ class WordDecoder {
 
   void Flush() {
     if (charset_.empty()) return;
-    if (const auto text = DecodeCharset(charset_, bytes_)) {
+    if (const auto text = DecodeCharset({charset_, bytes_})) {
       result_.text += *text;
     } else {
       result_.text += DecodePlain(asItCame_, page_);

@@ -67,11 +67,10 @@ std::optional<DamageReason> SegmentChain::Claim(const Segment& segment) {
   return std::nullopt;
 }
 
-TextResult ReadChain(StoreInput& input, std::uint32_t first, const TextSink& sink, std::int64_t shift,
-                     std::uint64_t limit) {
-  SegmentChain chain(input, first, shift);
+TextResult ReadChain(StoreInput& input, const ChainPart& part, const TextSink& sink) {
+  SegmentChain chain(input, part.first, part.shift);
   TextResult result;
-  for (std::uint64_t count = 0; count < limit; ++count) {
+  for (std::uint64_t count = 0; count < part.segments; ++count) {
     const auto segment = chain.Next();
     if (!segment) {
       result.damage = chain.Damage();

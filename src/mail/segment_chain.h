@@ -58,9 +58,14 @@ class SegmentChain {
   std::optional<StoreDamage> damage_;
 };
 
-/// Gives the chain from `first` to `sink`: all of it, or what is before its first damaged segment, and no more than
-/// `limit` segments.
-TextResult ReadChain(StoreInput& input, std::uint32_t first, const TextSink& sink, std::int64_t shift = 0,
-                     std::uint64_t limit = UINT64_MAX);
+/// A chain, or its beginning.
+struct ChainPart {
+  std::uint32_t first = 0;  ///< the first segment
+  std::int64_t shift = 0;   ///< see SegmentChain
+  std::uint64_t segments = UINT64_MAX;
+};
+
+/// Gives a chain's text to `sink`, or what is before its first damaged segment.
+TextResult ReadChain(StoreInput& input, const ChainPart& part, const TextSink& sink);
 
 }  // namespace quillbox

@@ -14,21 +14,20 @@ std::uint64_t StoreAccount::Total() const {
   return std::accumulate(bytes.begin(), bytes.end(), std::uint64_t{0});
 }
 
-void StoreExtents::Claim(std::uint64_t start, std::uint64_t length, ByteUse use) {
+void StoreExtents::Claim(FileSpan span, ByteUse use) {
   const std::uint64_t reach = std::min(fileSize_, kReach);
-  if (start >= reach) return;
-  length = std::min(length, reach - start);
-  while (length != 0 && !full_) {
-    const std::uint64_t piece = std::min<std::uint64_t>(length, Extent::kMaxLength);
-    Append({start, piece, use});
-    start += piece;
-    length -= piece;
+  if (span.start >= reach) return;
+  span.length = std::min(span.length, reach - span.start);
+  while (span.length != 0 && !full_) {
+    const FileSpan piece{span.start, std::min<std::uint64_t>(span.length, Extent::kMaxLength)};
+    Append({piece, use});
+    span = {piece.End(), span.length - piece.length};
     if (extents_.size() < settleAt_) continue;
     Settle();
     settleAt_ = std::max(settleAt_, extents_.size() * 2);
     if (extents_.size() < kMaxExtents) continue;
     full_ = true;
-    damage_.Add({start, StorePart::Store, DamageReason::TooMany, "its use of space is not known from here on"});
+    damage_.Add({piece.End(), StorePart::Store, DamageReason::TooMany, "its use of space is not known from here on"});
   }
 }
 
@@ -53,7 +52,7 @@ void StoreExtents::Settle() {
     if (extent.start < end) {
       damage_.Add({extent.start, StorePart::Store, DamageReason::UsedTwice});
       if (extent.End() <= end) continue;
-      extent = Extent(end, extent.End() - end, extent.Use());
+      extent = Extent({end, extent.End() - end}, extent.Use());
     }
     end = extent.End();
     if (kept == 0 || !extents_[kept - 1].Join(extent)) extents_[kept++] = extent;
@@ -61,13 +60,13 @@ void StoreExtents::Settle() {
   extents_.erase(extents_.begin() + static_cast<std::ptrdiff_t>(kept), extents_.end());
 }
 
-void StoreExtents::ForEachGap(const std::function<void(std::uint64_t, std::uint64_t)>& gap) const {
+void StoreExtents::ForEachGap(const std::function<void(FileSpan)>& gap) const {
   std::uint64_t end = 0;
   for (const Extent& extent : extents_) {
-    if (extent.start > end) gap(end, extent.start);
+    if (extent.start > end) gap({end, extent.start - end});
     end = extent.End();
   }
-  if (end < fileSize_) gap(end, fileSize_);
+  if (end < fileSize_) gap({end, fileSize_ - end});
 }
 
 std::vector<StoreExtents::Extent>::const_iterator StoreExtents::After(std::uint64_t offset) const {

@@ -21,6 +21,14 @@ enum class ByteUse : std::uint8_t {
 };
 inline constexpr std::size_t kByteUses = 5;
 
+/// A stretch of the file.
+struct FileSpan {
+  std::uint64_t start = 0;
+  std::uint64_t length = 0;
+
+  std::uint64_t End() const { return start + length; }
+};
+
 /// How many bytes of a store are used for what.
 struct StoreAccount {
   std::array<std::uint64_t, kByteUses> bytes = {};
@@ -38,13 +46,13 @@ class StoreExtents {
 
   explicit StoreExtents(std::uint64_t fileSize) : fileSize_(fileSize) {}
 
-  /// Notes the use of `length` bytes at `start`, as far as the file goes. Bytes that are claimed twice keep one of the
-  /// two uses, and are noted as damage.
-  void Claim(std::uint64_t start, std::uint64_t length, ByteUse use);
+  /// Notes the use of `span`, as far as the file goes. Bytes that are claimed twice keep one of the two uses, and are
+  /// noted as damage.
+  void Claim(FileSpan span, ByteUse use);
   /// Sorts what was claimed; what is asked below is true for claims before the last Settle.
   void Settle();
-  /// Calls `gap(start, end)` for each stretch that nobody claimed. `gap` may not claim.
-  void ForEachGap(const std::function<void(std::uint64_t start, std::uint64_t end)>& gap) const;
+  /// Calls `gap` for each stretch that nobody claimed. It may not claim.
+  void ForEachGap(const std::function<void(FileSpan)>& gap) const;
   /// The use of the byte at `offset`; Free where nobody claimed it.
   ByteUse UseAt(std::uint64_t offset) const;
   /// The end of the unclaimed stretch that `offset` is in; nothing when it is claimed or beyond the file.
@@ -61,9 +69,9 @@ class StoreExtents {
     std::uint32_t start;
     std::uint32_t lengthAndUse;  ///< the use in the upper three bits
 
-    Extent(std::uint64_t from, std::uint64_t length, ByteUse use)
-        : start(static_cast<std::uint32_t>(from)),
-          lengthAndUse(static_cast<std::uint32_t>(length) | static_cast<std::uint32_t>(use) << 29) {}
+    Extent(FileSpan span, ByteUse use)
+        : start(static_cast<std::uint32_t>(span.start)),
+          lengthAndUse(static_cast<std::uint32_t>(span.length) | static_cast<std::uint32_t>(use) << 29) {}
     std::uint32_t Length() const { return lengthAndUse & kMaxLength; }
     std::uint64_t End() const { return std::uint64_t{start} + Length(); }
     ByteUse Use() const { return static_cast<ByteUse>(lengthAndUse >> 29); }

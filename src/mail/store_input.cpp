@@ -35,20 +35,19 @@ std::optional<ReadFault> StoreInput::Fill(std::uint64_t offset, std::size_t size
   const bool follows = length_ != 0 && offset >= start_ && offset - start_ <= length_ + kSmallestWindow;
   ahead_ = follows ? std::min(ahead_ * 2, kLargestWindow) : kSmallestWindow;
   const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(std::max(ahead_, size), size_ - offset));
-  auto fault = FillExactly(offset, wanted, size);
+  auto fault = ReadFrom(offset, wanted);
   // A place further on that cannot be read must not take this one with it.
-  if (fault && fault->reason == DamageReason::Unreadable && wanted > size) fault = FillExactly(offset, size, size);
+  if (fault && wanted > size) fault = ReadFrom(offset, size);
+  if (!fault && length_ < size) return ReadFault{DamageReason::Shrunk};
   return fault;
 }
 
-std::optional<ReadFault> StoreInput::FillExactly(std::uint64_t offset, std::size_t size, std::size_t needed) {
+std::optional<ReadFault> StoreInput::ReadFrom(std::uint64_t offset, std::size_t size) {
   length_ = 0;
   if (window_.size() < size) window_.resize(size);
   try {
-    const std::size_t read = source_.ReadAt(offset, std::span(window_).first(size));
-    if (read < needed) return ReadFault{DamageReason::Shrunk};
+    length_ = source_.ReadAt(offset, std::span(window_).first(size));
     start_ = offset;
-    length_ = read;
     return std::nullopt;
   } catch (const Error& error) {
     return ReadFault{DamageReason::Unreadable, error.Why()};

@@ -34,7 +34,7 @@ class StoreInput {
  private:
   bool Has(std::uint64_t offset, std::size_t size) const;
   std::optional<ReadFault> Fill(std::uint64_t offset, std::size_t size);
-  std::optional<ReadFault> FillExactly(std::uint64_t offset, std::size_t size, std::size_t needed);
+  std::optional<ReadFault> ReadFrom(std::uint64_t offset, std::size_t size);
 
   PositionedSource& source_;
   std::uint64_t size_;

@@ -87,7 +87,7 @@ TextResult StoreReader::ReadText(const StoredMessage& message, const TextSink& s
     return {0, StoreDamage{message.offset, StorePart::Message, DamageReason::NoText}};
   }
   if (kind_ == StoreKind::OutlookExpress4) return ReadOldText(input_, *message.text, sink);
-  return ReadChain(input_, *message.text, sink);
+  return ReadChain(input_, {.first = *message.text}, sink);
 }
 
 }  // namespace quillbox

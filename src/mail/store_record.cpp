@@ -41,13 +41,6 @@ std::variant<StoreRecord, ReadFault> StoreRecord::Read(StoreInput& input, std::u
   return record;
 }
 
-bool StoreRecord::FieldsRise() const {
-  for (std::size_t i = 1; i < count_; ++i) {
-    if ((Entry(i) & kFieldMask) <= (Entry(i - 1) & kFieldMask)) return false;
-  }
-  return count_ != 0;
-}
-
 std::optional<std::uint32_t> StoreRecord::Number(RecordField field) const {
   const auto entry = Find(field);
   if (!entry) return std::nullopt;

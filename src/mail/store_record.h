@@ -17,7 +17,7 @@ enum class RecordField : std::uint8_t {};
 class StoreRecord {
  public:
   /// Longer records are not read: real ones have some hundred bytes, the longest field is a line of a header.
-  static constexpr std::uint32_t kMaxLength = 1024 * 1024;
+  static constexpr std::uint32_t kMaxLength = 256 * 1024;
 
   /// Reads the record at `offset`. It must begin with its own offset, or with `offset` + `shift`: deleted pages of
   /// another store have all offsets too high by the same number.
@@ -33,8 +33,6 @@ class StoreRecord {
   std::optional<std::string> Text(RecordField field) const;
   /// The offset in the file of the first entry of the table that points out of the record.
   std::optional<std::uint64_t> FieldFault() const { return fieldFault_; }
-  /// True when the fields' numbers rise, as in every record seen: how a record is known where nothing leads to it.
-  bool FieldsRise() const;
 
  private:
   std::optional<std::uint32_t> Find(RecordField field) const;

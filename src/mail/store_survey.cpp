@@ -36,15 +36,15 @@ StoreSurvey::StoreSurvey(StoreReader& store) : store_(store), extents_(store.Fil
 }
 
 void StoreSurvey::ClaimIndex() {
-  if (store_.Kind() == StoreKind::NotAStore) return extents_.Claim(0, store_.FileSize(), ByteUse::Damage);
-  if (store_.Kind() == StoreKind::Other) return extents_.Claim(0, store_.FileSize(), ByteUse::Index);
+  if (store_.Kind() == StoreKind::NotAStore) return extents_.Claim({0, store_.FileSize()}, ByteUse::Damage);
+  if (store_.Kind() == StoreKind::Other) return extents_.Claim({0, store_.FileSize()}, ByteUse::Index);
   const std::size_t header = IsOld(store_) ? kOldHeaderSize : kStoreHeaderSize;
-  extents_.Claim(0, header, store_.FileSize() < header ? ByteUse::Damage : ByteUse::Index);
-  for (const std::uint32_t node : store_.Nodes()) extents_.Claim(node, kNodeSize, ByteUse::Index);
+  extents_.Claim({0, header}, store_.FileSize() < header ? ByteUse::Damage : ByteUse::Index);
+  for (const std::uint32_t node : store_.Nodes()) extents_.Claim({node, kNodeSize}, ByteUse::Index);
   if (store_.Kind() != StoreKind::FolderList) return;
   for (std::size_t tree = 1; tree < kTreeRoots; ++tree) {
     const StoreTree other = WalkTree(store_.Input(), store_.TreeRoot(tree));
-    for (const std::uint32_t node : other.nodes) extents_.Claim(node, kNodeSize, ByteUse::Index);
+    for (const std::uint32_t node : other.nodes) extents_.Claim({node, kNodeSize}, ByteUse::Index);
   }
 }
 
@@ -60,29 +60,32 @@ std::variant<StoredMessage, StoreDamage> StoreSurvey::ReadMessage(std::uint32_t 
     return *damage;
   }
   const auto& record = std::get<StoreRecord>(read);
-  extents_.Claim(entry, record.Size(), ByteUse::Index);
+  extents_.Claim({entry, record.Size()}, ByteUse::Index);
   if (const auto field = record.FieldFault()) damage_.Add({*field, StorePart::Field, DamageReason::BadLength});
   return MessageOf(record, entry);
 }
 
 void StoreSurvey::ClaimOldMessage(const StoredMessage& message) {
-  extents_.Claim(message.offset, kOldMessageHeadSize, ByteUse::Index);
-  extents_.Claim(message.offset + kOldMessageHeadSize, message.size.value_or(0), ByteUse::Messages);
+  extents_.Claim({message.offset, kOldMessageHeadSize}, ByteUse::Index);
+  extents_.Claim({message.offset + kOldMessageHeadSize, message.size.value_or(0)}, ByteUse::Messages);
 }
 
 TextResult StoreSurvey::ReadText(const StoredMessage& message, const TextSink& sink) {
   TextResult result;
-  if (IsOld(store_) || !message.text) {
+  if (textLength_ / kMaxTextPerFile > store_.FileSize()) {
+    result.damage = StoreDamage{message.offset, StorePart::Message, DamageReason::UsedTwice};
+  } else if (IsOld(store_) || !message.text) {
     result = store_.ReadText(message, sink);
   } else {
     SegmentChain chain(store_.Input(), *message.text);
     while (const auto segment = chain.Next()) {
-      extents_.Claim(segment->offset, segment->End() - segment->offset, ByteUse::Messages);
+      extents_.Claim({segment->offset, segment->End() - segment->offset}, ByteUse::Messages);
       result.length += segment->text.size();
       sink(segment->text);
     }
     result.damage = chain.Damage();
   }
+  textLength_ += result.length;
   // A message that was never downloaded is not damaged.
   if (result.damage && result.damage->reason != DamageReason::NoText) damage_.Add(*result.damage);
   return result;
@@ -100,20 +103,20 @@ void StoreSurvey::ReadAll() {
 /// Damaged parts get the bytes that nobody else has.
 void StoreSurvey::ClaimDamage() {
   extents_.Settle();
-  std::vector<std::pair<std::uint64_t, std::uint64_t>> claims;
+  std::vector<FileSpan> claims;
   for (const StoreDamage& damage : damage_.Listed()) {
     const auto gapEnd = extents_.GapEndAt(damage.offset);
     if (!gapEnd) continue;
     const std::uint64_t size = IsOld(store_) ? UINT64_MAX : SizeOfDamaged(damage);
-    claims.emplace_back(damage.offset, std::min(size, *gapEnd - damage.offset));
+    claims.push_back({damage.offset, std::min(size, *gapEnd - damage.offset)});
   }
-  std::sort(claims.begin(), claims.end());
+  std::sort(claims.begin(), claims.end(), [](FileSpan a, FileSpan b) { return a.start < b.start; });
   std::uint64_t end = 0;
-  for (const auto& [start, length] : claims) {
-    const std::uint64_t from = std::max(start, end);
-    if (start + length <= from) continue;
-    extents_.Claim(from, start + length - from, ByteUse::Damage);
-    end = start + length;
+  for (const FileSpan& claim : claims) {
+    const std::uint64_t from = std::max(claim.start, end);
+    if (claim.End() <= from) continue;
+    extents_.Claim({from, claim.End() - from}, ByteUse::Damage);
+    end = claim.End();
   }
   extents_.Settle();
 }
@@ -144,7 +147,7 @@ StoredMessage StoreSurvey::ReadRecovered(const RecoveredMessage& message) {
 }
 
 TextResult StoreSurvey::ReadRecoveredText(const RecoveredMessage& message, const TextSink& sink) {
-  return ReadChain(store_.Input(), message.firstSegment, sink, message.shift, message.segments);
+  return ReadChain(store_.Input(), {message.firstSegment, message.shift, message.segments}, sink);
 }
 
 }  // namespace quillbox

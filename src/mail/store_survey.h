@@ -13,6 +13,10 @@ class StoreSurvey {
   /// `store` must outlive the survey. Walks the tree.
   explicit StoreSurvey(StoreReader& store);
 
+  /// All texts together that are given out, as a multiple of the file's size. In a sound store each byte belongs to one
+  /// message; without a limit, a store whose messages share one long text would fill any disk.
+  static constexpr std::uint64_t kMaxTextPerFile = 4;
+
   /// As those of StoreReader, noted.
   std::variant<StoredMessage, StoreDamage> ReadMessage(std::uint32_t entry);
   TextResult ReadText(const StoredMessage& message, const TextSink& sink);
@@ -42,6 +46,7 @@ class StoreSurvey {
   StoreExtents extents_;
   DamageList damage_;
   std::vector<RecoveredMessage> recovered_;
+  std::uint64_t textLength_ = 0;  ///< given out so far
 };
 
 }  // namespace quillbox

@@ -166,15 +166,19 @@ TEST(FolderList, IsATreeWhateverTheFileSays) {
 }
 
 TEST(FolderList, ComesFromTheFilesWhenItIsLost) {
-  const std::vector<std::string> files = {"Posteingang.dbx", "FOLDERS.DBX", "Inbox(1).dbx", "Choir.DBX",
+  const std::vector<std::string> files = {"Posteingang.dbx", "FOLDERS.DBX", "Inbox(1).dbx", "Chor.DBX",
                                           "Pop3uidl.dbx",    "cleanup.log", "Inbox.bak",    "Inbox.dbx.bak",
                                           "a.mbx",           "(1).dbx",     ".dbx"};
+  FolderList list;
+  list.folders.push_back({.number = 7, .name = "Chor", .file = "cHOR.dbx"});
+  AddUnnamedStores(list, files);
   std::vector<std::string> names;
-  for (const MailFolder& folder : FoldersOfFiles(files).folders) {
+  for (const MailFolder& folder : list.folders) {
     names.push_back(folder.name + "=" + FolderNameAt(folder, MailTarget::Thunderbird));
   }
-  EXPECT_THAT(names, ElementsAre("Posteingang=Inbox", "Inbox(1)=Inbox(1)", "Choir=Choir", "Inbox=Inbox",
+  EXPECT_THAT(names, ElementsAre("Chor=Chor", "Posteingang=Inbox", "Inbox(1)=Inbox(1)", "Inbox=Inbox",
                                  "Inbox.dbx=Inbox.dbx", "a=a", "(1)=(1)"));
+  EXPECT_EQ(list.folders[1].number, 8u);
   EXPECT_EQ(ParseStoreName("Gesendete Objekte (12).dbx")->folder, "Gesendete Objekte");
   EXPECT_EQ(ParseStoreName("Gesendete Objekte (12).dbx")->special, SpecialFolder::Sent);
   EXPECT_TRUE(ParseStoreName("Inbox.dbx.bak")->isCopy);
