@@ -26,6 +26,21 @@ TEST(MessageHeader, IsReadAsMailProgramsWriteIt) {
   EXPECT_EQ(sender("a, b"), "|a");
 }
 
+TEST(MessageHeader, SaysWhatTheStoreDoesNot) {
+  const MessageHeader header =
+      ParseHeader("Subject: a\nFrom: Ann <ann@b.c>\nDate: Wed, 17 Mar 2004 10:11:12 +0000\nMessage-ID: <1@a>\n");
+  StoredMessage unknown, known;
+  CompleteFromHeader(unknown, header);
+  EXPECT_EQ(unknown.subject + unknown.senderName + unknown.senderAddress + unknown.messageId, "aAnnann@b.c<1@a>");
+  EXPECT_EQ(unknown.sent, FileTimeOfUnix(1'079'518'272));
+  known.subject = "known";
+  known.senderAddress = "x@y";
+  known.sent = 5;
+  CompleteFromHeader(known, header);
+  EXPECT_EQ(known.subject + known.senderName + known.senderAddress, "knownx@y");
+  EXPECT_EQ(known.sent, 5u);
+}
+
 TEST(MessageHeader, WordsAreDecoded) {
   const CodePage western;
   const std::pair<std::string_view, std::string_view> rows[] = {

@@ -219,6 +219,42 @@ TEST(StoreReader, NoticesTwoMessagesWithOneText) {
   EXPECT_THAT(read.recovered, ElementsAre(letters[1].text));
 }
 
+TEST(StoreReader, SaysHowManyMessagesALostNodeHeld) {
+  const auto letters = Letters(104);
+  Bytes file = MessageStore(letters);
+  const std::uint32_t leaf = Load32(&file[Load32(&file[0xE4]) + 8]);
+  const std::uint32_t held = file[leaf + 0x11];
+  Store32(&file[leaf], 0);
+  const Read read = ReadStore(file);
+  EXPECT_THAT(read.damage, ElementsAre(HasSubstr("own offset (" + std::to_string(held) + " entries were below it)")));
+  EXPECT_EQ(read.inHeader, 104u);
+  EXPECT_EQ(read.texts, Texts(std::span(letters).subspan(held)));
+  EXPECT_EQ(read.recovered, Texts(std::span(letters).first(held)));
+  EXPECT_EQ(read.account.Of(ByteUse::Damage), 0x27Cu);
+}
+
+TEST(StoreReader, ReadsAMessageWithABadField) {
+  const auto letters = Letters(1);
+  Bytes file = MessageStore(letters);
+  const std::uint32_t record = Load32(&file[Load32(&file[0xE4]) + 0x18]);
+  Store32(&file[record + 12 + 5 * 4], 0xFFFFFF05);
+  const Read read = ReadStore(file);
+  EXPECT_EQ(read.texts, Texts(letters));
+  EXPECT_THAT(read.damage, ElementsAre(HasSubstr("a field has a length or count that cannot be")));
+}
+
+TEST(StoreReader, DoesNotGiveOneTextOutWithoutEnd) {
+  auto letters = Letters(40);
+  letters[0].text = TextOf(0, 100'000);
+  Bytes file = MessageStore(letters);
+  const std::uint32_t root = Load32(&file[0xE4]);
+  const std::uint32_t first = Load32(&file[Load32(&file[root + 0x18]) + 12 + 16]);
+  for (std::uint32_t i = 1; i < 40; ++i) Store32(&file[Load32(&file[root + 0x18 + 12 * i]) + 12 + 16], first);
+  std::uint64_t given = 0;
+  for (const std::string& text : ReadStore(file).texts) given += text.size();
+  EXPECT_LT(given, 5 * file.size());
+}
+
 TEST(DeletedMessages, AreFoundWholeOrInPart) {
   auto letters = Letters(8);
   for (const std::size_t deleted : {1u, 3u, 7u}) letters[deleted].deleted = true;
@@ -246,6 +282,20 @@ TEST(DeletedMessages, AreFoundWholeOrInPart) {
                                            letters[7].text.substr(1024)));
   EXPECT_THAT(parts.states,
               ElementsAre(RecoveryState::Whole, RecoveryState::Whole, RecoveryState::Partly, RecoveryState::Partly));
+}
+
+TEST(DeletedMessages, AreSetApartWhenTheirTextIsGoneOrTurnsInARing) {
+  auto letters = Letters(4);
+  letters[0].deleted = letters[3].deleted = true;
+  Bytes file = MessageStore(letters);
+  // The first text's only segment is overwritten; the last segment of the fourth leads to its first.
+  std::fill_n(file.begin() + kHeader, kStep, std::uint8_t{0});
+  const auto at = std::search(file.begin(), file.end(), letters[3].text.begin(), letters[3].text.begin() + 100);
+  const auto first = static_cast<std::uint32_t>(at - file.begin()) - 16;
+  Store32(&file[first + 2 * kStep + 12], first);
+  const Read read = ReadStore(file);
+  EXPECT_THAT(read.recovered, ElementsAre("", letters[3].text));
+  EXPECT_THAT(read.states, ElementsAre(RecoveryState::RecordOnly, RecoveryState::Partly));
 }
 
 TEST(DeletedMessages, AreFoundInPagesOfAnotherStore) {
