@@ -32,7 +32,7 @@ class StoreSurvey {
   /// All damage: of the tree, of the messages read, and of the accounting.
   const DamageList& Damage() const { return damage_; }
 
-  /// What the record of a recovered message says; nothing but its place and its text where there is no record.
+  /// What the record of a recovered message says. Without a record: where its text is, and nothing else.
   StoredMessage ReadRecovered(const RecoveredMessage& message);
   /// As much of its text as is there. No damage: the message's state says what it is.
   TextResult ReadRecoveredText(const RecoveredMessage& message, const TextSink& sink);
