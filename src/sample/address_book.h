@@ -1,11 +1,21 @@
-// An address book file for the sample: the real signature, an index of names and a record for each person.
+// The sample's address book: invented people with all that a book can say about them, lists of them, and a record that
+// was deleted.
 #pragma once
 
-#include "text/unicode.h"
+#include <cstddef>
+
+#include "sample/wab_writer.h"
 
 namespace quillbox {
 
-/// A .wab file with `people` invented entries.
-Bytes AddressBook(std::size_t people);
+struct SampleBookOptions {
+  WabTextForm form = WabTextForm::Wide;
+  WabRoom room = WabRoom::Usual;
+  std::size_t morePeople = 0;  ///< people with a name and an address besides those that are always there
+};
+
+/// A .wab file. Always there are, in this order: four people (records 1 to 4), a deleted one (5), and three groups (6
+/// to 8), the last one with another in it.
+Bytes SampleAddressBook(const SampleBookOptions& options = {});
 
 }  // namespace quillbox

@@ -23,7 +23,7 @@ namespace {
 constexpr std::chrono::sys_seconds kMadeAt{std::chrono::seconds{1103371200}};
 constexpr FileTime kMadeAtFileTime = FileTimeOfUnix(kMadeAt.time_since_epoch().count());
 
-constexpr std::size_t kBookEntries = 56;
+constexpr std::size_t kBookPeople = 56;
 constexpr std::string_view kSettingsPath = "Software\\Microsoft\\Outlook Express\\5.0";
 constexpr std::string_view kAccountsPath = "Software\\Microsoft\\Internet Account Manager";
 
@@ -153,7 +153,7 @@ void Fill(const fs::path& folder, const SampleOptions& options) {
   WriteStores(folder, options);
   WriteFile(folder / "C" / "Documents and Settings" / PathOf(options.profile) / "Application Data" / "Microsoft" /
                 "Address Book" / PathOf(options.profile + ".wab"),
-            AddressBook(kBookEntries));
+            SampleAddressBook({.morePeople = kBookPeople}));
 }
 
 void RefuseUsed(const fs::path& folder) {
