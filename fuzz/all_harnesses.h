@@ -7,8 +7,8 @@
 
 namespace quillbox {
 
-inline const std::array kAllHarnesses = {&kHiveHarness,        &kHiveChangeHarness, &kHiveLogHarness, &kRegTextHarness,
-                                         &kCommandLineHarness, &kTextHarness,       &kRuleHarness,    &kStoreHarness,
-                                         &kMboxHarness,        &kMailHeaderHarness};
+inline const std::array kAllHarnesses = {
+    &kHiveHarness, &kHiveChangeHarness, &kHiveLogHarness, &kRegTextHarness,    &kCommandLineHarness, &kTextHarness,
+    &kRuleHarness, &kStoreHarness,      &kMboxHarness,    &kMailHeaderHarness, &kContactBookHarness};
 
 }  // namespace quillbox
