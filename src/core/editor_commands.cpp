@@ -5,6 +5,9 @@
 namespace quillbox {
 namespace {
 
+/// The longest step of a file system's times: FAT's, of 2 seconds, as a FILETIME.
+constexpr std::uint64_t kTimeStep = 20'000'000;
+
 /// How an export's command line begins; empty for a Windows that exports nothing.
 std::string_view ExportCommand(OsCode code) {
   if (code == OsCode::Unknown) return "";
@@ -29,7 +32,19 @@ std::optional<EditorFailure> EditorCommands::Export(const std::string& key, cons
                                                     OsCode code) {
   const std::string_view command = ExportCommand(code);
   if (command.empty()) return std::nullopt;
-  return Run(std::string(command) + file.Text() + "\"" + KeyArgument(key, form));
+  const std::optional<FileEntry> before = platform_.GetFiles().Stat(file);
+  const std::uint64_t started = platform_.GetClock().Now();
+  auto failure = Run(std::string(command) + file.Text() + "\"" + KeyArgument(key, form));
+  if (failure || WasWritten(file, before, started)) return failure;
+  return EditorFailure{"The registry editor did not write " + file.Text() + ", to which it was to export " + key + "."};
+}
+
+/// A file that was written anew may have the time of the older one where file systems count in steps.
+bool EditorCommands::WasWritten(const WinPath& file, const std::optional<FileEntry>& before, std::uint64_t started) {
+  const std::optional<FileEntry> after = platform_.GetFiles().Stat(file);
+  if (!after) return false;
+  const bool isOlder = before && before->modified == after->modified && after->modified + kTimeStep < started;
+  return !isOlder;
 }
 
 // The quote stays open: it runs to the end of the command line.
@@ -38,7 +53,7 @@ std::optional<EditorFailure> EditorCommands::Merge(const WinPath& file) {
 }
 
 std::optional<EditorFailure> EditorCommands::Run(const std::string& commandLine) {
-  const ProcessEnd end = processes_.RunAndWait(commandLine, ShowStyle::MinimisedWithFocus);
+  const ProcessEnd end = platform_.GetProcesses().RunAndWait(commandLine, ShowStyle::MinimisedWithFocus);
   if (!end.started) return EditorFailure{"The registry editor could not be started."};
   if (end.exitCode == 0) return std::nullopt;
   if (!end.errors.empty()) return EditorFailure{end.errors};

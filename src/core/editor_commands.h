@@ -23,16 +23,20 @@ struct EditorFailure {
 
 class EditorCommands {
  public:
-  explicit EditorCommands(Processes& processes) : processes_(processes) {}
+  explicit EditorCommands(Platform& platform) : platform_(platform) {}
 
-  /// Exports `key` (its full name) to `file`; nothing is started without an OS code.
+  /// Exports `key` (its full name) to `file`; nothing is started without an OS code. A file that is not there
+  /// afterwards, or is still the older one, is a failure whatever the editor says: Windows' own says nothing of a key
+  /// that it could not export.
   std::optional<EditorFailure> Export(const std::string& key, const WinPath& file, KeyForm form, OsCode code);
   std::optional<EditorFailure> Merge(const WinPath& file);
   /// Runs the editor with a command line of the caller's own.
   std::optional<EditorFailure> Run(const std::string& commandLine);
 
  private:
-  Processes& processes_;
+  bool WasWritten(const WinPath& file, const std::optional<FileEntry>& before, std::uint64_t started);
+
+  Platform& platform_;
 };
 
 }  // namespace quillbox

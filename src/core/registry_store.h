@@ -35,7 +35,7 @@ class RegistryStore {
         registry_(platform.GetRegistry()),
         access_(registry_),
         keyFiles_(platform),
-        editor_(platform.GetProcesses()),
+        editor_(platform),
         failures_(platform.GetDialogs()) {}
 
   /// See RegistryAccess::Read. An unexpected failure is shown in a message, and the value reads as Empty.

@@ -86,6 +86,21 @@ TEST_F(RegistryStoreTest, AListOfNoFilesHasOneEmptyName) {
   EXPECT_THAT(FileList(platform->GetFiles(), WinPath("C:\\WINDOWS\\*.dbx")), ElementsAre(""));
 }
 
+TEST_F(RegistryStoreTest, AnExportThatTheEditorOnlySaysItMadeIsAFailure) {
+  Store().DetectOsCode();
+  const std::string identities = "HKEY_CURRENT_USER\\Identities";
+  const WinPath file("D:\\export.reg");
+  EXPECT_TRUE(Store().RegExport(identities, file, KeyForm::Quoted));
+  EXPECT_TRUE(Store().RegExport(identities, file, KeyForm::Quoted)) << "at once, so perhaps with the same time";
+  platform->processes.forward = false;
+  EXPECT_FALSE(Store().RegExport(identities, WinPath("D:\\new.reg"), KeyForm::Quoted));
+  const auto old = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
+  std::filesystem::last_write_time(sample.driveD / "export.reg", old);
+  EXPECT_FALSE(Store().RegExport(identities, file, KeyForm::Quoted));
+  EXPECT_THAT(dialogs.LastMessage(), HasSubstr("The registry editor did not write D:\\export.reg, to which it was to "
+                                               "export HKEY_CURRENT_USER\\Identities."));
+}
+
 TEST_F(RegistryStoreTest, AKeySavedAsAHiveReplacesAnOlderFile) {
   const WinPath file("D:\\key.hiv");
   temp.File("disk/D/key.hiv", "an older file");
