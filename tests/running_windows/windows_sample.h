@@ -51,6 +51,12 @@ inline void RunOrThrow(const std::filesystem::path& program, const std::vector<s
   if (run.code != 0) throw std::runtime_error(NameOf(program) + ": " + run.err);
 }
 
+/// Wine's registry editor takes a backslash before the closing quote for an escaped quote, which Windows' own does not.
+inline std::string ForThatEditor(std::string commandLine) {
+  if (commandLine.ends_with("\\\"")) commandLine.erase(commandLine.size() - 2, 1);
+  return commandLine;
+}
+
 /// What the sample disk is made of, once for all tests of the program.
 struct SampleOriginal {
   SampleOriginal() : disk(MakeSampleDisk(temp / "disk", {.smallStores = true})) {
@@ -58,8 +64,8 @@ struct SampleOriginal {
     for (const SampledKey& key : kSampledKeys) {
       if (!key.isInSample) continue;
       const std::string file = std::to_string(files.size()) + ".reg";
-      RunOrThrow(NativePath(RegistryEditorBesideProgram()).replace_extension(".exe"), {"--disk", NameOf(disk.driveC), "/e", file, FullName(key.path)},
-                 temp);
+      RunOrThrow(NativePath(RegistryEditorBesideProgram()).replace_extension(".exe"),
+                 {"--disk", NameOf(disk.driveC), "/e", file, FullName(key.path)}, temp);
       files.push_back(NameOf(temp / file));
     }
   }

@@ -13,6 +13,10 @@ namespace quillbox {
 
 using SampledPlatform = OfflinePlatform;
 
+inline std::string ForThatEditor(const std::string& commandLine) {
+  return commandLine;
+}
+
 inline SampleDisk MakeSampled(const TempFolder& temp) {
   return MakeSampleDisk(temp / "disk", {.smallStores = true});
 }

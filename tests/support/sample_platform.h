@@ -29,7 +29,7 @@ struct RecordingProcesses : Processes {
   ProcessEnd RunAndWait(const std::string& commandLine, ShowStyle style) override {
     commandLines.push_back(commandLine);
     if (!forward) return {.started = true, .exitCode = 0, .errors = {}};
-    return inner.RunAndWait(commandLine, style);
+    return inner.RunAndWait(ForThatEditor(commandLine), style);
   }
   Processes& inner;
   bool forward = true;
