@@ -49,7 +49,9 @@ bool EditorCommands::WasWritten(const WinPath& file, const std::optional<FileEnt
 
 // The quote stays open: it runs to the end of the command line.
 std::optional<EditorFailure> EditorCommands::Merge(const WinPath& file) {
-  return Run("regedit /s /c \"" + file.Text());
+  auto failure = Run("regedit /s /c \"" + file.Text());
+  if (failure || platform_.GetFiles().Stat(file)) return failure;
+  return EditorFailure{"There is no file " + file.Text() + " to merge."};
 }
 
 std::optional<EditorFailure> EditorCommands::Run(const std::string& commandLine) {

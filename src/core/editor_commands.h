@@ -29,6 +29,7 @@ class EditorCommands {
   /// afterwards, or is still the older one, is a failure whatever the editor says: Windows' own says nothing of a key
   /// that it could not export.
   std::optional<EditorFailure> Export(const std::string& key, const WinPath& file, KeyForm form, OsCode code);
+  /// A file that is not there is a failure, whatever the editor says.
   std::optional<EditorFailure> Merge(const WinPath& file);
   /// Runs the editor with a command line of the caller's own.
   std::optional<EditorFailure> Run(const std::string& commandLine);

@@ -34,7 +34,7 @@ TEST_F(AddressBookTest, NothingIsLostToASlotOrACopyThatHoldsNoPath) {
 }
 
 TEST_F(AddressBookTest, TheSettingIsMovedEvenWhereTheFileCannotBe) {
-  temp.File("disk/C/Mail/home.wab", "contacts");
+  onDisk.File("C/Mail/home.wab", "contacts");
   std::filesystem::create_directories(sample.driveD / "Books");
   book->Use(WinPath(kOnC));
   const std::pair<const char*, const char*> moves[] = {
@@ -43,12 +43,12 @@ TEST_F(AddressBookTest, TheSettingIsMovedEvenWhereTheFileCannotBe) {
     Move(folder);
     EXPECT_EQ(book->InUse(), WinPath(folder).Join("home.wab"));
     EXPECT_THAT(dialogs.LastMessage(), HasSubstr(message));
-    for (const char* file : {"disk/C/Mail/home.wab", "disk/D/Books/home.wab"}) EXPECT_EQ(temp.Read(file), "contacts");
+    for (const char* file : {"C/Mail/home.wab", "D/Books/home.wab"}) EXPECT_EQ(onDisk.Read(file), "contacts");
   }
 }
 
 TEST_F(AddressBookTest, AnAddressBookWithAWayOutInItsNameIsMovedFromTheDisk) {
-  temp.File("disk/C/up.wab", "contacts");
+  onDisk.File("C/up.wab", "contacts");
   book->Use(WinPath("C:\\a/../../../up.wab"));
   Move("D:\\");
   EXPECT_EQ(book->InUse().Text(), "D:\\up.wab");

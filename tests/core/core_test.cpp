@@ -103,9 +103,9 @@ TEST_F(RegistryStoreTest, AnExportThatTheEditorOnlySaysItMadeIsAFailure) {
 
 TEST_F(RegistryStoreTest, AKeySavedAsAHiveReplacesAnOlderFile) {
   const WinPath file("D:\\key.hiv");
-  temp.File("disk/D/key.hiv", "an older file");
+  onDisk.File("D/key.hiv", "an older file");
   Store().SaveKey(CurrentUser(kTestKey), file);
-  EXPECT_TRUE(temp.Read("disk/D/key.hiv").starts_with("regf"));
+  EXPECT_TRUE(onDisk.Read("D/key.hiv").starts_with("regf"));
   Store().SaveKey(CurrentUser("Software\\Nothing"), file);
   EXPECT_FALSE(std::filesystem::exists(sample.driveD / "key.hiv"));
 }

@@ -75,6 +75,18 @@ struct RecordingPlatform : SampledPlatform {
   std::unique_ptr<HostedShell> faultyShell;
 };
 
+/// Files of the sample by their drive and path there: "D/Backup/note.txt".
+class SampledFiles : public FilesBelow {
+ public:
+  explicit SampledFiles(const SampleDisk& sample) : sample_(sample) {}
+  std::filesystem::path operator/(std::string_view relative) const override {
+    return (relative.front() == 'C' ? sample_.driveC : sample_.driveD) / PathOf(relative.substr(2));
+  }
+
+ private:
+  const SampleDisk& sample_;
+};
+
 class SamplePlatform : public ::testing::Test {
  protected:
   void SetUp() override { MakeDisk(); }
@@ -105,6 +117,7 @@ class SamplePlatform : public ::testing::Test {
   TempFolder temp;
   ScriptedDialogs dialogs;
   SampleDisk sample;
+  SampledFiles onDisk{sample};
   std::vector<std::string> named;  ///< drives, on the spot
   std::unique_ptr<RecordingPlatform> platform;
   std::unique_ptr<RegistryStore> store;

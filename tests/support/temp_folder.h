@@ -42,22 +42,11 @@ inline std::string OnZ(const std::filesystem::path& host) {
   return path;
 }
 
-class TempFolder {
+/// What a test makes and reads below one place.
+class FilesBelow {
  public:
-  TempFolder() {
-    std::random_device random;
-    do path_ = std::filesystem::temp_directory_path() / ("quillbox-test-" + std::to_string(random()));
-    while (!std::filesystem::create_directory(path_));
-  }
-  ~TempFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  TempFolder(const TempFolder&) = delete;
-  TempFolder& operator=(const TempFolder&) = delete;
-
-  const std::filesystem::path& Path() const { return path_; }
-  std::filesystem::path operator/(std::string_view relative) const { return path_ / PathOf(relative); }
+  virtual ~FilesBelow() = default;
+  virtual std::filesystem::path operator/(std::string_view relative) const = 0;
 
   /// Makes a folder and those above it.
   std::filesystem::path Folder(std::string_view relative) const {
@@ -76,6 +65,24 @@ class TempFolder {
     std::ifstream in(*this / relative, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
   }
+};
+
+class TempFolder : public FilesBelow {
+ public:
+  TempFolder() {
+    std::random_device random;
+    do path_ = std::filesystem::temp_directory_path() / ("quillbox-test-" + std::to_string(random()));
+    while (!std::filesystem::create_directory(path_));
+  }
+  ~TempFolder() override {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
+
+  const std::filesystem::path& Path() const { return path_; }
+  std::filesystem::path operator/(std::string_view relative) const override { return path_ / PathOf(relative); }
 
  private:
   std::filesystem::path path_;

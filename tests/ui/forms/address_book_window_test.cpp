@@ -14,7 +14,7 @@ class Form6Test : public SampleWindows {
   void SetUp() override {
     MakeDisk();
     for (const char* name : {"a.wab", "b.wab", "c.wab", "d.wab", "e.wab", "notes.txt"}) {
-      temp.File(std::string("disk/D/Books/") + name, name);
+      onDisk.File(std::string("D/Books/") + name, name);
     }
   }
   Form6& OpenForm6() {

@@ -35,7 +35,7 @@ TEST_F(AnotherDiskTest, ChangesThatCannotBeWrittenKeepTheDiskOpen) {
 }
 
 TEST_F(AnotherDiskTest, ADiskWhoseRegistryCannotBeOpenedIsSearchedAlone) {
-  temp.File("disk/C/Documents and Settings/Ann Miller/NTUSER.DAT", "no hive");
+  onDisk.File("C/Documents and Settings/Ann Miller/NTUSER.DAT", "no hive");
   const auto search = [&] {
     windows.reset();
     store.reset();

@@ -12,7 +12,7 @@ class Form3Test : public SampleWindows {
  protected:
   void SetUp() override {
     MakeDisk();
-    temp.File("disk/C/Backups/note.txt", "n");
+    onDisk.File("C/Backups/note.txt", "n");
   }
   Form3& OpenForm3() {
     Start().menuBar.click("crtbkfldr2");
@@ -70,8 +70,8 @@ TEST_F(Form3Test, ANewFolderIsMadeRightBehindThePathShown) {
 TEST_F(Form3Test, TheListsAreFreshAtEachOpening) {
   Form3& form = OpenForm3();
   form.close();
-  temp.File("disk/D/Backup/Later/x");
-  temp.File("disk/D/Backup/later.txt", "x");
+  onDisk.File("D/Backup/Later/x");
+  onDisk.File("D/Backup/later.txt", "x");
   windows->form1.menuBar.click("crtbkfldr2");
   EXPECT_THAT(form.Dir1.items.Get(), Contains("    Later"));
   EXPECT_THAT(form.File1.items.Get(), Contains("later.txt"));

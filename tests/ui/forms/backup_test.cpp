@@ -128,7 +128,7 @@ TEST_F(QuickBackupTest, AUsernameNeverLeavesTheBackupFolder) {
 
 TEST_F(QuickBackupTest, AFolderThatCannotBeMadeIsNamedWithTheReason) {
   Form1& form = StartOn("Main Identity");
-  temp.File("disk/D/Backup/Main Identity", "a file in the way");
+  onDisk.File("D/Backup/Main Identity", "a file in the way");
   form.cmdQuickBackup.click();
   EXPECT_THAT(dialogs.LastMessage(), HasSubstr("D:\\Backup\\Main Identity"));
   EXPECT_EQ(Content(BackupFolderOnHost() / "Main Identity"), "a file in the way");
@@ -383,8 +383,8 @@ TEST_F(CompleteBackupTest, AnIdentityWhoseFolderCannotBeMadeIsNamedAndNotCounted
 
 TEST_F(CompleteBackupTest, OnlyStoresWithAKnownPlaceAreRestored) {
   form->cmdComplete.click();
-  temp.File("disk/D/Backup/Guest/Inbox.dbx", "a store");
-  temp.File("disk/D/Backup/Unknown/Inbox.dbx", "of nobody here");
+  onDisk.File("D/Backup/Guest/Inbox.dbx", "a store");
+  onDisk.File("D/Backup/Unknown/Inbox.dbx", "of nobody here");
   std::filesystem::remove(BackupFolderOnHost() / "AllIdentities.reg");
   SetUsername(Identity("Main Identity").userId, "..");
   std::filesystem::remove(StoreOf("Büro") / "Inbox.dbx");
@@ -466,7 +466,7 @@ TEST_F(CompleteBackupTest, CancelOfAQuestionEndsItsStepOnly) {
 
 TEST_F(CompleteBackupTest, WhatAllItsStepsCouldNotDoIsToldTogether) {
   for (const char* inTheWay : {"AllIdentities.reg", "Büro/SignaturesWinXP.reg"}) {
-    temp.Folder(std::string("disk/D/Backup/") + inTheWay);
+    onDisk.Folder(std::string("D/Backup/") + inTheWay);
   }
   platform->CopyWithFaults().createError = EROFS;
   dialogs.messageAnswers = {MessageAnswer::Yes};
@@ -479,7 +479,7 @@ TEST_F(CompleteBackupTest, WhatAllItsStepsCouldNotDoIsToldTogether) {
               AllOf(StartsWith("2 Identities Backed Up; 0 of "), HasSubstr(" files copied: the disk is read-only; ")));
 
   const WinPath book("D:\\Backup\\Ann Miller.wab");
-  temp.File("disk/D/Backup/Ann Miller.wab", "book");
+  onDisk.File("D/Backup/Ann Miller.wab", "book");
   dialogs.openFileAnswers = {book};
   dialogs.overwriteAnswers = {OverwriteAnswer::Yes};
   dialogs.messageAnswers = {MessageAnswer::Yes};

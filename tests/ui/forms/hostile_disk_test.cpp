@@ -16,7 +16,7 @@ class HostileDiskTest : public SampleWindows {
     temp.File("host/.config/kept", "the person's");
     temp.File("host/store/Inbox.dbx", "the person's");
     temp.File("host/book.wab", "the person's");
-    temp.File("disk/C/evil.desktop", "[Desktop Entry]");
+    onDisk.File("C/evil.desktop", "[Desktop Entry]");
     main = LoadCatalogue(Store(), platform->GetSystemFacts()).defaultUserId;
   }
   /// Every file and folder of the person, with what the files hold.
@@ -174,8 +174,8 @@ TEST_F(HostileDiskTest, AStoreOfThisComputerIsNeitherReadNorWritten) {
   dialogs.messages.clear();
   form.cmdComplete.click();
   EXPECT_THAT(dialogs.Texts(), ElementsAre(refusal));
-  temp.File("disk/D/Backup/Main Identity/Inbox.dbx", "evil");
-  temp.File("disk/D/Backup/Main Identity/.bashrc.dbx", "evil");
+  onDisk.File("D/Backup/Main Identity/Inbox.dbx", "evil");
+  onDisk.File("D/Backup/Main Identity/.bashrc.dbx", "evil");
   dialogs.messages.clear();
   dialogs.openFileAnswers = {std::nullopt};
   form.cmdRestore.click();
@@ -307,7 +307,7 @@ TEST_F(HostileDiskTest, AnIdentityWithAForgedNameIsOneLineAndCanBeChosen) {
   form.cmdQuickBackup.click();
   EXPECT_THAT(dialogs.Texts(), ElementsAre(AllOf(HasSubstr("Ann\u240A\u240AThe backup is complete.\uFFFD\u241B[2J"),
                                                  HasSubstr("it contains a control character"), Not(HasSubstr("\n")))));
-  temp.File("disk/D/Backup/note", "");
+  onDisk.File("D/Backup/note", "");
   dialogs.openFileAnswers = {std::nullopt};
   form.cmdRestore.click();
   for (const std::string& text : dialogs.Texts())

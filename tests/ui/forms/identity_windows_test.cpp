@@ -83,7 +83,7 @@ TEST_F(IdentityWindowsTest, ACloneNeedsOneDestinationAndABackupFolder) {
   EXPECT_EQ(form.StatusBar1.panels[0], "");
   EXPECT_EQ(Snapshot(), before);
   // Of a registry that is half changed the user reads which half.
-  temp.Folder("disk/D/Backup/Store Root2K.reg");
+  onDisk.Folder("D/Backup/Store Root2K.reg");
   EXPECT_THAT(refused(kMain), HasSubstr("Done before that: The accounts were merged."));
   std::filesystem::remove(BackupFolderOnHost() / "Store Root2K.reg");
   windows->session.backupFolder.Reset();

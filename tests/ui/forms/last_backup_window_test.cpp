@@ -94,7 +94,7 @@ TEST_F(LastBackupTest, TheSavedTextSaysHowEachStepEnded) {
     saved += Content(sample.driveC / "report.txt");
   }
   for (const char* file : {"C/Mail/x.dbx", "D/Backup/x.dbx", "D/Backup/x.reg"}) {
-    temp.File(std::string("disk/") + file, "same");
+    onDisk.File(file, "same");
   }
   windows->session.KeepBackup(all);
   Open().cmdCheck.click();

@@ -80,7 +80,7 @@ TEST_F(RegistryItemsTest, SignaturesAreAHiveFileOnXp) {
   Save("sigs", file);
   EXPECT_EQ(form->sb1.panels[0], "Signatures Export Complete");
   EXPECT_EQ(dialogs.saveFileDialogs.back().name, "SignaturesXP.reg");
-  EXPECT_THAT(temp.Read("disk/D/Backup/item.reg"), StartsWith("regf"));
+  EXPECT_THAT(onDisk.Read("D/Backup/item.reg"), StartsWith("regf"));
   Store().DeleteKey(key.Child("00000000"));
   Store().CreateKey(key.Child("of another time"));
   Restore("resSigs", file);
@@ -90,9 +90,9 @@ TEST_F(RegistryItemsTest, SignaturesAreAHiveFileOnXp) {
   EXPECT_TRUE(platform->processes.commandLines.empty());
 
   // A damaged file changes nothing; nor does one that is text.
-  const std::string hive = temp.Read("disk/D/Backup/item.reg");
+  const std::string hive = onDisk.Read("D/Backup/item.reg");
   for (const std::string& bad : {hive.substr(0, hive.size() / 2), std::string("REGEDIT4\r\n"), std::string()}) {
-    temp.File("disk/D/Backup/item.reg", bad);
+    onDisk.File("D/Backup/item.reg", bad);
     Restore("resSigs", file);
     EXPECT_THAT(dialogs.LastMessage(), HasSubstr("the key was not restored from D:\\Backup\\item.reg"));
     EXPECT_EQ(SnapshotOf(platform->GetRegistry(), key), before);
@@ -156,7 +156,7 @@ TEST_F(RegistryItemsTest, AMissingKeyIsToldBeforeAMissingFolder) {
 
 TEST_F(RegistryItemsTest, FilesThatCannotBeMergedAreToldAndDamageNothing) {
   Save("msgRules", file);
-  const std::string good = temp.Read("disk/D/Backup/item.reg");
+  const std::string good = onDisk.Read("D/Backup/item.reg");
   const RegistrySnapshot before = Snapshot();
   const std::pair<std::string, std::string> files[] = {
       {std::string("\0\1\2\xFF", 4), "this is not a registry file"},
@@ -165,7 +165,7 @@ TEST_F(RegistryItemsTest, FilesThatCannotBeMergedAreToldAndDamageNothing) {
   };
   for (const auto& [content, told] : files) {
     dialogs.messages.clear();
-    temp.File("disk/D/Backup/item.reg", content);
+    onDisk.File("D/Backup/item.reg", content);
     Restore("resMsgRules", file);
     ASSERT_EQ(dialogs.messages.size(), 1u) << told;
     EXPECT_THAT(dialogs.LastMessage(), AllOf(HasSubstr("D:\\Backup\\item.reg"), HasSubstr(told)));
@@ -176,8 +176,8 @@ TEST_F(RegistryItemsTest, FilesThatCannotBeMergedAreToldAndDamageNothing) {
 
 TEST_F(RegistryItemsTest, AFileOfAnotherDisksIdentityIsToldApart) {
   const RegistrySnapshot before = Snapshot();
-  temp.File(
-      "disk/D/Backup/item.reg",
+  onDisk.File(
+      "D/Backup/item.reg",
       "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Identities\\{F0}\\Software\\Microsoft\\Outlook Express\\5.0\\Rules]\r\n");
   Restore("resMsgRules", file);
   EXPECT_THAT(dialogs.LastMessage(), HasSubstr("this registry did not have:\n\n{F0}\n"));
@@ -185,8 +185,7 @@ TEST_F(RegistryItemsTest, AFileOfAnotherDisksIdentityIsToldApart) {
   EXPECT_EQ(Snapshot(), before);
 
   // All identities of another disk bring that disk's backup folder along, which is not taken over.
-  temp.File("disk/D/Backup/item.reg",
-            "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Identities]\r\n\"Quillbox\"=\"E:\\\\Old\"\r\n");
+  onDisk.File("D/Backup/item.reg", "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Identities]\r\n\"Quillbox\"=\"E:\\\\Old\"\r\n");
   Restore("resAllIdent", file);
   EXPECT_EQ(windows->session.backupFolder.Text(), kBackup);
 }
@@ -194,13 +193,13 @@ TEST_F(RegistryItemsTest, AFileOfAnotherDisksIdentityIsToldApart) {
 TEST_F(RegistryItemsTest, AnExportThatCannotBeWrittenIsToldAndLeavesTheOlderFile) {
   NEEDS(FailingCalls);
   Save("Identity", file);
-  const std::string older = temp.Read("disk/D/Backup/item.reg");
+  const std::string older = onDisk.Read("D/Backup/item.reg");
   for (const char* item : {"Identity", "sigs"}) {
     const FileSizeLimit full(1024);
     Save(item, file);
     EXPECT_THAT(dialogs.LastMessage(), AllOf(StartsWith("Not everything was done:"), HasSubstr("item.reg"))) << item;
   }
-  EXPECT_EQ(temp.Read("disk/D/Backup/item.reg"), older);
+  EXPECT_EQ(onDisk.Read("D/Backup/item.reg"), older);
   EXPECT_EQ(Names(BackupFolderOnHost()), std::vector<std::string>{"item.reg"});
   Save("Identity", WinPath("D:\\Gone\\item.reg"));
   EXPECT_THAT(dialogs.LastMessage(), HasSubstr("D:\\Gone\\item.reg"));

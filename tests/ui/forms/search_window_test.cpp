@@ -15,10 +15,10 @@ class Form2Test : public SampleWindows {
  protected:
   void SetUp() override {
     MakeDisk();
-    temp.File("disk/C/Mail/a/Inbox.dbx", "first");
-    temp.File("disk/C/Mail/b/Inbox.dbx", "second");
-    temp.File("disk/C/Mail/b/Old.dbx", "old");
-    temp.File("disk/D/Elsewhere/Book.wa~", "book");
+    onDisk.File("C/Mail/a/Inbox.dbx", "first");
+    onDisk.File("C/Mail/b/Inbox.dbx", "second");
+    onDisk.File("C/Mail/b/Old.dbx", "old");
+    onDisk.File("D/Elsewhere/Book.wa~", "book");
   }
   Form2& OpenSearch() {
     Start().cmdSearch.click();
