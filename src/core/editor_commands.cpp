@@ -42,7 +42,7 @@ std::optional<EditorFailure> EditorCommands::Export(const std::string& key, cons
 /// A file that was written anew may have the time of the older one where file systems count in steps.
 bool EditorCommands::WasWritten(const WinPath& file, const std::optional<FileEntry>& before, std::uint64_t started) {
   const std::optional<FileEntry> after = platform_.GetFiles().Stat(file);
-  if (!after) return false;
+  if (!after || after->isDirectory) return false;
   const bool isOlder = before && before->modified == after->modified && after->modified + kTimeStep < started;
   return !isOlder;
 }

@@ -28,7 +28,8 @@ struct SampledKey {
   RegistryPath path;
   bool isInSample = true;
 };
-inline const std::array<SampledKey, 10> kSampledKeys = {{
+inline const std::array<SampledKey, 11> kSampledKeys = {{
+    {{RegistryRoot::CurrentUser, "Control Panel\\International"}},
     {{RegistryRoot::CurrentUser, "Identities"}},
     {{RegistryRoot::CurrentUser, "Software\\Microsoft\\Internet Account Manager"}},
     {{RegistryRoot::CurrentUser, "Software\\Microsoft\\Internet Explorer"}},
@@ -40,10 +41,12 @@ inline const std::array<SampledKey, 10> kSampledKeys = {{
     {{RegistryRoot::LocalMachine, "Software\\Microsoft\\Outlook Express"}},
     {{RegistryRoot::LocalMachine, "Software\\Microsoft\\WAB"}},
 }};
-/// And the one value of the system's own that the program goes by.
-inline constexpr const char* kVersion =
+/// And the values of the system's own that the program goes by.
+inline constexpr const char* kFacts =
     "REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows NT\\CurrentVersion]\r\n"
-    "\"ProductName\"=\"Microsoft Windows XP\"\r\n";
+    "\"ProductName\"=\"Microsoft Windows XP\"\r\n\r\n"
+    "[HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders]\r\n"
+    "\"Local AppData\"=\"C:\\\\Documents and Settings\\\\Ann Miller\\\\Local Settings\\\\Application Data\"\r\n";
 
 inline void RunOrThrow(const std::filesystem::path& program, const std::vector<std::string>& arguments,
                        const TempFolder& temp) {
@@ -60,7 +63,7 @@ inline std::string ForThatEditor(std::string commandLine) {
 /// What the sample disk is made of, once for all tests of the program.
 struct SampleOriginal {
   SampleOriginal() : disk(MakeSampleDisk(temp / "disk", {.smallStores = true})) {
-    files.push_back(NameOf(temp.File("version.reg", kVersion)));
+    files.push_back(NameOf(temp.File("facts.reg", kFacts)));
     for (const SampledKey& key : kSampledKeys) {
       if (!key.isInSample) continue;
       const std::string file = std::to_string(files.size()) + ".reg";
