@@ -125,6 +125,7 @@ void IdentityBackup::CopyStore(const IdentityInfo& identity, const WinPath& targ
                                OverwriteSetting overwrite) {
   const auto folder = FindStore(store_, platform_, identity.userId);
   if (const auto* fault = std::get_if<StoreFault>(&folder)) {
+    platform_.GetShell().FinishCopies();  // of the identity before
     platform_.GetDialogs().Show({.text = "The messages of \"" + OneLine(identity.username) +
                                          "\" cannot be copied: " + fault->clause + ". The rest of the backup goes on.",
                                  .icon = MessageIcon::Exclamation});

@@ -78,6 +78,7 @@ std::optional<StoreRestore::Skipped> StoreRestore::Restore(const IdentityInfo& i
 
 void StoreRestore::TellSkipped(const std::vector<std::string>& lines) {
   if (lines.empty()) return;
+  platform_.GetShell().FinishCopies();
   std::string text = "The messages of these identities were not restored:\n";
   for (const std::string& line : lines) text += "\n" + line;
   platform_.GetDialogs().Show({.text = text, .icon = MessageIcon::Exclamation});

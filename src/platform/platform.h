@@ -32,8 +32,8 @@ class Shell {
   /// says otherwise; an answer about more than one file holds until the running command ends. The bytes may
   /// still be on their way to the disk when this returns, and the file has its name only when they are there.
   virtual void CopyFile(const CopyRequest& request) = 0;
-  /// Waits until every copy is on the disk or has failed. The results of all copies of the running command, in the
-  /// order of the requests.
+  /// Waits until every copy is on the disk or has failed, and takes the progress display away; called before a message,
+  /// too. The results of all copies of the running command, in the order of the requests.
   virtual std::vector<CopyResult> FinishCopies() = 0;
 };
 

@@ -88,6 +88,7 @@ struct ScriptedDialogs : Dialogs {
   }
 
   MessageAnswer Show(const Message& message) override {
+    EXPECT_EQ(openProgressDisplays, 0) << "shown beside a progress display: " << message.text;
     messages.push_back(message);
     looks.insert(LookOf(message));
     if (message.buttons == MessageButtons::Ok) return MessageAnswer::Ok;

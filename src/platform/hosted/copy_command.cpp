@@ -101,6 +101,7 @@ void CopyCommand::Copy(const CopyRequest& request) {
 
 const std::vector<CopyResult>& CopyCommand::Finish() {
   SettleAll();
+  progress_.reset();
   return results_;
 }
 
