@@ -19,6 +19,7 @@ namespace {
 
 constexpr int kGap = 8;
 constexpr int kWidest = 520;
+constexpr int kRoomShare = 40;
 /// A text that is higher than this share of the screen is shown in a box that scrolls.
 constexpr int kScreenShare = 2;
 
@@ -93,7 +94,11 @@ class MessageDialog : public wxDialog {
     text->SetLabelText(BrokenAtBackslashes(*text, words, FromDIP(kWidest)));
     text->Wrap(FromDIP(kWidest));
     const int highest = wxDisplay(this).GetClientArea().height / kScreenShare;
-    if (text->GetBestSize().y <= highest) return text;
+    if (const wxSize size = text->GetBestSize(); size.y <= highest) {
+      // Some systems draw a text a little wider than they measure it.
+      text->SetMinSize({size.x + size.x / kRoomShare, size.y});
+      return text;
+    }
     text->Destroy();
     return new wxTextCtrl(this, wxID_ANY, words, wxDefaultPosition, wxSize(FromDIP(kWidest), highest),
                           wxTE_MULTILINE | wxTE_READONLY);

@@ -59,6 +59,18 @@ LRESULT CALLBACK BoxEntry(HWND entry, UINT message, WPARAM wide, LPARAM long_, U
   return result;
 }
 
+/// An entry without the focus shows the beginning of its text in whatever width it gets: one that was narrow when it
+/// got its text would stay at the end of it.
+LRESULT CALLBACK ResizedEntry(HWND entry, UINT message, WPARAM wide, LPARAM long_, UINT_PTR id, DWORD_PTR /*data*/) {
+  if (message == WM_NCDESTROY) RemoveWindowSubclass(entry, ResizedEntry, id);
+  const LRESULT result = DefSubclassProc(entry, message, wide, long_);
+  if (message == WM_SIZE && GetFocus() != entry) {
+    DefSubclassProc(entry, EM_SETSEL, 0, 0);
+    DefSubclassProc(entry, EM_SCROLLCARET, 0, 0);
+  }
+  return result;
+}
+
 /// The entry of a picker: a click opens or closes the list, as one on the arrow does.
 LRESULT CALLBACK PickerEntry(HWND entry, UINT message, WPARAM wide, LPARAM long_, UINT_PTR id, DWORD_PTR box) {
   if (message == WM_NCDESTROY) RemoveWindowSubclass(entry, PickerEntry, id);
@@ -171,7 +183,9 @@ void OpenByClick(wxComboBox& box) {
 }
 
 /// The system draws it so by itself.
-void ShowReadOnly(wxTextCtrl& /*entry*/, bool /*readOnly*/) {}
+void ShowReadOnly(wxTextCtrl& entry, bool readOnly) {
+  if (readOnly) SetWindowSubclass(entry.GetHandle(), ResizedEntry, 0, 0);
+}
 
 /// It is clear by itself.
 void SetTitleBesideLine(wxStaticBox& /*frame*/) {}
