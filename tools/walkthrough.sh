@@ -1,7 +1,8 @@
 #!/bin/sh
 # usage: walkthrough.sh BIN SAMPLE OUT
 # Opens the program on the sample disk under a virtual display, presses Quick Backup in the real window, saves a
-# picture of the window to OUT, and prints what was written where. Programs for Windows in BIN run under wine.
+# picture of the window to OUT, and prints what was written where. Programs for Windows in BIN run under wine, and press
+# it a second time on the Windows that wine is, which gets the sample's identities.
 set -eu
 tools=$(cd "$(dirname "$0")" && pwd)
 mkdir -p "$3"
@@ -86,4 +87,40 @@ REG
   echo "A picture of the window is $out/window.png"
 }
 
+# The sample's keys that wine's registry gets. Its folders are copied to where wine's user has them.
+sampled_keys='HKEY_CURRENT_USER\Identities
+HKEY_CURRENT_USER\Software\Microsoft\Internet Account Manager
+HKEY_CURRENT_USER\Software\Microsoft\WAB
+HKEY_LOCAL_MACHINE\Software\Microsoft\Outlook Express
+HKEY_LOCAL_MACHINE\Software\Microsoft\WAB'
+
+on_this_computer() {
+  prefix=$tools/../build/wine
+  home=$prefix/drive_c/users/$(id -un)
+  cp -R "$sample/C/Documents and Settings" "$prefix/drive_c"
+  cp -R "$sample/C/Documents and Settings/Ann Miller/Local Settings" \
+    "$sample/C/Documents and Settings/Ann Miller/Application Data" "$home"
+  rm -rf "$prefix/drive_d/Backup"
+  mkdir -p "$prefix/drive_d/Backup"
+  printf '%s\n' "$sampled_keys" | while read -r key; do
+    (run "$regedit" --disk "$root$sample/C" --profile "Ann Miller" /e "$root$out/key.reg" "$key") </dev/null
+    (run regedit /s "$root$out/key.reg") </dev/null
+  done
+  rm "$out/key.reg"
+  (run regedit /s "$root$out/backup-folder.reg")
+  open_main_window --this-computer
+  quick_backup "$prefix/drive_d/Backup/Main Identity/IAM.reg" "$out/this-computer.png"
+  echo
+  echo "The same on \"This Computer\":"
+  list_files "$prefix/drive_d/Backup" "D:/Backup"
+  echo "A picture of the window is $out/this-computer.png"
+}
+
+close_the_program() {
+  kill "$program" 2>/dev/null || true
+  wait "$program" 2>/dev/null || true
+  program=
+}
+
 on_the_sample_disk
+[ -z "$root" ] || { close_the_program; on_this_computer; }

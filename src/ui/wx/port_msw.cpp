@@ -61,10 +61,10 @@ LRESULT CALLBACK BoxEntry(HWND entry, UINT message, WPARAM wide, LPARAM long_, U
 
 /// An entry without the focus shows the beginning of its text in whatever width it gets: one that was narrow when it
 /// got its text would stay at the end of it.
-LRESULT CALLBACK ResizedEntry(HWND entry, UINT message, WPARAM wide, LPARAM long_, UINT_PTR id, DWORD_PTR /*data*/) {
-  if (message == WM_NCDESTROY) RemoveWindowSubclass(entry, ResizedEntry, id);
+LRESULT CALLBACK ShownEntry(HWND entry, UINT message, WPARAM wide, LPARAM long_, UINT_PTR id, DWORD_PTR /*data*/) {
+  if (message == WM_NCDESTROY) RemoveWindowSubclass(entry, ShownEntry, id);
   const LRESULT result = DefSubclassProc(entry, message, wide, long_);
-  if (message == WM_SIZE && GetFocus() != entry) {
+  if ((message == WM_SIZE || message == WM_SETTEXT) && GetFocus() != entry) {
     DefSubclassProc(entry, EM_SETSEL, 0, 0);
     DefSubclassProc(entry, EM_SCROLLCARET, 0, 0);
   }
@@ -184,7 +184,7 @@ void OpenByClick(wxComboBox& box) {
 
 /// The system draws it so by itself.
 void ShowReadOnly(wxTextCtrl& entry, bool readOnly) {
-  if (readOnly) SetWindowSubclass(entry.GetHandle(), ResizedEntry, 0, 0);
+  if (readOnly) SetWindowSubclass(entry.GetHandle(), ShownEntry, 0, 0);
 }
 
 /// It is clear by itself.
