@@ -46,12 +46,16 @@ function(quillbox_check_neutral files)
   endforeach()
 endfunction()
 
-# The headers in posix/ and win32/ are for the sources there alone, and so may include what those may.
+# The headers in posix/ and win32/ are for the sources there alone, and so may include what those may. The toolkit's
+# layer is built with one of its ports; all are looked at.
 function(quillbox_check_layer folder sources links private_links)
   set_property(GLOBAL PROPERTY USED "")
   file(GLOB headers "${SOURCE_DIR}/${folder}/*.h")
   file(GLOB host_headers "${SOURCE_DIR}/${folder}/posix/*.h" "${SOURCE_DIR}/${folder}/win32/*.h")
   list(TRANSFORM sources PREPEND "${SOURCE_DIR}/${folder}/")
+  file(GLOB ports "${SOURCE_DIR}/${folder}/port_*.cpp")
+  list(APPEND sources ${ports})
+  list(REMOVE_DUPLICATES sources)
   quillbox_check_files("${headers}" ${folder} "${links}" LINKS)
   list(APPEND sources ${host_headers})
   quillbox_check_files("${sources}" ${folder} "${links};${private_links}" "LINKS or PRIVATE_LINKS")
