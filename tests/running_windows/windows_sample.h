@@ -113,7 +113,7 @@ inline SampleDisk MakeSampled(const TempFolder& temp) {
   std::vector<std::string> merge = original.files;
   merge.insert(merge.begin(), "/s");
   RunOrThrow("C:\\windows\\regedit.exe", merge, temp);
-  const SampleDisk here{.driveC = "C:\\", .driveD = "D:\\", .profile = original.disk.profile};
+  SampleDisk here{.driveC = "C:\\", .driveD = "D:\\", .profile = original.disk.profile};
   for (const auto& drive : {here.driveC, here.driveD}) Empty(drive);
   for (const char* folder : {"Documents and Settings", "Program Files"}) {
     CopyTree(original.disk.driveC / folder, here.driveC / folder);

@@ -50,6 +50,7 @@ HostFolder HostFolder::Open(const HostPath& path) {
   return HostFolder(std::move(handle), std::move(real));
 }
 
+// NOLINTNEXTLINE(bugprone-easily-swappable-parameters): the second is relative to the first
 HostFolder HostFolder::OpenBeneath(const HostPath& root, const HostPath& below) {
   HostFolder folder = Open(root);
   std::vector<HostFolder> above;  // open to the end, so that no name of the way can become a link
