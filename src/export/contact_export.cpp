@@ -91,7 +91,8 @@ std::string ContactExport::Sentences() const {
     text += "\n\nGroups without a checked contact, which were not written: " + QuotedNames(groupsLeftOut) + ".";
   }
   if (faults > 0) {
-    text += "\n\nIt has " + CountOf(faults, " fault", " faults") + ", and what could not be read is not in the file.";
+    text += "\n\nThe address book has " + CountOf(faults, " fault", " faults") +
+            ", and what could not be read is not in the file.";
   }
   return text;
 }

@@ -10,6 +10,7 @@
 #include "ui/forms/clone_identity_window.h"
 #include "ui/forms/create_identity_window.h"
 #include "ui/forms/delete_identities_window.h"
+#include "ui/forms/export_contacts_window.h"
 #include "ui/forms/last_backup_window.h"
 #include "ui/forms/main_window.h"
 #include "ui/forms/manage_identities_window.h"
@@ -41,7 +42,8 @@ class ProgramWindows {
         form12(*this),
         form13(*this),
         form17(*this),
-        lastBackup(*this) {}
+        lastBackup(*this),
+        exportContacts(*this) {}
 
   Session session;
   HandlerGuard guard;
@@ -60,11 +62,12 @@ class ProgramWindows {
   Form13 form13;
   Form17 form17;
   LastBackupForm lastBackup;
+  ExportContactsForm exportContacts;
 
   /// Every window, for a renderer.
   std::vector<Form*> All() {
-    return {&form1, &form2,  &form3,  &form4,  &form5,  &form6,  &form7,     &form8,
-            &form9, &form10, &form11, &form12, &form13, &form17, &lastBackup};
+    return {&form1, &form2,  &form3,  &form4,  &form5,  &form6,  &form7,      &form8,
+            &form9, &form10, &form11, &form12, &form13, &form17, &lastBackup, &exportContacts};
   }
 
   /// Shows `window` in place of the main window, and the main window again.

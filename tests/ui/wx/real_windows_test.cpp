@@ -32,7 +32,7 @@ constexpr Window kWindows[] = {
     {"Form11", "m>>v^^^^e", "svNewsRules"}, {"Form17", "m>>>ve", "usrIDString"},
     {"Form8", "m>>>vve", "chgStartIdent"},  {"Form7", "m>>>>ve", "crtnewID"},
     {"Form4", "m>>>>vve", "CloneIdentity"}, {"Form5", "m>>>>>ve", "remIdent"},
-    {"Form2", "m>>>>>>e", "Search"},
+    {"Form2", "m>>>>>>e", "Search"},        {"ExportContacts", "m>>>>>>>v^e", "exportContacts"},
 };
 
 class RealWindows : public SampleWindows {
