@@ -36,16 +36,29 @@ class LineStarts {
 
  private:
   enum class Place { LineStart, InLine, Skipping };
+  enum class Kind { Undecided, Plain, HeaderEnd, Found };
+  /// What a line begins with, as far as the bytes at hand say.
+  struct Beginning {
+    Kind kind = Kind::Undecided;
+    std::uint64_t quotes = 0;
+    std::string_view word = {};
+    std::size_t length = 0;  ///< of the quotes and the word
+  };
 
-  /// Looks at a byte of a line's beginning; false when it belongs to the rest of the line.
+  Beginning Look(std::string_view line) const;
+  bool EndsHeader(char c) const { return rule_.headerOnly && (c == '\r' || c == '\n'); }
+  /// Looks at a byte of a beginning that comes in several pieces; false when it belongs to the rest of the line.
   bool TakeByte(char c);
   void Match();
   void Flush();
   static std::size_t ToLineEnd(std::string_view piece);
   std::size_t ToNextCandidate(std::string_view piece) const;
+  std::size_t WithoutCandidates(std::string_view piece) const;
 
   Rule rule_;
   Listener& listener_;
+  std::size_t longest_ = 0;  ///< of the words and the quote
+  char quoteStart_, wordStart_;
   Place place_ = Place::LineStart;
   bool afterHeader_ = false;
   std::array<bool, 256> mayBegin_ = {};  ///< by the first byte of a line: whether the rule may apply

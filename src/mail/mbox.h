@@ -14,6 +14,7 @@
 // The reader undoes exactly this, and leaves out the own header lines wherever in the header a mail program put them.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -43,21 +44,32 @@ class MboxWriter {
 
  private:
   /// Quotes lines, and passes them on.
+  template <class Next>
   class Quoting final : public LineStarts::Listener {
    public:
-    Quoting(std::string_view quote, TextSink to) : quote_(quote), to_(std::move(to)) {}
-    void Text(std::string_view piece) override { to_(piece); }
-    bool Found(std::uint64_t quotes, std::string_view word) override;
+    Quoting(std::string_view quote, Next next) : quote_(quote), next_(std::move(next)) {}
+    void Text(std::string_view piece) override { next_(piece); }
+    bool Found(std::uint64_t quotes, std::string_view word) override {
+      Repeat(*this, quote_, quotes + 1);
+      next_(word);
+      return true;
+    }
 
    private:
     std::string_view quote_;
-    TextSink to_;
+    Next next_;
+  };
+  struct ToFromLines {
+    LineStarts& lines;
+    void operator()(std::string_view piece) const { lines.Add(piece); }
   };
 
   TextSink sink_;
-  Quoting fromQuoting_, headerQuoting_;
-  LineStarts fromLines_, headerLines_;
-  std::string end_;  ///< the last two bytes of the message
+  Quoting<const TextSink&> fromQuoting_;
+  LineStarts fromLines_;
+  Quoting<ToFromLines> headerQuoting_;
+  LineStarts headerLines_;
+  std::array<char, 2> end_ = {};  ///< the last bytes of the message
 };
 
 /// A message as ReadMbox found it.

@@ -39,12 +39,13 @@ std::string SenderText(std::string_view sender) {
   return text.empty() ? "-" : text;
 }
 
+/// Four hexadecimal digits.
 std::string MozillaStatus(const MailState& state) {
   const std::uint32_t bits = (state.read ? kMozillaRead : 0) | (state.answered ? kMozillaAnswered : 0) |
                              (state.flagged ? kMozillaFlagged : 0) | (state.forwarded ? kMozillaForwarded : 0);
-  char text[8];
-  std::snprintf(text, sizeof text, "%04x", bits);
-  return text;
+  std::string digits;
+  for (int shift = 12; shift >= 0; shift -= 4) digits += "0123456789abcdef"[bits >> shift & 0xF];
+  return digits;
 }
 
 std::string OwnLines(const MailState& state) {
@@ -52,40 +53,36 @@ std::string OwnLines(const MailState& state) {
       MozillaStatus(state), "00000000", std::string(kKeysRoom, ' '), state.read ? "RO" : "O",
       std::string(state.answered ? "A" : "") + (state.flagged ? "F" : "")};
   std::string lines;
-  for (std::size_t i = 0; i < values.size(); ++i) lines += std::string(kOwnLines[i]) + " " + values[i] + "\r\n";
+  for (std::size_t i = 0; i < values.size(); ++i)
+    lines.append(kOwnLines[i]).append(" ").append(values[i]).append("\r\n");
   return lines;
 }
 
 }  // namespace
 
-bool MboxWriter::Quoting::Found(std::uint64_t quotes, std::string_view word) {
-  Repeat(*this, quote_, quotes + 1);
-  to_(word);
-  return true;
-}
-
 MboxWriter::MboxWriter(TextSink sink)
     : sink_(std::move(sink)),
-      fromQuoting_(kFromRule.quote, [this](std::string_view piece) { sink_(piece); }),
-      headerQuoting_(kOwnLineRule.quote, [this](std::string_view piece) { fromLines_.Add(piece); }),
+      fromQuoting_(kFromRule.quote, sink_),
       fromLines_(kFromRule, fromQuoting_),
+      headerQuoting_(kOwnLineRule.quote, ToFromLines{fromLines_}),
       headerLines_(kOwnLineRule, headerQuoting_) {}
 
 void MboxWriter::Begin(const MboxEnvelope& envelope) {
   sink_("From " + SenderText(envelope.sender) + " " + DateText(envelope.received) + "\r\n" + OwnLines(envelope.state));
-  end_.clear();
+  end_ = {};
 }
 
 void MboxWriter::Add(std::string_view piece) {
+  if (piece.empty()) return;
   headerLines_.Add(piece);
-  end_ += piece.substr(piece.size() - std::min<std::size_t>(piece.size(), 2));
-  end_.erase(0, end_.size() - std::min<std::size_t>(end_.size(), 2));
+  end_ = {piece.size() == 1 ? end_[1] : piece[piece.size() - 2], piece.back()};
 }
 
 void MboxWriter::End() {
   headerLines_.End();
   fromLines_.End();
-  sink_(end_.ends_with("\r\n") ? "\r\n" : end_.ends_with('\n') ? "\n" : "\r\n\n");
+  const bool hasLineEnd = end_[1] == '\n';
+  sink_(hasLineEnd && end_[0] == '\r' ? "\r\n" : hasLineEnd ? "\n" : "\r\n\n");
 }
 
 }  // namespace quillbox

@@ -52,18 +52,21 @@ std::optional<ReadFault> SegmentChain::Load(Segment& segment) {
 /// A segment that overlaps what was given out before is refused: its chain turns back into itself.
 std::optional<DamageReason> SegmentChain::Claim(const Segment& segment) {
   const std::uint64_t start = segment.offset;
-  const auto after = stretches_.lower_bound(start);
+  // Mostly the segment is right behind the one before.
+  const bool follows = last_ != stretches_.end() && last_->second == start;
+  const auto after = follows ? std::next(last_) : stretches_.lower_bound(start);
   if (after != stretches_.end() && after->first < segment.End()) return DamageReason::UsedTwice;
   if (after != stretches_.begin()) {
     const auto before = std::prev(after);
     if (before->second > start) return DamageReason::UsedTwice;
     if (before->second == start) {
       before->second = segment.End();
+      last_ = before;
       return std::nullopt;
     }
   }
   if (stretches_.size() == kMaxStretches) return DamageReason::TooMany;
-  stretches_.emplace_hint(after, start, segment.End());
+  last_ = stretches_.emplace_hint(after, start, segment.End());
   return std::nullopt;
 }
 

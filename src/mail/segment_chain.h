@@ -41,6 +41,8 @@ class SegmentChain {
   /// The chain from the segment at `first`; offsets within it are too high by `shift` (see StoreRecord::Read).
   SegmentChain(StoreInput& input, std::uint32_t first, std::int64_t shift = 0)
       : input_(input), next_(first), shift_(shift) {}
+  SegmentChain(const SegmentChain&) = delete;
+  SegmentChain& operator=(const SegmentChain&) = delete;
 
   /// The next segment, or nothing after the last one and where the chain is damaged.
   std::optional<Segment> Next();
@@ -54,7 +56,9 @@ class SegmentChain {
   std::uint32_t next_;
   std::int64_t shift_;
   bool ended_ = false;
-  std::map<std::uint64_t, std::uint64_t> stretches_;  ///< start and end of what was given out
+  using Stretches = std::map<std::uint64_t, std::uint64_t>;
+  Stretches stretches_;                          ///< start and end of what was given out
+  Stretches::iterator last_ = stretches_.end();  ///< that of the segment before
   std::optional<StoreDamage> damage_;
 };
 

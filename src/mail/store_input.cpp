@@ -19,35 +19,39 @@ std::optional<ReadFault> StoreInput::OutsideFault(std::uint64_t offset, std::uin
   return std::nullopt;
 }
 
-std::variant<ByteView, ReadFault> StoreInput::Read(std::uint64_t offset, std::size_t size) {
-  if (auto fault = OutsideFault(offset, size)) return *fault;
-  if (!Has(offset, size)) {
-    if (auto fault = Fill(offset, size)) return *fault;
-  }
-  return ByteView(window_).subspan(static_cast<std::size_t>(offset - start_), size);
+std::optional<ReadFault> StoreInput::MakeAvailable(std::uint64_t offset, std::size_t size) {
+  if (auto fault = OutsideFault(offset, size)) return fault;
+  if (!windows_[1 - last_].Has(offset, size)) return Fill(offset, size);
+  last_ = 1 - last_;
+  return std::nullopt;
 }
 
-bool StoreInput::Has(std::uint64_t offset, std::size_t size) const {
-  return offset >= start_ && offset - start_ <= length_ && length_ - (offset - start_) >= size;
+bool StoreInput::Window::IsFollowedBy(std::uint64_t offset) const {
+  return length != 0 && offset >= start && offset - start <= length + kSmallestWindow;
+}
+
+StoreInput::Window& StoreInput::WindowFor(std::uint64_t offset) {
+  if (!windows_[last_].IsFollowedBy(offset)) last_ = 1 - last_;
+  return windows_[last_];
 }
 
 std::optional<ReadFault> StoreInput::Fill(std::uint64_t offset, std::size_t size) {
-  const bool follows = length_ != 0 && offset >= start_ && offset - start_ <= length_ + kSmallestWindow;
-  ahead_ = follows ? std::min(ahead_ * 2, kLargestWindow) : kSmallestWindow;
-  const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(std::max(ahead_, size), size_ - offset));
-  auto fault = ReadFrom(offset, wanted);
+  Window& window = WindowFor(offset);
+  window.ahead = window.IsFollowedBy(offset) ? std::min(window.ahead * 2, kLargestWindow) : kSmallestWindow;
+  const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(std::max(window.ahead, size), size_ - offset));
+  auto fault = ReadInto(window, offset, wanted);
   // A place further on that cannot be read must not take this one with it.
-  if (fault && wanted > size) fault = ReadFrom(offset, size);
-  if (!fault && length_ < size) return ReadFault{DamageReason::Shrunk};
+  if (fault && wanted > size) fault = ReadInto(window, offset, size);
+  if (!fault && window.length < size) return ReadFault{DamageReason::Shrunk};
   return fault;
 }
 
-std::optional<ReadFault> StoreInput::ReadFrom(std::uint64_t offset, std::size_t size) {
-  length_ = 0;
-  if (window_.size() < size) window_.resize(size);
+std::optional<ReadFault> StoreInput::ReadInto(Window& window, std::uint64_t offset, std::size_t size) {
+  window.length = 0;
+  if (window.bytes.size() < size) window.bytes.resize(size);
   try {
-    length_ = source_.ReadAt(offset, std::span(window_).first(size));
-    start_ = offset;
+    window.length = source_.ReadAt(offset, std::span(window.bytes).first(size));
+    window.start = offset;
     return std::nullopt;
   } catch (const Error& error) {
     return ReadFault{DamageReason::Unreadable, error.Why()};

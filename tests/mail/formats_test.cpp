@@ -105,6 +105,21 @@ TEST(Mbox, GivesEveryMessageBackAsItWas) {
   }
 }
 
+TEST(Mbox, QuotesALineWhereverItBeginsInALargePiece) {
+  const std::string before = "Subject: a\r\n\r\n";
+  for (std::size_t shift = 0; shift < 300; ++shift) {
+    for (const std::size_t behind : {0U, 40U, 200U}) {
+      for (const std::string line : {"From ", ">From ", "Frome", "> From", ">"}) {
+        const std::string quote = line.ends_with("From ") && line[1] != ' ' ? ">" : "";
+        const std::string fill(shift, 'x');
+        const std::string end = std::string(behind, 'y') + "\n";
+        const std::string mbox = WriteAll({{before + fill + "\n" + line + end, {}}});
+        ASSERT_THAT(mbox, EndsWith(before + fill + "\n" + quote + line + end + "\n")) << shift << " " << behind;
+      }
+    }
+  }
+}
+
 TEST(Mbox, ReadsWhatOtherProgramsWrote) {
   EXPECT_EQ(
       ReadAll("From a@b.c Sat Jan  1 00:00:00 2000\nSubject: one\nStatus: RO\nX-Status: F\n\n>From me\n\n"

@@ -342,6 +342,32 @@ TEST(StoreReader, SurvivesAFileThatFailsOrShrinks) {
   }
 }
 
+class CountingSource final : public PositionedSource {
+ public:
+  explicit CountingSource(const Bytes& file) : source_(file) {}
+  std::uint64_t Size() const override { return source_.Size(); }
+  std::size_t ReadAt(std::uint64_t offset, std::span<std::uint8_t> buffer) override {
+    count += buffer.size();
+    return source_.ReadAt(offset, buffer);
+  }
+  std::uint64_t count = 0;
+
+ private:
+  MemorySource source_;
+};
+
+TEST(StoreReader, ReadsAStoreAboutOnceThoughRecordsAndTextsTakeTurns) {
+  std::vector<DbxMessage> letters(100);
+  for (std::size_t i = 0; i < letters.size(); ++i) letters[i].text = TextOf(i, 20'000);
+  const Bytes file = MessageStore(letters);
+  CountingSource source(file);
+  StoreReader store(source);
+  for (const std::uint32_t entry : store.Entries()) {
+    store.ReadText(std::get<StoredMessage>(store.ReadMessage(entry)), [](std::string_view) {});
+  }
+  EXPECT_LT(source.count, file.size() * 5 / 4);
+}
+
 TEST(OldStore, GoesOnAtTheNextMark) {
   const auto texts = Texts(Letters(3));
   Bytes file = OldMessageStore(texts);
