@@ -4,8 +4,6 @@
 //
 //   copy_bench [FOLDER [ROUNDS]]    FOLDER is where the files are made; a folder for temporary files without it
 #include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -18,11 +16,11 @@
 #include <string>
 #include <vector>
 
+#include "peer.h"
 #include "platform/hosted/hosted_files.h"
 #include "platform/hosted/hosted_shell.h"
 #include "platform/offline/offline_drives.h"
 #include "platform/offline/system_services.h"
-#include "timing.h"
 
 namespace {
 
@@ -104,24 +102,9 @@ void CopyOurs(const fs::path& folder) {
   }
 }
 
-void Run(std::vector<std::string> words) {
-  std::vector<char*> arguments;
-  for (std::string& word : words) arguments.push_back(word.data());
-  arguments.push_back(nullptr);
-  pid_t child = 0;
-  int status = 1;
-  if (posix_spawnp(&child, arguments[0], nullptr, nullptr, arguments.data(), environ) == 0) waitpid(child, &status, 0);
-  if (status != 0) throw std::runtime_error(words[0] + " failed");
-}
-
 void CopyTheirs(const fs::path& folder) {
   Run({"cp", "-a", (folder / "in").string() + "/.", (folder / "theirs").string()});
   Run({"sync", "-f", (folder / "theirs").string()});
-}
-
-void Print(const char* name, const std::vector<double>& times) {
-  const auto [least, most] = std::minmax_element(times.begin(), times.end());
-  std::printf("%s %.0f ms (%.0f to %.0f), ", name, Median(times), *least, *most);
 }
 
 void Measure(const fs::path& folder, int rounds) {
@@ -136,8 +119,8 @@ void Measure(const fs::path& folder, int rounds) {
     if (round == 0) Run({"diff", "-r", (folder / "ours").string(), (folder / "theirs").string()});
   }
   std::printf("%d files of %zu MB, %d rounds: ", kFiles, kFileSize / 1000 / 1000, rounds);
-  Print("copies", ours);
-  Print("cp and sync", theirs);
+  PrintTimes("copies", ours);
+  PrintTimes("cp and sync", theirs);
   std::printf("%.2f times\n", Median(ours) / Median(theirs));
 }
 

@@ -1,0 +1,251 @@
+// Times what is done with message stores: counting the messages of all folders, and writing all messages as .eml files
+// beside `undbx` and as a mailbox file beside `cp` of the same bytes, in turns, with the store in the host's memory.
+// The stores are made by code: 1 GB in 50,000 messages, and 200 MB in 200,000 small ones. Prints the times' medians,
+// their range and their ratios.
+//
+//   store_bench [FOLDER [ROUNDS]]    FOLDER is where the files are made (5 GB); a folder for temporary files without it
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "host/host_file.h"
+#include "mail/export_names.h"
+#include "mail/mbox.h"
+#include "mail/message_header.h"
+#include "mail/store_reader.h"
+#include "peer.h"
+#include "sample/dbx_writer.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace quillbox;
+
+constexpr int kRounds = 5;
+
+struct StoreForm {
+  const char* name;
+  std::size_t messages;
+  std::size_t textSize;  ///< of every other one, in bytes
+  std::size_t more;      ///< bytes that the rest has besides
+};
+constexpr std::array<StoreForm, 2> kForms = {
+    {{"1 GB in 50,000 messages", 50'000, 19'150, 0}, {"200 MB in 200,000 messages", 200'000, 490, 300}}};
+
+/// Lines as mail has them: sentences, answers with ">" before each line, a "From " now and then, and attachments.
+std::string Lines() {
+  std::string lines;
+  for (std::size_t number = 0; lines.size() < 100'000; ++number) {
+    const std::string sentence = "the quick brown fox jumps over the lazy dog and " + std::to_string(number) + " more";
+    if (number % 100 < 60) lines += sentence.substr(number % 17);
+    if (number % 100 >= 60 && number % 100 < 75) lines += "> " + sentence;
+    if (number % 100 == 75) lines += "From then on " + sentence;
+    if (number % 100 > 75) lines += std::string(76, static_cast<char>('A' + number % 26));
+    lines += "\r\n";
+  }
+  return lines;
+}
+
+void MakeStore(const fs::path& file, const StoreForm& form) {
+  const std::string lines = Lines();
+  std::vector<DbxMessage> messages(form.messages);
+  for (std::size_t i = 0; i < messages.size(); ++i) {
+    DbxMessage& message = messages[i];
+    const std::string number = std::to_string(i);
+    message.subject = "Subject " + number;
+    message.senderName = "Ann Miller";
+    message.senderAddress = "ann@example.org";
+    message.messageId = "<" + number + "@example.org>";
+    message.sent = 127'000'000'000'000'000 + i * 600'000'000;
+    message.text =
+        "From: Ann Miller <ann@example.org>\r\nTo: Ben Okafor <ben@example.org>\r\nSubject: " + message.subject +
+        "\r\nDate: Wed, 17 Mar 2004 10:11:12 +0100\r\nMessage-ID: " + message.messageId +
+        "\r\nMIME-Version: 1.0\r\nContent-Type: text/plain; charset=us-ascii\r\n\r\n";
+    message.text += lines.substr(lines.find('\n', i * 71 % (lines.size() / 2)) + 1,
+                                 form.textSize + i % 2 * form.more - message.text.size() - 2);
+    message.text += "\r\n";
+  }
+  const Bytes bytes = MessageStore(messages);
+  std::ofstream out(file, std::ios::binary);
+  out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  if (!out.flush()) throw std::runtime_error("the store could not be made: " + file.string());
+}
+
+class FileSource final : public PositionedSource {
+ public:
+  explicit FileSource(const fs::path& file)
+      : file_(HostFile::Open(HostPath(file.string()))), size_(fs::file_size(file)) {}
+  std::uint64_t Size() const override { return size_; }
+  std::size_t ReadAt(std::uint64_t offset, std::span<std::uint8_t> buffer) override {
+    return file_.ReadAt(offset, {reinterpret_cast<char*>(buffer.data()), buffer.size()});
+  }
+
+ private:
+  HostFile file_;
+  std::uint64_t size_;
+};
+
+/// A new file that is written in large pieces.
+class Output {
+ public:
+  explicit Output(const fs::path& file) : handle_(open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666)) {
+    if (!handle_) throw std::system_error(errno, std::generic_category(), file.string());
+  }
+  void Add(std::string_view piece) {
+    pending_ += piece;
+    if (pending_.size() >= kPiece) Flush();
+  }
+  void Flush() {
+    for (std::string_view rest = pending_; !rest.empty();) {
+      const ssize_t written = write(static_cast<int>(handle_.Number()), rest.data(), rest.size());
+      if (written <= 0) throw std::system_error(errno, std::generic_category(), "write");
+      rest.remove_prefix(static_cast<std::size_t>(written));
+    }
+    pending_.clear();
+  }
+
+ private:
+  static constexpr std::size_t kPiece = std::size_t{256} * 1024;
+  HostHandle handle_;
+  std::string pending_;
+};
+
+template <class Use>
+void ForEachMessage(StoreReader& store, const Use& use) {
+  for (const std::uint32_t entry : store.Entries()) {
+    const auto read = store.ReadMessage(entry);
+    if (!std::holds_alternative<StoredMessage>(read)) throw std::runtime_error("a message cannot be read");
+    use(std::get<StoredMessage>(read));
+  }
+}
+
+// The work of an export, one function a target.
+
+void ToMbox(const fs::path& store, const fs::path& target) {
+  FileSource source(store);
+  StoreReader reader(source);
+  Output output(target / "Inbox");
+  MboxWriter writer([&](std::string_view piece) { output.Add(piece); });
+  ForEachMessage(reader, [&](const StoredMessage& message) {
+    writer.Begin(
+        {message.senderAddress, UnixSeconds(message.received.value_or(0)).value_or(0), StateOf(message.flags)});
+    reader.ReadText(message, [&](std::string_view piece) { writer.Add(piece); });
+    writer.End();
+  });
+  output.Flush();
+}
+
+void ToEml(const fs::path& store, const fs::path& target) {
+  FileSource source(store);
+  StoreReader reader(source);
+  UniqueNames names;
+  const CodePage page;
+  ForEachMessage(reader, [&](const StoredMessage& message) {
+    std::string text;
+    reader.ReadText(message, [&](std::string_view piece) { text += piece; });
+    const std::string name = names.Take(EmlStem(FactsOf(message, ParseHeader(text), page)), ".eml");
+    Output output(target / name);
+    output.Add(text);
+    output.Flush();
+  });
+}
+
+std::uint64_t Count(const fs::path& folder) {
+  std::uint64_t messages = 0;
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    FileSource source(entry.path());
+    StoreReader reader(source);
+    messages += reader.Entries().size();
+  }
+  return messages;
+}
+
+/// An empty folder for what is written, and a disk with nothing left to write.
+fs::path EmptyFolder(const fs::path& folder) {
+  fs::remove_all(folder);
+  fs::create_directories(folder);
+  sync();
+  return folder;
+}
+
+struct Rival {
+  const char* ours;
+  std::function<void()> work;
+  const char* theirs;
+  std::function<void()> peer;
+};
+
+void Compare(const StoreForm& form, const fs::path& out, int rounds, const Rival& rival) {
+  std::vector<double> ours;
+  std::vector<double> theirs;
+  for (int round = 0; round < rounds; ++round) {
+    EmptyFolder(out / "ours");
+    ours.push_back(Milliseconds(rival.work));
+    EmptyFolder(out / "theirs");
+    theirs.push_back(Milliseconds(rival.peer));
+  }
+  std::printf("%s: ", form.name);
+  PrintTimes(rival.ours, ours);
+  PrintTimes(rival.theirs, theirs);
+  std::printf("%.2f times\n", Median(ours) / Median(theirs));
+  std::fflush(stdout);
+}
+
+void Measure(const fs::path& folder, int rounds) {
+  for (const StoreForm& form : kForms) {
+    const fs::path in = EmptyFolder(folder / "in");
+    const fs::path out = EmptyFolder(folder / "out");
+    MakeStore(in / "Inbox.dbx", form);
+    const fs::path mbox = EmptyFolder(out / "mbox");
+    ToMbox(in / "Inbox.dbx", mbox);
+    Compare(form, out, rounds,
+            {"to mbox", [&] { ToMbox(in / "Inbox.dbx", out / "ours"); }, "cp",
+             [&] {
+               Run({"cp", (mbox / "Inbox").string(), (out / "theirs").string()});
+             }});
+    Compare(form, out, rounds,
+            {"to .eml", [&] { ToEml(in / "Inbox.dbx", out / "ours"); }, "undbx",
+             [&] {
+               Run({"undbx", in.string(), (out / "theirs").string()});
+             }});
+    fs::remove_all(out);
+    // As many stores as make 2 GB.
+    const auto size = fs::file_size(in / "Inbox.dbx");
+    for (std::uint64_t all = size, number = 1; all < 2'000'000'000; all += size, ++number) {
+      fs::copy_file(in / "Inbox.dbx", in / ("Copy " + std::to_string(number) + ".dbx"));
+    }
+    std::uint64_t messages = Count(in);
+    std::vector<double> counting;
+    for (int round = 0; round < rounds; ++round) counting.push_back(Milliseconds([&] { messages = Count(in); }));
+    std::printf("folders of 2 GB like that: ");
+    PrintTimes("counting", counting);
+    std::printf("%llu messages\n", static_cast<unsigned long long>(messages));
+    std::fflush(stdout);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const fs::path folder = (argc > 1 ? fs::path(argv[1]) : fs::temp_directory_path()) / "quillbox-store-bench";
+  int result = 0;
+  RemoveWhenEnded(folder);
+  try {
+    Measure(folder, argc > 2 ? std::max(1, std::atoi(argv[2])) : kRounds);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "store_bench: %s\n", error.what());
+    result = 1;
+  }
+  RemoveFolder(folder);
+  return result;
+}
