@@ -64,6 +64,22 @@ class Names {
   std::set<std::string> used_;
 };
 
+/// A group's name without what Thunderbird's lists cannot have in theirs: it refuses a list with < > ; , " or two
+/// blanks in its name, and with it all lists that follow in the file.
+std::string ListName(const ContactGroup& group) {
+  std::string name;
+  for (const char c : ShownName(group)) {
+    const bool isBlank = std::string_view("<>;,\" ").find(c) != std::string_view::npos;
+    if (!isBlank) {
+      name += c;
+    } else if (!name.empty() && name.back() != ' ') {
+      name += ' ';
+    }
+  }
+  if (name.ends_with(' ')) name.pop_back();
+  return name.empty() ? "Group " + std::to_string(group.recordId) : name;
+}
+
 class LdifWriter {
  public:
   LdifWriter(const ContactBook& book, ContactChoice chosen, const ContactSink& sink)
@@ -152,7 +168,7 @@ class LdifWriter {
       const bool hasChosen = std::any_of(group.everyone.begin(), group.everyone.end(),
                                          [&](std::size_t contact) { return !contactNames_[contact].empty(); });
       if (!hasChosen) continue;
-      groupNames_[place] = names_.Take("cn=" + InName(ShownName(group)), "group-" + std::to_string(group.recordId));
+      groupNames_[place] = names_.Take("cn=" + InName(ListName(group)), "group-" + std::to_string(group.recordId));
     }
   }
 
@@ -161,7 +177,7 @@ class LdifWriter {
     Line("dn", groupNames_[place]);
     Line("objectclass", "top");
     Line("objectclass", "groupOfNames");
-    Line("cn", ShownName(group));
+    Line("cn", ListName(group));
     // An empty line is the name of a member that is not written.
     for (const std::size_t contact : group.contacts) Line("member", contactNames_[contact]);
     for (const std::size_t inner : group.groups) Line("member", groupNames_[inner]);

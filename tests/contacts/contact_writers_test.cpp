@@ -223,15 +223,15 @@ uid @4
 cn nobody@garden.example
 mail nobody@garden.example
 - 
-dn cn=Bücherfreunde\, Köln
+dn cn=Bücherfreunde Köln
 objectclass top|groupOfNames
-cn Bücherfreunde, Köln
+cn Bücherfreunde Köln
 member cn=Jürgen Größler,mail=jojo@example.org
 - 
 dn cn=Everyone
 objectclass top|groupOfNames
 cn Everyone
-member cn=nobody@garden.example,mail=nobody@garden.example|cn=Bücherfreunde\, Köln
+member cn=nobody@garden.example,mail=nobody@garden.example|cn=Bücherfreunde Köln
 - 
 )";
 
