@@ -6,20 +6,14 @@
 #include <utility>
 #include <vector>
 
+#include "registry/hive_damage.h"
 #include "registry/hive_records.h"
-#include "text/message_text.h"
 
 namespace quillbox {
 
 namespace {
 
 constexpr const char* kDoing = "opening the hive";
-constexpr const char* kWholeFile = "the file";
-
-void AddDamage(HiveData& hive, std::string part, std::uint64_t offset, std::string fault) {
-  if (++hive.damageCount > kMaxDamageNotes) return;
-  hive.damage.push_back({std::move(part), offset, std::move(fault)});
-}
 
 using Owner = RecordChecker::Owner;
 
@@ -75,13 +69,7 @@ class Salvager {
 
   /// Notes a damage of the new hive's key `to`, or of its value `value`.
   void NoteOf(KeyCell to, const std::string& value, std::uint64_t offset, std::string fault) {
-    if (hive_.damageCount >= kMaxDamageNotes) {
-      ++hive_.damageCount;
-      return;
-    }
-    std::string part = to == hive_.root ? "the root key" : ShortName(PathBelowRoot(hive_, to));
-    if (!value.empty()) part = to == hive_.root ? value : part + " " + value;
-    AddDamage(hive_, OneLine(part), offset, std::move(fault));
+    AddKeyDamage(hive_, to, value, offset, std::move(fault));
   }
 
   void NoteCell(KeyCell to, Cell cell, std::string fault) { NoteOf(to, {}, kHivePage + cell.offset, std::move(fault)); }
@@ -196,8 +184,7 @@ class Salvager {
     std::string name;
     try {
       records_.ClaimValue(list, value);
-      name = NameText(ValueName(damaged_, value));
-      name = name.empty() ? "(Default)" : "\"" + ShortName(name) + "\"";
+      name = ValueInNotes(NameText(ValueName(damaged_, value)));
       records_.ClaimData(value);
       if (const std::uint64_t size = ValueSize(damaged_, value); hive_.minor > 3) {
         if (const std::string why = DataFault(hive_, size); !why.empty()) records_.Fault(value, why);

@@ -6,9 +6,6 @@
 
 namespace quillbox {
 
-/// No more parts than these are kept in HiveData::damage; damageCount counts all of them.
-inline constexpr std::size_t kMaxDamageNotes = 1000;
-
 /// Makes `hive`, which has only a name, a new hive of everything undamaged that the root key of `file` leads to; notes
 /// the rest in HiveData::damage. `file` begins with a base block that was found good, and may be shorter than that
 /// says. `fault` is the first fault of the file. Throws Error when the root key cannot be read, or when what can be
