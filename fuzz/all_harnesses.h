@@ -9,6 +9,6 @@ namespace quillbox {
 
 inline const std::array kAllHarnesses = {
     &kHiveHarness, &kHiveChangeHarness, &kHiveLogHarness, &kRegTextHarness,    &kCommandLineHarness, &kTextHarness,
-    &kRuleHarness, &kStoreHarness,      &kMboxHarness,    &kMailHeaderHarness, &kContactBookHarness};
+    &kRuleHarness, &kStoreHarness,      &kMboxHarness,    &kMailHeaderHarness, &kContactBookHarness, &kCregHarness};
 
 }  // namespace quillbox

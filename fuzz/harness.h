@@ -58,7 +58,7 @@ struct Harness {
 };
 
 extern const Harness kHiveHarness, kHiveChangeHarness, kHiveLogHarness, kRegTextHarness, kCommandLineHarness,
-    kTextHarness, kRuleHarness, kStoreHarness, kMboxHarness, kMailHeaderHarness, kContactBookHarness;
+    kTextHarness, kRuleHarness, kStoreHarness, kMboxHarness, kMailHeaderHarness, kContactBookHarness, kCregHarness;
 
 /// The parts of an input that are not the text under test, taken from its front.
 class InputReader {

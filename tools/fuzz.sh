@@ -5,7 +5,7 @@
 # build/fuzz/failed/HARNESS; the script then ends with 1. QUILLBOX_FUZZ_BUILT=1 skips the build.
 set -eu
 cd "$(dirname "$0")/.."
-all="hive hive_change hive_log reg_text command_line text rule store mbox mail_header contact_book"
+all="hive hive_change hive_log reg_text command_line text rule store mbox mail_header contact_book creg"
 harnesses=${1:-$all}
 seconds=${2:-10}
 

@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "registry/creg.h"
 #include "registry/hive_data.h"
 #include "text/error.h"
 #include "text/message_text.h"
@@ -95,16 +96,7 @@ Bytes NewBase(std::string_view name) {
 
 }  // namespace
 
-Hive::Hive(std::unique_ptr<State> state) : state_(std::move(state)) {}
-Hive::Hive(Hive&&) noexcept = default;
-Hive& Hive::operator=(Hive&&) noexcept = default;
-Hive::~Hive() = default;
-
-Hive Hive::Create(std::string_view rootName, FileTime now) {
-  auto state = std::make_unique<State>();
-  State& hive = *state;
-  hive.name = rootName;
-  hive.now = now;
+void MakeEmptyHive(HiveData& hive, std::string_view rootName) {
   hive.cells = HiveCells(NewBase(rootName));
   const NewName name(rootName.empty() ? "Root" : rootName);
   hive.root = MakeKey(hive, KeyCell(), name, SecurityCell());
@@ -113,6 +105,18 @@ Hive Hive::Create(std::string_view rootName, FileTime now) {
   const unsigned flags = hive.cells.Get(hive.root, KeyField::kFlags) | KeyFlag::kRoot | KeyFlag::kNoDelete;
   hive.cells.Put(hive.root, KeyField::kFlags, static_cast<std::uint16_t>(flags));
   Store32(hive.cells.Base() + BaseField::kRoot, hive.root.offset);
+}
+
+Hive::Hive(std::unique_ptr<State> state) : state_(std::move(state)) {}
+Hive::Hive(Hive&&) noexcept = default;
+Hive& Hive::operator=(Hive&&) noexcept = default;
+Hive::~Hive() = default;
+
+Hive Hive::Create(std::string_view rootName, FileTime now) {
+  auto state = std::make_unique<State>();
+  state->name = rootName;
+  state->now = now;
+  MakeEmptyHive(*state, rootName);
   Hive made(std::move(state));
   made.Image(now);
   return made;
@@ -122,6 +126,13 @@ Hive Hive::Load(Bytes file, std::string name, const ReadHiveLogs& readLogs, Dama
   auto state = std::make_unique<State>();
   state->name = std::move(name);
   LoadHive(*state, std::move(file), readLogs, damaged);
+  return Hive(std::move(state));
+}
+
+Hive Hive::LoadCreg(ByteView file, std::string name, const CodePage& codePage, DamagedParts damaged) {
+  auto state = std::make_unique<State>();
+  state->name = std::move(name);
+  ReadCreg(*state, file, codePage, damaged);
   return Hive(std::move(state));
 }
 

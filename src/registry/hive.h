@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "text/code_page.h"
 #include "text/error.h"
 #include "text/unicode.h"
 
@@ -110,6 +111,11 @@ class Hive {
   /// closed cleanly. Throws Error with name, offset and fault.
   static Hive Load(Bytes file, std::string name, const ReadHiveLogs& readLogs = {},
                    DamagedParts damaged = DamagedParts::Refuse);
+
+  /// The same for a registry file of Windows 95, 98 or Me ("CREG"), whose names and texts are in `codePage`. The hive
+  /// is one of version 1.3: its keys have no times, and texts that lack their NUL get it.
+  static Hive LoadCreg(ByteView file, std::string name, const CodePage& codePage,
+                       DamagedParts damaged = DamagedParts::Refuse);
 
   Hive(Hive&&) noexcept;
   Hive& operator=(Hive&&) noexcept;

@@ -49,6 +49,10 @@ struct SourceKey {
 /// Throws the HiveRefusal of a change to `key`.
 [[noreturn]] void ThrowRefusal(const HiveData& hive, KeyCell key, HiveLimit limit, std::string doing, std::string why);
 
+// hive.cpp
+/// Makes `hive`, which has only a name, a hive of version 1.3 with only a root key. `rootName` is the name of both.
+void MakeEmptyHive(HiveData& hive, std::string_view rootName);
+
 // hive_load.cpp, hive_check.cpp
 void LoadHive(HiveData& hive, Bytes file, const ReadHiveLogs& readLogs, DamagedParts damaged);
 /// Walks everything that can be reached from the root, once, and notes what HiveData keeps of it. Throws Error on the
