@@ -1,4 +1,4 @@
-// make_sample_disk FOLDER: makes a Windows disk to try the program on.
+// make_sample_disk [--windows98] FOLDER: makes a Windows disk to try the program on.
 #include <cstdint>
 #include <cstdio>
 #include <exception>
@@ -24,8 +24,9 @@ void PrintDrive(const std::filesystem::path& drive, char letter) {
               bytes / 1024);
 }
 
-int Make(const std::string& folder) {
-  const quillbox::SampleDisk disk = quillbox::MakeSampleDisk(quillbox::NativePath(quillbox::HostPath(folder)));
+int Make(const std::string& folder, quillbox::SampleKind kind) {
+  const quillbox::SampleDisk disk =
+      quillbox::MakeSampleDisk(quillbox::NativePath(quillbox::HostPath(folder)), {.kind = kind});
   PrintDrive(disk.driveC, 'C');
   PrintDrive(disk.driveD, 'D');
   std::printf("profile: %s\n", disk.profile.c_str());
@@ -36,15 +37,18 @@ int Make(const std::string& folder) {
 
 int main(int count, char** texts) {
   const quillbox::Utf8Output output;
-  const std::vector<std::string> arguments = quillbox::ProgramArguments(count, texts);
+  std::vector<std::string> arguments = quillbox::ProgramArguments(count, texts);
+  const bool isWindows98 = !arguments.empty() && arguments.front() == "--windows98";
+  if (isWindows98) arguments.erase(arguments.begin());
   if (arguments.size() != 1 || arguments[0].starts_with('-') || arguments[0].empty()) {
     std::fputs(
-        "usage: make_sample_disk FOLDER\n  FOLDER must not exist or be empty; the drives C and D are made in it.\n",
+        "usage: make_sample_disk [--windows98] FOLDER\n"
+        "  FOLDER must not exist or be empty; the drives C and D are made in it, with Windows XP or 98.\n",
         stderr);
     return 2;
   }
   try {
-    return Make(arguments[0]);
+    return Make(arguments[0], isWindows98 ? quillbox::SampleKind::Windows98 : quillbox::SampleKind::Xp);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "make_sample_disk: %s\n", error.what());
     return 1;

@@ -121,7 +121,7 @@ constexpr ValueRow kHomeSettings[] = {
     Sz("signatures\\00000002", "name", "Business card"),
     Dword("signatures\\00000002", "type", 2),
     Sz("signatures\\00000002", "text", ""),
-    Sz("signatures\\00000002", "file", "C:\\Documents and Settings\\<profile>\\My Documents\\card.htm"),
+    Sz("signatures\\00000002", "file", "<documents>\\card.htm"),
 };
 
 constexpr ValueRow kOfficeSettings[] = {
@@ -149,13 +149,10 @@ constexpr ValueRow kOfficeSettings[] = {
 };
 
 constexpr SampleIdentity kIdentities[] = {
-    {"{2B7C0E64-91D3-4F5A-8C17-6E0D53A9F421}", 0x2B7C0E64, "Main Identity",
-     "%UserProfile%\\Local Settings\\Application Data\\Identities\\<id>\\Microsoft\\Outlook Express",
-     "Documents and Settings/<profile>/Local Settings/Application Data/Identities/<id>/Microsoft/Outlook Express", 'C',
-     kHomeSettings, nullptr},
-    {"{8F41D3C2-5B0A-4E76-A9D8-13C7E2046FB5}", 0x8F41D3C2, "Büro", "D:\\Mail\\Office", "Mail/Office", 'D',
-     kOfficeSettings, OfficeAccountRows},
-    {"{C65A0B97-2E18-4D03-B7F4-90AC61D85E3C}", 0xC65A0B97, "Guest", "", "", 'C', {}, nullptr},
+    {"{2B7C0E64-91D3-4F5A-8C17-6E0D53A9F421}", 0x2B7C0E64, "Main Identity", StorePlace::Home, kHomeSettings, nullptr},
+    {"{8F41D3C2-5B0A-4E76-A9D8-13C7E2046FB5}", 0x8F41D3C2, "Büro", StorePlace::DriveD, kOfficeSettings,
+     OfficeAccountRows},
+    {"{C65A0B97-2E18-4D03-B7F4-90AC61D85E3C}", 0xC65A0B97, "Guest", StorePlace::None, {}, nullptr},
 };
 
 }  // namespace

@@ -9,14 +9,19 @@
 
 namespace quillbox {
 
+/// Where an identity's store is.
+enum class StorePlace {
+  Home,    ///< where its Windows puts it
+  DriveD,  ///< D:\Mail\Office
+  None,    ///< it was never started
+};
+
 struct SampleIdentity {
   std::string_view userId;  ///< in braces, upper case
   std::uint32_t directoryName;
   std::string_view username;
-  std::string_view storeRoot;    ///< as stored, <id> standing for userId; empty: never started
-  std::string_view storeFolder;  ///< below the drive `storeDrive`, with slashes; <id> and <profile> as above
-  char storeDrive;
-  std::span<const ValueRow> settings;       ///< below the identity's "Outlook Express\5.0" key
+  StorePlace store;
+  std::span<const ValueRow> settings;  ///< below the identity's "Outlook Express\5.0" key; placeholder: <documents>
   std::span<const ValueRow> (*accounts)();  ///< below the identity's own "Internet Account Manager" key; may be null
 };
 

@@ -7,16 +7,6 @@
 namespace quillbox {
 namespace {
 
-std::string Filled(std::string_view text, const Placeholders& placeholders) {
-  std::string filled(text);
-  for (const auto& [word, replacement] : placeholders) {
-    for (std::size_t at = filled.find(word); at != std::string::npos; at = filled.find(word, at + replacement.size())) {
-      filled.replace(at, word.size(), replacement);
-    }
-  }
-  return filled;
-}
-
 unsigned HexDigit(char c) {
   return static_cast<unsigned>(c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10);
 }
@@ -48,6 +38,16 @@ void WriteRow(Hive& hive, HiveKey key, const ValueRow& row, const Placeholders& 
 }
 
 }  // namespace
+
+std::string Filled(std::string_view text, const Placeholders& placeholders) {
+  std::string filled(text);
+  for (const auto& [word, replacement] : placeholders) {
+    for (std::size_t at = filled.find(word); at != std::string::npos; at = filled.find(word, at + replacement.size())) {
+      filled.replace(at, word.size(), replacement);
+    }
+  }
+  return filled;
+}
 
 void SetText(Hive& hive, HiveKey key, std::string_view name, RowType type, std::string_view text) {
   std::u16string units = ToUtf16(text);

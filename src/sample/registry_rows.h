@@ -38,6 +38,9 @@ constexpr ValueRow Binary(std::string_view key, std::string_view name, std::stri
 /// Placeholders in the texts of a table, each with its replacement.
 using Placeholders = std::vector<std::pair<std::string_view, std::string>>;
 
+/// `text` with its placeholders replaced.
+std::string Filled(std::string_view text, const Placeholders& placeholders);
+
 /// Writes `rows` below `base`, making every key that is missing.
 void WriteRows(Hive& hive, HiveKey base, std::span<const ValueRow> rows, const Placeholders& placeholders = {});
 

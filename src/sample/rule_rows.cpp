@@ -73,7 +73,7 @@ const Rule kHomeMail[] = {
      false,
      kAnd,
      {{19, 0, Stored::Text, "00000001"}},
-     {{5, 0, Stored::Text, "C:\\Documents and Settings\\Ann Miller\\My Documents\\away.eml"}}},
+     {{5, 0, Stored::Text, "<documents>\\away.eml"}}},
     {"Known nuisances", true, kAnd, {{12, 2, Stored::Words, "winner@prizes.example"}}, {{7}, {8}}},
     {"Everything else", false, kAnd, {{20}}, {{10, 0, Stored::Number, {}, 0}}},
 };
@@ -151,7 +151,7 @@ Bytes FolderReference(std::uint32_t folder) {
   return bytes;
 }
 
-void WriteEntry(Hive& hive, HiveKey key, const Entry& entry, const CodePage& codePage) {
+void WriteEntry(Hive& hive, HiveKey key, const Entry& entry, const RuleTexts& texts) {
   constexpr auto kBinary = static_cast<std::uint32_t>(RowType::Binary);
   SetNumber(hive, key, "Type", entry.type);
   SetNumber(hive, key, "Flags", entry.flags);
@@ -163,10 +163,10 @@ void WriteEntry(Hive& hive, HiveKey key, const Entry& entry, const CodePage& cod
       SetNumber(hive, key, "Value", entry.number);
       break;
     case Stored::Text:
-      SetText(hive, key, "Value", RowType::Sz, entry.text);
+      SetText(hive, key, "Value", RowType::Sz, Filled(entry.text, {{"<documents>", texts.documents}}));
       break;
     case Stored::Words:
-      hive.SetValue(key, "Value", kBinary, WordList(entry.text, codePage));
+      hive.SetValue(key, "Value", kBinary, WordList(entry.text, texts.codePage));
       break;
     case Stored::Folder:
       hive.SetValue(key, "Value", kBinary, FolderReference(entry.number));
@@ -175,7 +175,7 @@ void WriteEntry(Hive& hive, HiveKey key, const Entry& entry, const CodePage& cod
 }
 
 void WriteRules(Hive& hive, HiveKey settings, std::string_view path, std::span<const Rule> rules,
-                const CodePage& codePage) {
+                const RuleTexts& texts) {
   const HiveKey set = hive.CreatePath(settings, path);
   WriteOrder(hive, set, rules.size(), [&](std::size_t r) { return KeyName(rules[r], r); });
   SetNumber(hive, set, "Version", kSetVersion);
@@ -189,13 +189,13 @@ void WriteRules(Hive& hive, HiveKey settings, std::string_view path, std::span<c
     WriteOrder(hive, criteria, rule.criteria.size(), EntryName);
     for (std::size_t i = 0; i < rule.criteria.size(); ++i) {
       const HiveKey entry = hive.CreateSubkey(criteria, EntryName(i));
-      WriteEntry(hive, entry, rule.criteria[i], codePage);
+      WriteEntry(hive, entry, rule.criteria[i], texts);
       SetNumber(hive, entry, "Logic", LogicOf(i, rule.criteria.size(), rule.logic));
     }
     const HiveKey actions = hive.CreateSubkey(key, "Actions");
     WriteOrder(hive, actions, rule.actions.size(), EntryName);
     for (std::size_t i = 0; i < rule.actions.size(); ++i) {
-      WriteEntry(hive, hive.CreateSubkey(actions, EntryName(i)), rule.actions[i], codePage);
+      WriteEntry(hive, hive.CreateSubkey(actions, EntryName(i)), rule.actions[i], texts);
     }
   }
 }
@@ -207,24 +207,24 @@ void WriteBlocked(Hive& hive, HiveKey settings, std::string_view path, std::span
   WriteOrder(hive, criteria, senders.size(), EntryName);
   for (std::size_t i = 0; i < senders.size(); ++i) {
     const HiveKey entry = hive.CreateSubkey(criteria, EntryName(i));
-    WriteEntry(hive, entry, {kSenderCriterion, 0, Stored::Text, senders[i], 0}, CodePage());
+    WriteEntry(hive, entry, {kSenderCriterion, 0, Stored::Text, senders[i], 0}, {});
     SetNumber(hive, entry, "Logic", LogicOf(i, senders.size(), kOr));
   }
 }
 
 }  // namespace
 
-void WriteHomeRules(Hive& hive, HiveKey settings, const CodePage& codePage) {
+void WriteHomeRules(Hive& hive, HiveKey settings, const RuleTexts& texts) {
   SetNumber(hive, hive.CreatePath(settings, "Rules"), "Messenger Auto logon", 0);
-  WriteRules(hive, settings, "Rules\\Mail", kHomeMail, codePage);
-  WriteRules(hive, settings, "Rules\\News", kHomeNews, codePage);
-  WriteRules(hive, settings, "Rules\\Filter", kViews, codePage);
+  WriteRules(hive, settings, "Rules\\Mail", kHomeMail, texts);
+  WriteRules(hive, settings, "Rules\\News", kHomeNews, texts);
+  WriteRules(hive, settings, "Rules\\Filter", kViews, texts);
   WriteBlocked(hive, settings, "Block Senders\\Mail", kBlockedMail);
   WriteBlocked(hive, settings, "Block Senders\\News", kBlockedNews);
 }
 
-void WriteOfficeRules(Hive& hive, HiveKey settings, const CodePage& codePage) {
-  WriteRules(hive, settings, "Rules\\Mail", kOfficeMail, codePage);
+void WriteOfficeRules(Hive& hive, HiveKey settings, const RuleTexts& texts) {
+  WriteRules(hive, settings, "Rules\\Mail", kOfficeMail, texts);
 }
 
 }  // namespace quillbox

@@ -2,11 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
+#include <sstream>
 #include <string>
 
+#include "registry/hive_tools.h"
 #include "sample/dbx_writer.h"
 #include "support/damaged_hive.h"
+#include "support/host_tricks.h"
 #include "support/sample_ids.h"
 #include "support/temp_folder.h"
 #include "text/byte_order.h"
@@ -84,6 +88,66 @@ TEST_F(SampleDiskTest, NeverTouchesWhatIsThere) {
   EXPECT_THROW(MakeSampleDisk(folder_ / "other", {.smallStores = true, .profile = ".."}), Error);
   fs::create_directory(folder_ / "empty");
   EXPECT_TRUE(fs::exists(MakeSampleDisk((folder_ / "empty").string() + "/", {.smallStores = true}).driveC));
+}
+
+/// A registry file's keys and values as cregexport lists them: "path", and "path : name = type data".
+std::vector<std::string> ListedByCregexport(const fs::path& file, const fs::path& folder) {
+  constexpr std::pair<std::string_view, const char*> kTypes[] = {
+      {"string", "1"}, {"expandable", "2"}, {"binary", "3"}, {"32-bit", "4"}, {"multi-value", "7"}};
+  std::istringstream text(RunProgram("/usr/bin/cregexport", {file.string()}, folder).out);
+  std::vector<std::string> lines;
+  std::string path;
+  for (std::string line; std::getline(text, line);) {
+    if (line.starts_with("Key path: ")) lines.push_back(path = line.substr(10));
+    if (line.starts_with("Value: ")) {
+      const std::string name = line.substr(line.find(' ', 7) + 1);
+      lines.push_back(path + " : " + (name == "(default)" ? "" : name) + " = ");
+    }
+    for (const auto& [word, type] : kTypes) {
+      if (line.starts_with("Type: " + std::string(word))) lines.back() += type + " "s;
+    }
+    // Numbers are not listed as bytes.
+    if (line.starts_with("Data: ") && lines.back().ends_with("= 4 ")) {
+      lines.back() += Hex(NumberBytes(static_cast<std::uint32_t>(std::stoul(line.substr(6), nullptr, 0))));
+    }
+    if (line.size() < 60 || !line.starts_with("0000") || line.substr(8, 2) != ": ") continue;
+    std::string digits = line.substr(10, 49);
+    std::erase(digits, ' ');
+    lines.back() += digits;
+  }
+  std::sort(lines.begin(), lines.end());
+  return lines;
+}
+
+/// The same as the program reads them.
+std::vector<std::string> ReadByUs(const fs::path& file) {
+  const CodePage codePage;
+  const Hive hive = Hive::LoadCreg(ReadBytes(file), file.string(), codePage);
+  std::vector<std::string> lines;
+  for (std::string line : Lines(hive)) {
+    const std::size_t data = line.find(" = ");
+    if (data != std::string::npos && std::string_view("127").find(line[data + 3]) != std::string_view::npos) {
+      Bytes units;
+      for (std::size_t at = data + 5; at < line.size(); at += 2) {
+        units.push_back(static_cast<std::uint8_t>(std::stoul(line.substr(at, 2), nullptr, 16)));
+      }
+      const std::string text = codePage.Encode(ToUtf8(Utf16FromBytes(units))).value();
+      line = line.substr(0, data + 5) + Hex(Bytes(text.begin(), text.end() - 1));
+    }
+    lines.push_back(line.starts_with('\\') ? line.substr(1) : line);
+  }
+  std::sort(lines.begin(), lines.end());
+  return lines;
+}
+
+TEST_F(SampleDiskTest, AnIndependentReaderFindsTheSameInTheRegistryOfWindows98) {
+  if (RunProgram("/usr/bin/cregexport", {"-V"}, folder_).code != 0) GTEST_SKIP() << "cregexport is not installed";
+  const SampleDisk disk = MakeSampleDisk(folder_ / "disk", {.smallStores = true, .kind = SampleKind::Windows98});
+  for (const char* name : {"USER.DAT", "SYSTEM.DAT"}) {
+    const std::vector<std::string> listed = ListedByCregexport(disk.driveC / "WINDOWS" / name, folder_);
+    EXPECT_GT(listed.size(), 40u);
+    EXPECT_EQ(ReadByUs(disk.driveC / "WINDOWS" / name), listed) << name;
+  }
 }
 
 std::uint32_t Number(const Bytes& file, std::size_t offset) {
