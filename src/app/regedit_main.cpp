@@ -34,13 +34,15 @@ OfflineOptions DiskOptions(const RegeditRequest& request) {
 }
 
 RegeditExit Run(const std::vector<std::string>& arguments) {
-  const RegeditRequest request = ParseArguments(arguments);
+  RegeditRequest request = ParseArguments(arguments);
   if (request.fault) {
     std::cerr << "regedit: " << request.fault->reason << '\n' << kRegeditUsage;
     return RegeditExit::WrongCommand;
   }
   ConsoleDialogs dialogs;
   OfflinePlatform platform(DiskOptions(request), dialogs);
+  // The editor of an old Windows knows the 8-bit form only.
+  if (platform.IsOldWindows()) request.command.form = RegFileForm::Regedit4;
   const std::string& given = request.command.file;
   const WinPath file =
       request.command.isHostFile ? platform.GetDrives().WindowsPathOf(Absolute(HostPath(given))) : WinPath(given);

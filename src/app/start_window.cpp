@@ -28,7 +28,7 @@ constexpr const char* kFoundOnIt = "Profiles found on it";
 constexpr const char* kSampleFolder = "quillbox-sample";
 
 std::string DiskLine(const KnownDisk& known) {
-  std::string line = known.disk.profile + " — " + known.disk.folder.Text();
+  std::string line = PersonInWords(known.disk.profile) + " — " + known.disk.folder.Text();
   const std::optional<std::tm> local = LocalTime(known.opened);
   std::array<char, 20> when = {};
   if (known.opened != 0 && local && std::strftime(when.data(), when.size(), "%Y-%m-%d %H:%M", &*local) > 0) {
@@ -63,8 +63,9 @@ std::vector<std::string> Letters() {
 
 std::string ProfileLine(const ProfileFolder& profile) {
   const IdentityCount count = CountIdentities(profile);
-  if (count.error) return profile.name + " — cannot be read: " + count.error->Why();
-  std::string line = profile.name + " — ";
+  const std::string name = ShownName(profile, count.windows);
+  if (count.error) return name + " — cannot be read: " + count.error->Why();
+  std::string line = name + " — ";
   line += count.identities == 0 ? "no" : std::to_string(count.identities);
   line += count.identities == 1 ? " identity" : " identities";
   if (count.damagedPlaces > 0) return line + " (registry " + DamagedIn(count.damagedPlaces) + ")";

@@ -13,7 +13,8 @@ namespace quillbox {
 const std::string_view kRegeditUsage =
     "Usage:\n"
     "  regedit --disk FOLDER [options] /e:A FILE KEY   export KEY as 8-bit text\n"
-    "  regedit --disk FOLDER [options] /e FILE KEY     export KEY as Unicode text\n"
+    "  regedit --disk FOLDER [options] /e FILE KEY     export KEY as Unicode text (of Windows 95,\n"
+    "                                                  98 and Me as 8-bit text, as its own editor does)\n"
     "  regedit --disk FOLDER [options] [/c] FILE       merge FILE into the registry\n"
     "Options:\n"
     "  --disk FOLDER       the folder that holds the Windows disk's C:\\\n"

@@ -55,6 +55,16 @@ TEST_F(StartWindowTest, AChosenDiskShowsItsProfilesAndOpens) {
   EXPECT_FALSE(window.visible);
 }
 
+TEST_F(StartWindowTest, ADiskOfWindows98ShowsWhoSharesItAndIsRemembered) {
+  const SampleDisk sample = MakeSampleDisk(temp / "disk", {.smallStores = true, .kind = SampleKind::Windows98});
+  window.Look({.folder = temp / "disk/C", .profile = {}, .drives = {}});
+  EXPECT_EQ(window.lstProfiles.items, std::vector<std::string>{"Everyone (Windows 98) — 3 identities"});
+  window.cmdOpen.click();
+  EXPECT_THAT(opened, ElementsAre(DiskChoice{sample.driveC, ".DEFAULT", {}}));
+  RememberDisk(temp / "state", {opened[0], 0});
+  EXPECT_THAT(Make()->lstDisks.items.Get(), ElementsAre("Everyone — " + sample.driveC.string()));
+}
+
 TEST_F(StartWindowTest, ThisComputerIsOfferedWhereItRunsWindows) {
   ASSERT_EQ(window.cmdThisComputer.visible, IsWindowsHere());
   if (!IsWindowsHere()) return;

@@ -81,6 +81,20 @@ void AddMachine(Registry& registry, const EnvironmentPlaces& places, Environment
   }
 }
 
+/// What the start of Windows 95, 98 and Me sets itself.
+Environment OldEnvironment(const EnvironmentPlaces& places) {
+  const std::string windows = places.windows.Text();
+  const std::pair<const char*, std::string> variables[] = {{"windir", windows},
+                                                           {"winbootdir", windows},
+                                                           {"COMSPEC", windows + "\\COMMAND.COM"},
+                                                           {"PATH", windows + ";" + windows + "\\COMMAND"},
+                                                           {"TEMP", windows + "\\TEMP"},
+                                                           {"TMP", windows + "\\TEMP"}};
+  Environment environment;
+  for (const auto& [name, value] : variables) environment.Set(name, value);
+  return environment;
+}
+
 void AddAllUsers(Registry& registry, const EnvironmentPlaces& places, Environment& environment) {
   const std::string drive = places.windows.Text().substr(0, 2);
   const std::string folder = ReadText(registry, kProfileList, "AllUsersProfile").value_or("All Users");
@@ -140,6 +154,7 @@ std::string Environment::Expand(std::string_view text) const {
 }
 
 Environment ReadEnvironment(Registry& registry, const EnvironmentPlaces& places) {
+  if (places.isOldWindows) return OldEnvironment(places);
   Environment environment;
   AddMachine(registry, places, environment);
   AddAllUsers(registry, places, environment);

@@ -31,9 +31,10 @@ class Environment {
 
 /// Where the person's Windows and profile are.
 struct EnvironmentPlaces {
-  WinPath windows;          ///< C:\WINDOWS
-  WinPath profile;          ///< C:\Documents and Settings\Anna
-  std::string profileName;  ///< Anna
+  WinPath windows;            ///< C:\WINDOWS
+  WinPath profile;            ///< C:\Documents and Settings\Anna
+  std::string profileName;    ///< Anna
+  bool isOldWindows = false;  ///< Windows 95, 98 or Me, which have few variables and none of the person's
 };
 
 /// Builds the environment from the registry's machine and user keys; what those lack is filled in as that Windows

@@ -1,6 +1,7 @@
 #include "platform/offline/hive_consent.h"
 
 #include "host/host_path.h"
+#include "text/unicode.h"
 
 namespace quillbox {
 namespace {
@@ -23,7 +24,7 @@ bool NeedsConsent(const Hive& hive) {
   return !hive.Damage().empty() || hive.Origin() == HiveOrigin::DirtyUnusedLogs;
 }
 
-std::string ConsentQuestion(const Hive& hive, const std::string& registry) {
+std::string ConsentQuestion(const Hive& hive, const std::string& registry, const std::string& copies) {
   std::string text;
   if (hive.Origin() == HiveOrigin::DirtyUnusedLogs) {
     text = registry + " " + kNotClosed + ", and its logs cannot be used:\n\n" + LogReasons(hive, "\n") + "\n\n" +
@@ -31,8 +32,9 @@ std::string ConsentQuestion(const Hive& hive, const std::string& registry) {
     if (hive.Damage().empty()) return text + "Go on with the registry as it is?";
     text += "\n\n";
   }
-  return text + registry + " is " + DamagedIn(hive.DamageCount()) +
-         ". Open what can be read? The disk will not be written.";
+  text += registry + " is " + DamagedIn(hive.DamageCount()) + ". Open what can be read? The disk will not be written.";
+  if (copies.empty()) return text;
+  return text + "\n\n" + AsciiUpper(copies.front()) + copies.substr(1) + ".";
 }
 
 std::string UnusedLogsFault(const Hive& hive) {

@@ -25,8 +25,9 @@ class HiveRefused : public Error {
 /// that cannot be used.
 bool NeedsConsent(const Hive& hive);
 
-/// The question. `registry` is "The registry of Ann Miller".
-std::string ConsentQuestion(const Hive& hive, const std::string& registry);
+/// The question. `registry` is "The registry of Ann Miller", `copies` a clause that says where earlier copies of it
+/// are.
+std::string ConsentQuestion(const Hive& hive, const std::string& registry, const std::string& copies = {});
 
 /// The refusal of a hive whose logs cannot be used, as a clause: each log, and why it was not used.
 std::string UnusedLogsFault(const Hive& hive);

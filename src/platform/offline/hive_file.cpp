@@ -19,13 +19,21 @@ std::string Shown(const HostPlace& file) {
   return file.Path().Text();
 }
 
-Hive LoadHive(const HostPlace& file, DamagedParts damaged) {
+/// A file to read: a hive, or (with `old`) a registry file of an old Windows.
+struct RegistryFile {
+  const HostPlace& file;
+  const std::optional<OldRegistryFile>& old;
+};
+
+Hive LoadHive(const RegistryFile& source, DamagedParts damaged) {
+  const HostPlace& file = source.file;
+  if (source.old) return Hive::LoadCreg(ReadHostFile(file, kOpening), Shown(file), source.old->codePage, damaged);
   return Hive::Load(
       ReadHostFile(file, kOpening), Shown(file), [&] { return ReadLogsOf(file); }, damaged);
 }
 
 /// Reads what can be read of a damaged hive. Throws `refusal` when nothing can.
-Hive LoadDamaged(const HostPlace& file, const Error& refusal) {
+Hive LoadDamaged(const RegistryFile& file, const Error& refusal) {
   try {
     return LoadHive(file, DamagedParts::LeaveOut);
   } catch (const Error&) {
@@ -39,16 +47,23 @@ Hive Agreed(Hive hive, const HiveConsent& consent, const Error& refusal) {
   return hive;
 }
 
-Hive LoadAgreed(const HostPlace& file, const HiveConsent& consent) {
+/// `fault` with where else the registry may be found.
+Error WithCopies(const Error& fault, const RegistryFile& source) {
+  if (!source.old || source.old->copies.empty()) return fault;
+  return Error(fault.Doing(), fault.Place(), fault.Why() + "; " + source.old->copies);
+}
+
+Hive LoadAgreed(const RegistryFile& source, const HiveConsent& consent) {
   std::optional<Hive> hive;
   try {
-    hive = LoadHive(file, DamagedParts::Refuse);
+    hive = LoadHive(source, DamagedParts::Refuse);
   } catch (const HostFileError&) {
     throw;
   } catch (const Error& fault) {
-    return Agreed(LoadDamaged(file, fault), consent, fault);
+    const Error refusal = WithCopies(fault, source);
+    return Agreed(LoadDamaged(source, refusal), consent, refusal);
   }
-  const Error refusal(kOpening, {Shown(file), {}, {}}, UnusedLogsFault(*hive));
+  const Error refusal(kOpening, {Shown(source.file), {}, {}}, UnusedLogsFault(*hive));
   return Agreed(std::move(*hive), consent, refusal);
 }
 
@@ -68,16 +83,22 @@ HivePlaces PlacesOf(const HostPlace& hive, const HostPath& stateFolder) {
 }
 
 HiveFile::HiveFile(const HostPlace& hive, HiveMode mode, const HostPath& stateFolder, Log& log,
-                   const HiveConsent& consent)
-    : disk_(RealPlace(hive)), mode_(mode), log_(log), copy_(stateFolder, disk_), readFrom_(disk_) {
+                   const HiveConsent& consent, std::optional<OldRegistryFile> old)
+    : disk_(RealPlace(hive)),
+      mode_(mode),
+      old_(std::move(old)),
+      log_(log),
+      copy_(stateFolder, disk_),
+      readFrom_(disk_) {
   Read(Source(), consent);
   if (copy_.IsOutdated()) {
     log_.Write(Shown(disk_) + ": changed since its private copy was begun; " + Shown(copy_.File()) + " is not used");
   }
   if (mode_ == HiveMode::Read) return;
-  if (!private_ && !CanReplaceFile(disk_)) {
+  if (!private_ && (old_ || !CanReplaceFile(disk_))) {
     private_ = true;
-    log_.Write(Shown(disk_) + ": it cannot be written; changes go to " + Shown(copy_.File()));
+    log_.Write(Shown(disk_) + (old_ ? ": it is only read" : ": it cannot be written") + "; changes go to " +
+               Shown(copy_.File()));
   }
   canWrite_ = !private_ || copy_.CanWrite();
   if (!canWrite_) log_.Write(Shown(copy_.File()) + ": it cannot be written either; nothing can be changed");
@@ -98,7 +119,7 @@ void HiveFile::Read(const HostPlace& file, const HiveConsent& consent) {
   // The state first: a change during the read is then noticed later.
   const FileState state = StateOf(file);
   const bool isCopy = file == copy_.File();
-  hive_ = LoadAgreed(file, consent);
+  hive_ = LoadAgreed({file, isCopy ? std::nullopt : old_}, consent);
   readFrom_ = file;
   readState_ = state;
   edited_ = unsaved_ = false;

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 
 #include "platform/offline/hive_consent.h"
 #include "platform/offline/hive_storage.h"
@@ -21,6 +22,12 @@ struct HivePlaces {
 /// Throws Error when the hive is not there. `stateFolder` as for HiveFile.
 HivePlaces PlacesOf(const HostPlace& hive, const HostPath& stateFolder);
 
+/// What HiveFile has to know of a registry file of Windows 95, 98 or Me.
+struct OldRegistryFile {
+  CodePage codePage;   ///< of its names and texts
+  std::string copies;  ///< where earlier copies of it are, as a clause, for its faults; may be empty
+};
+
 enum class HiveMode {
   Read,   ///< looks only: nothing is ever written
   Write,  ///< the caller holds the DiskLock of the hive's folder
@@ -37,9 +44,10 @@ class HiveFile {
   /// Opens and reads the hive. `stateFolder` is the program's (StateFolder()); private copies are below it. Throws
   /// Error when the file cannot be read or is not a usable hive, HiveRefused when it NeedsConsent() and does not get
   /// it. A private copy made earlier is read in the hive's place unless the disk's own hive has changed since. The
-  /// changes to a hive with damaged parts go to the private copy.
-  HiveFile(const HostPlace& hive, HiveMode mode, const HostPath& stateFolder, Log& log,
-           const HiveConsent& consent = {});
+  /// changes to a hive with damaged parts go to the private copy, and so do all changes where the disk has an `old`
+  /// registry file: that one is only read.
+  HiveFile(const HostPlace& hive, HiveMode mode, const HostPath& stateFolder, Log& log, const HiveConsent& consent = {},
+           std::optional<OldRegistryFile> old = {});
 
   const Hive& View() const { return *hive_; }
   /// The hive for changing it. A recovered hive is written back only once this was called.
@@ -98,6 +106,7 @@ class HiveFile {
 
   HostPlace disk_;
   HiveMode mode_;
+  std::optional<OldRegistryFile> old_;
   Log& log_;
   PrivateCopy copy_;
   std::optional<Hive> hive_;

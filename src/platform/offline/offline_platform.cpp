@@ -32,13 +32,17 @@ const std::map<char, HostPath>& Checked(const std::map<char, HostPath>& drives) 
   return drives;
 }
 
+/// The machine's hive that can be changed; null when there is none.
+const HostPlace* MachinePlace(const WindowsDisk& disk, const ProfileFolder& profile) {
+  const std::optional<FoundHive>& hive = profile.oldWindows ? profile.oldWindows->system : disk.softwareHive;
+  return hive ? hive->PlaceIfAny() : nullptr;
+}
+
 std::optional<DiskLock> LockDisk(const WindowsDisk& disk, const ProfileFolder& profile, const OfflineOptions& options,
                                  Log& log) {
   if (options.readOnly) return std::nullopt;
   std::vector<HostPath> folders = {profile.hive.Place().Folder().Path()};
-  if (disk.softwareHive && disk.softwareHive->PlaceIfAny() != nullptr) {
-    folders.push_back(disk.softwareHive->Place().Folder().Path());
-  }
+  if (const HostPlace* machine = MachinePlace(disk, profile)) folders.push_back(machine->Folder().Path());
   return DiskLock(folders, options.locks, log);
 }
 
@@ -70,6 +74,7 @@ OfflinePlatform::OfflinePlatform(const OfflineOptions& options, Dialogs& dialogs
       clipboard_(clipboard),
       disk_(FindDisk(options)),
       profile_(FindProfile(options)),
+      oldFacts_(profile_.oldWindows ? ReadFacts(*profile_.oldWindows) : OldWindowsFacts()),
       lock_(LockDisk(disk_, profile_, options, log_)),
       drives_(DriveMap(disk_.folder, options.drives)),
       missingDrives_(dialogs, drives_),
@@ -80,8 +85,9 @@ OfflinePlatform::OfflinePlatform(const OfflineOptions& options, Dialogs& dialogs
       processes_(registry_, drives_, log_, EditorFor(disk_, profile_, options, lock_)) {
   AskForMissingDrives(options);
   MountHives(options.readOnly ? HiveMode::Read : HiveMode::Write, options.registry);
-  facts_ =
-      RegistryFacts(ReadEnvironment(registry_, {disk_.windowsPath, profile_.winFolder, profile_.name}), FindCodePage());
+  const WinPath& windows = profile_.oldWindows ? profile_.oldWindows->folder.path : disk_.windowsPath;
+  const EnvironmentPlaces places = {windows, profile_.winFolder, profile_.name, IsOldWindows()};
+  facts_ = RegistryFacts(ReadEnvironment(registry_, places), FindCodePage());
 
   const WinPath& directory = options.currentDirectory;
   if (directory.Empty()) return;
@@ -120,25 +126,27 @@ void OfflinePlatform::AskForMissingDrives(const OfflineOptions& options) {
   };
 }
 
-HiveConsent OfflinePlatform::ConsentFor(const HostPlace& hive, std::string registry) {
-  return [this, name = hive.Path().Text(), registry = std::move(registry)](const Hive& found) {
-    if (salvage_ == Salvage::AgreedBefore) return true;
-    if (salvage_ == Salvage::Ask) {
-      const MessageAnswer answer = dialogs_.Show({.text = ConsentQuestion(found, registry),
-                                                  .buttons = MessageButtons::YesNo,
-                                                  .icon = MessageIcon::Exclamation});
-      if (answer != MessageAnswer::Yes) return false;
-    }
-    LogWhatIsMissing(found, name, log_);
-    return true;
-  };
+HiveConsent OfflinePlatform::ConsentFor(const HostPlace& hive, std::string registry, std::string copies) {
+  return
+      [this, name = hive.Path().Text(), registry = std::move(registry), copies = std::move(copies)](const Hive& found) {
+        if (salvage_ == Salvage::AgreedBefore) return true;
+        if (salvage_ == Salvage::Ask) {
+          const MessageAnswer answer = dialogs_.Show({.text = ConsentQuestion(found, registry, copies),
+                                                      .buttons = MessageButtons::YesNo,
+                                                      .icon = MessageIcon::Exclamation});
+          if (answer != MessageAnswer::Yes) return false;
+        }
+        LogWhatIsMissing(found, name, log_);
+        return true;
+      };
 }
 
 void OfflinePlatform::FinishInterrupted() {
-  const HostPlace* machine = disk_.softwareHive ? disk_.softwareHive->PlaceIfAny() : nullptr;
+  const HostPlace* machine = MachinePlace(disk_, profile_);
   if (machine == nullptr) return;
   std::vector<HivePlaces> profiles;
   for (const ProfileFolder& profile : disk_.profiles) {
+    if (profile.oldWindows.has_value() != IsOldWindows()) continue;
     if (const HostPlace* hive = profile.hive.PlaceIfAny()) profiles.push_back(PlacesOf(*hive, stateFolder_));
   }
   warnings_ = FinishInterruptedCommit(PlacesOf(*machine, stateFolder_), profiles, log_);
@@ -147,13 +155,14 @@ void OfflinePlatform::FinishInterrupted() {
 void OfflinePlatform::MountHives(HiveMode mode, RegistryUse use) {
   if (mode == HiveMode::Write) FinishInterrupted();
   const bool hasUnfinished = !warnings_.empty();
-  const HostPlace& user = profile_.hive.Place();
-  hives_.push_back(
-      std::make_unique<HiveFile>(user, mode, stateFolder_, log_, ConsentFor(user, "The registry of " + profile_.name)));
-  registry_.Mount({RegistryRoot::CurrentUser, ""}, *hives_.back());
+  MountUserHive(mode);
   if (use == RegistryUse::StandIn) return;
-  MountMachineHive(disk_.softwareHive, kSoftware, mode);
-  MountMachineHive(disk_.systemHive, kSystem, HiveMode::Read);
+  if (profile_.oldWindows) {
+    MountOldMachine(*profile_.oldWindows, mode);
+  } else {
+    MountMachineHive({disk_.softwareHive, kSoftware, kSoftware}, mode);
+    MountMachineHive({disk_.systemHive, kSystem, kSystem}, HiveMode::Read);
+  }
   LeaveDamagedDiskAlone();
   const bool salvaged =
       std::any_of(hives_.begin(), hives_.end(), [](const auto& hive) { return hive->NeededConsent(); });
@@ -173,16 +182,30 @@ void OfflinePlatform::LeaveDamagedDiskAlone() {
   drives_.LeaveDiskAlone();
 }
 
-void OfflinePlatform::MountMachineHive(const std::optional<FoundHive>& file, const char* name, HiveMode mode) {
-  const std::string key = FullName({RegistryRoot::LocalMachine, name});
-  std::string fault = "the disk has no file for it";
-  if (file) {
+void OfflinePlatform::MountUserHive(HiveMode mode) {
+  const HostPlace& file = profile_.hive.Place();
+  const bool isShared = IsOldWindows() && profile_.name == OldWindows::kSharedProfile;
+  std::optional<OldRegistryFile> old;
+  if (IsOldWindows()) old = OldRegistryFile{oldFacts_.codePage, CopiesOf(profile_)};
+  const std::string copies = old ? old->copies : std::string();
+  hives_.push_back(std::make_unique<HiveFile>(
+      file, mode, stateFolder_, log_,
+      ConsentFor(file, "The registry of " + (isShared ? "this Windows (USER.DAT)" : profile_.name), copies),
+      std::move(old)));
+  registry_.Mount({RegistryRoot::CurrentUser, ""}, *hives_.back(), PersonKeyOf(profile_, hives_.back()->View()));
+}
+
+void OfflinePlatform::MountMachineHive(const MachineHive& hive, HiveMode mode) {
+  const RegistryPath at = {RegistryRoot::LocalMachine, hive.key};
+  const std::string copies = hive.old ? hive.old->copies : std::string();
+  std::string fault = "the disk has no file for it" + (copies.empty() ? "" : "; " + copies);
+  if (hive.file) {
     try {
-      const HostPlace& place = file->Place();
+      const HostPlace& place = hive.file->Place();
+      const std::string question = std::string("The registry of this Windows (") + hive.shown + ")";
       hives_.push_back(
-          std::make_unique<HiveFile>(place, mode, stateFolder_, log_,
-                                     ConsentFor(place, std::string("The registry of this Windows (") + name + ")")));
-      registry_.Mount({RegistryRoot::LocalMachine, name}, *hives_.back());
+          std::make_unique<HiveFile>(place, mode, stateFolder_, log_, ConsentFor(place, question, copies), hive.old));
+      registry_.Mount(at, *hives_.back());
       return;
     } catch (const HiveRefused&) {
       throw;
@@ -190,9 +213,20 @@ void OfflinePlatform::MountMachineHive(const std::optional<FoundHive>& file, con
       fault = Describe(error);
     }
   }
-  registry_.NoteMissing({RegistryRoot::LocalMachine, name}, fault);
-  warnings_.push_back(key + " is not there: " + fault + ".");
+  registry_.NoteMissing(at, fault);
+  warnings_.push_back(FullName(at) + " is not there: " + fault + ".");
   log_.Write(warnings_.back());
+}
+
+void OfflinePlatform::MountOldMachine(const OldWindows& windows, HiveMode mode) {
+  const auto formOf = [&](const char* name) {
+    return OldRegistryFile{oldFacts_.codePage, EarlierCopies(windows, windows.folder, name)};
+  };
+  // Windows Me has the classes in a file of their own, which is shown ahead of what is around it.
+  if (windows.classes) {
+    MountMachineHive({windows.classes, "Software\\CLASSES", "CLASSES.DAT", formOf("CLASSES.DAT")}, HiveMode::Read);
+  }
+  MountMachineHive({windows.system, "", "SYSTEM.DAT", formOf("SYSTEM.DAT")}, mode);
 }
 
 unsigned OfflinePlatform::FindCodePage() {
@@ -221,9 +255,11 @@ bool OfflinePlatform::UsesPrivateCopy() const {
 }
 
 std::string OfflinePlatform::SystemDescription() {
-  std::string text = disk_.folder.Text() + ", " + profile_.name;
+  std::string text = disk_.folder.Text() + ", " + PersonInWords(profile_.name);
   if (const std::size_t places = DamagedPlaces(); places > 0) {
     text += " (" + DamagedIn(places) + ": what cannot be read is left out; " + WhereChangesGo() + ")";
+  } else if (IsOldWindows() && UsesPrivateCopy()) {
+    text += " (" + OldRegistrySentence() + ")";
   } else if (UsesPrivateCopy()) {
     text += " (write-protected: " + PrivateCopies({RegistryRoot::CurrentUser, RegistryRoot::LocalMachine}) +
             "; registry " + WhereChangesGo() + ")";
@@ -233,7 +269,17 @@ std::string OfflinePlatform::SystemDescription() {
 
 std::string OfflinePlatform::WriteProtection(std::initializer_list<RegistryRoot> roots) {
   const std::string names = PrivateCopies(roots);
+  if (!names.empty() && IsOldWindows()) return OldRegistrySentence() + ".";
   return names.empty() ? std::string() : "Write-protected: " + names + "; " + WhereChangesGo() + ".";
+}
+
+/// Why the registry of an old Windows does not change, and what becomes of changes.
+std::string OfflinePlatform::OldRegistrySentence() const {
+  std::string name = oldFacts_.name;
+  name[0] = AsciiUpper(name[0]);
+  const bool isKept = !StateFolderFault(stateFolder_);
+  return name + "'s registry is read only here; " + WhereChangesGo() +
+         (isKept ? ", and can be merged on that Windows from the .reg files" : "");
 }
 
 /// Of a disk that is not written.

@@ -86,6 +86,8 @@ class OfflinePlatform : public Platform {
   const std::string& ProfileName() const { return profile_.name; }
   /// Problems of the disk that did not prevent its opening, a sentence each.
   const std::vector<std::string>& Warnings() const { return warnings_; }
+  /// True for Windows 95, 98 and Me.
+  bool IsOldWindows() const { return profile_.oldWindows.has_value(); }
   /// True when a hive's changes go to a private copy in the state folder, since the disk cannot or must not be written.
   bool UsesPrivateCopy() const;
 
@@ -93,8 +95,18 @@ class OfflinePlatform : public Platform {
   void AskForMissingDrives(const OfflineOptions& options);
   void FinishInterrupted();
   void MountHives(HiveMode mode, RegistryUse use);
-  void MountMachineHive(const std::optional<FoundHive>& file, const char* name, HiveMode mode);
-  HiveConsent ConsentFor(const HostPlace& hive, std::string registry);
+  /// A hive of the machine and where it is shown.
+  struct MachineHive {
+    const std::optional<FoundHive>& file;
+    const char* key;    ///< below HKEY_LOCAL_MACHINE
+    const char* shown;  ///< in questions
+    std::optional<OldRegistryFile> old = {};
+  };
+  void MountUserHive(HiveMode mode);
+  void MountMachineHive(const MachineHive& hive, HiveMode mode);
+  void MountOldMachine(const OldWindows& windows, HiveMode mode);
+  HiveConsent ConsentFor(const HostPlace& hive, std::string registry, std::string copies = {});
+  std::string OldRegistrySentence() const;
   /// The names of the hives below `roots` whose changes go to a private copy; empty when there are none.
   std::string WhereChangesGo() const;
   std::string PrivateCopies(std::initializer_list<RegistryRoot> roots) const;
@@ -116,6 +128,7 @@ class OfflinePlatform : public Platform {
   Clipboard* clipboard_;
   WindowsDisk disk_;
   ProfileFolder profile_;
+  OldWindowsFacts oldFacts_;  ///< of the profile's Windows, if that is an old one
   std::optional<DiskLock> lock_;
   std::vector<std::unique_ptr<HiveFile>> hives_;
   RegistryFacts facts_;

@@ -36,6 +36,11 @@ std::optional<std::string_view> Below(std::string_view path, std::string_view ab
   return {};
 }
 
+/// A path below another one; either may be empty.
+std::string Joined(const std::string& above, std::string_view below) {
+  return above + (above.empty() || below.empty() ? "" : "\\") + std::string(below);
+}
+
 /// The name of the control set that the system hive calls the current one.
 std::string ControlSetName(const Hive& system) {
   std::uint32_t number = 1;
@@ -76,6 +81,7 @@ Status StatusOf(HiveLimit limit) {
 struct OfflineRegistry::MountPoint {
   RegistryPath at;
   HiveFile* file = nullptr;
+  std::string below;  ///< the path in the hive of the key that is shown; empty for its root
 };
 
 /// Where a path leads: into a mounted hive, or (without a mount) to a root that is only there for its mounts.
@@ -125,8 +131,8 @@ OfflineRegistry::OfflineRegistry(Clock& clock, FileSystem& files, Log& log)
 
 OfflineRegistry::~OfflineRegistry() = default;
 
-void OfflineRegistry::Mount(const RegistryPath& at, HiveFile& file) {
-  mounts_.push_back({{at.root, PlainKeyPath(at.subkey)}, &file});
+void OfflineRegistry::Mount(const RegistryPath& at, HiveFile& file, std::string below) {
+  mounts_.push_back({{at.root, PlainKeyPath(at.subkey)}, &file, std::move(below)});
 }
 
 void OfflineRegistry::Commit() {
@@ -174,10 +180,10 @@ std::optional<OfflineRegistry::Place> OfflineRegistry::Locate(const RegistryPath
     isRoot = names.empty();
     const std::optional<std::string_view> rest = Below(names, mount.at.subkey);
     if (!rest) continue;
-    Place place = {path.root, &mount, std::string(*rest)};
+    Place place = {path.root, &mount, Joined(mount.below, *rest)};
     const std::optional<std::string_view> belowSet = Below(*rest, kCurrentControlSet);
     if (belowSet && mount.at.root == kSystem.root && EqualIgnoreCase(mount.at.subkey, kSystem.subkey)) {
-      place.path = ControlSetName(mount.file->View()) + (belowSet->empty() ? "" : "\\") + std::string(*belowSet);
+      place.path = Joined(ControlSetName(mount.file->View()), *belowSet);
     }
     return place;
   }
@@ -204,6 +210,20 @@ std::vector<std::string> OfflineRegistry::MountNames(RegistryRoot root) const {
   std::vector<std::string> names;
   for (const MountPoint& mount : mounts_) {
     if (mount.at.root == root) names.push_back(mount.at.subkey);
+  }
+  return names;
+}
+
+/// The keys right below one that are there only because another hive is shown there.
+std::vector<std::string> OfflineRegistry::MountNamesBelow(const OpenKey& key) const {
+  std::vector<std::string> names;
+  const MountPoint& around = *key.place.mount;
+  const std::string path = Joined(around.at.subkey, Below(key.place.path, around.below).value_or(""));
+  for (const MountPoint& mount : mounts_) {
+    if (&mount == &around || mount.at.root != around.at.root) continue;
+    const std::optional<std::string_view> name = Below(mount.at.subkey, path);
+    if (!name || name->empty() || name->find('\\') != std::string_view::npos) continue;
+    if (!around.file->View().Find(key.key, *name)) names.emplace_back(*name);
   }
   return names;
 }
@@ -278,8 +298,8 @@ KeyInfo OfflineRegistry::Info(const Key& key) {
   const Use use = Check(key, Need::Read);
   if (use.status != Status::Success) return {.status = use.status};
   const bool isMountPoint = use.hive == nullptr;
-  const std::size_t subkeys =
-      isMountPoint ? MountNames(use.open->place.root).size() : use.hive->SubkeyCount(use.open->key);
+  const std::size_t subkeys = isMountPoint ? MountNames(use.open->place.root).size()
+                                           : use.hive->SubkeyCount(use.open->key) + MountNamesBelow(*use.open).size();
   const std::size_t values = isMountPoint ? 0 : use.hive->ValueCount(use.open->key);
   return {Status::Success, static_cast<std::uint32_t>(subkeys), static_cast<std::uint32_t>(values)};
 }
@@ -287,13 +307,12 @@ KeyInfo OfflineRegistry::Info(const Key& key) {
 NameResult OfflineRegistry::EnumKey(const Key& key, std::uint32_t index) {
   const Use use = Check(key, Need::Read);
   if (use.status != Status::Success) return {use.status, {}};
-  if (use.hive == nullptr) {
-    const std::vector<std::string> names = MountNames(use.open->place.root);
-    if (index >= names.size()) return {Status::NoMoreItems, {}};
-    return {Status::Success, names[index]};
-  }
-  if (index >= use.hive->SubkeyCount(use.open->key)) return {Status::NoMoreItems, {}};
-  return {Status::Success, use.hive->Name(use.hive->SubkeyAt(use.open->key, index))};
+  const std::size_t count = use.hive == nullptr ? 0 : use.hive->SubkeyCount(use.open->key);
+  if (index < count) return {Status::Success, use.hive->Name(use.hive->SubkeyAt(use.open->key, index))};
+  const std::vector<std::string> names =
+      use.hive == nullptr ? MountNames(use.open->place.root) : MountNamesBelow(*use.open);
+  if (index - count >= names.size()) return {Status::NoMoreItems, {}};
+  return {Status::Success, names[index - count]};
 }
 
 ValueResult OfflineRegistry::EnumValue(const Key& key, std::uint32_t index) {
@@ -345,7 +364,9 @@ Status OfflineRegistry::DeleteValue(const Key& key, std::string_view name) {
 Status OfflineRegistry::DeleteTree(const RegistryPath& path) {
   const std::optional<Place> place = Locate(path);
   if (!place || place->mount == nullptr) return RefuseWrite(path, place);
-  if (place->path.empty()) return Refuse(Status::AccessDenied, "the root key of a hive cannot be deleted");
+  if (place->path == place->mount->below) {
+    return Refuse(Status::AccessDenied, "the root key of a hive cannot be deleted");
+  }
   const Hive& hive = place->mount->file->View();
   const std::optional<HiveKey> key = hive.Find(hive.Root(), place->path);
   if (!key) return Status::FileNotFound;

@@ -27,8 +27,9 @@ class OfflineRegistry : public Registry {
   ~OfflineRegistry() override;
 
   /// Shows `file` at a root (HKEY_CURRENT_USER) or at a key right below one (HKEY_LOCAL_MACHINE\System, where
-  /// CurrentControlSet is the control set that Select\Current names). `file` must outlive the registry.
-  void Mount(const RegistryPath& at, HiveFile& file);
+  /// CurrentControlSet is the control set that Select\Current names), or deeper, ahead of the hive that is around it.
+  /// With `below` only the hive's key of that path is shown there. `file` must outlive the registry.
+  void Mount(const RegistryPath& at, HiveFile& file, std::string below = {});
   /// Notes why no hive is shown at `at`, for the messages about changes there.
   void NoteMissing(const RegistryPath& at, std::string why);
   /// Writes the hives that changed, all or none. Throws Error that says what was written and what was not.
@@ -67,6 +68,7 @@ class OfflineRegistry : public Registry {
   Status Refuse(Status status, std::string why);
   Status RefuseWrite(const RegistryPath& path, const std::optional<Place>& place);
   std::vector<std::string> MountNames(RegistryRoot root) const;
+  std::vector<std::string> MountNamesBelow(const OpenKey& key) const;
   bool HasPrivilege(std::string_view name) const;
   Hive& Edit(MountPoint& mount);
   std::vector<HiveFile*> WritableHives() const;

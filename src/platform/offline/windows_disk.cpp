@@ -8,7 +8,6 @@
 #include "host/host_names.h"
 #include "host/host_paths.h"
 #include "host/state_folder.h"
-#include "platform/hosted/folder_finder.h"
 #include "platform/hosted/host_open.h"
 #include "platform/hosted/place_finder.h"
 #include "platform/offline/disk_image.h"
@@ -29,74 +28,10 @@ constexpr std::array kNobodysProfiles = {"All Users",    "Default", "Default Use
 constexpr const char* kConfigFolder = "System32/config";
 constexpr const char* kUserHive = "NTUSER.DAT";
 constexpr const char* kOldUserHive = "USER.DAT";
+constexpr const char* kOldSystemHive = "SYSTEM.DAT";
 
 [[noreturn]] void Fail(const HostPath& folder, std::string why) {
   throw Error(kDoing, {folder.Text(), {}, {}}, std::move(why));
-}
-
-/// The place of `relative` (names with slashes between) below `folder`, also where nothing is there.
-PlaceResult PlaceBelow(const HostPlace& folder, std::string_view relative) {
-  std::vector<std::string_view> names;
-  while (!relative.empty()) {
-    const std::size_t end = std::min(relative.find('/'), relative.size());
-    names.push_back(relative.substr(0, end));
-    relative.remove_prefix(std::min(end + 1, relative.size()));
-  }
-  return FindPlace(folder, names, LastStep::Follow);
-}
-
-/// The place of what is there.
-std::optional<HostPlace> FindBelow(const HostPlace& folder, std::string_view relative) {
-  const PlaceResult found = PlaceBelow(folder, relative);
-  return found && InfoOf(*found) ? std::optional(*found) : std::nullopt;
-}
-
-/// A hive, or a link of its name that leads out of the disk; opening that one reports it.
-std::optional<FoundHive> FindHive(const HostPlace& folder, const std::string& name) {
-  const PlaceResult place = PlaceBelow(folder, name);
-  if (place && !InfoOf(*place)) return std::nullopt;
-  if (place) return FoundHive(place->Path(), place);
-  const PlaceResult link = FindPlace(folder, {name}, LastStep::Keep);
-  return FoundHive(link ? link->Path() : folder.Path() / name, place);
-}
-
-/// A folder and how Windows names it, links on the way not resolved.
-struct NamedFolder {
-  HostPlace place;
-  WinPath path;
-};
-
-/// The folders in a folder, sorted as Windows sorts names; none when it cannot be read.
-std::vector<NamedFolder> FoldersIn(const NamedFolder& folder) {
-  std::vector<std::string> names;
-  FolderFinder entries(folder.place, "*", {.isRoot = true, .namesOnly = true});
-  while (const std::optional<FileEntry> entry = entries.Next()) {
-    if (entry->isDirectory) names.push_back(entry->name);
-  }
-  std::sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
-    const int order = CompareIgnoreCase(ToUtf16(a), ToUtf16(b));
-    return order != 0 ? order < 0 : a < b;
-  });
-  std::vector<NamedFolder> folders;
-  for (const std::string& name : names) {
-    const PlaceResult place = FindPlace(folder.place, {name}, LastStep::Follow);
-    if (place) folders.push_back({*place, folder.path.Join(name)});
-  }
-  return folders;
-}
-
-/// A folder by its path below another one; the path gets the names as they are stored.
-std::optional<NamedFolder> FindFolder(const NamedFolder& from, std::string_view relative) {
-  NamedFolder found = from;
-  const HostPath way(relative);
-  for (const std::string& name : way.Names()) {
-    const PlaceResult entry = FindPlace(found.place, {name}, LastStep::Keep);
-    if (!entry || !InfoOf(*entry)) return std::nullopt;
-    const PlaceResult place = FollowEntry(found.place, entry->Name());
-    if (!place || !InfoOf(*place)) return std::nullopt;
-    found = {*place, found.path.Join(WindowsName(entry->Name()))};
-  }
-  return found;
 }
 
 /// The folder that Windows was installed in: one of the usual names, else any that holds a registry. One whose registry
@@ -144,23 +79,31 @@ void AddProfiles(const NamedFolder& root, std::vector<ProfileFolder>& profiles) 
   }
 }
 
-bool IsOldWindows(const HostPlace& disk) {
-  const std::optional<HostPlace> windows = FindBelow(disk, kWindowsFolders[0]);
-  if (!windows || FindBelow(*windows, kConfigFolder)) return false;
-  return FindBelow(*windows, kOldUserHive) || FindBelow(*windows, "SYSTEM.DAT");
+/// Adds the people of an old Windows.
+void AddOldProfiles(const OldWindows& windows, std::vector<ProfileFolder>& profiles) {
+  const std::vector<ProfileFolder> others = profiles;
+  for (const OldProfile& person : PeopleOf(windows)) {
+    const bool isNamesake = std::any_of(others.begin(), others.end(), [&](const ProfileFolder& other) {
+      return EqualIgnoreCase(other.name, person.name);
+    });
+    profiles.push_back({person.name + (isNamesake ? std::string(" (") + kOldUserHive + ")" : ""), person.hive,
+                        person.folder, windows});
+  }
 }
 
 /// Where the disk begins when `folder` is a part of one; empty when the part is not known.
 HostPath DiskAround(const HostPath& folder) {
   HostPath root = folder.Parent();
-  if (FindBelow(HostPlace::DiskRoot(folder), kConfigFolder)) return root;
+  const HostPlace place = HostPlace::DiskRoot(folder);
+  if (FindBelow(place, kConfigFolder)) return root;
+  if (FindBelow(place, kOldUserHive) && FindBelow(place, kOldSystemHive)) return root;
   const auto below = [](const HostPath& parent, const HostPath& child) {
     return std::any_of(kProfileRoots.begin(), kProfileRoots.end(), [&](const char* profileRoot) {
       const std::optional<HostPlace> found = FindBelow(HostPlace::DiskRoot(parent), profileRoot);
       return found && IsSameEntry(*found, HostPlace::Anywhere(child));
     });
   };
-  const HostPath profiles = FindBelow(HostPlace::DiskRoot(folder), kUserHive) ? root : folder;
+  const HostPath profiles = FindBelow(place, kUserHive) || FindBelow(place, kOldUserHive) ? root : folder;
   if (below(profiles.Parent(), profiles)) return profiles.Parent();
   if (below(profiles.Parent().Parent(), profiles)) return profiles.Parent().Parent();
   return {};
@@ -169,20 +112,15 @@ HostPath DiskAround(const HostPath& folder) {
 [[noreturn]] void FailWithoutWindows(const HostPath& folder, const std::string& refused) {
   const HostPath around = DiskAround(folder);
   if (!around.Empty()) Fail(folder, "it is a folder of a Windows disk; choose the disk itself, " + around.Text());
-  if (IsOldWindows(HostPlace::DiskRoot(folder))) {
-    Fail(folder, "it is a disk of Windows 95, 98 or Me; their registry files (USER.DAT) are not supported yet");
-  }
-  std::string looked = "there is no Windows in it; looked for a folder WINDOWS or WINNT with System32\\config";
+  std::string looked =
+      "there is no Windows in it; looked for a folder WINDOWS or WINNT with System32\\config, for one with USER.DAT "
+      "and "
+      "SYSTEM.DAT";
   for (const char* root : kProfileRoots) looked += std::string(", for ") + root;
   Fail(folder, looked + refused);
 }
 
 }  // namespace
-
-const HostPlace& FoundHive::Place() const {
-  if (!place_) throw Error("opening the hive", {shownAs_.Text(), {}, {}}, ReasonOf(place_.Fault()));
-  return *place_;
-}
 
 WindowsDisk FindWindowsDisk(const HostPath& given, const std::map<char, HostPath>& drives) {
   const PathInfo there = InfoOf(given);
@@ -209,7 +147,8 @@ WindowsDisk FindWindowsDisk(const HostPath& given, const std::map<char, HostPath
     if (!place) refused += "; " + (disk.folder / name).Text() + ": " + ReasonOf(place.Fault());
   }
   const std::optional<NamedFolder> windows = FindWindowsFolder(driveC);
-  if (!windows && (roots.empty() || IsOldWindows(driveC.place))) FailWithoutWindows(disk.folder, refused);
+  const std::optional<OldWindows> old = FindOldWindows(driveC);
+  if (!windows && !old && roots.empty()) FailWithoutWindows(disk.folder, refused);
 
   disk.windowsPath = windows ? windows->path : WinPath("C:\\WINDOWS");
   if (windows) {
@@ -220,6 +159,12 @@ WindowsDisk FindWindowsDisk(const HostPath& given, const std::map<char, HostPath
   for (const NamedFolder& root : roots) {
     AddProfiles(root, disk.profiles);
     searched += (searched.empty() ? "" : ", ") + root.place.Path().Text();
+  }
+  if (old) AddOldProfiles(*old, disk.profiles);
+  if (disk.profiles.empty() && old) {
+    const std::string copies = EarlierCopies(*old, old->folder, kOldUserHive);
+    Fail(disk.folder, "it holds Windows 95, 98 or Me, and nobody's registry: there is no " +
+                          old->folder.path.Join(kOldUserHive).Text() + (copies.empty() ? "" : "; " + copies));
   }
   if (disk.profiles.empty()) {
     const std::string fault =
@@ -266,15 +211,49 @@ IdentityCount CountIdentities(const ProfileFolder& profile) {
   class NoLog : public Log {
     void Write(std::string_view /*text*/) override {}
   } log;
-  try {
-    const HiveFile file(profile.hive.Place(), HiveMode::Read, StateFolder(), log, [](const Hive&) { return true; });
-    const Hive& hive = file.View();
-    const std::optional<HiveKey> identities = hive.Find(hive.Root(), "Identities");
-    return {identities ? hive.SubkeyCount(*identities) : 0, std::nullopt, file.DamagedPlaces(),
-            hive.Origin() == HiveOrigin::DirtyUnusedLogs};
-  } catch (const Error& error) {
-    return {0, error};
+  IdentityCount count;
+  std::optional<OldRegistryFile> old;
+  if (profile.oldWindows) {
+    const OldWindowsFacts facts = ReadFacts(*profile.oldWindows);
+    count.windows = facts.name;
+    old = OldRegistryFile{facts.codePage, CopiesOf(profile)};
   }
+  try {
+    const HiveFile file(
+        profile.hive.Place(), HiveMode::Read, StateFolder(), log, [](const Hive&) { return true; }, old);
+    const Hive& hive = file.View();
+    std::optional<HiveKey> person = hive.Root();
+    if (profile.oldWindows) person = hive.Find(hive.Root(), PersonKeyOf(profile, hive));
+    const std::optional<HiveKey> identities = person ? hive.Find(*person, "Identities") : std::nullopt;
+    count.identities = identities ? hive.SubkeyCount(*identities) : 0;
+    count.damagedPlaces = file.DamagedPlaces();
+    count.lacksLogs = hive.Origin() == HiveOrigin::DirtyUnusedLogs;
+  } catch (const Error& error) {
+    count.error = error;
+  }
+  return count;
+}
+
+std::string CopiesOf(const ProfileFolder& profile) {
+  const HostPlace* file = profile.hive.PlaceIfAny();
+  if (!profile.oldWindows || file == nullptr) return {};
+  return EarlierCopies(*profile.oldWindows, {file->Folder(), profile.winFolder}, kOldUserHive);
+}
+
+std::string PersonKeyOf(const ProfileFolder& profile, const Hive& hive) {
+  if (!profile.oldWindows) return {};
+  const bool isShared = profile.winFolder.Text() == profile.oldWindows->folder.path.Text();
+  const std::string name = isShared ? OldWindows::kSharedProfile : profile.winFolder.Name();
+  return PersonKey(hive, name).value_or(name);
+}
+
+std::string ShownName(const ProfileFolder& profile, const std::string& windows) {
+  if (!profile.oldWindows) return profile.name;
+  return PersonInWords(profile.name) + " (" + windows + ")";
+}
+
+std::string PersonInWords(const std::string& profileName) {
+  return profileName == OldWindows::kSharedProfile ? "Everyone" : profileName;
 }
 
 }  // namespace quillbox

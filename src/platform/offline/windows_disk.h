@@ -6,41 +6,32 @@
 #include <map>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
-#include "platform/hosted/host_place.h"
+#include "platform/offline/disk_folders.h"
+#include "platform/offline/old_windows.h"
 #include "text/error.h"
 #include "text/win_path.h"
 
 namespace quillbox {
 
-/// A hive that was found on a disk.
-class FoundHive {
- public:
-  FoundHive(HostPath shownAs, PlaceResult place) : shownAs_(std::move(shownAs)), place_(std::move(place)) {}
-  /// Where it is, links resolved. Throws Error when it is a link that leads out of the disk.
-  const HostPlace& Place() const;
-  /// As Place(), or null.
-  const HostPlace* PlaceIfAny() const { return place_ ? &*place_ : nullptr; }
-
- private:
-  HostPath shownAs_;
-  PlaceResult place_;
-};
-
 struct ProfileFolder {
-  std::string name;  ///< the folder's name, which is the person's user name or begins with it
-  FoundHive hive;    ///< its NTUSER.DAT
+  /// By which it is chosen: the folder's name, which is the person's user name or begins with it, or
+  /// OldWindows::kSharedProfile. Of two people of the same name, the one of an old Windows has the file's name behind.
+  std::string name;
+  FoundHive hive;  ///< its NTUSER.DAT, or USER.DAT of an old Windows
   WinPath winFolder;
+  std::optional<OldWindows> oldWindows = {};  ///< the Windows that it belongs to where that is an old one
 };
 
 struct WindowsDisk {
-  HostPath folder;      ///< the host folder that is C:\ .
+  HostPath folder;  ///< the host folder that is C:\ .
+  // Of the Windows of the NT family.
   WinPath windowsPath;  ///< "C:\WINDOWS" when the disk holds profiles only
   std::optional<FoundHive> softwareHive;
   std::optional<FoundHive> systemHive;
-  std::vector<ProfileFolder> profiles;  ///< at least one, sorted by name
+  /// At least one, sorted by name, those of an old Windows behind.
+  std::vector<ProfileFolder> profiles;
 };
 
 /// Examines `folder` as C:\ of a Windows that isn't running, whose further drives are `drives`: links that lead to
@@ -56,6 +47,7 @@ std::vector<WindowsDisk> FindDisksNear(const HostPath& folder);
 const ProfileFolder& ChooseProfile(const WindowsDisk& disk, const std::string& name);
 
 struct IdentityCount {
+  std::string windows;  ///< the name of an old Windows; empty for others
   std::size_t identities = 0;
   std::optional<Error> error;     ///< why they could not be counted
   std::size_t damagedPlaces = 0;  ///< in the registry; what cannot be read there was passed over
@@ -64,5 +56,15 @@ struct IdentityCount {
 
 /// How many identities a profile's registry holds, as far as it can be read. Only reads, without questions.
 IdentityCount CountIdentities(const ProfileFolder& profile);
+
+/// The copies that an old Windows keeps of a profile's registry file, as EarlierCopies() says it.
+std::string CopiesOf(const ProfileFolder& profile);
+/// Where the key of the person is in a profile's hive: empty for its root.
+std::string PersonKeyOf(const ProfileFolder& profile, const Hive& hive);
+
+/// A profile's name as windows show it: of an old Windows with that one's name, "Everyone (Windows 98)".
+std::string ShownName(const ProfileFolder& profile, const std::string& windows);
+/// The same for a profile of which only the name is known.
+std::string PersonInWords(const std::string& profileName);
 
 }  // namespace quillbox

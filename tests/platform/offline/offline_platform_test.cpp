@@ -93,11 +93,10 @@ TEST(WindowsDisk, SaysWhatIsWrongWithAFolder) {
   EXPECT_THAT(WhyNot(temp.Folder("empty")), HasSubstr("looked for a folder WINDOWS or WINNT"));
   temp.Folder("nobody/Documents and Settings/Anna");
   EXPECT_THAT(WhyNot(temp / "nobody"), HasSubstr(HostPath("nobody/Documents and Settings").Text()));
-  temp.File("98/WINDOWS/USER.DAT");
-  EXPECT_THAT(WhyNot(temp / "98"), HasSubstr("not supported yet"));
-  temp.File("98/WINNT/System32/config/software");
-  temp.File("98/Documents and Settings/Anna/NTUSER.DAT");
-  EXPECT_EQ(WhyNot(temp / "98"), "(done)") << "a newer Windows beside it";
+  temp.File("98/Win/USER.DAT");
+  temp.File("98/Win/SYSTEM.DAT");
+  temp.File("98/Win/Profiles/Anna/USER.DAT");
+  EXPECT_THAT(WhyNot(temp / "98/Win"), HasSubstr("choose the disk itself, " + (temp / "98").string()));
   temp.File("xp/windows/System32/config/software");
   temp.File("xp/Documents and Settings/Anna/NTUSER.DAT");
   for (const char* part : {"xp/windows", "xp/Documents and Settings", "xp/Documents and Settings/Anna"}) {
