@@ -68,6 +68,7 @@ Form1::Form1(ProgramWindows& windows)
   Frame1.visible = false;
   Text1.readOnly = true;
   txtwabloc.readOnly = true;
+  lblSystem.wraps = true;
   BuildMenu();
   WatchSession();
   cmbUserNames.onClick = [this] { cmbUserNames_Click(); };

@@ -19,6 +19,7 @@ Form12::Form12(ProgramWindows& windows)
       session_(windows.session),
       windows_(windows) {
   cmbUsr.spokenName = "Identity";
+  lblProtected.wraps = true;
   cmdClose.isCancel = true;
   cmbUsr.onClick = [this] { cmbUsr_Click(); };
   cmdResIELogo.onClick = [this] { editor.RestoreBrowserLogo(); };

@@ -40,7 +40,7 @@ Form13::Form13(ProgramWindows& windows)
       cmdClose10(*this, "cmdClose10", "Close", "Close this window."),
       session_(windows.session),
       windows_(windows) {
-  lblOERegSet.wraps = true;
+  for (Label* label : {&lblOERegSet, &lblProtected}) label->wraps = true;
   SSTab1.spokenName = "Settings";
   cmdClose10.isCancel = true;
   cmboUserIDs10.onClick = [this] { cmboUserIDs10_Click(); };
