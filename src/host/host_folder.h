@@ -85,8 +85,12 @@ class HostFolder {
   std::error_code MakeFolder(const std::string& name) const;
   /// Removes a file, or a link itself.
   std::error_code Remove(const std::string& name) const;
+  /// Removes an empty folder.
+  std::error_code RemoveFolder(const std::string& name) const;
   /// In one step; replaces a file of that name.
   std::error_code Rename(const EntryRename& rename) const;
+  /// Moves an entry to another folder of the same file system, where it replaces nothing: file_exists.
+  std::error_code MoveNew(const std::string& name, const HostFolder& to) const;
   /// A second name for a file, in another folder of the same file system.
   std::error_code Link(const std::string& name, const HostFolder& folder, const std::string& second) const;
   /// What keeps a file from being opened for writing; it is not changed.
@@ -95,6 +99,9 @@ class HostFolder {
   /// Flushes the folder, so that the names in it last. File systems that have no such call, and folders that may not be
   /// read, are passed over. Throws FolderFlushError.
   void Flush() const;
+  /// Brings all that was written on the folder's file system to the disk, where the system has a call for that: for
+  /// very many files that is much faster than one call for each.
+  void FlushFileSystem() const;
   /// By the permissions alone.
   bool MayWrite() const;
   /// True when new files can be made in it. Leaves nothing behind, not even a changed time.

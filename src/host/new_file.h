@@ -64,7 +64,8 @@ class NewFile {
   bool flushed_ = false;
 };
 
-/// Removes what killed programs have left in a folder: temporary files of NewFile that nobody is writing any more.
+/// Removes what killed programs have left in a folder: temporary files of NewFile, and folders of NewFolder, that nobody
+/// is writing any more.
 void RemoveAbandonedFiles(const HostFolder& folder);
 
 /// A device, pipe or terminal that is written to and never replaced.

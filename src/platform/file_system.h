@@ -65,7 +65,40 @@ class FileWriter {
   virtual ~FileWriter() = default;
   /// Throws Error when the bytes cannot be written.
   virtual void Write(std::string_view bytes) = 0;
+  /// Fills `buffer` with what was written so far, from `offset` bytes on; the bytes read. Throws Error.
+  virtual std::size_t ReadAt(std::uint64_t offset, std::span<char> buffer) = 0;
   /// Puts the whole file in its place; throws Error when that fails. Nothing may be written afterwards.
+  virtual void Commit() = 0;
+};
+
+/// The name of a file as the computer has it that the files are on. Windows' rules for names do not bind it, and it is
+/// not translated: a Maildir's names need characters that Windows has not.
+struct HostFileName {
+  std::string text;
+};
+
+/// A folder in the making, for very many files that belong together. It gets its place whole: when there is no folder
+/// of its name yet, it takes that name with Commit(), otherwise its files move into the one that is there, where they
+/// replace nothing. Destroyed before that it leaves no trace. All throw Error.
+class FolderWriter {
+ public:
+  virtual ~FolderWriter() = default;
+  /// The names in the folder that is there already, those of its subfolders included; none for a new one.
+  virtual std::vector<HostFileName> NamesThere() = 0;
+  /// One of those files.
+  virtual std::unique_ptr<FileReader> OpenThere(const HostFileName& name) = 0;
+  /// Whether the file system takes such a name.
+  virtual bool Takes(const HostFileName& name) = 0;
+
+  /// Begins a file. There must not be one of that name, here or there.
+  virtual void StartFile(const HostFileName& name) = 0;
+  virtual void Write(std::string_view bytes) = 0;
+  /// Ends the file that was begun, which gets the time `modified` (FILETIME).
+  virtual void EndFile(std::uint64_t modified) = 0;
+  /// A file that was ended.
+  virtual std::unique_ptr<FileReader> Open(const HostFileName& name) = 0;
+
+  /// Returns when the disk has all files and they have their place. Nothing may be written afterwards.
   virtual void Commit() = 0;
 };
 
@@ -90,6 +123,8 @@ class FileSystem {
   virtual Status MakeDirectory(const WinPath& path) = 0;
   /// Makes every missing folder along the path; true when the folder is there afterwards.
   virtual bool MakePath(const WinPath& path) = 0;
+  /// Removes an empty folder.
+  virtual Status RemoveDirectory(const WinPath& path) = 0;
   virtual Status DeleteFile(const WinPath& path) = 0;
 
   /// A whole file; throws Error when it cannot be read.
@@ -100,6 +135,8 @@ class FileSystem {
   /// The same for files of any size. Both throw Error when the file cannot be opened or made.
   virtual std::unique_ptr<FileReader> OpenForReading(const WinPath& path) = 0;
   virtual std::unique_ptr<FileWriter> StartFile(const WinPath& path) = 0;
+  /// Makes a folder with many files, or adds to it. The folder that it is in must be there. Throws Error.
+  virtual std::unique_ptr<FolderWriter> StartFolder(const WinPath& path) = 0;
 };
 
 }  // namespace quillbox

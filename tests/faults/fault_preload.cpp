@@ -117,6 +117,8 @@ CALL(int, mkdirat, (int folder, const char* path, mode_t mode) noexcept, (folder
 CALL(int, rename, (const char* from, const char* to) noexcept, (from, to), Fails("rename", AT_FDCWD, to))
 CALL(int, renameat, (int folder, const char* from, int toFolder, const char* to) noexcept, (folder, from, toFolder, to),
      Fails("rename", toFolder, to))
+CALL(int, renameat2, (int folder, const char* from, int toFolder, const char* to, unsigned flags) noexcept,
+     (folder, from, toFolder, to, flags), Fails("rename", toFolder, to))
 CALL(int, linkat, (int folder, const char* from, int toFolder, const char* to, int flags) noexcept,
      (folder, from, toFolder, to, flags), Fails("link", toFolder, to))
 CALL(ssize_t, write, (int fd, const void* bytes, size_t size), (fd, bytes, size), Fails("write", fd))
@@ -127,6 +129,10 @@ CALL(ssize_t, copy_file_range, (int from, off64_t* fromAt, int to, off64_t* toAt
 int fsync(int fd) {
   if (Fails("fsync", fd)) return -1;
   return IsBelowRoot(fd) ? 0 : REAL(fsync)(fd);
+}
+int syncfs(int fd) noexcept {
+  if (Fails("syncfs", fd)) return -1;
+  return IsBelowRoot(fd) ? 0 : REAL(syncfs)(fd);
 }
 int sync_file_range(int fd, off64_t at, off64_t size, unsigned flags) {
   if (Fails("sync_file_range", fd)) return -1;

@@ -7,6 +7,7 @@
 #include "platform/contract_world.h"
 #include "support/scripted_dialogs.h"
 #include "text/error.h"
+#include "text/file_time.h"
 
 namespace quillbox {
 namespace {
@@ -78,9 +79,39 @@ TEST_F(SystemContract, FilesAreWholeOrAsBefore) {
   EXPECT_EQ(std::string(piece.data(), 3), "ond");
 }
 
-TEST_F(SystemContract, OnlyFilesAreDeleted) {
-  files.MakeDirectory(In("folder"));
+TEST_F(SystemContract, AFolderOfManyFilesIsWholeOrAsBefore) {
+  constexpr FileTime kTime = 126'000'000'000'000'000;
+  const auto add = [](FolderWriter& folder, const char* name) {
+    folder.StartFile({name});
+    folder.Write(name);
+    folder.EndFile(kTime);
+    std::array<char, 9> piece = {};
+    EXPECT_EQ(folder.Open({name})->Read(piece), std::string_view(name).size());
+  };
+  add(*files.StartFolder(In("Mail")), "lost");
+  EXPECT_FALSE(files.Stat(In("Mail")));
+  for (const char* name : {"1.eml", "2.eml"}) {
+    const auto folder = files.StartFolder(In("MAIL"));
+    EXPECT_EQ(folder->NamesThere().size(), name == "2.eml"s ? 1u : 0u);
+    add(*folder, name);
+    folder->Commit();
+  }
+  EXPECT_THAT(Names("*.*"), testing::UnorderedElementsAre(".", "..", "MAIL"));
+  EXPECT_EQ(files.ReadFile(In("Mail\\1.eml")) + files.ReadFile(In("Mail\\2.eml")), "1.eml2.eml");
+  EXPECT_EQ(files.Stat(In("Mail\\2.eml"))->modified, kTime);
+  const auto again = files.StartFolder(In("mail"));
+  EXPECT_THROW(again->StartFile({"1.eml"}), Error);
+  EXPECT_THROW(again->StartFile({"../out"}), Error);
+  EXPECT_THROW(files.StartFolder(In("none\\mail")), Error);
+  EXPECT_THROW(files.StartFolder(In("what?")), Error);
+}
+
+TEST_F(SystemContract, OnlyFilesAndEmptyFoldersAreDeleted) {
+  files.MakePath(In("folder\\empty"));
+  EXPECT_NE(files.RemoveDirectory(In("folder")), Status::Success);
+  EXPECT_EQ(files.RemoveDirectory(In("Folder\\EMPTY")), Status::Success);
   files.WriteFile(In("file"), "");
+  EXPECT_NE(files.RemoveDirectory(In("file")), Status::Success);
   EXPECT_EQ(files.DeleteFile(In("folder")), Status::AccessDenied);
   EXPECT_EQ(files.DeleteFile(In("FILE")), Status::Success);
   EXPECT_EQ(files.DeleteFile(In("file")), Status::FileNotFound);

@@ -32,11 +32,13 @@ struct FixedFiles : FileSystem {
   std::optional<FileEntry> Stat(const WinPath&) override { return std::nullopt; }
   Status MakeDirectory(const WinPath&) override { return Status::AccessDenied; }
   bool MakePath(const WinPath&) override { return false; }
+  Status RemoveDirectory(const WinPath&) override { return Status::AccessDenied; }
   Status DeleteFile(const WinPath&) override { return Status::AccessDenied; }
   std::string ReadFile(const WinPath&) override { return {}; }
   void WriteFile(const WinPath&, std::string_view) override {}
   std::unique_ptr<FileReader> OpenForReading(const WinPath&) override { return nullptr; }
   std::unique_ptr<FileWriter> StartFile(const WinPath&) override { return nullptr; }
+  std::unique_ptr<FolderWriter> StartFolder(const WinPath&) override { return nullptr; }
 
   std::map<std::string, std::vector<FileEntry>> folders{
       {"C:\\", {{.name = "Data", .isDirectory = true}, {.name = "boot.ini", .isHidden = true}}},

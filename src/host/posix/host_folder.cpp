@@ -9,6 +9,7 @@
 #include <array>
 #include <cerrno>
 #include <climits>
+#include <cstdio>
 #include <memory>
 
 #include "host/host_fault.h"
@@ -151,8 +152,21 @@ std::error_code HostFolder::Remove(const std::string& name) const {
   return CodeOf(unlinkat(Fd(handle_), name.c_str(), 0));
 }
 
+std::error_code HostFolder::RemoveFolder(const std::string& name) const {
+  return CodeOf(unlinkat(Fd(handle_), name.c_str(), AT_REMOVEDIR));
+}
+
 std::error_code HostFolder::Rename(const EntryRename& rename) const {
   return CodeOf(renameat(Fd(handle_), rename.from.c_str(), Fd(handle_), rename.to.c_str()));
+}
+
+std::error_code HostFolder::MoveNew(const std::string& name, const HostFolder& to) const {
+  const char* const entry = name.c_str();
+  if (renameat2(Fd(handle_), entry, Fd(to.handle_), entry, RENAME_NOREPLACE) == 0) return {};
+  // Not every file system can do it in one step.
+  if (errno != EINVAL && errno != ENOSYS) return SystemCode(errno);
+  if (to.Find(name)) return SystemCode(EEXIST);
+  return CodeOf(renameat(Fd(handle_), entry, Fd(to.handle_), entry));
 }
 
 std::error_code HostFolder::Link(const std::string& name, const HostFolder& folder, const std::string& second) const {
@@ -170,6 +184,10 @@ void HostFolder::Flush() const {
   // A folder that may not be read is open for its names only (EBADF).
   if (errno == EINVAL || errno == ENOTSUP || errno == EBADF || errno == ENOSYS) return;
   throw FolderFlushError(SystemCode(errno));
+}
+
+void HostFolder::FlushFileSystem() const {
+  if (syncfs(Fd(handle_)) != 0) ThrowErrno(errno);
 }
 
 bool HostFolder::MayWrite() const {

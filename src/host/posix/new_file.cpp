@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "host/host_fault.h"
+#include "host/new_folder.h"
 #include "host/posix/host_io.h"
 #include "host/posix/posix.h"
 #include "host/temporary_name.h"
@@ -170,6 +171,7 @@ void RemoveAbandonedFiles(const HostFolder& folder) {
   folder.EachName([&](const std::string& name) {
     if (!IsTemporaryName(name)) return false;
     const std::optional<EntryInfo> info = folder.Find(name);
+    if (info && info->IsFolder()) RemoveAbandonedFolder(folder, name);
     if (!info || !info->IsFile()) return false;
     const HostHandle file(openat(Fd(folder.Handle()), name.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     if (file && flock(Fd(file), LOCK_EX | LOCK_NB) == 0) folder.Remove(name);

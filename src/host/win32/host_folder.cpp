@@ -139,8 +139,17 @@ std::error_code HostFolder::Remove(const std::string& name) const {
   return RemoveEntry(path_.Join(name));
 }
 
+std::error_code HostFolder::RemoveFolder(const std::string& name) const {
+  return CodeUnless(RemoveDirectoryW(SystemPath(path_.Join(name)).c_str()));
+}
+
 std::error_code HostFolder::Rename(const EntryRename& rename) const {
   return MoveEntry(path_.Join(rename.from), path_.Join(rename.to));
+}
+
+std::error_code HostFolder::MoveNew(const std::string& name, const HostFolder& to) const {
+  return CodeUnless(
+      MoveFileExW(SystemPath(path_.Join(name)).c_str(), SystemPath(to.path_.Join(name)).c_str(), DWORD{0}));
 }
 
 std::error_code HostFolder::Link(const std::string& name, const HostFolder& folder, const std::string& second) const {
@@ -160,6 +169,9 @@ void HostFolder::Flush() const {
   const std::error_code fault = LastCode();
   if (IsUnreadablePlace(fault) || IsFull(fault)) throw FolderFlushError(fault);
 }
+
+// Only administrators may flush a volume.
+void HostFolder::FlushFileSystem() const {}
 
 bool HostFolder::MayWrite() const {
   return !IsVirtualFolder(path_) && !OpenThere(path_, {.access = FILE_ADD_FILE}, Links::Keep).fault;

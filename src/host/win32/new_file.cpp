@@ -4,6 +4,7 @@
 
 #include "host/host_fault.h"
 #include "host/host_paths.h"
+#include "host/new_folder.h"
 #include "host/temporary_name.h"
 #include "host/win32/change_entry.h"
 #include "host/win32/copy_attributes.h"
@@ -138,6 +139,8 @@ void NewFile::Commit() {
 void RemoveAbandonedFiles(const HostFolder& folder) {
   folder.EachName([&](const std::string& name) {
     if (!IsTemporaryName(name)) return false;
+    const std::optional<EntryInfo> info = folder.Find(name);
+    if (info && info->IsFolder()) RemoveAbandonedFolder(folder, name);
     // Shared with nobody, it cannot be opened while it is being written.
     const std::wstring path = SystemPath(folder.Path().Join(name));
     const HostHandle file = Owned(CreateFileW(path.c_str(), DELETE | FILE_READ_ATTRIBUTES | FILE_WRITE_ATTRIBUTES, 0,

@@ -2,8 +2,11 @@
 
 #include <utility>
 
+#include "host/new_folder.h"
+#include "host/temporary_name.h"
 #include "platform/hosted/host_open.h"
 #include "text/error.h"
+#include "text/file_time.h"
 
 namespace quillbox {
 
@@ -11,6 +14,7 @@ namespace {
 
 class HostReader : public FileReader {
  public:
+  HostReader(HostFile file, std::string name) : name_(std::move(name)), file_(std::move(file)) {}
   HostReader(const HostPlace& file, std::string name)
       : name_(std::move(name)), file_(WithName(kReading, name_, [&] { return OpenForReading(file); })) {}
 
@@ -32,6 +36,9 @@ class HostWriter : public FileWriter {
   void Write(std::string_view bytes) override {
     WithName(kWriting, name_, [&] { file_->Write(bytes); });
   }
+  std::size_t ReadAt(std::uint64_t offset, std::span<char> buffer) override {
+    return WithName(kReading, name_, [&] { return file_->ReadAt(offset, buffer); });
+  }
   void Commit() override {
     WithName(kWriting, name_, [&] { file_->Commit(); });
   }
@@ -47,11 +54,70 @@ class StreamWriter : public FileWriter {
   void Write(std::string_view bytes) override {
     WithName(kWriting, name_, [&] { stream_.Write(bytes); });
   }
+  std::size_t ReadAt(std::uint64_t, std::span<char>) override {
+    throw Error(kReading, {name_, {}, {}}, ReasonOf(HostFault::NotOrdinary));
+  }
   void Commit() override {}
 
  private:
   std::string name_;
   HostStream stream_;
+};
+
+class HostFolderWriter : public FolderWriter {
+ public:
+  HostFolderWriter(const HostPlace& folder, std::string name) : name_(std::move(name)) {
+    WithName(kWriting, name_, [&] {
+      OpenPlace place = OpenFolderOf(folder);
+      folder_ = std::make_unique<NewFolder>(std::move(place.folder), std::move(place.name));
+    });
+  }
+
+  std::vector<HostFileName> NamesThere() override {
+    std::vector<HostFileName> names;
+    if (!folder_->There()) return names;
+    const bool isRead = folder_->There()->EachName([&](const std::string& name) {
+      if (!IsTemporaryName(name)) names.push_back({name});
+      return false;
+    });
+    if (!isRead) throw Error(kReading, {name_, {}, {}}, "the names in the folder cannot be read");
+    return names;
+  }
+  std::unique_ptr<FileReader> OpenThere(const HostFileName& name) override {
+    return Reader(name, [&] { return folder_->There()->OpenFile(name.text); });
+  }
+  bool Takes(const HostFileName& name) override { return folder_->Takes(name.text); }
+
+  void StartFile(const HostFileName& name) override {
+    file_ = PathOf(name);
+    WithName(kWriting, file_, [&] { folder_->StartFile(name.text); });
+  }
+  void Write(std::string_view bytes) override {
+    WithName(kWriting, file_, [&] { folder_->Write(bytes); });
+  }
+  void EndFile(std::uint64_t modified) override {
+    const auto seconds = static_cast<std::int64_t>(modified / kFileTimePerSecond) - kSecondsFrom1601To1970;
+    const auto nanoseconds = static_cast<std::uint32_t>(modified % kFileTimePerSecond * 100);
+    WithName(kWriting, file_, [&] { folder_->EndFile({.seconds = seconds, .nanoseconds = nanoseconds}); });
+  }
+  std::unique_ptr<FileReader> Open(const HostFileName& name) override {
+    return Reader(name, [&] { return folder_->Open(name.text); });
+  }
+  void Commit() override {
+    WithName(kWriting, name_, [&] { folder_->Commit(); });
+  }
+
+ private:
+  std::string PathOf(const HostFileName& name) const { return WithBackslash(name_) + name.text; }
+  template <class Opener>
+  std::unique_ptr<FileReader> Reader(const HostFileName& name, const Opener& open) {
+    std::string path = PathOf(name);
+    return std::make_unique<HostReader>(WithName(kReading, path, open), path);
+  }
+
+  std::string name_;
+  std::string file_;  ///< the path of the one that was begun last
+  std::unique_ptr<NewFolder> folder_;
 };
 
 }  // namespace
@@ -65,6 +131,10 @@ std::unique_ptr<FileWriter> StartHostFile(const HostPlace& file, std::string nam
     if (IsStream(file)) return std::make_unique<StreamWriter>(file, name);
     return std::make_unique<HostWriter>(file, name);
   });
+}
+
+std::unique_ptr<FolderWriter> StartHostFolder(const HostPlace& folder, std::string name) {
+  return std::make_unique<HostFolderWriter>(folder, std::move(name));
 }
 
 }  // namespace quillbox

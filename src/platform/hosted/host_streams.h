@@ -18,5 +18,7 @@ std::unique_ptr<FileReader> OpenHostFile(const HostPlace& file, std::string name
 /// The file is made whole or not at all; a device or pipe, which only the host's own drive has, is written to
 /// directly. Throws Error.
 std::unique_ptr<FileWriter> StartHostFile(const HostPlace& file, std::string name);
+/// `name` is what errors call the folder. Throws Error.
+std::unique_ptr<FolderWriter> StartHostFolder(const HostPlace& folder, std::string name);
 
 }  // namespace quillbox

@@ -131,6 +131,18 @@ bool HostedFiles::MakePath(const WinPath& path) {
   return MakeDirectory(absolute) == Status::Success;
 }
 
+Status HostedFiles::RemoveDirectory(const WinPath& path) {
+  const PlaceResult place = drives_.PlaceOf(path, LastStep::Keep);
+  if (!place) return StatusOf(place.Fault());
+  if (place->IsRoot() || drives_.IsLeftAlone(drives_.Absolute(path).Drive())) return Status::AccessDenied;
+  try {
+    const OpenPlace gone = OpenFolderOf(*place);
+    return StatusOf(gone.folder.RemoveFolder(gone.name));
+  } catch (const std::system_error& failure) {
+    return StatusOf(failure.code());
+  }
+}
+
 Status HostedFiles::DeleteFile(const WinPath& path) {
   const PlaceResult place = drives_.PlaceOf(path, LastStep::Keep);
   if (!place) return place.Fault() == DiskFault::LeadsOut ? Status::AccessDenied : Status::PathNotFound;
@@ -159,15 +171,29 @@ std::unique_ptr<FileReader> HostedFiles::OpenForReading(const WinPath& path) {
   return OpenHostFile(WithName(kReading, path.Text(), [&] { return drives_.PlaceOf(path).OrThrow(); }), path.Text());
 }
 
-std::unique_ptr<FileWriter> HostedFiles::StartFile(const WinPath& path) {
-  const WinPath absolute = drives_.Absolute(path);
-  const HostPlace place =
+/// The place of a file or folder that is about to be made; throws Error for one that cannot be.
+HostPlace HostedFiles::PlaceToWrite(const WinPath& absolute) {
+  HostPlace place =
       WithName(kWriting, absolute.Text(), [&] { return drives_.PlaceOf(absolute, LastStep::NoLink).OrThrow(); });
   if (const auto fault = FileNameFault(absolute.Name()); fault && !InfoOf(place)) {
     throw Error(kWriting, {absolute.Text(), {}, {}}, "no file can have that name: " + fault->reason);
   }
+  return place;
+}
+
+std::unique_ptr<FileWriter> HostedFiles::StartFile(const WinPath& path) {
+  const WinPath absolute = drives_.Absolute(path);
+  const HostPlace place = PlaceToWrite(absolute);
   if (!IsStream(place)) Sweep(place.Folder());
   return StartHostFile(place, absolute.Text());
+}
+
+std::unique_ptr<FolderWriter> HostedFiles::StartFolder(const WinPath& path) {
+  const WinPath absolute = drives_.Absolute(path);
+  const HostPlace place = PlaceToWrite(absolute);
+  Sweep(place.Folder());
+  if (IsFolder(place)) Sweep(place);
+  return StartHostFolder(place, absolute.Text());
 }
 
 }  // namespace quillbox

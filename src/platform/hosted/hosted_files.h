@@ -28,13 +28,17 @@ class HostedFiles : public FileSystem {
   std::optional<std::string> RefusalOf(const WinPath& path) override;
   Status MakeDirectory(const WinPath& path) override;
   bool MakePath(const WinPath& path) override;
+  Status RemoveDirectory(const WinPath& path) override;
   Status DeleteFile(const WinPath& path) override;
   std::string ReadFile(const WinPath& path) override;
   void WriteFile(const WinPath& path, std::string_view bytes) override;
   std::unique_ptr<FileReader> OpenForReading(const WinPath& path) override;
   std::unique_ptr<FileWriter> StartFile(const WinPath& path) override;
+  std::unique_ptr<FolderWriter> StartFolder(const WinPath& path) override;
 
  private:
+  HostPlace PlaceToWrite(const WinPath& absolute);
+
   HostedDrives& drives_;
   FolderSweep sweep_;
 };

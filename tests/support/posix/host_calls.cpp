@@ -43,6 +43,16 @@ int fsync(int fd) {
   return quillbox::Hook() ? 0 : static_cast<int>(syscall(SYS_fsync, fd));
 }
 
+int syncfs(int fd) noexcept {
+  if (Fails(HostCall::Flush, std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd)))) return -1;
+  return quillbox::Hook() ? 0 : static_cast<int>(syscall(SYS_syncfs, fd));
+}
+
+int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept {
+  if (Fails(HostCall::Rename, to)) return -1;
+  return static_cast<int>(syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
+}
+
 int renameat(int fromFolder, const char* from, int toFolder, const char* to) noexcept {
   if (Fails(HostCall::Rename, to)) return -1;
   return static_cast<int>(syscall(SYS_renameat2, fromFolder, from, toFolder, to, 0));
