@@ -33,8 +33,9 @@ class NewFolder {
   /// Begins a file; file_exists when there is one of that name, here or where it is to move.
   void StartFile(const std::string& name);
   void Write(std::string_view bytes);
-  /// Ends the file that was begun last, which gets this time.
-  void EndFile(const HostTime& modified);
+  /// Ends the file that was begun last, which gets this time, if there is one. A file system that cannot hold the time
+  /// gives it another one.
+  void EndFile(const std::optional<HostTime>& modified);
   /// A file that was ended, for reading.
   HostFile Open(const std::string& name) const { return made_.OpenFile(name); }
 

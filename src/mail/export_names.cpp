@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <functional>
 
 #include "text/message_text.h"
 #include "text/unicode.h"
@@ -55,6 +56,10 @@ std::string DateText(std::int64_t unixSeconds) {
   return text;
 }
 
+std::size_t HashOf(std::string_view name) {
+  return std::hash<std::string>()(UpperCase(name));
+}
+
 /// A text of the header, or that of the record where the header's is missing or in an unknown charset.
 std::string BestText(const std::string& inHeader, const std::string& inRecord, const CodePage& page) {
   DecodedText decoded = DecodeWords(inHeader, page);
@@ -75,13 +80,15 @@ std::string SafeName(std::string_view text, std::size_t maxBytes, std::string_vi
 }
 
 bool UniqueNames::Note(std::string_view name) {
-  return taken_.insert(UpperCase(name)).second;
+  return taken_.try_emplace(HashOf(name), 1).second;
 }
 
 std::string UniqueNames::Take(std::string_view stem, std::string_view ending) {
   const std::string_view cut = TrimEnds(CutAt(stem, kMaxNameBytes - std::min(kMaxNameBytes, ending.size())));
-  std::string name = std::string(cut) + std::string(ending);
-  for (std::uint64_t number = 2; !Note(name); ++number) {
+  const std::string first = std::string(cut) + std::string(ending);
+  std::string name = first;
+  while (!Note(name)) {
+    const std::uint64_t number = ++taken_[HashOf(first)];
     const std::string mark = " (" + std::to_string(number) + ")" + std::string(ending);
     name = std::string(TrimEnds(CutAt(cut, kMaxNameBytes - std::min(kMaxNameBytes, mark.size())))) + mark;
   }

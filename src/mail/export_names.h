@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_set>
+#include <unordered_map>
 
 #include "mail/mail_state.h"
 #include "mail/message_digest.h"
@@ -30,7 +30,9 @@ class UniqueNames {
   std::string Take(std::string_view stem, std::string_view ending);
 
  private:
-  std::unordered_set<std::string> taken_;  ///< in upper case
+  /// By the hash of a name in upper case, since a folder may have a million of them: the number that Take gave last to
+  /// a name like it. Two names of one hash only cost a number.
+  std::unordered_map<std::size_t, std::uint64_t> taken_;
 };
 
 /// What an .eml file is named after. Texts are inner text.

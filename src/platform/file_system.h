@@ -93,8 +93,8 @@ class FolderWriter {
   /// Begins a file. There must not be one of that name, here or there.
   virtual void StartFile(const HostFileName& name) = 0;
   virtual void Write(std::string_view bytes) = 0;
-  /// Ends the file that was begun, which gets the time `modified` (FILETIME).
-  virtual void EndFile(std::uint64_t modified) = 0;
+  /// Ends the file that was begun. It gets the time `modified` (FILETIME), if there is one.
+  virtual void EndFile(std::optional<std::uint64_t> modified) = 0;
   /// A file that was ended.
   virtual std::unique_ptr<FileReader> Open(const HostFileName& name) = 0;
 

@@ -80,7 +80,7 @@ TEST_F(SystemContract, FilesAreWholeOrAsBefore) {
 }
 
 TEST_F(SystemContract, AFolderOfManyFilesIsWholeOrAsBefore) {
-  constexpr FileTime kTime = 126'000'000'000'000'000;
+  static constexpr FileTime kTime = 126'000'000'000'000'000;
   const auto add = [](FolderWriter& folder, const char* name) {
     folder.StartFile({name});
     folder.Write(name);

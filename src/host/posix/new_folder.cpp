@@ -30,10 +30,12 @@ void NewFolder::Write(std::string_view bytes) {
   WriteAll(file_, bytes);
 }
 
-void NewFolder::EndFile(const HostTime& modified) {
-  const timespec time = {.tv_sec = modified.seconds, .tv_nsec = static_cast<long>(modified.nanoseconds)};
-  const std::array<timespec, 2> times = {time, time};
-  if (futimens(Fd(file_), times.data()) != 0) ThrowErrno(errno);
+void NewFolder::EndFile(const std::optional<HostTime>& modified) {
+  if (modified) {
+    const timespec time = {.tv_sec = modified->seconds, .tv_nsec = static_cast<long>(modified->nanoseconds)};
+    const std::array<timespec, 2> times = {time, time};
+    if (futimens(Fd(file_), times.data()) != 0 && errno != EINVAL && errno != EOVERFLOW) ThrowErrno(errno);
+  }
   file_.Close();
 }
 

@@ -24,9 +24,11 @@ void NewFolder::Write(std::string_view bytes) {
   WriteAll(file_, bytes, WriteAt::End);
 }
 
-void NewFolder::EndFile(const HostTime& modified) {
-  const FILETIME time = FileTimeOf(modified);
-  if (!SetFileTime(Raw(file_), nullptr, nullptr, &time)) ThrowLast();
+void NewFolder::EndFile(const std::optional<HostTime>& modified) {
+  if (modified) {
+    const FILETIME time = FileTimeOf(*modified);
+    SetFileTime(Raw(file_), nullptr, nullptr, &time);
+  }
   file_.Close();
 }
 

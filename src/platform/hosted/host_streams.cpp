@@ -95,10 +95,13 @@ class HostFolderWriter : public FolderWriter {
   void Write(std::string_view bytes) override {
     WithName(kWriting, file_, [&] { folder_->Write(bytes); });
   }
-  void EndFile(std::uint64_t modified) override {
-    const auto seconds = static_cast<std::int64_t>(modified / kFileTimePerSecond) - kSecondsFrom1601To1970;
-    const auto nanoseconds = static_cast<std::uint32_t>(modified % kFileTimePerSecond * 100);
-    WithName(kWriting, file_, [&] { folder_->EndFile({.seconds = seconds, .nanoseconds = nanoseconds}); });
+  void EndFile(std::optional<std::uint64_t> modified) override {
+    std::optional<HostTime> time;
+    if (modified) {
+      time = HostTime{static_cast<std::int64_t>(*modified / kFileTimePerSecond) - kSecondsFrom1601To1970,
+                      static_cast<std::uint32_t>(*modified % kFileTimePerSecond * 100)};
+    }
+    WithName(kWriting, file_, [&] { folder_->EndFile(time); });
   }
   std::unique_ptr<FileReader> Open(const HostFileName& name) override {
     return Reader(name, [&] { return folder_->Open(name.text); });

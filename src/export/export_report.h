@@ -1,0 +1,25 @@
+// The words for what became of an export. Nobody may conclude from them that all mail is safe when some of it is not.
+#pragma once
+
+#include <string>
+
+#include "export/export_result.h"
+
+namespace quillbox {
+
+/// What was exported, for the head of the report.
+struct ReportHead {
+  std::string name;    ///< whose mail
+  std::string source;  ///< the folder that it was read from
+  std::string target;
+  std::string ended;  ///< date and time
+};
+
+/// A few sentences: how it ended, what is missing, what else can be had.
+std::string SummaryOf(const ExportResult& result, const std::string& target);
+/// A folder's outcome in one line: "120 messages", "NOT COMPLETE: 118 of 120 messages".
+std::string OutcomeOf(const FolderResult& folder);
+/// All of it, as the bytes of a text file.
+std::string ReportText(const ExportResult& result, const ReportHead& head);
+
+}  // namespace quillbox
