@@ -12,6 +12,7 @@ namespace {
 
 constexpr const char* kUtf8Mark = "\xEF\xBB\xBF";
 constexpr const char* kLineEnd = "\r\n";
+constexpr const char* kReports = "Export Reports";
 
 std::string Count(std::uint64_t count, const char* one, const char* several) {
   return std::to_string(count) + " " + (count == 1 ? one : several);
@@ -178,7 +179,7 @@ std::string ArrivedWords(const ExportResult& result, const std::string& target) 
     arrived += Arrived(folder);
     before += folder.fault.empty() ? folder.box.alreadyThere : 0;
   }
-  std::string text = std::to_string(arrived) + " of " + Messages(result.InIndex()) + (arrived == 1 ? " is" : " are") +
+  std::string text = std::to_string(arrived) + " of " + Messages(result.Expected()) + (arrived == 1 ? " is" : " are") +
                      " in " + OneLine(target);
   if (before != 0) text += ", " + std::to_string(before) + " of them from before or from another copy";
   return text + ".";
@@ -200,7 +201,7 @@ std::string OutcomeOf(const FolderResult& folder) {
         folder.box.alreadyThere == 0 ? "" : ", " + std::to_string(folder.box.alreadyThere) + " there before";
     return std::to_string(folder.box.written) + " written" + before + recovered;
   }
-  return "NOT COMPLETE, " + std::to_string(Arrived(folder)) + " of " + std::to_string(folder.InIndex()) + recovered +
+  return "NOT COMPLETE, " + std::to_string(Arrived(folder)) + " of " + std::to_string(folder.Expected()) + recovered +
          ": " + Joined(FaultsOf(folder));
 }
 
@@ -238,6 +239,17 @@ std::string ReportText(const ExportResult& result, const ReportHead& head) {
   }
   for (const FolderResult& folder : result.folders) AddFolder(report, folder);
   return report.Text();
+}
+
+WinPath SaveReport(FileSystem& files, const WinPath& target, const std::string& name, const std::string& text) {
+  const WinPath folder = target.Join(kReports);
+  files.MakePath(folder);
+  WinPath file = folder.Join(name + ".txt");
+  for (int number = 2; files.Stat(file); ++number) {
+    file = folder.Join(name + " (" + std::to_string(number) + ").txt");
+  }
+  files.WriteFile(file, text);
+  return file;
 }
 
 }  // namespace quillbox

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "export/export_result.h"
+#include "platform/file_system.h"
 
 namespace quillbox {
 
@@ -21,5 +22,8 @@ std::string SummaryOf(const ExportResult& result, const std::string& target);
 std::string OutcomeOf(const FolderResult& folder);
 /// All of it, as the bytes of a text file.
 std::string ReportText(const ExportResult& result, const ReportHead& head);
+/// Saves it beside the mail, under a name that no file has there: "Export Reports\\NAME.txt". Mail programs take files
+/// beside their own for mail, but not such a folder. Returns the file; throws Error.
+WinPath SaveReport(FileSystem& files, const WinPath& target, const std::string& name, const std::string& text);
 
 }  // namespace quillbox

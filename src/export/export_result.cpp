@@ -29,6 +29,19 @@ std::uint64_t FolderResult::InIndex() const {
   return SumOf(stores, [](const StoreResult& store) { return store.inIndex; });
 }
 
+std::uint64_t FolderResult::Expected() const {
+  std::uint64_t extra = 0;
+  if (!stores.empty()) {
+    const StoreResult& own = stores.front();
+    extra = std::max(own.inIndex, inFolderList.value_or(0)) - own.inIndex;
+    // A header that was written over may promise anything.
+    if (own.inHeader && *own.inHeader <= kMaxStoreEntries) {
+      extra = std::max(extra, std::max(own.inIndex, *own.inHeader) - own.inIndex);
+    }
+  }
+  return stores.empty() ? inFolderList.value_or(0) : InIndex() + extra;
+}
+
 std::uint64_t FolderResult::Of(MessageEnd end) const {
   return SumOf(stores, [end](const StoreResult& store) { return store.Of(end); });
 }
@@ -54,12 +67,8 @@ std::uint64_t ExportResult::Of(MessageEnd end) const {
   return SumOf(folders, [end](const FolderResult& folder) { return folder.Of(end); });
 }
 
-std::uint64_t ExportResult::InIndex() const {
-  return SumOf(folders, [](const FolderResult& folder) { return folder.InIndex(); });
-}
-
-std::uint64_t ExportResult::Recovered() const {
-  return SumOf(folders, [](const FolderResult& folder) { return folder.recovered.written; });
+std::uint64_t ExportResult::Expected() const {
+  return SumOf(folders, [](const FolderResult& folder) { return folder.Expected(); });
 }
 
 }  // namespace quillbox

@@ -66,6 +66,7 @@ struct BoxResult {
 };
 
 struct FolderResult {
+  std::size_t at = 0;                         ///< its place in the list of folders
   std::string name;                           ///< with those above it: "Ann > Inbox"
   std::optional<std::uint64_t> inFolderList;  ///< messages by Folders.dbx
   std::vector<StoreResult> stores;            ///< the folder's own first, then its copies; none when it has no file
@@ -75,6 +76,8 @@ struct FolderResult {
   std::string recoveredFault;  ///< the same for the folder of recovered messages
 
   std::uint64_t InIndex() const;
+  /// How many messages there should be: the most that list, header or index say.
+  std::uint64_t Expected() const;
   std::uint64_t Of(MessageEnd end) const;
   /// Every number agrees.
   bool IsComplete() const;
@@ -94,9 +97,7 @@ struct ExportResult {
 
   ExportEnd End() const;
   std::uint64_t Of(MessageEnd end) const;
-  std::uint64_t InIndex() const;
-  /// Messages in folders of recovered ones, written now.
-  std::uint64_t Recovered() const;
+  std::uint64_t Expected() const;
 };
 
 }  // namespace quillbox

@@ -137,6 +137,7 @@ void FoundFolders::AddCopiesIn(const WinPath& folder) {
     const auto name = ParseStoreName(entry.name);
     if (!name) continue;
     FoundFolder found;
+    found.isElsewhere = true;
     found.copyOf = OriginalOf(entry.name);
     found.folder.name = name->folder + " (copy)";
     found.folder.file = entry.name;

@@ -26,6 +26,7 @@ struct FoundFolder {
   bool isListed = false;              ///< in Folders.dbx
   std::optional<WinPath> store;       ///< nothing when the file is not there, or the folder has none
   std::uint64_t size = 0;             ///< of the store, in bytes
+  bool isElsewhere = false;           ///< in one of the folders that may hold copies
   std::optional<std::size_t> copyOf;  ///< the folder whose store this one is a copy of, as far as its name says
   bool isCounted = false;             ///< what follows is known
   std::uint64_t messages = 0;         ///< that the store's tree leads to

@@ -75,6 +75,7 @@ bool MailExport::IsMerged(std::size_t at) const {
 FolderResult MailExport::ResultFor(std::size_t at) const {
   const FoundFolder& found = folders_.All()[at];
   FolderResult result;
+  result.at = at;
   result.name = ShownName(folders_, at);
   if (found.folder.messages) result.inFolderList = *found.folder.messages;
   result.box.place = tree_.PlaceOf(names_[at].folder);

@@ -20,6 +20,17 @@ void ListView::SetRowCount(std::size_t count) {
   Changed();
 }
 
+void ListView::RefreshTexts() {
+  ++textGeneration_;
+  Changed();
+}
+
+void ListView::SetChecked(const std::vector<std::size_t>& rows) {
+  checked_.assign(checked_.size(), false);
+  for (const std::size_t row : rows) checked_.at(row) = true;
+  Changed();
+}
+
 void ListView::SetAllChecked(bool checked) {
   checked_.assign(checked_.size(), checked);
   Changed();

@@ -34,8 +34,15 @@ class ListView : public Control {
   /// Changes with every SetRowCount.
   unsigned Generation() const { return generation_; }
 
+  /// The texts of the rows have changed, but not which rows there are.
+  void RefreshTexts();
+  /// Changes with every RefreshTexts.
+  unsigned TextGeneration() const { return textGeneration_; }
+
   bool IsChecked(std::size_t row) const { return checked_.at(row); }
   void SetAllChecked(bool checked);
+  /// Checks these rows and no others.
+  void SetChecked(const std::vector<std::size_t>& rows);
   /// The checked rows, ascending.
   std::vector<std::size_t> CheckedRows() const;
 
@@ -53,6 +60,7 @@ class ListView : public Control {
   Checks checks_;
   std::vector<bool> checked_;
   unsigned generation_ = 0;
+  unsigned textGeneration_ = 0;
 };
 
 }  // namespace quillbox

@@ -88,7 +88,7 @@ TEST_F(ExportFaultsTest, ANumberThatDiffersIsNotHidden) {
   const ExportResult result = Export({.format = MailFormat::Maildir});
   EXPECT_EQ(result.End(), ExportEnd::Incomplete);
   EXPECT_EQ(OutcomeOf(result.folders[5]),
-            "NOT COMPLETE, 29 of 29: Folders.dbx counts 30 messages, the store's index leads to 29");
+            "NOT COMPLETE, 29 of 30: Folders.dbx counts 30 messages, the store's index leads to 29");
   EXPECT_EQ(OutcomeOf(result.folders[4]),
             "NOT WRITTEN: D:\\Stores\\Drafts.dbx: there is no such file (while exporting messages)");
   EXPECT_TRUE(result.folders[0].IsComplete());

@@ -66,6 +66,7 @@ const Form1::MenuRow Form1::kMenu[] = {
     {"Create > Clone Identity", "CloneIdentity", &Form1::CloneIdentity_Click},
     {"Remove > Remove Identity", "remIdent", &Form1::remIdent_Click},
     {"Search", "Search", &Form1::Search_Click},
+    {"Export > Mail...", "exportMail", &Form1::exportMail_Click},
     {"Export > Contacts...", "exportContacts", &Form1::exportContacts_Click},
     {"&Help > Not Available Yet", "Notyet", &Form1::Notyet_Click},
     {"&Help > See: %WEB%", "mnuURL", &Form1::mnuURL_Click},
@@ -148,7 +149,13 @@ void Form1::lastBackup_Click() {
   windows_.lastBackup.Open();
 }
 
+void Form1::exportMail_Click() {
+  sb1.panels[1] = "";
+  windows_.exportMail.Open();
+}
+
 void Form1::exportContacts_Click() {
+  sb1.panels[1] = "";
   windows_.exportContacts.Open();
 }
 

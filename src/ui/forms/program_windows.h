@@ -11,6 +11,7 @@
 #include "ui/forms/create_identity_window.h"
 #include "ui/forms/delete_identities_window.h"
 #include "ui/forms/export_contacts_window.h"
+#include "ui/forms/export_mail_window.h"
 #include "ui/forms/last_backup_window.h"
 #include "ui/forms/main_window.h"
 #include "ui/forms/manage_identities_window.h"
@@ -43,6 +44,7 @@ class ProgramWindows {
         form13(*this),
         form17(*this),
         lastBackup(*this),
+        exportMail(*this),
         exportContacts(*this) {}
 
   Session session;
@@ -62,12 +64,13 @@ class ProgramWindows {
   Form13 form13;
   Form17 form17;
   LastBackupForm lastBackup;
+  ExportMailForm exportMail;
   ExportContactsForm exportContacts;
 
   /// Every window, for a renderer.
   std::vector<Form*> All() {
-    return {&form1, &form2,  &form3,  &form4,  &form5,  &form6,  &form7,      &form8,
-            &form9, &form10, &form11, &form12, &form13, &form17, &lastBackup, &exportContacts};
+    return {&form1,  &form2,  &form3,  &form4,  &form5,  &form6,      &form7,      &form8,         &form9,
+            &form10, &form11, &form12, &form13, &form17, &lastBackup, &exportMail, &exportContacts};
   }
 
   /// Shows `window` in place of the main window, and the main window again.

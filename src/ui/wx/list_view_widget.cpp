@@ -113,13 +113,13 @@ void AddColumns(const ListView& control, wxDataViewCtrl& list) {
   }
 }
 
-/// Redraws the check boxes of the rows in view.
-void ShowChecksInView(const wxDataViewCtrl& list, Rows& rows) {
+/// Redraws the rows in view.
+void RedrawRowsInView(const wxDataViewCtrl& list, Rows& rows) {
   const wxDataViewItem top = list.GetTopItem();
   if (!top.IsOk()) return;
   const unsigned first = rows.GetRow(top);
   const auto seen = static_cast<unsigned>(std::max(list.GetCountPerPage(), 0)) + 2;
-  for (unsigned row = first; row < std::min(first + seen, rows.GetCount()); ++row) rows.RowValueChanged(row, 0);
+  for (unsigned row = first; row < std::min(first + seen, rows.GetCount()); ++row) rows.RowChanged(row);
 }
 
 }  // namespace
@@ -150,10 +150,11 @@ Widget MakeListViewWidget(ListView& control, wxWindow& parent) {
 
   Widget widget;
   widget.window = list;
-  widget.show = [list, rows, widths, &control, rowOf, generation = control.Generation() - 1]() mutable {
-    if (generation != control.Generation()) {
-      generation = control.Generation();
-      rows->Reset(static_cast<unsigned>(control.RowCount()));
+  widget.show = [list, rows, widths, &control, rowOf, generation = control.Generation() - 1,
+                 texts = control.TextGeneration()]() mutable {
+    const bool isOther = std::exchange(generation, control.Generation()) != control.Generation();
+    if (isOther) rows->Reset(static_cast<unsigned>(control.RowCount()));
+    if (std::exchange(texts, control.TextGeneration()) != control.TextGeneration() || isOther) {
       *widths = NeededWidths(control, *list);
       SizeColumns(*widths, *list);
     }
@@ -165,7 +166,7 @@ Widget MakeListViewWidget(ListView& control, wxWindow& parent) {
       list->Select(item);
       list->EnsureVisible(item);
     }
-    ShowChecksInView(*list, *rows);
+    RedrawRowsInView(*list, *rows);
   };
   return widget;
 }

@@ -26,13 +26,21 @@ struct Window {
   const char* item;  ///< the menu item that they reach
 };
 constexpr Window kWindows[] = {
-    {"Form6", "m>ve", "chAddBk"},           {"Form3", "m>>vv>e", "crtbkfldr2"},
-    {"Form13", "m>>v^^^e", "regEntry"},     {"Form12", "m>>v^^e", "msc"},
-    {"LastBackup", "m>>v^e", "lastBackup"}, {"Form10", "m>>v^^^^^e", "svMailMsgRules"},
-    {"Form11", "m>>v^^^^e", "svNewsRules"}, {"Form17", "m>>>ve", "usrIDString"},
-    {"Form8", "m>>>vve", "chgStartIdent"},  {"Form7", "m>>>>ve", "crtnewID"},
-    {"Form4", "m>>>>vve", "CloneIdentity"}, {"Form5", "m>>>>>ve", "remIdent"},
-    {"Form2", "m>>>>>>e", "Search"},        {"ExportContacts", "m>>>>>>>v^e", "exportContacts"},
+    {"Form6", "m>ve", "chAddBk"},
+    {"Form3", "m>>vv>e", "crtbkfldr2"},
+    {"Form13", "m>>v^^^e", "regEntry"},
+    {"Form12", "m>>v^^e", "msc"},
+    {"LastBackup", "m>>v^e", "lastBackup"},
+    {"Form10", "m>>v^^^^^e", "svMailMsgRules"},
+    {"Form11", "m>>v^^^^e", "svNewsRules"},
+    {"Form17", "m>>>ve", "usrIDString"},
+    {"Form8", "m>>>vve", "chgStartIdent"},
+    {"Form7", "m>>>>ve", "crtnewID"},
+    {"Form4", "m>>>>vve", "CloneIdentity"},
+    {"Form5", "m>>>>>ve", "remIdent"},
+    {"Form2", "m>>>>>>e", "Search"},
+    {"ExportMail", "m>>>>>>>ve", "exportMail"},
+    {"ExportContacts", "m>>>>>>>v^e", "exportContacts"},
 };
 
 class RealWindows : public SampleWindows {
