@@ -125,6 +125,7 @@ void MboxTarget::Commit() {
   if (!before_ && !writer_) Start();
   if (!writer_) return;
   Flush();
+  before_.reset();  // Windows replaces no file that is open
   writer_->Commit();
 }
 

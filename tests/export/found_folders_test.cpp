@@ -23,7 +23,8 @@ class FoundFoldersTest : public ExportTest {
 
 TEST_F(FoundFoldersTest, AreTheTreeOfTheFolderListWithTheMessagesInEachStore) {
   PutSample();
-  std::filesystem::rename(onDisk / "D/Stores/Choir.dbx", onDisk / "D/Stores/CHOIR.DBX");
+  std::filesystem::rename(onDisk / "D/Stores/Choir.dbx", onDisk / "D/Stores/away");
+  std::filesystem::rename(onDisk / "D/Stores/away", onDisk / "D/Stores/CHOIR.DBX");
   std::filesystem::remove(onDisk / "D/Stores/Drafts.dbx");
   FoundFolders folders(Files(), {"Ann", WinPath("D:\\Stores"), {}}, CodePage());
   EXPECT_TRUE(folders.Step());

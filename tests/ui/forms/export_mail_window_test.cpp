@@ -31,7 +31,7 @@ TEST_F(ExportMailTest, ListsAnIdentitysFoldersAndExportsThemAll) {
   EXPECT_THAT(Rows(), ElementsAre("[x] Inbox | 3 | ", "[x] Outbox | 0 | ", "[x] Sent Items | 3 | ",
                                   "[x] Deleted Items | 3 | ", "[x] Drafts | 3 | ", "[x] Choir | 3 | ",
                                   "[x] news.example.net | 0 | ", "[x]     comp.lang.c++ | 3 | "));
-  EXPECT_THAT(form.lblTotal.caption.Get(), MatchesRegex("8 folders, 18 messages, [0-9]+ KB"));
+  EXPECT_THAT(form.lblTotal.caption.Get(), StartsWith("8 folders, 18 messages, "));
   EXPECT_FALSE(form.cmdOpenTarget.enabled);
   form.cmdExport.click();
   EXPECT_EQ(dialogs.LastMessage(), "Please choose the folder to export to.");
@@ -40,9 +40,10 @@ TEST_F(ExportMailTest, ListsAnIdentitysFoldersAndExportsThemAll) {
   form.optFiles.click();
   form.cmdExport.click();
   EXPECT_THAT(dialogs.LastAsked(),
-              MatchesRegex("All mail of the folders that you chose was exported, read back and compared.\n\n"
-                           "18 of 18 messages are in D:.Out.\n\nWhat became of each folder is in "
-                           "D:.Out.Export Reports.[-0-9 .]+txt. \\[OK, information\\]"));
+              AllOf(StartsWith("All mail of the folders that you chose was exported, read back and compared.\n\n"
+                               "18 of 18 messages are in D:\\Out.\n\nWhat became of each folder is in "
+                               "D:\\Out\\Export Reports\\20"),
+                    EndsWith(".txt. [OK, information]")));
   EXPECT_EQ(form.sb1.panels[0], "All mail was exported");
   EXPECT_EQ(Rows()[0], "[x] Inbox | 3 | 3 written");
   EXPECT_THAT(Names(onDisk / "D/Out"), ElementsAre("Export Reports", "Main Identity"));

@@ -58,7 +58,7 @@ TEST_F(Windows98Test, TheWindowsSayWhereChangesGoAndKeepThem) {
       "Windows 98's registry is read only here; changes go to a private copy, and can be merged on that Windows from "
       "the .reg files";
   const std::string user = Content(sample.driveC / "WINDOWS/USER.DAT");
-  EXPECT_THAT(Start().lblSystem.caption.Get(), EndsWith("/98/C, Everyone (" + sentence + ")"));
+  EXPECT_THAT(Start().lblSystem.caption.Get(), EndsWith("C, Everyone (" + sentence + ")"));
   windows->form1.menuBar.click("msc");
   EXPECT_EQ(windows->form12.lblProtected.caption, sentence + ".");
   SetUsername(kMain, "Renamed");
