@@ -77,7 +77,7 @@ const CregFileKey kSmall =
           {.name = "C", .values = {{"", 1, "c"}}}});
 constexpr std::size_t kRootNode = 0x40, kA = 0x5C, kA1 = 0x78, kB = 0x94, kC = 0xB0;
 constexpr std::size_t kChild = 16, kNext = 20;
-constexpr std::size_t kBlock = 0x1020, kEntryA = 0x1040, kEntryA1 = 0x1073, kEntryB = 0x10A7, kEntryC = 0x10C9;
+constexpr std::size_t kBlock = 0x1020, kEntryA = 0x1040, kEntryB = 0x10A7, kEntryC = 0x10C9;
 
 /// How the tree names the node at an offset of the file.
 constexpr std::uint32_t InTree(std::size_t node) {
