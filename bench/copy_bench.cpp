@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Compares copying 10 files of 100 MB with `cp -a` followed by `sync` of the file system, in turns. Both begin with the
 // files out of the host's memory and end when the copies are on the disk. Prints the times'
 // medians, their range and their ratio.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Measures adding and deleting many keys of a hive, and opening a large hive for one value compared with just reading
 // its file.
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the benchmarks that compare with another program share: running it, and printing times beside each other.
 #pragma once
 

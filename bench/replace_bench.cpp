@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Compares the replacement of a {USER_ID} with `sed s/OLD/NEW/g` on the same registry file of 200 MB, in turns. Prints
 // the times' medians, their ratio and the memory that this program took.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Times what is done with message stores: counting the messages of all folders, and writing all messages as .eml files
 // beside `undbx` and as a mailbox file beside `cp` of the same bytes, in turns, with the store in the host's memory.
 // The stores are made by code: 1 GB in 50,000 messages, and 200 MB in 200,000 small ones. Prints the times' medians,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the benchmarks share: how long a piece of work takes, and the middle of several runs.
 #pragma once
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Holds the includes of every layer's files against the layers that it names. TABLE has a call of quillbox_check_layer
 # for each; SOURCE_DIR is src.
 

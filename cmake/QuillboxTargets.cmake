@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # How layers and their tests are declared, so that every target has the same warnings and a layer sees only the layers
 # that it links.
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Builds for 64-bit Windows on a Linux host, and runs what was built with wine. The programs need no library of the
 # compiler's beside them.
 set(CMAKE_SYSTEM_NAME Windows)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Every harness, for what works on all of them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The registry editor's command line in both of its ways: as one text, and as arguments with a line feed after each.
 #include "harness.h"
 #include "regedit/command_line.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Address book files: what is read has valid texts and members that are there, and each format that it is written in
 // can be read by its rules.
 #include <algorithm>

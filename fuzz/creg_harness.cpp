@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Registry files of Windows 95, 98 and Me: opened strictly and with damaged parts left out, in a single-byte and in a
 // double-byte code page, and written as hives.
 #include <iterator>

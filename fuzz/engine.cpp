@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // libFuzzer's entry points for the harness that the build names in QUILLBOX_HARNESS.
 #include <algorithm>
 #include <cstddef>

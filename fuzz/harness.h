@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What every harness has: seeds, a way to change inputs that keeps them useful, and the promises that must hold for any
 // input. engine.cpp runs a harness under the fuzzer; harness_test.cpp runs each briefly in the ordinary tests.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs every harness briefly, on its seeds and changes of them, so that the harnesses keep building and passing where
 // nobody fuzzes. Finding faults takes hours of engine.cpp.
 #include "harness.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Changes to an untrusted hive. The input is the number of bytes of operations, the operations, then the hive.
 #include <array>
 

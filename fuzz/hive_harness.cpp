@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An untrusted hive file: opened strictly and with damaged parts left out, read, written, and read again.
 #include <optional>
 

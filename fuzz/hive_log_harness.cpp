@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A hive that was not closed cleanly, with its logs. The harness corrects checksums, hashes and sequences, as the
 // input's flags say, because a fuzzer cannot guess them.
 #include <array>

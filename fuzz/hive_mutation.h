@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Changes a hive's bytes so that the result still resembles a hive: fields of records rather than arbitrary bytes, and
 // a valid base block, so that the code after the check of it is reached.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A digest of everything that a hive holds, read in every way there is.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "hive_seeds.h"
 
 #include "registry/hive_tools.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Small hives, made by code, that hold every kind of record.
 #pragma once
 

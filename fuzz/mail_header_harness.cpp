@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A stranger's header: fields, encoded words, dates, and the names of files that come from them. The input's first byte
 // selects the code page.
 #include "harness.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // make_fuzz_seeds FOLDER: writes the seeds of each harness to FOLDER/HARNESS.
 #include <cstdio>
 #include <exception>

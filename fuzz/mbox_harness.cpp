@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Mailbox files: any bytes come back as they were, whatever the pieces; any file can be read, and what was read can be
 // written and read again. The input's first byte says how it is cut into pieces and messages.
 #include "harness.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A registry file: what is read from it can be written, reads back equal, and is then written equal again. The input's
 // first byte selects the code page.
 #include <algorithm>

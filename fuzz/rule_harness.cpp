@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A message rule's stored values: types, flags and values of any kind are described in words.
 #include "core/reg_value.h"
 #include "harness.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An untrusted message store: read whole, with the deleted messages, its folders and the account of its bytes.
 #include <algorithm>
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Text, code pages, paths and names. The input's first byte selects what is tried with the rest.
 #include <algorithm>
 #include <array>

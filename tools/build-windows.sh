@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: GPL-3.0-or-later
 # tools/build-windows.sh: builds the programs for 64-bit Windows and packs them into build/quillbox-VERSION-windows.zip.
 # The first run builds wxWidgets too; see tools/wxwidgets-windows.sh.
 set -eu

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: GPL-3.0-or-later
 # usage: check-commits.sh RANGE [PRESET]
 # Tries each commit of RANGE ("main~5..main") in a work tree of its own: it must configure, build without a warning, and
 # pass the tests that need no display. Prints one line for each commit; exits with 1 when one of them fails.

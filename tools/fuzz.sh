@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: GPL-3.0-or-later
 # usage: fuzz.sh [HARNESS [SECONDS]]
 # Builds the fuzzing programs, makes the seeds, and runs one harness, or all in turn, for SECONDS each (10). Prints how
 # many inputs each tried. The corpus stays in build/fuzz/corpus/HARNESS, an input that failed in

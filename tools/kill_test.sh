@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: GPL-3.0-or-later
 # usage: kill_test.sh [KILLS [BIN]]
 # Starts the registry editor and the window program on a sample disk and kills them at random moments, KILLS times in
 # all (300), with the programs in BIN (build/release/bin). After each kill programs of others must read every hive, and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // make_sample_disk [--windows98] FOLDER: makes a Windows disk to try the program on.
 #include <cstdint>
 #include <cstdio>

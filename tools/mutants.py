@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Makes one-token changes to the tables of a source tree, runs the tests, and lists the changes that survive.
 
 Called by mutants.sh with the work tree, its build folder and the options."""

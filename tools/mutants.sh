@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: GPL-3.0-or-later
 # usage: mutants.sh [--count N] [--seed S] [--all] [--only PART-OF-A-PATH] [--list]
 # Breaks the tables and texts of settings, registry items, backups, windows and reports, one token at a time, and lists
 # the changes that no test notices. N changes (60) are picked by the seed (1); --all tries each one; --list only names

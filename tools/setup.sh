@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: GPL-3.0-or-later
 # tools/setup.sh [LIST...]: installs the packages of debian-packages.txt, or of the lists given, that are missing. Does
 # nothing when none is.
 set -eu

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: GPL-3.0-or-later
 # usage: walkthrough.sh BIN SAMPLE OUT
 # Opens the program on the sample disk under a virtual display, presses Quick Backup in the real window, saves a
 # picture of the window to OUT, and prints what was written where. Programs for Windows in BIN run under wine, and press

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Runs what was built for Windows, under a wine of its own in build/wine: no display, no menus, nothing outside.
 #   tools/wine.sh PROGRAM.exe [ARGUMENT...]
 #   tools/wine.sh --display PROGRAM.exe [ARGUMENT...]     shows its windows on $DISPLAY

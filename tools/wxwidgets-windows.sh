@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: GPL-3.0-or-later
 # tools/wxwidgets-windows.sh: prints the folder of wxWidgets for 64-bit Windows. Builds it there when it is missing, from
 # Debian's source package of the version that is installed for this machine's own programs: about 15 minutes with two
 # processors. The folder is in the user's cache, for all trees of the project; its name says the version and what else

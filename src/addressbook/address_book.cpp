@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "addressbook/address_book.h"
 
 #include "core/identity_catalogue.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The setting that says which address book file Windows' address book opens, and what the user does with it: switching
 // to another file, remembering four of them, keeping a copy of the setting, and moving the file.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "addressbook/address_book_copy.h"
 
 #include "core/disk_path.h"

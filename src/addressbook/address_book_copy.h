@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The address book file itself: its copy in the backup folder, and the way back.
 #pragma once
 

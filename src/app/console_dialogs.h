@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The dialogs of a program at a terminal: messages go to standard error, and questions are not asked but answered so
 // that nothing changes.
 #pragma once

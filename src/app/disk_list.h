@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The disks that the program had open last, for the start window: a small file in the state folder.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The program: opens a disk, then the main window on it.
 #include <cstdio>
 #include <ctime>

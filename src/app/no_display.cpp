@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/no_display.h"
 
 #include "app/start_window.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the program says where there is no display to show a window on: what the disk holds, and how it can be opened.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The registry editor as a program: opens a disk, carries out one command on it, and ends.
 #include <exception>
 #include <iostream>

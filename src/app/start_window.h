@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The window that opens a disk: pick one of the last ones, or name a folder and see whose profiles are on it and how
 // many identities each has. Where a profile's registry cannot be opened, the disk can be searched for mail files; and a
 // sample disk can be made to try.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The Windows that the program runs on, where it runs on one.
 #pragma once
 

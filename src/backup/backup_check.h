@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads what a backup wrote again and compares it with its sources.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The one folder into which every backup goes: where the choice is stored, how it is checked, and the guard that every
 // backup command runs first.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What one backup did: for the window that shows it, its text, and the check that reads everything again.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The drives that a person can search: what they are called and in which order they are offered.
 #pragma once
 

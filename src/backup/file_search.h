@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Finds files by a pattern in a folder and everything below it, and keeps what was found small enough for lists of
 // hundreds of thousands.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The backup of identities: each one's folder, the copies of its message store and of the address book, and the
 // exports of registry keys. The quick backup, the backup of all identities and the complete backup differ in a row.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The single registry items that can be saved to a file and brought back, each in one row: what the menus, the
 // messages, the registry editor's command lines and the complete backup need of it.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The loop that backups and restores of message stores share: which of a folder's files are copied, and what the status
 // bar says of each.
 #pragma once

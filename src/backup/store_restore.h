@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The way back of a complete backup's message stores: the .dbx files of each identity's folder into its store folder.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // People and groups of an address book, as every reader of this layer gives them and every writer takes them: no word
 // here of a file format. All texts are valid UTF-8 without NUL characters; an empty text is one that the book hasn't.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Address book files (.wab) of Outlook Express: their people and groups, and what in them is damaged. The whole file is
 // in memory, and what is kept of it is at most ten times its size, whatever its counts and lengths say.
 #pragma once

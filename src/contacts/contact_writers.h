@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The formats in which other programs take contacts: vCard 3.0 (RFC 2426), CSV (RFC 4180) and LDIF (RFC 2849). All in
 // UTF-8. In a text of several lines the ends of lines become those of the format; other control characters, which none
 // of the formats can hold, are left out. What a format or the programs that read it have no place for is added to the

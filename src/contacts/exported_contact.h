@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the writers of contacts share: texts and dates as all formats have them, the groups around a contact, and the
 // lines that are added to the notes.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The members of an address book's groups: from entry ids to contacts and groups, without loops.
 #pragma once
 

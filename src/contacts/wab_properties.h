@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the properties of an address book's records mean: a table of those that are read, and the step from a record to
 // a contact. A property that is not in the table, or is there with another type, is skipped.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An address book file:
 //
 //   0x00  signature, 16 bytes

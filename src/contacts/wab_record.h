@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One record of an address book file, checked: its head, and its properties one after the other.
 //
 //   0x00  1 in use, 0 deleted          0x10  0x20, where the tags begin

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "core/address_book_slots.h"
 
 #include "core/identity_catalogue.h"

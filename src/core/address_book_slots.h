@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The four slots in which the user keeps address book files to switch to, as they are loaded at the start.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a command could not do with registry files and with the paths that the registry names. The program's own status
 // texts say only that a step ran; the reasons are gathered here and shown in one message for each command.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a command says at its end about the files that it was to copy. Only what did not go as asked is said: a command
 // that copied everything has its own text for that.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Paths that the disk's registry names: message stores, address books. Nobody at this computer chose them, so they are
 // followed on the disk's own drives only: a path on a drive of this computer would copy files of this computer onto the
 // disk, or replace them. Every command checks such a path here before it uses it; labels and pickers show what is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The registry editor's command lines for exports and merges. The editor is a process of its own, which is waited for.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Small questions to the file system that several commands ask.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The identities that Outlook Express keeps under HKEY_CURRENT_USER\Identities, as the program knows them: loaded
 // whole, replaced whole.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A registry key that was to be written to a file, and how that ended.
 #pragma once
 

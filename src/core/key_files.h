@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Keys as hive files: saving a key with everything below it, and replacing what a key holds by such a file.
 #pragma once
 

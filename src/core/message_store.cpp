@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "core/message_store.h"
 
 #include "core/disk_path.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where an identity's messages are on this disk, or why they cannot be reached: asked by every command that copies a
 // message store.
 #pragma once

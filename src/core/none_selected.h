@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "None Selected": how the registry and the windows say that there is no backup folder, or no file in a slot of the
 // address book. Inside the program that is an empty optional.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "core/os_code.h"
 
 #include "core/registry_access.h"

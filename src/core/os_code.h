@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The kind of Windows that the registry belongs to.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Says in a message that a path is not used, and why.
 #pragma once
 

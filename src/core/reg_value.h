@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The result of a registry read, and the value of a write: nothing, a text, a number or bytes.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "core/registry_access.h"
 
 #include "text/byte_order.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reading and writing single values and keys, by the types that the program knows. No key stays open between calls.
 #pragma once
 

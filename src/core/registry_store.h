@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The one component through which the program reads and writes the registry, saves and restores keys, and has the
 // registry editor export and merge them. It raises nothing for a key or value that is not there, and shows no message
 // of its own but the two named below and the failures of registry files.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Notifies its receivers of a change. They read what changed from where it is kept, so that there is one copy of it.
 #pragma once
 

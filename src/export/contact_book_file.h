@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An address book file of the disk or of this computer, read as far as it can be: the one in use, or any other.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The contacts of an address book in a file for another program: whole or not at all, with an account of what is in the
 // file and what isn't.
 #pragma once

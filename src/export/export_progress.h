@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How far an export is, for the person who waits: messages, bytes, and the time that is left.
 #pragma once
 

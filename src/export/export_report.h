@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The words for what became of an export. Nobody may conclude from them that all mail is safe when some of it is not.
 #pragma once
 

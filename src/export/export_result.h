@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What became of an export: for each folder the numbers that must agree, and every message that did not simply arrive.
 // There is no "done" to set: how an export ended follows from its numbers.
 #pragma once

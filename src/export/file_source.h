@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A file of any size as the bytes that the readers of mail take: piece by piece, from anywhere in it.
 #pragma once
 

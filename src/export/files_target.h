@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Messages as files of their own: a folder of .eml files, or the "cur" of a Maildir.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where the messages of one mail folder go: a mailbox file, a folder of .eml files, a Maildir. Each adds to what is
 // there, takes nothing away, and is whole or as it was before. All throw Error.
 #pragma once

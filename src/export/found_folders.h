@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What can be exported: the folders of an identity, or of any folder that has message stores. It works without the
 // registry, and step by step, so that a window can show what it has while the rest is still being counted.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The export of mail folders: reads the stores that the user chose, and writes their messages in a format that other
 // programs read. Each folder is whole at the target or as it was before; one that fails does not stop the others.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The tree of folders at the target, in each of the formats: which name each folder gets there, and the place for its
 // messages.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A mailbox file that messages are added to. The file that is there is copied to a new one, the messages follow, all of
 // it is read again, and then it takes the old one's place in one step. Appending to the file itself would be less work,
 // but a program that is killed or a computer that loses power would leave half a message at the end of the user's mail.

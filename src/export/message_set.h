@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which messages a folder has already: a set of their digests, small enough for millions of messages.
 #pragma once
 

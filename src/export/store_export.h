@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Gives the messages of one store to the folders that they go to, and keeps the books: every message of the index has
 // one end, and every byte of the store is accounted for.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Windows' hidden and system attributes of files on the host. Only some file systems keep them, each in its own way;
 // where none does, nothing is hidden.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Why the host refuses something: std::error_code throughout, thrown as std::system_error. Codes are errnos (the
 // generic category) on every host, so that one comparison serves all, and this program's own where no errno says what
 // it is.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An open file of the host that is read. Failures are std::system_error; callers know the name that a person would
 // recognise, and ReasonOf has the words.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An open folder of the host, and work on its entries by their names: what happens to the folder's own path meanwhile
 // makes no difference. Names are ones that cannot leave it. Failures are std::system_error unless a call says
 // otherwise.

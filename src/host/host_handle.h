@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Something of the host that is open, and closes itself.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Entry names of the host, and the names under which Windows sees them. On a host that is a Windows they are the same.
 #pragma once
 

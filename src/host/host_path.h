@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A path on the machine that the program runs on. It holds UTF-8 on every host, and names instead of separators, so
 // that nobody above takes one apart by its text. On POSIX the bytes of a name are kept whatever they are.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Questions about paths of the host, and the few changes that are made by path. Links are followed.
 #pragma once
 

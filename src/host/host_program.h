@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Starts programs of the host: the registry editor, which is waited for, and what opens a folder or a page, which is
 // not.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A log: one file that several programs append to, and standard error.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Files that are written whole or not at all. Failures are std::system_error.
 #pragma once
 

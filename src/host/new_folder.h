@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Very many small files that belong together, such as the messages of a mail folder: each is written once, none is
 // flushed by itself, and all get their place together. Failures are std::system_error.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a program that was started writes to its standard error.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where the program keeps what it remembers about disks: never on those disks.
 #pragma once
 

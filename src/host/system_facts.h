@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the machine knows: the time, and randomness.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The registry files of a clone: what the source's and the accounts' exports become for the destination. The files are
 // parsed and written anew, not edited line by line, so that values of any length and texts of several lines stay whole.
 // A file that the 8-bit form cannot hold is written in the Unicode form.

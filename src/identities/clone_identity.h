@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The clone of an identity: everything that the registry keeps under the source goes under the destination, by exports
 // that are rewritten and merged, and its message store files are copied.
 #pragma once

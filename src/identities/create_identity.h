@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // New, empty identities: a fresh {USER_ID}, the identity's keys and values, and its message store folder.
 #pragma once
 

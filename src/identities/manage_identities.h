@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Changes of existing identities: removing one, its username, the default one and the one to start as.
 #pragma once
 

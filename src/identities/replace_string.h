@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Replacement of one text by another wherever it occurs, in 8-bit text and in UTF-16 alike.
 #pragma once
 

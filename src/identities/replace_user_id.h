@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Carries a registry file over to another identity: the first {USER_ID} in it is replaced wherever it occurs. The file
 // passes through once, piece by piece, so its size does not matter; it keeps its encoding.
 #pragma once

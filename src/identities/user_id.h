@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // {USER_ID}s: the names under which the registry keeps identities.
 #pragma once
 

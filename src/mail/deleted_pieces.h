@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What is left of deleted messages: records and text segments that nothing leads to, found by their shape in the parts
 // of the file that nobody claimed, and put together again. A damaged tree is helped in the same way.
 #pragma once

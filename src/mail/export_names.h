@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Names of files and folders that mail is written to: safe on every file system, and what the target program expects.
 // What is in a name comes from messages of strangers.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The folders of an identity: the tree that Folders.dbx holds, or what the stores' names say when it is lost.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The charsets by which headers of messages name their bytes, for what is shown and for file names.
 #pragma once
 

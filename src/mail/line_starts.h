@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Finds lines that begin in a certain way in bytes that come piece by piece, whatever the pieces and however long the
 // lines: mailbox files quote such lines, and unquote them.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What became of a message, in the words that mail formats have for it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Mailbox files (mbox in the form "mboxrd") as Thunderbird, mutt and other programs read them, so that every message
 // comes back byte for byte:
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The lines that mailbox files have of their own, for their writer and their reader.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whether two messages are the same one, though they come from two stores or from a store and an export of it: by their
 // message ids and a digest of their bytes.
 #pragma once

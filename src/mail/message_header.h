@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The header of a message (RFC 5322): the few fields that exports need, and their text (RFC 2047) for people and for
 // file names. The message itself is never rewritten from this.
 #pragma once

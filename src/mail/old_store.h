@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Stores of Outlook Express 4: messages one after another, without a tree and without anything but number and text.
 #pragma once
 

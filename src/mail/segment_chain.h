@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The text of a message: a chain of segments, given out piece by piece.
 #pragma once
 

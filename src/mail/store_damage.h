@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What is wrong with a message store, as data: where, with which part, and why. Readers of stores collect it and go on
 // with what is whole; one function turns it into words.
 #pragma once

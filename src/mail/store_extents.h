@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What each byte of a store is used for: stretches of the file with their use, small enough for millions of them. The
 // stretches never overlap, so that their lengths and the free rest add up to the file's size.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The bytes of a store through two windows: parts of a store are small and mostly one after another, so one read of the
 // source serves many of them, and a jump reads no more than it needs. Records and texts take turns, each in their own
 // order: with one window only, each record would cost what was read ahead of the texts.

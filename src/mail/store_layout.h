@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where things are in a message store (.dbx) of Outlook Express 5 and 6, and in one of Outlook Express 4. Offsets are
 // in bytes, numbers little-endian. The sample's writer has its own list: so a slip in one of the two is seen.
 #pragma once

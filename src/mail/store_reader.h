@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A message store: what kind it is, how many messages there are, and each of them in the tree's order. Nothing that a
 // file holds makes this throw; what cannot be read is reported and the rest goes on. Memory: four bytes a message, one
 // message's record, and a window of the file.

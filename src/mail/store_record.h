@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A record of a store: a table of numbered fields, which describes one message or one folder.
 #pragma once
 

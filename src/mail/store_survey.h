@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The books of one store: every message read through it is noted with the bytes that it takes, and at the end every
 // byte of the file is accounted for, and what nothing leads to has been found. So an export keeps the books while it
 // reads, and the file is read once.

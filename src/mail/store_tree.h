@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The tree by which a store keeps its records in order. Walked without recursion: its depth comes from the file.
 #pragma once
 

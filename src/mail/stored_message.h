@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a store says about a message besides its text. Texts are as the store has them, in the 8-bit code page of the
 // system that wrote it.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the user chose on this computer for the system that is open. That system's registry may name any folder of this
 // computer as the place for backups; only the user can confirm it, and the answer is not kept in that registry.
 #pragma once

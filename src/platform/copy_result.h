@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a command asks the shell to copy, and the outcome. A type of its own, since "not copied" has many reasons and
 // the user must see the right one.
 #pragma once

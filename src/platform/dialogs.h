@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Every question and message to the person goes through here: the one seam that tests answer.
 #pragma once
 

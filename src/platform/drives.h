@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Windows' drives: which there are, what they are, and the current directory of each.
 #pragma once
 

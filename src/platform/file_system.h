@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Files and folders under Windows' names. Paths may be relative to the current drive and directory.
 #pragma once
 

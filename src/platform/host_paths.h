@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where the host keeps what a Windows path names. Only code that works with the host's own dialogs and
 // programs needs it; everything else works on WinPaths.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the program needs of an operating system, in one bundle. Nothing above this layer names an implementation.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The registry as the program needs it. Names and string data are inner text (UTF-8): values of the types Sz,
 // ExpandSz and MultiSz are given and taken as UTF-8 bytes with their NULs, all other types as stored.
 #pragma once

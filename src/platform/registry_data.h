@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What every registry does alike with the data of values: text is stored as UTF-16 and given and taken as inner text.
 #pragma once
 

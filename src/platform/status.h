@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The registry's answers, with the platform's numbers: the program's rules are written in them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The words for the statuses that file and registry calls answer.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The registry editor's command line. It has two forms: the single text with which a Windows program starts the
 // platform's editor, quirks included, and the arguments of a user at a terminal.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Exports: a key with everything below it as the bytes of a registry file, which is never in memory as a whole.
 //
 // Text that the 8-bit form cannot hold is never turned into question marks: where one name or text of the exported

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Merges: what a registry file says is done to a registry. A line that cannot be merged is reported and left out; the
 // rest is merged.
 #pragma once

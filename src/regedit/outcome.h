@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The registry editor's words for the outcome of a command, in one place.
 #pragma once
 

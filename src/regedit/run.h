@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One command of the registry editor, carried out on a platform: what the program does once it has a disk.
 #pragma once
 

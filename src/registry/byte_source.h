@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where a reader of this layer gets its bytes from: a file that may be larger than the memory, or text in memory.
 #pragma once
 

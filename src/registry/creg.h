@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The registry files of Windows 95, 98 and Me ("CREG"): SYSTEM.DAT, USER.DAT, and CLASSES.DAT of Windows Me. They are
 // read only; what is read fills a hive like any other.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The blocks of a registry file of Windows 95, 98 or Me: where the entry of each key is.
 #pragma once
 

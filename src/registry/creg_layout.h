@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where each field is in a registry file of Windows 95, 98 or Me. The public descriptions of the format differ in
 // places; what is here agrees with real files of 95 and Me.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The data of a value while they are read from text: counted to their end, and kept only up to a limit, so that a value
 // that is too large or never ends needs no more memory than the limit.
 #pragma once

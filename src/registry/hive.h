@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A registry hive file ("regf") in memory: read, changed, and given back as the bytes of a file that Windows loads.
 // Opening, locking and replacing files is the caller's business.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The cells of a hive by what is in them, and the fields of their records by what they hold: a cell of one kind cannot
 // be taken for one of another, nor a number be read in a wrong width.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The bytes of a hive as a heap of cells: allocating, freeing and reusing them. Which cells are free is kept outside
 // the bytes, so that neither allocating nor freeing searches the file.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Notes of what was left out of a hive because it is damaged, in the same words for every form of registry file.
 #pragma once
 

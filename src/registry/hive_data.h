@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the parts of the hive code share: one hive's state, and the operations on keys, lists, values and security
 // that Hive's public functions are made of. Everything here trusts the hive, because CheckHive() checked all of it when
 // it was loaded.

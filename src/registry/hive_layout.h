@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where each field is in a hive file. Offsets in records count from the record's tag, after the four bytes of the
 // cell's length.
 #pragma once

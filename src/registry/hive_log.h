@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Bringing a hive that was not closed cleanly up to date from the log files beside it, as Windows does when it loads
 // such a hive: which logs belong to the hive, in which order, and what the hive is with them.
 #pragma once

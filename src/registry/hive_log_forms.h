@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The two forms of log file beside a hive, each read and checked by itself. hive_log.cpp decides which of
 // them belongs to a hive and what is written where. What is returned refers to the bytes that were given.
 #pragma once

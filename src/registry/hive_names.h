@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Names as hives store them: how they are read, compared, and written. Comparisons work on the stored bytes, because
 // every search of a subkey list compares many names.
 #pragma once

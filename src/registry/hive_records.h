@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The checks of single records of a hive, with their messages. Both the check of a whole hive and the salvage of a
 // damaged one use them, so that the two agree on what is a fault.
 #pragma once

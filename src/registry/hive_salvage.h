@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reading what can be read of a damaged hive.
 #pragma once
 

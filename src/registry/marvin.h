@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The Marvin hash with 32-bit arithmetic, by which Windows protects the entries of its registry logs.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Registry files: the text form in which the registry editor exports keys and merges them back, in both of its
 // kinds. Pure text work: what the text means for a registry is the caller's business.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the writer and the reader of registry files must agree on: the first lines, and the value types that are not
 // simply shown as the bytes they are.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How large a registry file and what it says may be. Tests make the limits small.
 #pragma once
 

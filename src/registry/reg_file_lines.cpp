@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "registry/reg_file_lines.h"
 
 #include <algorithm>

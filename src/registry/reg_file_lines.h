@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The lines of a registry file as inner text. A file of gigabytes is read in pieces and never held or decoded as a
 // whole; a line that is longer than such a piece comes in pieces too. A reader that has looked ahead in vain can go
 // back.

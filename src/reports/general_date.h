@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Date and time in the format of the disk's Windows, for the time at which a report was made.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The report of what the main window shows: the identities and their folders, the address book, and the files that the
 // last search found.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reports are texts with gaps. A template is a table whose rows read like the report's lines; this fills the gaps,
 // repeats rows for the items of a group, and writes the result as the disk's Windows would.
 #pragma once

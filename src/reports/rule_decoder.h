@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Decodes message rules. Outlook Express stores what a rule tests and does as numbers; rule_decoder.cpp has the tables
 // of their sentences, for mail and news side by side.
 #pragma once

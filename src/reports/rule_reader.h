@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads and decodes the mail or news rules of an identity.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The report of all mail or news rules of an identity, as plain text or HTML.
 #pragma once
 

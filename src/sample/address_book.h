@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sample's address book: invented people with all that a book can say about them, lists of them, and a record that
 // was deleted.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Registry files as Windows 95, 98 and Me lay them out: the tree of the keys, then blocks with their names and values.
 // It shares nothing with the code that reads them, so that each is a witness of the other.
 #pragma once

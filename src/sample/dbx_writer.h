@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Message store files as Outlook Express lays them out: a fixed header, the records, and a tree that leads to them.
 // The sample's stores are written with it, so that code that reads or searches stores finds real structure.
 #pragma once

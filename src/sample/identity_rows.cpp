@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "sample/identity_rows.h"
 
 #include "sample/user_rows.h"

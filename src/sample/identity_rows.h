@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sample person's identities: who they are, and the option values that each has collected.
 #pragma once
 

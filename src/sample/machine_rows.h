@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the sample machine's own hives hold: the parts of an installed Windows that mail programs look at.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Registry contents as table rows. What the sample's hives hold is data; this turns rows into keys and values.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sample's message rules and blocked senders, chosen so that every kind of criterion and action occurs.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A Windows disk to try the program on, made by code: a person's hive with three identities, their stores, accounts
 // and address book, and the machine's hives. Nobody's real data, and the same each time.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the sample disks of all kinds of Windows are made with: their folders and files, and the person's identities.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Made-up mail for the sample's stores: the same every time, with headers, replies and an attachment now and then.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The files of the sample's message stores: which there are and what is in each.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the sample person's hive holds besides the identities: accounts, the address book's place, folders.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Address book files as Outlook Express lays them out: a header, the index of the records, the lists of names, and the
 // records. It shares nothing with the code that reads them, so that each is a witness of the other.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sample disk's drive C with Windows 98 on it.
 #pragma once
 

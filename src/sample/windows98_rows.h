@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a sample disk of Windows 98 has in its registry besides the identities.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What one run of the program works on, whatever shows it: the catalogue of identities, the selected one, the backup
 // folder, the overwrite flag, the address book and its slots, and what the last search found. Windows show the session
 // and change it; none of them reads it off another window.

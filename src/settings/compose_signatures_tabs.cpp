@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The tabs "Compose", with a column for mail and one for news, and "Signatures".
 #include "settings/settings_tabs.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The tabs "Connection" and "Maintenance".
 #include "settings/settings_tabs.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The tabs "General" and "Read".
 #include <cstdint>
 #include <string_view>

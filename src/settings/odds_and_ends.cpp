@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The settings of the window "Odds and Ends", which no option dialog offers: first those of one identity, below them
 // those of the user and the machine.
 #include <span>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The tabs "Reciepts" (the caption is spelt this way) and "Send".
 #include <string_view>
 

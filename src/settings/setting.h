@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The description of a setting that the user can edit. All settings are rows of tables, which give the label, the
 // control, the registry value, and what is shown and written. What only some settings do is in the row too: neither
 // the loader nor the windows know any setting by its name.

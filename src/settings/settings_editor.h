@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads and writes any setting by its row: all settings share this loader and this writer. It needs no window; messages
 // for the user are returned.
 #pragma once

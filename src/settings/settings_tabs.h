@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The tables of all settings: those of the ten tabs of the settings window, and the odds and ends.
 #pragma once
 

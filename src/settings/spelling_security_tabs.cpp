@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The tabs "Spelling" and "Security".
 #include <string_view>
 

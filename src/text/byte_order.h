@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Numbers from and to bytes, low byte first, as Windows' files have them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The 8-bit text of a Windows system. Only edges of the program use it: .reg files in the 8-bit form, reports, and
 // word lists stored in the registry.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the program needs of the host to know a code page: one character at a time, no more. The tables are made of it
 // once, and code_page.cpp has the rules, so that the same bytes mean the same on every host.
 #pragma once

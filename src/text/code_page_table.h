@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What is known of Windows' code pages without the host: which there are, which bytes begin a pair, and where Windows'
 // tables say something that not every host's converter knows. Data, so apart from the code that uses it. The facts are
 // those of Microsoft's published tables ("best fit" tables and the lists of lead bytes).

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "text/command_options.h"
 
 #include "text/unicode.h"

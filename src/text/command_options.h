@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The options of our programs' command lines, as tables: "--profile NAME" sets something, "--choose" switches something
 // on. What an option means is its program's business; how it is found and what is said about a wrong one is here.
 #pragma once

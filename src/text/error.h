@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The one exception type of the program. Every layer throws it with the same three facts, so that the place which
 // shows an error never has to guess: what was being done, to which file or key (and where in it), and why it failed.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // FILETIME, the platform's time: units of 100 ns since 1601 UTC; and the two ways between it and Unix time.
 #pragma once
 

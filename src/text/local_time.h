@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A moment in the time zone of the computer that the program runs on. The C library of each system has its own call for
 // this, so there is one file a system, in posix/ and win32/.
 #pragma once

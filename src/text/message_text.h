@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Names from files in messages, windows and reports: short enough to be read, and on one line whatever they hold. What
 // is shown is not what is stored: never use a shown text as a key or a path.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where a reader gets bytes from whose places it learns on the way: a file that may be larger than the memory, or bytes
 // in memory. What is read from the start to the end in one go has ByteSource of `registry` instead.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where a registry key is: one of the roots and the path below it. A type of its own, so that a key path is never
 // taken for a file path.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Conversions between the program's inner text and UTF-16, and Windows' case rule.
 //
 // Inner text is UTF-8 with one extension: a UTF-16 surrogate without its partner, which registry data may hold, is

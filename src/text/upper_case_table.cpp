@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Taken from the character database of Unicode 3.2 (Python's unicodedata.ucd_3_2_0): every character of the basic
 // plane with a simple upper case in that plane whose lower case leads back to it, and the final sigma, which shares
 // its capital with the other sigma.

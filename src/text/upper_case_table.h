@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The table behind Windows' case rule, apart from the code that uses it because it is pure data.
 #pragma once
 

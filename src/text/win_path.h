@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Windows-style paths as a type of their own, so that they cannot be mixed up with host paths or registry paths.
 // Pure text: nothing here looks at a disk.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The controls of windows, as plain objects without a toolkit. Code reads and sets their properties; a person (or a
 // test) acts on them through the verbs in lower case: click, pick, type, open. Only those verbs run handlers; setting a
 // property from code never does.

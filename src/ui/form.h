@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A window as a plain object: its controls are public members, its layout and menus are data, and its handlers run
 // through one guard. A renderer watches it; without one (in tests) it works the same.
 #pragma once

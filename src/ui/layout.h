@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A window's layout as data: rows, columns, grids and groups of controls. The renderer turns it into the
 // toolkit's own layout, so nothing here counts pixels.
 #pragma once

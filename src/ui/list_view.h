@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A list of rows with columns and a check box each if wanted, for very many rows: it keeps no texts but asks for those
 // in view.
 #pragma once

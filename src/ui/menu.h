@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A window's menu bar as data: a path of captions, a name and a handler for each item.
 #pragma once
 

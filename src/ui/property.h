@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A value that notifies its owner of changes. Controls are made of them: code sets `caption = "…"` and the real widget
 // follows.
 #pragma once

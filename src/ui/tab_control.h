@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Pages of controls with tabs, one page in view.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/start_window.h"
 
 #include "app/no_display.h"

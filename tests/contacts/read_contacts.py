@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """read_contacts.py vcard|csv|ldif FILE: what readers that we did not write find in a file of contacts, one value a line."""
 import csv
 import sys

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The registry as the program reads it: values, identities, the paths that it names; and what copies come to.
 #include "core/address_book_slots.h"
 #include "core/copy_tally.h"

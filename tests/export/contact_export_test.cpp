@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "export/contact_export.h"
 
 #include "sample/address_book.h"

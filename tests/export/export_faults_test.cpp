@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "export/export_report.h"
 #include "export/export_test.h"
 #include "export/message_set.h"

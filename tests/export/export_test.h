@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What tests of the export share: stores on a disk, a person who waits, and what independent readers find afterwards.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "export/found_folders.h"
 
 #include "export/export_test.h"

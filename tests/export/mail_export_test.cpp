@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "export/mail_export.h"
 
 #include "export/export_report.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """read_mail.py mbox|files|maildir FOLDER: the messages of an export, as Python's own readers see them: for each a line
 "FOLDER|SUBJECT|FLAGS|LENGTH", and its bytes behind it."""
 import email

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which of a program's changes to a folder fails. The plan is a file that the test maps and that fault_preload maps in
 // every process of the program, so that the calls of a child process are counted with those of its parent.
 #pragma once

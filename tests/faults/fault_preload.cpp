@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A library that is loaded before the C library and replaces those of its calls with which our programs, and the
 // libraries they use, change files: it counts those below one folder, and has one of them, or all from one on, fail as
 // on a full or failing disk (fault_plan.h). Removals are left out: a file that stays is not a failure.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // usage: fault_window FOLDER STATE COMMAND
 // The program without its display, for tests that let its calls fail: opens the disk that was made in FOLDER (with the
 // drives C and D), gives COMMAND, and prints what a person would then see, one text a line. Says yes to every question.

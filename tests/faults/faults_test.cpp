@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A full or failing disk at every moment of a merge, a quick backup and a complete restore. Whatever call fails: each
 // file is as before or as after, nothing is left behind, and the person hears of it.
 #include <sys/wait.h>

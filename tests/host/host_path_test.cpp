@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What paths are made of, whatever their text is.
 #include "host/host_path.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The tests of the host, and the program that they start: themselves, with a word that no test has.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A table of texts and the paths that they mean.
 #pragma once
 

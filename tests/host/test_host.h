@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What these tests can have on one host and not on another. What wine lacks is in its functions for Windows, and
 // nowhere else.
 #pragma once

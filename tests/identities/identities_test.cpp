@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Identities that are made, cloned or removed, and files that are carried over from one to another.
 #include "identities/clone_identity.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Mail formats: what comes out is held against texts written by hand, and comes back byte for byte.
 #include <array>
 #include <random>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Headers in words, and the names that come from them and from folders.
 #include "mail/export_names.h"
 #include "mail/folder_list.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Stores as the sample's writer makes them, whole, cut off and damaged at places that are known by the format.
 #include "mail/store_reader.h"
 #include "mail/store_survey.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the contract of every platform is tried on. Each platform's tests link a world of its own.
 #pragma once
 

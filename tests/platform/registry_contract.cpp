@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What every platform's registry promises. Written against Windows' own calls, whose answers it fixes for all others.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What every platform promises beside the registry: files and copies, drives, the environment, the registry editor.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

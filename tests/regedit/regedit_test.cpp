@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The registry editor: its command line, and as it is really used, started as a program on a disk.
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Registry files of Windows 95, 98 and Me: what is read of them, and what is left of damaged ones.
 #include <algorithm>
 #include <functional>

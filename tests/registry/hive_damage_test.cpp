@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Hives with damage: refused as a whole, with place and reason, and salvaged, with all that is not damaged as a hive
 // that passes the check.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Log files beside hives, in both forms, as systems that stopped leave them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the tests of hives share: hives of any version, and everything that a hive holds as lines of text to compare.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a registry file says, written by this system or by another program.
 #pragma once
 

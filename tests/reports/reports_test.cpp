@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reports as they are written, and their dates.
 #include <cstdlib>
 #include <iomanip>

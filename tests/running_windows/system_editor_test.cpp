@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The system's registry editor and ours: what one writes of a registry, the other writes of a registry that it was
 // merged into.
 #include <gtest/gtest.h>

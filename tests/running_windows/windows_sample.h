@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The Windows that the tests run on, made to hold what the sample disk holds: the system's own registry editor merges
 // its registry, and its files are copied to C: and D:. What an earlier test left is deleted, so this must be a Windows
 // for tests alone, which says so in its environment.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Hive files with faults of a known kind, made from sound ones.
 #pragma once
 

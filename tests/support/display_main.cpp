@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs tests of real windows: the toolkit is up and its events are handled whenever a test pumps them. A complaint of
 // the toolkit fails the test that caused it.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A window with a control of every kind, for tests of what all windows do.
 #pragma once
 

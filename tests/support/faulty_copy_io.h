@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The calls of copies on disks with faults: places that cannot be read, disks that are full, flushes that fail.
 #pragma once
 

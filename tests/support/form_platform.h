@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The little that windows of a test need of a platform: dialogs with queued answers, a log that is kept, and the end of
 // commands counted. Asking for anything else throws.
 #pragma once

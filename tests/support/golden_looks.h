@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Holds controls against the lines of a golden text.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads a golden text: plain lines of words, "quoted texts" and `texts with "quotes"`, "#" before a comment. An
 // indented line says more about the last one that is not indented.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The system's calls that make changes lasting or visible, in a test's hands: it can let each fail, or end the program
 // before it. A test program that lists host_calls.cpp among its sources calls these in the system's place.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What tests do to the machine that they run on, and not every host can have done to it. A test says what it needs and
 // is skipped where that is not to be had: the two files host_tricks.cpp, in posix/ and win32/, are the only place that
 // says what cannot be tested where.

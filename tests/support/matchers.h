@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How tests say what they expect: matchers under their short names, and what an act is refused with.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sample disk as the system that tests of the subsystems work on.
 #pragma once
 

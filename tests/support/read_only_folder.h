@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A folder in which a user cannot write anything while an object lives.
 #pragma once
 

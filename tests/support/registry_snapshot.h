@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A registry key with everything below it as text by text, so that two trees compare equal only when every key, value,
 // type and byte does, and a failed comparison names the first that differs.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The {USER_ID}s of the identities on a sample disk.
 #pragma once
 

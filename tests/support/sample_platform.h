@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The platform on what a small sample disk holds, with what it would show, start or open recorded: on that disk in a
 // temporary folder, or on the Windows that the tests run on.
 #pragma once

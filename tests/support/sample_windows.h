@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The program's windows on a small sample disk, without a display: what a test of a command needs to click and to look
 // at what is then on the disk.
 #pragma once

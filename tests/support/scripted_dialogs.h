@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The person of a test: answers are queued for each kind of dialog before the act that asks. A question that nobody
 // queued an answer for fails the test and is cancelled, so that no window appears unnoticed.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Walks every setting of a window as its golden text has it: the texts around it, what each item stores, what each
 // stored number shows, what a missing value shows, what typed numbers do.
 #pragma once

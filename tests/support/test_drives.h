@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Drives of any type without a disk, set by the test.
 #pragma once
 

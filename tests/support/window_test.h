@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What tests of real windows share: letting events run, finding widgets, and a mouse and keyboard that go through the
 // display's own input.
 #pragma once

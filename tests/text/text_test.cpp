@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What texts, paths and names become on their way in and out of the program.
 #include "support/matchers.h"
 #include "text/code_page.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the lists show; what a user does with them is tested with the window that has them.
 #include "ui/folder_controls.h"
 

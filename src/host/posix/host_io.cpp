@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/posix/host_io.h"
 
 #include <unistd.h>

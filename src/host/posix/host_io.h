@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reading and writing open descriptors to the last byte: calls that are interrupted or do a part of the work are made
 // again. Failures are std::system_error.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/posix/open_beneath.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Opens what is beneath an open folder without following any link on the way: this call is what
 // guarantees that nothing on a disk leads out of it.
 #pragma once

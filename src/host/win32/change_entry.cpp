@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/win32/change_entry.h"
 
 #include "host/entry.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Changes by path, as folders and the calls on paths both make them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/file_attributes.h"
 
 #include "host/win32/system_path.h"

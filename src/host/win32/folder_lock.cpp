@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A lock file in the folder, which its handle's end removes: the system keeps everybody else from opening it to write,
 // and lets them read in it who has it.
 #include "host/folder_lock.h"

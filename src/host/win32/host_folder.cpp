@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A folder's handle keeps its path as it is: while it is open, nobody can give the folder or one above it another name,
 // or replace it. So work on the entries by their paths is work in this folder.
 #include "host/host_folder.h"

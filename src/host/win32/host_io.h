@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reading and writing open handles to the last byte. Failures are std::system_error.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Opening entries of folders, and what an open one is.
 #pragma once
 

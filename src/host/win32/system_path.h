@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Paths in the form that the system is given: "\\?\E:\Users\Ann", which is taken as it is, whatever its length and
 // whatever its names mean elsewhere ("NUL", a full stop at the end).
 #pragma once

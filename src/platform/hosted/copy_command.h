@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The copies of one command: answers that hold for all of them, progress, and the result of each.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Flushes a copy on a second thread: the flush takes most of a copy's time, and the next file can be read meanwhile.
 #pragma once
 

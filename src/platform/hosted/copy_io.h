@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The host's calls of a copy, behind an interface so that tests can make them fail.
 #pragma once
 

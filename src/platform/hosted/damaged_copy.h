@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The name of a copy that could not be read in full, and the list of what it lacks.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Why something on a disk is refused by the rules of this program, beside the reasons that the host has (host_fault.h).
 // An errno would say "Invalid cross-device link" where a disk's link leads out of the disk.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads one file of the host into a file in the making: whole, and only what the source held at one moment. Where the
 // user agrees, places that the disk cannot read become zeros; a bad sector then costs one sector.
 #pragma once

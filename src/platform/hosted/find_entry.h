@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Looking up entries of a host folder by Windows' names, which have no case.
 #pragma once
 

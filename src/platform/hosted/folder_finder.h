@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The running enumeration of one host folder, entry by entry in the order in which the file system gives them.
 #pragma once
 

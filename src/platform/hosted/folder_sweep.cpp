@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/hosted/folder_sweep.h"
 
 #include "platform/hosted/host_open.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Removes what killed programs have left in the folders that are written: in each folder once per command.
 #pragma once
 

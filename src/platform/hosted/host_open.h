@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The ways to open a place on the host and to look at it. Beneath a drive no link is followed: the place was found with
 // its links resolved, and what has changed since is refused with the reason. Failures are std::system_error; callers
 // know the name that a person would recognise, and ReasonOf has the words.

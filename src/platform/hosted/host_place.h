@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where something is on the host. What a Windows disk names must stay on that disk: a place beneath a drive's folder
 // carries the disk's bounds with it, so that nothing can be opened there by a plain path. Only what belongs to the
 // person or to this program (drive Z:, the state folder) is anywhere on the host, where links are followed as usual.

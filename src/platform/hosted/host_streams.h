@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Files of the host as the platform's readers and writers: piece by piece; errors name the file as the user knows it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A walk through a host folder and everything below it. Each folder is read once, and is opened from the one above it
 // rather than by its whole path, so that depth and length of paths have no limit.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Drives whose files are on the computer that the program runs on: the way from any Windows path to its place there,
 // and a current directory for each drive.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Files and folders of the host under the names that a Windows path gives them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/hosted/hosted_services.h"
 
 #include "host/system_facts.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Small services that need nothing but the computer itself.
 #pragma once
 

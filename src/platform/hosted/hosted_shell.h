@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The shell over files of the host: copies them, and opens folders and pages with the host's own programs. Failures are
 // shown to the person.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The log of a desktop program: what a window does not show goes to standard error and to a file that the user can
 // send.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // From Windows' names to a place on the host: names are matched as Windows does, and links of a disk are followed here,
 // step by step, so that whatever opens the place afterwards can refuse every link.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The record that is on the disk while several hives are put in place together. hive_commit.h explains it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the next opening of a disk does about a commit that was interrupted.
 #include <algorithm>
 #include <optional>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/offline/disk_folders.h"
 
 #include <algorithm>

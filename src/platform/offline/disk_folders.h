@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The folders and hives of a Windows disk, by the names that Windows gives them. Whatever leads out of the disk is
 // found as such, so that opening it says so.
 #pragma once

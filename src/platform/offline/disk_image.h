@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Recognises the images of disks, so that someone who chooses one instead of a folder learns how to mount it.
 #pragma once
 

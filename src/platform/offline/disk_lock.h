@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One program per disk: an exclusive lock on the folders whose hives are open for writing.
 #pragma once
 

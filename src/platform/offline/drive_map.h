@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where Windows' drives are on the host, and the two ways between a Windows path and a place on the host.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The environment variables that a program would have if the disk's Windows ran and the profile's person had logged
 // on. Paths in the registry are written with them.
 #pragma once

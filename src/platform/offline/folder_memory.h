@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The backup folder that the person chose for a disk and profile, remembered in the state folder: a small file of its
 // own for each disk and profile, so that programs on different disks do not overwrite each other's.
 #pragma once

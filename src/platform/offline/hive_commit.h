@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Hives that one command has changed, written so that the disk has all of them as before or all of them as after.
 //
 // Every new hive is put beside its old one first, under a name of its own, and flushed. Then a record of what is about

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Hives that open only if the person agrees: those with damaged parts, and those whose logs cannot be used. The
 // question and the lines of the log are worded here.
 #pragma once

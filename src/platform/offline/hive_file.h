@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One hive file of the disk, open: read with its logs, held in memory, and written back so that the disk has the hive
 // before or after a command, never between. Where the disk cannot be written, a private copy takes the changes.
 #pragma once

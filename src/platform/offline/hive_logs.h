@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The logs that Windows keeps beside a hive: found, read when the hive needs them, and kept as they are before the hive
 // is changed for the first time.
 #pragma once

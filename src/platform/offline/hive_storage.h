@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Calls on the host's disk for hive files: replace a file and keep its owner, permissions and attributes, keep the
 // original beside it, find out whether it can be written or has changed.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/offline/missing_drives.h"
 
 #include "text/message_text.h"

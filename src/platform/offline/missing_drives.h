@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Asks for drives that the disk's registry names and nobody has attached: a message store on D: of a disk that was
 // opened without its second volume.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The drives of a Windows disk that isn't running: folders of the host under Windows' letters.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The platform over a Windows disk that isn't running: finds the disk and the person's profile, locks it, opens its
 // registry, and puts the pieces of this folder together.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Starts the one Windows program that this platform has: the registry editor, as our own host program that works on
 // the same disk.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The registry of a Windows that isn't running: its hive files under the roots where Windows shows them. Changes are
 // made in memory; Commit() brings them to the disk.
 #pragma once

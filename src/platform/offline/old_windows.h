@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Windows 95, 98 and Me on a disk. Their registry is in files of another form (CREG), which are read and never written.
 #pragma once
 

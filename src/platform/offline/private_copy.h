@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where changes to a hive go when its disk cannot be written: a copy in the user's state folder, which is valid as long
 // as the disk's own hive has not changed since the copy was begun.
 #pragma once

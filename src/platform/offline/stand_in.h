@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // For a disk whose registry cannot be opened: an empty registry of the program's own takes its place, so that the disk
 // can be searched for mail files all the same.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Small services: GUIDs, and facts of the registry.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Finds Windows on a folder of the host: the people whose profiles are on it and where their registry is. The
 // messages for a wrong folder help to choose the right one.
 #pragma once

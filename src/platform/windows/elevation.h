@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Administrators' rights. Since Windows Vista an administrator's programs run without them unless they ask; the
 // registry editor does, and the machine's registry cannot be changed without.
 #pragma once

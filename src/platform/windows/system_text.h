@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Inner text in the form of the system's wide calls, and back.
 #pragma once
 

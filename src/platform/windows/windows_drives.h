@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The drives of the Windows that the program runs on. A Windows path is a path of this computer as it stands, shares of
 // other computers included.
 #pragma once

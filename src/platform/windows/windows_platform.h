@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The platform over the Windows that the program runs on, for the user who runs it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Starts programs of the Windows that the program runs on: its own registry editor.
 #pragma once
 

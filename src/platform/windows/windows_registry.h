@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The registry of the Windows that the program runs on, by the system's own calls. What they answer is passed on as it
 // is. A change is made at once: there is nothing to commit and nothing to take back.
 #pragma once

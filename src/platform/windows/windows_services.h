@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Small services of the Windows that the program runs on: its environment and code page, GUIDs, and the folders that
 // its user chose.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The shell of the Windows that the program runs on. Copies are our own, whole or not at all, as on an old disk.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "text/code_page_converter.h"
 
 #include <iconv.h>

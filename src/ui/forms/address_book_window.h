@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "Change Address Book": another address book file to use, by browsing to it or by one click on one of four that are
 // remembered, and a saved copy of the setting.
 #pragma once

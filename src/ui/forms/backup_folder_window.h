@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "Select or Create a Backup Folder": walk the drives, pick a folder or make one, and have it be the backup folder.
 #pragma once
 

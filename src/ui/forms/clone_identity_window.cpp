@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/forms/clone_identity_window.h"
 
 #include "core/copy_tally.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "Clone An Identity": copies an identity's settings, and its messages if wanted, onto another identity, which can be
 // made right here.
 #pragma once

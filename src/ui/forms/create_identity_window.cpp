@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/forms/create_identity_window.h"
 
 #include "ui/forms/program_windows.h"

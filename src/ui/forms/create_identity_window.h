@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "Create New identity": makes a new, empty identity and shows its username and {USER_ID}.
 #pragma once
 

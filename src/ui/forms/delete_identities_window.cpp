@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/forms/delete_identities_window.h"
 
 #include "identities/manage_identities.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "Delete Identities": removes an identity's key from the registry. Its message store stays.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/forms/export_contacts_window.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "Export Contacts": the people of an address book in a list, and those that are checked in a file that other programs
 // read. What of the address book cannot be read is listed beside them.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "Export Mail": writes the mail folders of an identity, or of any folder with message stores, in a form that the mail
 // programs of today read.
 #pragma once

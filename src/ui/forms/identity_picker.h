@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The pickers from which windows take one of the identities.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/forms/last_backup_window.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "Last Backup": what the last backup of this run copied, left out and could not do. It can be checked against the
 // sources and saved as text; nothing of it is added to the backup itself.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/forms/main_window.h"
 
 #include "core/refusal_message.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The main window: the identities in three linked pickers, what belongs to the selected one, and the buttons and menus
 // from which every command is reached.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The main window's backup folder, the quick backup, and the backups of all identities.
 #include <utility>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The main window's way to the identities: the windows that manage them, the rename, and the replacement of a {USER_ID}
 // by prompts.
 #include "identities/replace_user_id.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The main window's menu bar and the commands that only route to another window or to the system.
 #include "ui/forms/main_window.h"
 #include "ui/forms/program_windows.h"

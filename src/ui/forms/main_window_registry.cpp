@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The main window's single exports and merges of registry items, and the copies of the address book file.
 #include "addressbook/address_book_copy.h"
 #include "backup/registry_items.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The main window's way to the address book and the reports.
 #include "addressbook/address_book.h"
 #include "core/refusal_message.h"

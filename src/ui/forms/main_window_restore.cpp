@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The main window's complete restore.
 #include "backup/registry_items.h"
 #include "backup/store_restore.h"

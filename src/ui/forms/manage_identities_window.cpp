@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/forms/manage_identities_window.h"
 
 #include "identities/create_identity.h"

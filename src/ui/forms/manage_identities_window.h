@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "Manage Identities": which identity is the default one, and which one Outlook Express starts as.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "Odds and Ends": switches and title bars of Outlook Express and Internet Explorer that their own dialogs do not
 // offer.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Owns the windows, so that each can reach the others.
 #pragma once
 

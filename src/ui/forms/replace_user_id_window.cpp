@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/forms/replace_user_id_window.h"
 
 #include "core/refusal_message.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "Replace {USER_ID} String in .reg File": carries a saved registry file over to another identity, step by step.
 #pragma once
 

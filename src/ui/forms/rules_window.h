@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "Mail - Message Rules" and "News - Message Rules": how many rules an identity has, and all of them, decoded, in a
 // file. The two windows differ in their words only.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "Search": finds Outlook Express files of one type on the drives or in the backup folder, and copies those that the
 // person checks into the backup folder or into an identity's message store folder.
 #pragma once

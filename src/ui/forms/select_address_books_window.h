@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "Select Address Books (.WAB)": which files the four slots of the address book window remember.
 #pragma once
 

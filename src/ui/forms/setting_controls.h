@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The controls of a table of settings, made from its rows: each row has a label and a combo box or a text box, and what
 // a person does to them reads and writes the row's value. A window needs no code of its own for a setting.
 #pragma once

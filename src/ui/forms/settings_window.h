@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "5.0 Settings": the Outlook Express option values of one identity, on ten tabs, under the names that they have in the
 // registry.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One form as a real window, which is made when the form is first shown and follows it from then on.
 #pragma once
 

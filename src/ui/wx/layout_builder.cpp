@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/wx/layout_builder.h"
 
 #include <wx/bookctrl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Turns a form's layout into the toolkit's own and makes each control's widget in its place.
 #pragma once
 

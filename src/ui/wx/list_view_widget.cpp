@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/wx/list_view_widget.h"
 
 #include <wx/dataview.h>

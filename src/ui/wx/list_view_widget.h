@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The real widget of a list with very many rows: the toolkit asks only for the rows in view.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Turns a form's menu rows into a real menu bar.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The window of a message or a question. It is not the toolkit's own, which GTK 3 shows without its icon.
 #pragma once
 

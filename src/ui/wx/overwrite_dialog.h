@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The question whether an existing file may be replaced.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What windows need of the system below the toolkit because the toolkit has no call for it. Each of the toolkit's ports
 // has its own file (port_gtk.cpp), so that no other file of this layer depends on one.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include <gtk/gtk.h>
 #include <langinfo.h>
 #include <wx/app.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Defines the identifiers that the next headers declare.
 #include <initguid.h>
 #include <windows.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Colours that can be read: a form says "red", and the shade depends on the theme behind it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Makes the real widget of a control and connects the two: the user's input goes to the control's verbs, and the widget
 // shows the control's properties.
 #pragma once

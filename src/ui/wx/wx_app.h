@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs the program's windows: starts the toolkit, renders the forms, and ends with the last of them. Needs no toolkit
 // header, so that main does not either.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/wx/wx_clipboard.h"
 
 #include <wx/clipbrd.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Questions and messages as the host's own dialogs, above the active window.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/wx/wx_runtime.h"
 
 #include <wx/app.h>

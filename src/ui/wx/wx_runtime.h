@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The toolkit's lifetime: windows and dialogs can exist only while a WxRuntime does.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Converts between the program's texts and the toolkit's strings. Every text that a window shows passes here, so this
 // is where characters of a disk's names that would upset the display are replaced; the controls keep what is stored.
 #pragma once

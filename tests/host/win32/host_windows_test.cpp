@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What only Windows has: files that somebody keeps for himself, drives, attributes.
 #include <windows.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Images with the bytes that count written by hand, from the descriptions of their makers.
 #include "platform/offline/disk_image.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Two hives that change in one command: both or none, whatever fails and whenever the program is killed.
 #include "platform/offline/hive_commit.h"
 

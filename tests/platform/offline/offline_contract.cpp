@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The contract's world on a sample disk.
 #include "platform/contract_world.h"
 #include "platform/offline/offline_platform.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/hosted/hosted_files.h"
 
 #include "host/host_names.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A hive on a disk of the test's own, and the small services that the offline platform asks for.
 #pragma once
 

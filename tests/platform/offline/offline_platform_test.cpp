@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A disk as a whole: what is found on it, how it is opened, and the programs that are started on it.
 #include "platform/offline/offline_platform.h"
 #include "host/host_paths.h"

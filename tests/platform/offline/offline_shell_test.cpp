@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the shell does: the copies of a command, also on disks with faults, and the file manager.
 #include "platform/hosted/hosted_shell.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Disks of Windows 95, 98 and Me: what is found on them, and that their registry files are read and never written.
 #include "platform/offline/old_windows.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the program offers where Windows keeps the registry editor for administrators.
 #include "platform/windows/elevation.h"
 

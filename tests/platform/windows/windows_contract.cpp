@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The contract's world on the Windows that the test runs on: a key and a folder of the test's own.
 #include "platform/contract_world.h"
 #include "platform/windows/windows_platform.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/host_calls.h"
 
 // The system's calls cannot be replaced here, and tests that need it are skipped (host_tricks.cpp).

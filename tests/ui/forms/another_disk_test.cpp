@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Leaving a disk for another one, and a disk whose registry cannot be opened.
 #include "support/sample_windows.h"
 

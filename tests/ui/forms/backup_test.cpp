@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Backups and restores by the main window's buttons: of the selected identity, of all identities, of all there is.
 #include "support/host_tricks.h"
 #include "support/sample_ids.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/forms/export_mail_window.h"
 
 #include "sample/sample_mail.h"

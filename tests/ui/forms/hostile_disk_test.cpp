@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A disk whose registry names what is not its own: nobody who opens it and presses the buttons may lose, give away or
 // receive a file of this computer.
 #include "support/host_tricks.h"

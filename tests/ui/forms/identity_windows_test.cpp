@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The windows that manage identities, and the main window's commands beside them.
 #include "identities/create_identity.h"
 #include "identities/user_id.h"

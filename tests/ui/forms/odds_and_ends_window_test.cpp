@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/forms/odds_and_ends_window.h"
 
 #include "support/host_tricks.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/host_tricks.h"
 #include "support/sample_windows.h"
 

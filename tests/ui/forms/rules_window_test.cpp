@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/forms/rules_window.h"
 
 #include "support/sample_ids.h"

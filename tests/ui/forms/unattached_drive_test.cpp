@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A disk that was opened without a drive on which its registry says that messages are.
 #include "support/sample_windows.h"
 

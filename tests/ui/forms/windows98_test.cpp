@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The windows on a disk of Windows 98, and the way of its mail to a newer Windows.
 #include "support/sample_ids.h"
 #include "support/sample_windows.h"

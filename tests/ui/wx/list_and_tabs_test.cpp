@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The widgets with insides of their own: the list of very many rows, and pages behind tabs.
 #include <gtest/gtest.h>
 #include <wx/dataview.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The program's windows as a person meets them: drawn by the toolkit on a sample disk, opened and closed by keys, and
 // walked through by Tab.
 #include <gmock/gmock.h>

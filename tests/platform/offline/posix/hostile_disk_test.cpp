@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A disk whose links lead to the host's own files: nothing there may be read, written, made or even listed.
 #include <fcntl.h>
 #include <sys/stat.h>
