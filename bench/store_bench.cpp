@@ -1,30 +1,27 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Times what is done with message stores: counting the messages of all folders, and writing all messages as .eml files
-// beside `undbx` and as a mailbox file beside `cp` of the same bytes, in turns, with the store in the host's memory.
+// Times what is done with message stores: counting the messages of all folders, and their export as .eml files beside
+// `undbx` and as a mailbox file beside `cp` of the same bytes, in turns, with the store in the host's memory. An export
+// is the whole of it as the window does it: every byte of the store accounted for, every message read back, and all of
+// it on the disk. So the times of the other programs include a `sync` of what they wrote.
 // The stores are made by code: 1 GB in 50,000 messages, and 200 MB in 200,000 small ones. Prints the times' medians,
 // their range and their ratios.
 //
 //   store_bench [FOLDER [ROUNDS]]    FOLDER is where the files are made (5 GB); a folder for temporary files without it
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <stdexcept>
 #include <string>
-#include <system_error>
 #include <vector>
 
-#include "host/host_file.h"
-#include "mail/export_names.h"
-#include "mail/mbox.h"
-#include "mail/message_header.h"
-#include "mail/store_reader.h"
+#include "export/mail_export.h"
 #include "peer.h"
+#include "platform/hosted/hosted_files.h"
+#include "platform/offline/offline_drives.h"
 #include "sample/dbx_writer.h"
 
 namespace {
@@ -82,93 +79,41 @@ void MakeStore(const fs::path& file, const StoreForm& form) {
   if (!out.flush()) throw std::runtime_error("the store could not be made: " + file.string());
 }
 
-class FileSource final : public PositionedSource {
+class NoProgress final : public Progress {
  public:
-  explicit FileSource(const fs::path& file)
-      : file_(HostFile::Open(HostPath(file.string()))), size_(fs::file_size(file)) {}
-  std::uint64_t Size() const override { return size_; }
-  std::size_t ReadAt(std::uint64_t offset, std::span<std::uint8_t> buffer) override {
-    return file_.ReadAt(offset, {reinterpret_cast<char*>(buffer.data()), buffer.size()});
-  }
-
- private:
-  HostFile file_;
-  std::uint64_t size_;
+  bool Update(const std::string&, std::uint64_t, std::uint64_t) override { return true; }
 };
 
-/// A new file that is written in large pieces.
-class Output {
- public:
-  explicit Output(const fs::path& file) : handle_(open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666)) {
-    if (!handle_) throw std::system_error(errno, std::generic_category(), file.string());
-  }
-  void Add(std::string_view piece) {
-    pending_ += piece;
-    if (pending_.size() >= kPiece) Flush();
-  }
-  void Flush() {
-    for (std::string_view rest = pending_; !rest.empty();) {
-      const ssize_t written = write(static_cast<int>(handle_.Number()), rest.data(), rest.size());
-      if (written <= 0) throw std::system_error(errno, std::generic_category(), "write");
-      rest.remove_prefix(static_cast<std::size_t>(written));
-    }
-    pending_.clear();
-  }
-
- private:
-  static constexpr std::size_t kPiece = std::size_t{256} * 1024;
-  HostHandle handle_;
-  std::string pending_;
+/// The drive C: of a disk: the stores are in `in`.
+struct Disk {
+  explicit Disk(const fs::path& folder) : drives(DriveMap{HostPath(folder.string())}) {}
+  OfflineDrives drives;
+  HostedFiles files{drives};
+  FoundFolders found{files, {"Bench", WinPath("C:\\in")}, CodePage()};
 };
 
-template <class Use>
-void ForEachMessage(StoreReader& store, const Use& use) {
-  for (const std::uint32_t entry : store.Entries()) {
-    const auto read = store.ReadMessage(entry);
-    if (!std::holds_alternative<StoredMessage>(read)) throw std::runtime_error("a message cannot be read");
-    use(std::get<StoredMessage>(read));
-  }
-}
-
-// The work of an export, one function a target.
-
-void ToMbox(const fs::path& store, const fs::path& target) {
-  FileSource source(store);
-  StoreReader reader(source);
-  Output output(target / "Inbox");
-  MboxWriter writer([&](std::string_view piece) { output.Add(piece); });
-  ForEachMessage(reader, [&](const StoredMessage& message) {
-    writer.Begin(
-        {message.senderAddress, UnixSeconds(message.received.value_or(0)).value_or(0), StateOf(message.flags)});
-    reader.ReadText(message, [&](std::string_view piece) { writer.Add(piece); });
-    writer.End();
-  });
-  output.Flush();
-}
-
-void ToEml(const fs::path& store, const fs::path& target) {
-  FileSource source(store);
-  StoreReader reader(source);
-  UniqueNames names;
-  const CodePage page;
-  ForEachMessage(reader, [&](const StoredMessage& message) {
-    std::string text;
-    reader.ReadText(message, [&](std::string_view piece) { text += piece; });
-    const std::string name = names.Take(EmlStem(FactsOf(message, ParseHeader(text), page)), ".eml");
-    Output output(target / name);
-    output.Add(text);
-    output.Flush();
-  });
-}
-
+/// The messages of all folders, as the window counts them.
 std::uint64_t Count(const fs::path& folder) {
-  std::uint64_t messages = 0;
-  for (const auto& entry : fs::directory_iterator(folder)) {
-    FileSource source(entry.path());
-    StoreReader reader(source);
-    messages += reader.Entries().size();
+  Disk disk(folder);
+  while (disk.found.Step()) {
   }
+  std::uint64_t messages = 0;
+  for (const FoundFolder& one : disk.found.All()) messages += one.messages;
   return messages;
+}
+
+/// Exports all folders to `out`.
+void Export(const fs::path& folder, MailFormat format) {
+  Disk disk(folder);
+  while (disk.found.Step()) {
+  }
+  ExportRequest request{.format = format, .target = WinPath("C:\\out\\ours")};
+  for (std::size_t at = 0; at < disk.found.All().size(); ++at) request.chosen.push_back(at);
+  NoProgress progress;
+  const ExportResult result = ExportMail(disk.files, disk.found, CodePage(), request, progress);
+  for (const FolderResult& one : result.folders) {
+    if (!one.fault.empty()) throw std::runtime_error(one.fault);
+  }
 }
 
 /// An empty folder for what is written, and a disk with nothing left to write.
@@ -207,27 +152,31 @@ void Measure(const fs::path& folder, int rounds) {
     const fs::path in = EmptyFolder(folder / "in");
     const fs::path out = EmptyFolder(folder / "out");
     MakeStore(in / "Inbox.dbx", form);
-    const fs::path mbox = EmptyFolder(out / "mbox");
-    ToMbox(in / "Inbox.dbx", mbox);
+    Export(folder, MailFormat::Mbox);
+    const fs::path mbox = folder / "Inbox";
+    fs::rename(out / "ours" / "Bench.sbd" / "Inbox", mbox);
     Compare(form, out, rounds,
-            {"to mbox", [&] { ToMbox(in / "Inbox.dbx", out / "ours"); }, "cp",
+            {"to mbox", [&] { Export(folder, MailFormat::Mbox); }, "cp and sync",
              [&] {
-               Run({"cp", (mbox / "Inbox").string(), (out / "theirs").string()});
+               Run({"cp", mbox.string(), (out / "theirs").string()});
+               Run({"sync", "-f", (out / "theirs").string()});
              }});
-    Compare(form, out, rounds,
-            {"to .eml", [&] { ToEml(in / "Inbox.dbx", out / "ours"); }, "undbx",
-             [&] {
-               Run({"undbx", in.string(), (out / "theirs").string()});
-             }});
+    fs::remove(mbox);
+    const std::function<void()> undbx = [&] {
+      Run({"undbx", in.string(), (out / "theirs").string()});
+      Run({"sync", "-f", (out / "theirs").string()});
+    };
+    Compare(form, out, rounds, {"to .eml", [&] { Export(folder, MailFormat::Files); }, "undbx and sync", undbx});
+    Compare(form, out, rounds, {"to Maildir", [&] { Export(folder, MailFormat::Maildir); }, "undbx and sync", undbx});
     fs::remove_all(out);
     // As many stores as make 2 GB.
     const auto size = fs::file_size(in / "Inbox.dbx");
     for (std::uint64_t all = size, number = 1; all < 2'000'000'000; all += size, ++number) {
       fs::copy_file(in / "Inbox.dbx", in / ("Copy " + std::to_string(number) + ".dbx"));
     }
-    std::uint64_t messages = Count(in);
+    std::uint64_t messages = Count(folder);
     std::vector<double> counting;
-    for (int round = 0; round < rounds; ++round) counting.push_back(Milliseconds([&] { messages = Count(in); }));
+    for (int round = 0; round < rounds; ++round) counting.push_back(Milliseconds([&] { messages = Count(folder); }));
     std::printf("folders of 2 GB like that: ");
     PrintTimes("counting", counting);
     std::printf("%llu messages\n", static_cast<unsigned long long>(messages));

@@ -63,6 +63,21 @@ function(quillbox_layer name)
   set_property(GLOBAL PROPERTY QUILLBOX_PRIVATE_LINKS_OF_${target} ${arg_PRIVATE_LINKS})
 endfunction()
 
+# quillbox_header_library(TARGET NAME...)
+# Lets the sources of `target` include a library of headers that Debian installs as /usr/include/NAME, a file or a
+# folder. For another system they are copied: the rest of that folder is this host's alone.
+function(quillbox_header_library target)
+  foreach(name IN LISTS ARGN)
+    if(NOT EXISTS "/usr/include/${name}")
+      message(FATAL_ERROR "/usr/include/${name} is not there; debian-packages.txt names its package")
+    endif()
+    if(CMAKE_CROSSCOMPILING)
+      file(COPY "/usr/include/${name}" DESTINATION "${CMAKE_BINARY_DIR}/headers")
+      target_include_directories(${target} SYSTEM PRIVATE "${CMAKE_BINARY_DIR}/headers")
+    endif()
+  endforeach()
+endfunction()
+
 # quillbox_program_facts(TARGET DESCRIPTION text [ICON file])
 # For Windows: a program's version, manifest and icon. Elsewhere programs have none.
 function(quillbox_program_facts target)

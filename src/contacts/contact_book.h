@@ -63,6 +63,9 @@ struct ContactBook {
   bool IsWhole() const { return faults.empty(); }
 };
 
+/// True when `file` begins as an address book of any age does; its first 16 bytes are enough.
+bool LooksLikeContactBook(ByteView file);
+
 /// Reads the address book `file`, called `name` in errors. `codePage` is the disk's, for texts that are not UTF-16.
 /// Throws Error for what isn't an address book at all: another kind of file (those of Windows 95's time are named), one
 /// whose header is cut off, one that is too large.

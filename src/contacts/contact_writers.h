@@ -41,8 +41,8 @@ enum class CsvHeadings {
 void WriteCsv(const ContactBook& book, ContactChoice chosen, CsvHeadings headings, const ContactSink& sink);
 
 /// An entry for each contact, then one for each group that has a chosen contact in it, with the attributes of Mozilla's
-/// address book. A group's name has blanks for the characters that Thunderbird takes in no list's name. Lines end with LF
-/// and have at most 76 bytes, all ASCII.
+/// address book. A group's name has blanks for the characters that Thunderbird takes in no list's name. Lines end with
+/// LF and have at most 76 bytes, all ASCII.
 void WriteLdif(const ContactBook& book, ContactChoice chosen, const ContactSink& sink);
 
 }  // namespace quillbox

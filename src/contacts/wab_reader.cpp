@@ -218,6 +218,10 @@ class BookReader {
 
 }  // namespace
 
+bool LooksLikeContactBook(ByteView file) {
+  return BeginsWith(file, kSignature) || BeginsWith(file, kWindows95Signature);
+}
+
 ContactBook ReadContactBook(ByteView file, const std::string& name, const CodePage& codePage) {
   CheckHeader(file, name);
   return BookReader(file, codePage).Read();

@@ -89,7 +89,7 @@ std::string ContactExport::Sentences() const {
   if (Ended() == End::NotWritten) return "No file was written. " + failure + ".";
   std::string text = Summary() + ".";
   if (!groupsLeftOut.empty()) {
-    text += "\n\nGroups without a checked contact, which were not written: " + QuotedNames(groupsLeftOut) + ".";
+    text += "\n\nGroups without any of these contacts, which were not written: " + QuotedNames(groupsLeftOut) + ".";
   }
   if (faults > 0) {
     text += "\n\nThe address book has " + CountOf(faults, " fault", " faults") +

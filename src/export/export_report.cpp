@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "text/local_time.h"
 #include "text/message_text.h"
 
 namespace quillbox {
@@ -168,7 +169,7 @@ std::string RecoveryWords(const ExportResult& result) {
   }
   if (recoverable != 0) {
     text += "\n\n" + Messages(recoverable) + " that " + (recoverable == 1 ? "was" : "were") +
-            " deleted or lost can be recovered: check \"Recover\" and export again.";
+            " deleted or lost can be recovered: choose to recover them, and export again.";
   }
   return text;
 }
@@ -189,6 +190,14 @@ std::string ArrivedWords(const ExportResult& result, const std::string& target) 
 std::uint64_t Incomplete(const ExportResult& result) {
   return static_cast<std::uint64_t>(std::count_if(result.folders.begin(), result.folders.end(),
                                                   [](const FolderResult& folder) { return !folder.IsComplete(); }));
+}
+
+std::string NameOfTime(FileTime now) {
+  const auto time = LocalTime(UnixSeconds(now).value_or(0)).value_or(std::tm());
+  std::array<char, 64> text = {};
+  std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d.%02d", time.tm_year + 1900, time.tm_mon + 1,
+                time.tm_mday, time.tm_hour, time.tm_min);
+  return text.data();
 }
 
 }  // namespace
@@ -242,7 +251,8 @@ std::string ReportText(const ExportResult& result, const ReportHead& head) {
   return report.Text();
 }
 
-WinPath SaveReport(FileSystem& files, const WinPath& target, const std::string& name, const std::string& text) {
+WinPath SaveReport(FileSystem& files, const WinPath& target, FileTime now, const std::string& text) {
+  const std::string name = NameOfTime(now);
   const WinPath folder = target.Join(kReports);
   files.MakePath(folder);
   WinPath file = folder.Join(name + ".txt");

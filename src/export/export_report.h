@@ -6,6 +6,7 @@
 
 #include "export/export_result.h"
 #include "platform/file_system.h"
+#include "text/file_time.h"
 
 namespace quillbox {
 
@@ -23,8 +24,8 @@ std::string SummaryOf(const ExportResult& result, const std::string& target);
 std::string OutcomeOf(const FolderResult& folder);
 /// All of it, as the bytes of a text file.
 std::string ReportText(const ExportResult& result, const ReportHead& head);
-/// Saves it beside the mail, under a name that no file has there: "Export Reports\\NAME.txt". Mail programs take files
-/// beside their own for mail, but not such a folder. Returns the file; throws Error.
-WinPath SaveReport(FileSystem& files, const WinPath& target, const std::string& name, const std::string& text);
+/// Saves it beside the mail, under the time `now` and a name that no file has there: "Export Reports\\TIME.txt". Mail
+/// programs take files beside their own for mail, but not such a folder. Returns the file; throws Error.
+WinPath SaveReport(FileSystem& files, const WinPath& target, FileTime now, const std::string& text);
 
 }  // namespace quillbox

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <functional>
+#include <utility>
 
 #include "text/error.h"
 #include "text/unicode.h"
@@ -10,16 +11,14 @@
 namespace quillbox {
 namespace {
 
-constexpr std::size_t kPieceSize = std::size_t{64} * 1024;
-/// So many files are written before they are read back: while they are in the memory anyway.
-constexpr std::size_t kUnchecked = 1000;
+constexpr std::size_t kReadSize = std::size_t{64} * 1024;
 constexpr std::string_view kEml = ".eml";
 
-MessageIdentity IdentityOf(FileReader& file) {
-  IdentityCollector collector;
-  std::array<char, kPieceSize> buffer;
-  while (const std::size_t size = file.Read(buffer)) collector.Add({buffer.data(), size});
-  return collector.Finish();
+/// Gives `to` what is in a file.
+template <class To>
+void ReadTo(To& to, FileReader& file) {
+  std::array<char, kReadSize> buffer;
+  while (const std::size_t size = file.Read(buffer)) to.Add({buffer.data(), size});
 }
 
 std::size_t HashOf(std::string_view name) {
@@ -32,47 +31,66 @@ constexpr std::array kMaildirParts = {"new", "tmp"};
 }  // namespace
 
 FilesTarget::FilesTarget(FileSystem& files, const WinPath& folder, ReadTick tick)
-    : tick_(std::move(tick)), folder_(files.StartFolder(folder)) {}
+    : tick_(std::move(tick)),
+      folder_(files.StartFolder(folder)),
+      queue_([this](std::vector<Queue::Piece>& pieces) { Put(pieces); }) {}
 
 void FilesTarget::ReadThere(const HostFileName& name) {
   if (tick_) tick_();
   try {
-    there_.Add(IdentityOf(*folder_->OpenThere(name)));
+    IdentityCollector collector;
+    ReadTo(collector, *folder_->OpenThere(name));
+    there_.Add(collector.Finish());
   } catch (const Error&) {  // NOLINT(bugprone-empty-catch): at worst the message is there twice
   }
 }
 
 void FilesTarget::Begin(const OutgoingMessage& message) {
-  name_ = NameFor(message);
   const auto sent = ParseMailDate(message.header.date);
-  modified_ = sent ? std::optional(FileTimeOfUnix(*sent)) : message.stored.received;
-  folder_->StartFile({name_});
-  unchecked_.emplace_back(name_, message.identity.digest[0]);
+  queue_.Begin({NameFor(message), sent ? std::optional(FileTimeOfUnix(*sent)) : message.stored.received,
+                message.identity.digest[0]});
 }
 
 void FilesTarget::Write(std::string_view piece) {
-  folder_->Write(piece);
+  queue_.Write(piece);
 }
 
 void FilesTarget::End() {
-  folder_->EndFile(modified_);
-  if (unchecked_.size() >= kUnchecked) ReadBackSome();
+  queue_.End();
 }
 
-void FilesTarget::ReadBackSome() {
-  for (const auto& [name, digest] : unchecked_) {
-    if (tick_) tick_();
-    if (IdentityOf(*folder_->Open({name})).digest[0] == digest) ++readBack_;
+void FilesTarget::Put(std::vector<Queue::Piece>& pieces) {
+  std::vector<Start> written;
+  for (Queue::Piece& piece : pieces) {
+    if (piece.start) {
+      writing_ = *std::move(piece.start);
+      folder_->StartFile({writing_.name});
+    }
+    if (!piece.bytes.empty()) folder_->Write(piece.bytes);
+    if (!piece.ends) continue;
+    folder_->EndFile(writing_.modified);
+    written.push_back(std::move(writing_));
   }
-  unchecked_.clear();
+  const std::size_t count = written.size();
+  checking_.Post(count, [this, written = std::move(written)] { Check(written); });
+}
+
+void FilesTarget::Check(const std::vector<Start>& files) {
+  for (const Start& file : files) {
+    MessageDigest digest;
+    ReadTo(digest, *folder_->Open({file.name}));
+    if (digest.Finish()[0] == file.digest) ++readBack_;
+  }
 }
 
 std::uint64_t FilesTarget::ReadBack() {
-  ReadBackSome();
+  queue_.Finish();
+  checking_.WaitForAll();
   return readBack_;
 }
 
 void FilesTarget::Commit() {
+  queue_.Finish();
   folder_->Commit();
 }
 

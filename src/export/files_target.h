@@ -6,11 +6,12 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
-#include <utility>
 #include <vector>
 
+#include "export/background_work.h"
 #include "export/file_source.h"
 #include "export/folder_target.h"
+#include "export/message_queue.h"
 #include "mail/export_names.h"
 
 namespace quillbox {
@@ -31,16 +32,26 @@ class FilesTarget : public FolderTarget {
   void ReadThere(const HostFileName& name);
 
  private:
+  struct Start {
+    std::string name;
+    std::optional<std::uint64_t> modified;  ///< the file's time to be
+    std::uint64_t digest = 0;               ///< the first half
+  };
+  using Queue = MessageQueue<Start>;
+  static constexpr std::size_t kMostUnchecked = 1000;  ///< files
+
   /// The name of the message's file, which no file has yet.
   virtual std::string NameFor(const OutgoingMessage& message) = 0;
-  void ReadBackSome();
+  void Put(std::vector<Queue::Piece>& pieces);
+  void Check(const std::vector<Start>& files);
 
   ReadTick tick_;
   std::unique_ptr<FolderWriter> folder_;
-  std::string name_;                                              ///< of the file that is being written
-  std::optional<std::uint64_t> modified_;                         ///< its time to be
-  std::vector<std::pair<std::string, std::uint64_t>> unchecked_;  ///< written, with a part of their digests
-  std::uint64_t readBack_ = 0;
+
+  std::uint64_t readBack_ = 0;               ///< of the checking thread
+  BackgroundWork checking_{kMostUnchecked};  ///< reads what was written a moment ago: it is in the memory yet
+  Start writing_;                            ///< of the writing thread, as what follows
+  Queue queue_;                              ///< the last member: its thread has ended before the others go
 };
 
 /// Files named after date, subject and sender.

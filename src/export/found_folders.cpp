@@ -24,6 +24,18 @@ const FileEntry* Find(const std::vector<FileEntry>& entries, const std::string& 
   return found == entries.end() ? nullptr : &*found;
 }
 
+/// Why the number that the index leads to is not to be trusted, although the index itself is sound: others that count
+/// the messages have another. Empty when they agree.
+std::string CountFault(const FoundFolder& folder, std::optional<std::uint32_t> inHeader) {
+  const auto differs = [&](const char* who, std::uint64_t count) {
+    return std::string(who) + std::to_string(count) + (count == 1 ? " message" : " messages") +
+           ", the store's index leads to " + std::to_string(folder.messages);
+  };
+  if (inHeader.value_or(folder.messages) != folder.messages) return differs("the header promises ", *inHeader);
+  const std::uint64_t inList = folder.folder.messages.value_or(folder.messages);
+  return inList == folder.messages ? "" : differs("Folders.dbx counts ", inList);
+}
+
 std::vector<std::string> NamesOf(const std::vector<FileEntry>& entries) {
   std::vector<std::string> names;
   for (const FileEntry& entry : entries) names.push_back(entry.name);
@@ -164,10 +176,22 @@ void FoundFolders::Count(FoundFolder& folder) {
       folder.fault = Describe(store.Damage().Listed().front());
     } else if (!isStore) {
       folder.fault = "it is not a store of messages";
+    } else {
+      folder.fault = CountFault(folder, store.CountInHeader());
     }
   } catch (const Error& error) {
     folder.fault = error.Why();
   }
+}
+
+std::vector<std::size_t> UsualChoice(const FoundFolders& folders, bool withCopies) {
+  std::vector<std::size_t> chosen;
+  for (std::size_t at = 0; at < folders.All().size(); ++at) {
+    const FoundFolder& folder = folders.All()[at];
+    const bool isCopy = folder.copyOf || folder.isElsewhere;
+    if (isCopy ? withCopies && folder.copyOf : true) chosen.push_back(at);
+  }
+  return chosen;
 }
 
 std::vector<WinPath> RecycleBinsBeside(FileSystem& files, const WinPath& folder) {

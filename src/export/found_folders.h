@@ -31,7 +31,7 @@ struct FoundFolder {
   std::optional<std::size_t> copyOf;  ///< the folder whose store this one is a copy of, as far as its name says
   bool isCounted = false;             ///< what follows is known
   std::uint64_t messages = 0;         ///< that the store's tree leads to
-  std::string fault;                  ///< why they cannot be counted, or not all of them; mostly empty
+  std::string fault;                  ///< why they cannot be counted, or the number not be trusted; mostly empty
 };
 
 class FoundFolders {
@@ -67,6 +67,10 @@ class FoundFolders {
   bool isListMade_ = false;
   std::size_t counted_ = 0;
 };
+
+/// What is exported unless the user chooses: all folders, and with `withCopies` the copies of them. Copies are not
+/// mixed in unasked. Ascending.
+std::vector<std::size_t> UsualChoice(const FoundFolders& folders, bool withCopies);
 
 /// The folders of the recycle bins on the drive of `folder`, as Windows has named them over time: one a user.
 std::vector<WinPath> RecycleBinsBeside(FileSystem& files, const WinPath& folder);

@@ -183,7 +183,8 @@ bool IsAtOrBelow(const WinPath& path, const WinPath& folder) {
 }  // namespace
 
 std::optional<std::string> TargetFault(const FoundFolders& folders, const WinPath& target) {
-  if (!target.IsAbsolute()) return "it is not a full path";
+  if (!target.IsAbsolute())
+    return "it is not a full path of the disk, such as D:\\Mail; \"Browse...\" takes folders of this computer, too";
   if (IsAtOrBelow(target, folders.Place().folder)) return "it is the folder that the mail is read from, or below it";
   return std::nullopt;
 }

@@ -36,7 +36,8 @@ MboxTarget::MboxTarget(FileSystem& files, WinPath file, ReadTick tick)
     : files_(files),
       file_(std::move(file)),
       tick_(std::move(tick)),
-      mbox_([this](std::string_view bytes) { Put(bytes); }) {
+      mbox_([this](std::string_view bytes) { Append(bytes); }),
+      queue_([this](const std::vector<Queue::Piece>& pieces) { Put(pieces); }) {
   if (files_.Stat(file_)) ReadThere();
 }
 
@@ -57,20 +58,21 @@ void MboxTarget::Begin(const OutgoingMessage& message) {
   if (!writer_) Start();
   const StoredMessage& stored = message.stored;
   const auto received = stored.received ? UnixSeconds(*stored.received) : std::nullopt;
-  mbox_.Begin({stored.senderAddress, received.value_or(0), StateOf(stored.flags)});
+  queue_.Begin({stored.senderAddress, received.value_or(0), StateOf(stored.flags)});
   messages_.push_back(message.identity.digest[0]);
 }
 
 void MboxTarget::Write(std::string_view piece) {
-  mbox_.Add(piece);
+  queue_.Write(piece);
 }
 
 void MboxTarget::End() {
-  mbox_.End();
+  queue_.End();
 }
 
 void MboxTarget::Start() {
   writer_ = files_.StartFile(file_);
+  check_.emplace(*writer_);
   if (before_) CopyThere();
 }
 
@@ -82,40 +84,51 @@ void MboxTarget::CopyThere() {
     if (size == 0) break;
     at += size;
     const std::string_view piece(reinterpret_cast<const char*>(buffer.data()), size);
-    Put(piece);
+    queue_.Write(piece);
     end.append(piece.substr(size - std::min<std::size_t>(size, 3)));
     end.erase(0, end.size() - std::min<std::size_t>(end.size(), 3));
   }
-  Put(MissingAtEnd(end));
+  queue_.Write(MissingAtEnd(end));
+  queue_.Finish();
 }
 
-void MboxTarget::Put(std::string_view bytes) {
+/// What is not a part of a message is what was there before.
+void MboxTarget::Put(const std::vector<Queue::Piece>& pieces) {
+  for (const Queue::Piece& piece : pieces) {
+    if (piece.start) mbox_.Begin(*piece.start);
+    isInMessage_ = isInMessage_ || piece.start;
+    isInMessage_ ? mbox_.Add(piece.bytes) : Append(piece.bytes);
+    if (!piece.ends) continue;
+    mbox_.End();
+    isInMessage_ = false;
+  }
+}
+
+void MboxTarget::Append(std::string_view bytes) {
   pending_ += bytes;
   if (pending_.size() >= kPieceSize) Flush();
 }
 
 void MboxTarget::Flush() {
-  if (tick_) tick_();
   writer_->Write(pending_);
   written_ += pending_.size();
   pending_.clear();
+  check_->Written(written_);
 }
 
 std::uint64_t MboxTarget::ReadBack() {
   if (!writer_) return 0;
+  queue_.Finish();
   Flush();
-  WrittenSource source(*writer_, written_, tick_);
-  std::size_t at = 0;
-  bool sameBefore = true;
-  std::uint64_t same = 0;
-  Identities read([&](const MessageIdentity& message) {
-    const bool isSame = at < messages_.size() && messages_[at] == message.digest[0];
-    if (at < countBefore_) sameBefore = sameBefore && isSame;
-    if (at >= countBefore_ && isSame) ++same;
-    ++at;
-  });
+  const std::vector<std::uint64_t> found = check_->Digests(tick_);
   // Messages that were there must come back as well, and nothing else.
-  return ReadMbox(source, read) && sameBefore && at == messages_.size() ? same : 0;
+  const auto before = static_cast<std::ptrdiff_t>(countBefore_);
+  if (found.size() != messages_.size() || !std::equal(found.begin(), found.begin() + before, messages_.begin())) {
+    return 0;
+  }
+  std::uint64_t same = 0;
+  for (std::size_t at = countBefore_; at < found.size(); ++at) same += found[at] == messages_[at] ? 1 : 0;
+  return same;
 }
 
 void MboxTarget::Commit() {
@@ -125,6 +138,7 @@ void MboxTarget::Commit() {
   }
   if (!before_ && !writer_) Start();
   if (!writer_) return;
+  queue_.Finish();
   Flush();
   before_.reset();  // Windows replaces no file that is open
   writer_->Commit();

@@ -11,6 +11,8 @@
 
 #include "export/file_source.h"
 #include "export/folder_target.h"
+#include "export/mbox_check.h"
+#include "export/message_queue.h"
 #include "mail/mbox.h"
 
 namespace quillbox {
@@ -27,10 +29,15 @@ class MboxTarget final : public FolderTarget {
   void Commit() override;
 
  private:
+  using Queue = MessageQueue<MboxEnvelope>;
+
   void ReadThere();
   void Start();
   void CopyThere();
-  void Put(std::string_view bytes);
+
+  // On the writing thread, or when it has nothing to do.
+  void Put(const std::vector<Queue::Piece>& pieces);
+  void Append(std::string_view bytes);
   void Flush();
 
   FileSystem& files_;
@@ -38,11 +45,15 @@ class MboxTarget final : public FolderTarget {
   ReadTick tick_;
   std::unique_ptr<FileSource> before_;  ///< the file that is there
   std::size_t countBefore_ = 0;
-  std::vector<std::uint64_t> messages_;  ///< a part of the digest of each, in the file's order
-  std::unique_ptr<FileWriter> writer_;   ///< nothing until there is something new
+  std::vector<std::uint64_t> messages_;  ///< the first half of the digest of each, in the file's order
+
+  std::unique_ptr<FileWriter> writer_;  ///< nothing until there is something new
+  std::optional<MboxCheck> check_;      ///< as long as the writer
   MboxWriter mbox_;
+  bool isInMessage_ = false;
   std::string pending_;
   std::uint64_t written_ = 0;  ///< bytes
+  Queue queue_;                ///< the last member: its thread has ended before the others go
 };
 
 }  // namespace quillbox

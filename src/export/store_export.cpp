@@ -21,7 +21,8 @@ using TextReader = std::function<TextResult(const TextSink&)>;
 /// One message on its way.
 class Passing {
  public:
-  explicit Passing(TextReader read) : read_(std::move(read)) {}
+  /// `text` is room for its text, and has it afterwards.
+  Passing(TextReader read, std::string& text) : read_(std::move(read)), text_(text) { text_.clear(); }
 
   void Load() {
     result_ = read_([this](std::string_view piece) {
@@ -53,7 +54,7 @@ class Passing {
   IdentityCollector collector_;
   MessageHeader header_;
   MessageIdentity identity_;
-  std::string text_;
+  std::string& text_;
   bool tooLong_ = false;
 };
 
@@ -80,6 +81,7 @@ class StoreRun {
   StoreReader store_{source_};
   StoreSurvey survey_{store_};
   StoreResult* result_ = nullptr;
+  std::string text_;  ///< room for that of one message after the other
 };
 
 void StoreRun::Run(const std::string& shownName, bool recover, StoreResult& result) {
@@ -109,10 +111,11 @@ void StoreRun::ExportMessage(std::uint32_t entry) {
   auto stored = std::get<StoredMessage>(read);
   const StoredMessage original = stored;
   bool first = true;
-  Passing message([&](const TextSink& sink) {
+  const auto readText = [&](const TextSink& sink) {
     // The books take a text once; a long message is read again from the store itself.
     return std::exchange(first, false) ? survey_.ReadText(original, sink) : store_.ReadText(original, sink);
-  });
+  };
+  Passing message(readText, text_);
   message.Load();
   CompleteFromHeader(stored, message.Header());
   const auto& damage = message.Result().damage;
@@ -163,7 +166,7 @@ void StoreRun::ExportRecovered(bool recover) {
     if (!recover) continue;
     progress_.Tick();
     StoredMessage stored = survey_.ReadRecovered(found);
-    Passing message([&](const TextSink& sink) { return survey_.ReadRecoveredText(found, sink); });
+    Passing message([&](const TextSink& sink) { return survey_.ReadRecoveredText(found, sink); }, text_);
     message.Load();
     CompleteFromHeader(stored, message.Header());
     if (message.Result().length != 0) WriteRecovered(message, stored);

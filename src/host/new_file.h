@@ -38,8 +38,10 @@ class NewFile {
   /// Appends a part of `from`, or its beginning, without bringing it here; the bytes copied. 0 when the system cannot
   /// copy between these files, or cannot read there: a read then reports the reason.
   std::size_t Append(const HostFile& from, FilePart part);
-  /// Asks the system to begin to bring a part to the disk, and does not wait.
+  /// Asks the system to begin to bring a part to the disk, and does not wait. Who does so for each kWriteBackPiece
+  /// while more is made waits less for Flush().
   void BeginWriteBack(FilePart part);
+  static constexpr std::uint64_t kWriteBackPiece = std::uint64_t{8} * 1024 * 1024;
   /// Reads what was written so far.
   std::size_t ReadAt(std::uint64_t offset, std::span<char> buffer);
   EntryInfo Info() const;
@@ -65,8 +67,8 @@ class NewFile {
   bool flushed_ = false;
 };
 
-/// Removes what killed programs have left in a folder: temporary files of NewFile, and folders of NewFolder, that nobody
-/// is writing any more.
+/// Removes what killed programs have left in a folder: temporary files of NewFile, and folders of NewFolder, that
+/// nobody is writing any more.
 void RemoveAbandonedFiles(const HostFolder& folder);
 
 /// A device, pipe or terminal that is written to and never replaced.

@@ -193,7 +193,7 @@ MessageHeader ParseHeader(std::string_view text) {
     const std::string_view name = line.substr(0, FieldNameLength(line));
     for (const FieldRow& row : kFields) {
       // Of a field that is there twice the first counts.
-      if (!EqualIgnoreCase(name, row.name) || !(header.*row.to).empty()) continue;
+      if (name.size() != row.name.size() || !EqualIgnoreCase(name, row.name) || !(header.*row.to).empty()) continue;
       field = &(header.*row.to);
       *field = TrimBlanks(line.substr(name.size() + 1));
     }

@@ -60,7 +60,8 @@ class FileReader {
   virtual void GoTo(std::uint64_t offset) = 0;
 };
 
-/// A file in the making. Destroyed before Commit() it leaves no trace, and what was in its place stays.
+/// A file in the making. Destroyed before Commit() it leaves no trace, and what was in its place stays. What was
+/// written may be read by one thread while another one writes more.
 class FileWriter {
  public:
   virtual ~FileWriter() = default;
@@ -80,7 +81,8 @@ struct HostFileName {
 
 /// A folder in the making, for very many files that belong together. It gets its place whole: when there is no folder
 /// of its name yet, it takes that name with Commit(), otherwise its files move into the one that is there, where they
-/// replace nothing. Destroyed before that it leaves no trace. All throw Error.
+/// replace nothing. Destroyed before that it leaves no trace. One thread may read files that were ended while another
+/// one writes. All throw Error.
 class FolderWriter {
  public:
   virtual ~FolderWriter() = default;

@@ -94,7 +94,7 @@ TEST_F(ContactExportTest, ItIsDoneOnlyWhenNothingIsMissing) {
   };
   EXPECT_EQ(ended({0, 1}).Sentences(),
             "2 of 4 contacts and 2 of 3 groups written to D:\\a.ldif.\n\n"
-            "Groups without a checked contact, which were not written: \"" +
+            "Groups without any of these contacts, which were not written: \"" +
                 file.book.groups[1].name + "\".");
   EXPECT_EQ(ended({0, 1}).Ended(), End::PartsMissing);
   file.book.groups.erase(file.book.groups.begin() + 1);

@@ -27,7 +27,7 @@ TEST_F(ExportFaultsTest, DeletedMessagesGoToAFolderOfTheirOwnWhenAsked) {
   EXPECT_EQ(result.End(), ExportEnd::Complete);
   EXPECT_THAT(
       SummaryOf(result, "D:\\Out"),
-      EndsWith("2 messages that were deleted or lost can be recovered: check \"Recover\" and export again.\n\n"
+      EndsWith("2 messages that were deleted or lost can be recovered: choose to recover them, and export again.\n\n"
                "Something is wrong with the list of folders (Folders.dbx is not there), so some may be missing, or "
                "not where they were."));
   EXPECT_THAT(Names(Out() / "Ann"), ElementsAre("Inbox"));

@@ -88,10 +88,14 @@ TEST_F(FoundFoldersTest, SayWhatCannotBeCounted) {
   onDisk.File("D/Stores/Empty.dbx");
   onDisk.File("D/Stores/Half.dbx", Text(MessageStore(Mail(MailTopic::Inbox, 200))).substr(0, 100'000));
   onDisk.Folder("D/Stores/Folder.dbx");
+  std::string promises = Text(MessageStore(Mail(MailTopic::Inbox, 2)));
+  promises[0xC4] = 5;
+  onDisk.File("D/Stores/Lost.dbx", promises);
   if (WhyNot(Trick::Pipes).empty()) MakePipe(onDisk / "D/Stores/Pipe.dbx");
   const std::vector<std::string> lines = Lines(Found());
   EXPECT_THAT(lines, AllOf(Contains("Good 2 Good.dbx"), Contains(StartsWith("Text 0 Text.dbx (offset 0x0: ")),
                            Contains(StartsWith("Empty 0 Empty.dbx (offset 0x0: ")),
+                           Contains("Lost 2 Lost.dbx (the header promises 5 messages, the store's index leads to 2)"),
                            Contains(AllOf(StartsWith("Half "), HasSubstr("(offset 0x")))));
   if (WhyNot(Trick::Pipes).empty()) {
     EXPECT_THAT(lines, Contains("Pipe 0 Pipe.dbx (it is not an ordinary file)"));

@@ -3,6 +3,7 @@
 
 #include "export/export_report.h"
 #include "export/export_test.h"
+#include "platform/hosted/hosted_files.h"
 
 namespace quillbox {
 namespace {
@@ -18,6 +19,70 @@ std::string NameOfFormat(const testing::TestParamInfo<MailFormat>& info) {
   return kNames[static_cast<std::size_t>(info.param)];
 }
 INSTANTIATE_TEST_SUITE_P(, EachFormat, testing::ValuesIn(kFormats), NameOfFormat);
+
+/// A disk that changes a letter of what is written, as bad memory does.
+class ChangingFiles final : public HostedFiles {
+ public:
+  using HostedFiles::HostedFiles;
+  std::unique_ptr<FileWriter> StartFile(const WinPath& path) override {
+    return std::make_unique<File>(HostedFiles::StartFile(path));
+  }
+  std::unique_ptr<FolderWriter> StartFolder(const WinPath& path) override {
+    return std::make_unique<Folder>(HostedFiles::StartFolder(path));
+  }
+
+ private:
+  static std::string Changed(std::string_view bytes) {
+    std::string changed(bytes);
+    const std::size_t at = changed.find("xxxx");
+    if (at != std::string::npos) changed[at] = 'y';
+    return changed;
+  }
+  struct File final : FileWriter {
+    explicit File(std::unique_ptr<FileWriter> file) : to(std::move(file)) {}
+    void Write(std::string_view bytes) override { to->Write(Changed(bytes)); }
+    std::size_t ReadAt(std::uint64_t offset, std::span<char> buffer) override { return to->ReadAt(offset, buffer); }
+    void Commit() override { to->Commit(); }
+    std::unique_ptr<FileWriter> to;
+  };
+  struct Folder final : FolderWriter {
+    explicit Folder(std::unique_ptr<FolderWriter> folder) : to(std::move(folder)) {}
+    std::vector<HostFileName> NamesThere() override { return to->NamesThere(); }
+    std::unique_ptr<FileReader> OpenThere(const HostFileName& name) override { return to->OpenThere(name); }
+    bool Takes(const HostFileName& name) override { return to->Takes(name); }
+    void StartFile(const HostFileName& name) override { to->StartFile(name); }
+    void Write(std::string_view bytes) override { to->Write(Changed(bytes)); }
+    void EndFile(std::optional<std::uint64_t> modified) override { to->EndFile(modified); }
+    std::unique_ptr<FileReader> Open(const HostFileName& name) override { return to->Open(name); }
+    void Commit() override { to->Commit(); }
+    std::unique_ptr<FolderWriter> to;
+  };
+};
+
+TEST_P(EachFormat, LeavesNothingThatDoesNotComeBackAsItWasWritten) {
+  std::vector<DbxMessage> mail = Mail(MailTopic::Inbox, 3);
+  mail[1].text += "xxxx\r\n";
+  Put("Inbox.dbx", mail);
+  ChangingFiles files(dynamic_cast<HostedFiles&>(Files()).OnDrives());
+  ExportRequest request = In();
+  request.chosen = {0};
+  request.target = WinPath("D:\\Out");
+  const ExportResult result = ExportMail(files, Found(), CodePage(), request, progress);
+  EXPECT_THAT(result.folders[0].fault, HasSubstr("only 2 of 3 messages are as they were written"));
+  EXPECT_EQ(result.End(), ExportEnd::Incomplete);
+  EXPECT_EQ(Everything().size(), 0U);
+}
+
+TEST_P(EachFormat, SaysThatAStoreChangedWhileItWasRead) {
+  Put("Inbox.dbx", Mail(MailTopic::Inbox, 3));
+  progress.onUpdate = [&] {
+    std::filesystem::last_write_time(onDisk / "D/Stores/Inbox.dbx", std::filesystem::file_time_type::clock::now());
+    return true;
+  };
+  const ExportResult result = Export({.format = GetParam(), .shownEvery = {}});
+  EXPECT_EQ(OutcomeOf(result.folders[0]),
+            "NOT COMPLETE, 3 of 3: another program changed D:\\Stores\\Inbox.dbx while it was read");
+}
 
 TEST_P(EachFormat, GivesOtherReadersTheSameBytesInTheSameTree) {
   NEEDS(Scripts);

@@ -12,8 +12,6 @@ namespace {
 
 /// The sizes of a read: the next smaller one where the one before fails. The smallest is a disk's sector.
 constexpr std::array<std::uint64_t, 3> kSteps = {std::uint64_t{1024} * 1024, 4096, 512};
-/// Write-back starts in pieces of this size, so that the flush at the end finds most of the file on the disk.
-constexpr std::uint64_t kWriteBackPiece = std::uint64_t{8} * 1024 * 1024;
 /// Does `act`, whose failures are about the end `at`.
 template <typename Act>
 auto About(CopyFault::At at, const Act& act) {
@@ -119,7 +117,7 @@ class Pass {
 
   void Advance(std::uint64_t length) {
     done_ += length;
-    if (done_ - writtenBack_ < kWriteBackPiece) return;
+    if (done_ - writtenBack_ < NewFile::kWriteBackPiece) return;
     to_.BeginWriteBack({.offset = writtenBack_, .size = done_ - writtenBack_});
     writtenBack_ = done_;
   }

@@ -36,6 +36,10 @@ class HostWriter : public FileWriter {
   HostWriter(const HostPlace& file, std::string name) : name_(std::move(name)), file_(StartNewFile(file)) {}
   void Write(std::string_view bytes) override {
     WithName(kWriting, name_, [&] { file_->Write(bytes); });
+    written_ += bytes.size();
+    if (written_ - writtenBack_ < NewFile::kWriteBackPiece) return;
+    file_->BeginWriteBack({.offset = writtenBack_, .size = static_cast<std::size_t>(written_ - writtenBack_)});
+    writtenBack_ = written_;
   }
   std::size_t ReadAt(std::uint64_t offset, std::span<char> buffer) override {
     return WithName(kReading, name_, [&] { return file_->ReadAt(offset, buffer); });
@@ -47,6 +51,8 @@ class HostWriter : public FileWriter {
  private:
   std::string name_;
   std::unique_ptr<NewFile> file_;
+  std::uint64_t written_ = 0;      ///< bytes
+  std::uint64_t writtenBack_ = 0;  ///< of them
 };
 
 class StreamWriter : public FileWriter {

@@ -4,17 +4,15 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <cstdio>
 #include <utility>
 
 #include "backup/backup_folder.h"
 #include "core/disk_path.h"
 #include "export/export_progress.h"
 #include "export/export_report.h"
+#include "export/mail_name.h"
 #include "reports/general_date.h"
 #include "text/error.h"
-#include "text/file_time.h"
-#include "text/local_time.h"
 #include "text/message_text.h"
 #include "ui/forms/program_windows.h"
 
@@ -30,22 +28,6 @@ constexpr const char* kNoTarget = "Please choose the folder to export to.";
 constexpr const char* kNoIdentity = "No identity has mail here. \"From a Folder...\" takes any folder with .dbx files.";
 
 enum Cell { kFolder, kMessages, kSize, kNote };
-
-/// Usernames need not be different; what is shown and made of them must be.
-std::string NameFor(const IdentityInfo& identity, const std::vector<IdentityInfo>& all) {
-  const auto same = std::count_if(all.begin(), all.end(), [&](const IdentityInfo& other) {
-    return EqualIgnoreCase(other.username, identity.username);
-  });
-  return same > 1 ? identity.username + " " + identity.userId : identity.username;
-}
-
-std::string FileTimeName(FileTime now) {
-  const auto time = LocalTime(UnixSeconds(now).value_or(0)).value_or(std::tm());
-  std::array<char, 64> text = {};
-  std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d.%02d", time.tm_year + 1900, time.tm_mon + 1,
-                time.tm_mday, time.tm_hour, time.tm_min);
-  return text.data();
-}
 
 }  // namespace
 
@@ -125,7 +107,7 @@ void ExportMailForm::Form_Load() {
   const auto found = std::find_if(identities_.begin(), identities_.end(), isSelected);
   if (identities_.empty()) return ShowNone(kNoIdentity);
   const IdentityInfo& shown = found == identities_.end() ? identities_.front() : *found;
-  cmbIdentity.text = NameFor(shown, identities_);
+  cmbIdentity.text = MailName(shown, identities_);
   ShowIdentity(shown);
 }
 
@@ -142,7 +124,7 @@ void ExportMailForm::ListIdentities() {
     if (identity.storeFolder) identities_.push_back(identity);
   }
   cmbIdentity.Clear();
-  for (const IdentityInfo& identity : identities_) cmbIdentity.Add(NameFor(identity, identities_));
+  for (const IdentityInfo& identity : identities_) cmbIdentity.Add(MailName(identity, identities_));
   cmbIdentity.text = "";
 }
 
@@ -150,7 +132,7 @@ void ExportMailForm::ShowIdentity(const IdentityInfo& identity) {
   FileSystem& files = session_.platform.GetFiles();
   const DiskPath folder = CheckStoreFolder(session_.platform.GetDrives(), identity.userId, *identity.storeFolder);
   if (!folder.IsUsable()) return ShowNone(folder.Refusal().Sentence());
-  MailPlace place{NameFor(identity, identities_), folder.Path(), RecycleBinsBeside(files, folder.Path())};
+  MailPlace place{MailName(identity, identities_), folder.Path(), RecycleBinsBeside(files, folder.Path())};
   if (const auto backup = session_.backupFolder.Get()) place.copies.push_back(backup->Join(identity.username));
   ShowPlace(std::move(place));
 }
@@ -199,15 +181,8 @@ void ExportMailForm::ShowTotal() {
                      SizeText(size) + (counted ? "" : " (counting)") + fault;
 }
 
-/// Copies are a choice of the person's.
 void ExportMailForm::CheckFolders() {
-  std::vector<std::size_t> rows;
-  for (std::size_t row = 0; row < folders_->All().size(); ++row) {
-    const FoundFolder& folder = folders_->All()[row];
-    const bool isCopy = folder.copyOf || folder.isElsewhere;
-    if (isCopy ? chkMerge.checked && folder.copyOf : true) rows.push_back(row);
-  }
-  lvFolders.SetChecked(rows);
+  lvFolders.SetChecked(UsualChoice(*folders_, chkMerge.checked));
 }
 
 std::string ExportMailForm::CellOf(std::size_t row, std::size_t column) const {
@@ -316,7 +291,7 @@ std::string ExportMailForm::SaveResult(const ExportResult& result) {
   const std::string text =
       ReportText(result, {place.name, place.folder.Text(), target.Text(), GeneralDate(session_.store, now)});
   try {
-    const WinPath file = SaveReport(session_.platform.GetFiles(), target, FileTimeName(now), text);
+    const WinPath file = SaveReport(session_.platform.GetFiles(), target, now, text);
     return "\n\nWhat became of each folder is in " + OneLine(file.Text()) + ".";
   } catch (const Error& error) {
     return "\n\nThe report was not saved: " + Describe(error) + ".";
