@@ -16,7 +16,7 @@ struct ReadErrorEnd {
 };
 
 Key OpenOrEnd(RegistryStore& store, const std::string& subkey, const char* suffix) {
-  OpenResult opened = store.OpenKey(CurrentUser(subkey));
+  OpenResult opened = store.OpenKey(CurrentUser(subkey), Access::Read);
   if (opened.status != Status::Success) throw ReadErrorEnd{opened.status, suffix};
   return std::move(opened.key);
 }
@@ -29,9 +29,19 @@ void EnsureSettings(RegistryStore& store, const std::string& userId) {
   if (key.IsOpen()) store.SetValueEx(key, "Store Root", type, kEmptyIdentityMarker);
 }
 
+/// True where the settings are missing because the registry cannot be written, so that EnsureSettings made none.
+bool IsNeverStarted(RegistryStore& store, const std::string& userId) {
+  return store.OpenKey(CurrentUser(IdentitySettingsKey(userId)), Access::Read).status == Status::FileNotFound &&
+         store.OpenKey(CurrentUser(kIdentitiesKey)).status == Status::AccessDenied;
+}
+
 void LoadIdentity(RegistryStore& store, SystemFacts& facts, IdentityInfo& identity) {
   EnsureSettings(store, identity.userId);
-  identity.storeFolder = ReadStoreFolder(store, facts, identity.userId);
+  if (IsNeverStarted(store, identity.userId)) {
+    identity.storeFolder = std::nullopt;
+  } else {
+    identity.storeFolder = ReadStoreFolder(store, facts, identity.userId);
+  }
   OpenOrEnd(store, IdentityKey(identity.userId), " Identities\\Username");
   identity.username = store.ReadStringValue(CurrentUser(IdentityKey(identity.userId)), "Username");
 }
@@ -45,7 +55,7 @@ void LoadDefault(RegistryStore& store, IdentityCatalogue& catalogue) {
 }
 
 void LoadAll(RegistryStore& store, SystemFacts& facts, IdentityCatalogue& catalogue) {
-  OpenResult identities = store.OpenKey(CurrentUser(kIdentitiesKey));
+  OpenResult identities = store.OpenKey(CurrentUser(kIdentitiesKey), Access::Read);
   if (identities.status != Status::Success) {
     catalogue.end.kind = LoadEnd::Kind::NoIdentitiesKey;
     return;

@@ -47,14 +47,14 @@ RegValue RegistryAccess::ReadTyped(const Key& key, std::string_view name, const 
 }
 
 Status RegistryAccess::Probe(const RegistryPath& path, std::string_view name) {
-  const OpenResult opened = registry_.Open(path, Access::Full);
+  const OpenResult opened = registry_.Open(path, Access::Read);
   if (opened.status != Status::Success) return opened.status;
   return registry_.Query(opened.key, name, std::span<std::uint8_t>()).status;
 }
 
 std::string RegistryAccess::ReadWholeText(const RegistryPath& path, std::string_view name) {
   constexpr std::size_t kFirstAttempt = 256;
-  const OpenResult opened = registry_.Open(path, Access::Full);
+  const OpenResult opened = registry_.Open(path, Access::Read);
   if (opened.status != Status::Success) return {};
   Bytes buffer(kFirstAttempt);
   QueryResult read = registry_.Query(opened.key, name, std::span(buffer));

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iterator>
 #include <span>
+#include <utility>
 
 namespace quillbox {
 namespace {
@@ -123,6 +124,17 @@ ReportScope ScopeOf(const IdentityReportFacts& facts) {
 }
 
 }  // namespace
+
+IdentityReportFacts FactsOf(const IdentityCatalogue& catalogue, std::string created) {
+  return {.created = std::move(created),
+          .identities = catalogue.identities,
+          .defaultUsername = catalogue.defaultUsername,
+          .defaultUserId = catalogue.defaultUserId,
+          .addressBookFile = catalogue.addressBookFile,
+          .selectedFolder = {},
+          .fileType = {},
+          .foundFiles = {}};
+}
 
 std::string MakeIdentityReport(const IdentityReportFacts& facts, ReportFormat format) {
   std::string report;

@@ -22,6 +22,9 @@ struct IdentityReportFacts {
   std::vector<std::string> foundFiles;
 };
 
+/// What a report says of the identities, without a selection and a search.
+IdentityReportFacts FactsOf(const IdentityCatalogue& catalogue, std::string created);
+
 std::string MakeIdentityReport(const IdentityReportFacts& facts, ReportFormat format);
 
 }  // namespace quillbox

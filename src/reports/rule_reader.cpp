@@ -15,7 +15,7 @@ std::vector<RegistryPath> RuleReader::EnumRules(const std::string& userId) {
 
 std::vector<RegistryPath> RuleReader::EnumKeys(const RegistryPath& parent) {
   std::vector<RegistryPath> keys;
-  const OpenResult opened = store_.OpenKey(parent);
+  const OpenResult opened = store_.OpenKey(parent, Access::Read);
   if (opened.status != Status::Success) return keys;
   for (const std::string& name : store_.EnumSubKeys(opened.key)) keys.push_back(parent.Child(name));
   return keys;
