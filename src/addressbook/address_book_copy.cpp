@@ -11,7 +11,8 @@ bool AddressBookCopy::Refuse(const std::string& message) {
   return false;
 }
 
-bool AddressBookCopy::BackUp(const WinPath& file, const std::optional<WinPath>& folder, CopyPart part) {
+bool AddressBookCopy::BackUp(const WinPath& file, const std::optional<WinPath>& folder, CopyPart part,
+                             OverwriteSetting overwrite) {
   if (!folder || !folder_.Get()) {
     folder_.Tell(FolderMessage::WithFullStop);
     return false;
@@ -24,25 +25,27 @@ bool AddressBookCopy::BackUp(const WinPath& file, const std::optional<WinPath>& 
     return false;
   }
   const WinPath target(folder->Text() + "\\" + source.Path().Name());
-  platform_.GetShell().CopyFile({.source = source.Path(), .target = target, .part = part});
+  platform_.GetShell().CopyFile({.source = source.Path(), .target = target, .noConfirm = overwrite, .part = part});
   return true;
 }
 
 bool AddressBookCopy::Restore(const WinPath& folder, CopyPart part) {
-  const WinPath home(DirectoryFromFile(ReadAddressBookFile(store_).Text()));
   const auto file = platform_.GetDialogs().OpenFile(
       {.title = {}, .folder = folder, .name = "AddressBook.WAB", .filter = "Address Book (*.WAB) | *.WAB"});
-  if (!file) return false;
+  return file && CopyBack(*file, part);
+}
+
+bool AddressBookCopy::CopyBack(const WinPath& file, CopyPart part, OverwriteSetting overwrite) {
+  const WinPath home(DirectoryFromFile(ReadAddressBookFile(store_).Text()));
   if (home.Empty()) {
-    return Refuse("The registry names no address book file, so there is no folder to copy \"" + file->Text() +
-                  "\" to.");
+    return Refuse("The registry names no address book file, so there is no folder to copy \"" + file.Text() + "\" to.");
   }
   const DiskPath target = CheckAddressBook(platform_.GetDrives(), home);
   if (!target.IsUsable()) {
     store_.Failures().Add(target.Refusal().Sentence());
     return false;
   }
-  platform_.GetShell().CopyFile({.source = *file, .target = target.Path(), .part = part});
+  platform_.GetShell().CopyFile({.source = file, .target = target.Path(), .noConfirm = overwrite, .part = part});
   return true;
 }
 

@@ -74,6 +74,7 @@ std::string BackupFolder::Text() {
 }
 
 std::optional<WinPath> BackupFolder::Get() {
+  if (once_) return once_;
   auto folder = PathOrNone(Text());
   return folder && !folder->Empty() ? folder : std::nullopt;
 }
@@ -92,6 +93,12 @@ std::optional<FolderRefusal> BackupFolder::Choose(const std::optional<WinPath>& 
   if (path && !platform_.GetChosenFolders().IsChosen(*path)) Remember(*path);
   if (Stored() != TextOrNone(folder)) Store(TextOrNone(folder));
   return std::nullopt;
+}
+
+std::optional<FolderRefusal> BackupFolder::UseOnce(const WinPath& folder) {
+  auto refusal = RefusalOf(folder);
+  if (!refusal) once_ = folder;
+  return refusal;
 }
 
 /// A choice that cannot be remembered holds for this run; the next one asks.

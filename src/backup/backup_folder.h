@@ -51,6 +51,9 @@ class BackupFolder {
   std::optional<FolderRefusal> Choose(const std::optional<WinPath>& folder);
   /// Why nothing can be backed up to `folder`; nothing when it can. Only a folder of this computer can be refused.
   std::optional<FolderRefusal> RefusalOf(const WinPath& folder);
+  /// From now on `folder` counts whatever is stored, and what is stored stays: for a command that is given its folder.
+  /// Nothing is changed when the result is a refusal.
+  std::optional<FolderRefusal> UseOnce(const WinPath& folder);
   /// Stores that there is none in place of a folder that counted.
   void Reset();
   /// Runs `change` of the registry, and puts the stored setting back if that has replaced it.
@@ -86,6 +89,7 @@ class BackupFolder {
   Platform& platform_;
   RegistryStore& store_;
   bool asked_ = false;
+  std::optional<WinPath> once_;
 };
 
 /// Asks for a folder with the shell's picker, "Select a directory"; nothing when the person cancels. It opens on the

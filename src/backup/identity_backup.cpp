@@ -49,6 +49,7 @@ std::optional<WinPath> IdentityBackup::EnterIdentityFolder(const WinPath& backup
     platform_.GetDialogs().Show({.text = "The backup of \"" + OneLine(username) + "\" was not made: the folder \"" +
                                          OneLine(folder.Text()) + "\" cannot be used because " + reason + ".",
                                  .icon = MessageIcon::Exclamation});
+    LeaveOut(username, "the folder " + folder.Text() + " cannot be used because " + reason);
     return std::nullopt;
   };
   if (const auto fault = FileNameFault(username)) return refuse(target, fault->reason);
@@ -77,6 +78,10 @@ bool IdentityBackup::CheckIdentitiesKey() {
   return false;
 }
 
+void IdentityBackup::LeaveOut(const std::string& username, std::string why) {
+  copier_.LeaveOut({LeftOut::Kind::Identity, "the backup of \"" + username + "\"", std::move(why)});
+}
+
 void IdentityBackup::Save(const IdentityInfo& identity, const WinPath& target, const BackupScope& scope,
                           OverwriteSetting overwrite) {
   CopyStore(identity, target, scope.pop3Uidl, overwrite);
@@ -90,13 +95,19 @@ std::optional<std::size_t> IdentityBackup::SaveAll(const WinPath& backupFolder, 
                                                    const BackupScope& scope, OverwriteSetting overwrite) {
   TellSharedFolders(catalogue);
   std::size_t saved = 0;
-  for (const IdentityInfo& identity : catalogue.identities) {
+  const std::vector<IdentityInfo>& all = catalogue.identities;
+  for (auto identity = all.begin(); identity != all.end(); ++identity) {
     folder_.Enter(backupFolder);
-    if (IsEmpty(identity)) continue;
-    const auto target = EnterIdentityFolder(backupFolder, identity.username);
+    if (IsEmpty(*identity)) continue;
+    const auto target = EnterIdentityFolder(backupFolder, identity->username);
     if (!target) continue;
-    if (!CheckIdentitiesKey()) return std::nullopt;
-    Save(identity, *target, scope, overwrite);
+    if (!CheckIdentitiesKey()) {
+      for (; identity != all.end(); ++identity) {
+        if (identity->storeFolder) LeaveOut(identity->username, kNoIdentitiesKey);
+      }
+      return std::nullopt;
+    }
+    Save(*identity, *target, scope, overwrite);
     ++saved;
   }
   return saved;

@@ -29,21 +29,28 @@ inline constexpr BackupScope kCompleteBackup{Pop3Uidl::Copy, false, true};
 /// regard to case. Those that no folder can have are left out.
 std::vector<std::string> SharedUsernames(const std::vector<IdentityInfo>& identities);
 
+/// Why identities are left out when CheckIdentitiesKey() is false.
+inline constexpr const char* kNoIdentitiesKey = "the identities' key cannot be opened";
+
 class IdentityBackup {
  public:
   IdentityBackup(Platform& platform, RegistryStore& store, BackupFolder& folder, StatusSink status)
       : platform_(platform), store_(store), folder_(folder), copier_(platform, std::move(status)) {}
 
   /// Makes the folder `username` in the backup folder when it is missing, makes it the current directory and returns
-  /// its full path. When that fails a message says which folder and why, and the result is nothing.
+  /// its full path. When that fails a message says which folder and why, the identity is left out, and the result is
+  /// nothing.
   std::optional<WinPath> EnterIdentityFolder(const WinPath& backupFolder, const std::string& username);
   /// False after a message that the identities' key cannot be opened.
   bool CheckIdentitiesKey();
+  /// Puts on record that nothing of an identity is backed up. `why` is a clause.
+  void LeaveOut(const std::string& username, std::string why);
 
   /// Saves one identity into `target`, which is the current directory, and shows each step in the status.
   void Save(const IdentityInfo& identity, const WinPath& target, const BackupScope& scope, OverwriteSetting overwrite);
   /// Saves every identity that is not empty into a folder of its own. One whose folder cannot be used is
-  /// reported and passed over. The number of identities saved, or nothing when the identities' key could not be opened.
+  /// reported, left out and passed over. The number of identities saved, or nothing when the identities' key could not
+  /// be opened: the rest is left out then.
   /// Throws Error when the backup folder cannot be entered.
   std::optional<std::size_t> SaveAll(const WinPath& backupFolder, const IdentityCatalogue& catalogue,
                                      const BackupScope& scope, OverwriteSetting overwrite);

@@ -165,15 +165,17 @@ void RegistryItems::ExportSilently(RegistryItem item) {
   Export(row, {}, WinPath(row.exportFile.On(store_.GetOsCode())));
 }
 
-void RegistryItems::RestoreSilently(RegistryItem item) {
+bool RegistryItems::RestoreSilently(RegistryItem item) {
   const auto folder = folder_.Get();
   const WinPath file = WinPath(TextOrNone(folder)).Join(RowOf(item).exportFile.On(store_.GetOsCode()));
-  Merge(file, folder ? OnFailure::Tell : OnFailure::LogOnly);
+  return Merge(file, folder ? OnFailure::Tell : OnFailure::LogOnly);
 }
 
 // A file of all identities carries the backup folder that was set when it was made, perhaps on another disk.
-void RegistryItems::Merge(const WinPath& file, OnFailure onFailure) {
-  folder_.KeepOver([&] { store_.RegMerge(file, onFailure); });
+bool RegistryItems::Merge(const WinPath& file, OnFailure onFailure) {
+  bool merged = false;
+  folder_.KeepOver([&] { merged = store_.RegMerge(file, onFailure); });
+  return merged;
 }
 
 std::set<std::string> RegistryItems::UserIds() {

@@ -55,6 +55,10 @@ struct RegistryItemRow {
 
 const RegistryItemRow& RowOf(RegistryItem item);
 
+/// What a complete backup exports beside the identities' folders, and a complete restore merges, in that order.
+inline constexpr RegistryItem kCompleteItems[] = {RegistryItem::AllIdentities, RegistryItem::Accounts,
+                                                  RegistryItem::AddressBook};
+
 /// The identity's signatures as the backups of all identities name their file, in its folder.
 inline constexpr FileNames kSignaturesInBackup{"Signatures.reg", "SignaturesWin2k.reg", "SignaturesWinXP.reg"};
 
@@ -82,11 +86,11 @@ class RegistryItems {
   /// folder cannot be entered.
   void ExportSilently(RegistryItem item);
   /// Merges the file of that name in the backup folder, for a complete restore. Without a backup folder there is no
-  /// such file, which only the log then says.
-  void RestoreSilently(RegistryItem item);
+  /// such file, which only the log then says. False when not everything was merged.
+  bool RestoreSilently(RegistryItem item);
 
  private:
-  void Merge(const WinPath& file, OnFailure onFailure);
+  bool Merge(const WinPath& file, OnFailure onFailure);
   FileDialog DialogFor(const WinPath& folder, const char* name) const;
   std::set<std::string> UserIds();
   void TellNewIdentities(const std::set<std::string>& before);

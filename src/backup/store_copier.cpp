@@ -19,6 +19,7 @@ struct NoteRow {
   const char* several;
 };
 constexpr NoteRow kNotes[] = {
+    {LeftOut::Kind::Identity, " identity not backed up", " identities not backed up"},
     {LeftOut::Kind::MessageStore, " message store not copied", " message stores not copied"},
     {LeftOut::Kind::AddressBook, " address book not copied", " address books not copied"},
     {LeftOut::Kind::NameWithFullStop, " file left out (full stop in its name)",

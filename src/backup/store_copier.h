@@ -30,6 +30,7 @@ using StatusSink = std::function<void(const std::string&)>;
 /// Something that a command did not try to copy, and why.
 struct LeftOut {
   enum class Kind {
+    Identity,      ///< all of it
     MessageStore,  ///< not even its files are known
     AddressBook,
     NameWithFullStop,

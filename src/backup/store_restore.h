@@ -27,6 +27,8 @@ class StoreRestore {
 
   /// What was not even tried since this object was made, in numbers for the status bar.
   std::vector<std::string> Notes() const { return copier_.Notes(); }
+  /// The same, each.
+  const std::vector<LeftOut>& GetLeftOut() const { return copier_.GetLeftOut(); }
 
  private:
   std::vector<std::string> TellSharedFolders(const WinPath& backupFolder, const IdentityCatalogue& catalogue);

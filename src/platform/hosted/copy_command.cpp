@@ -332,7 +332,7 @@ void CopyCommand::Fail(const Job& job, const Fault& fault) {
   if (job.request.part == CopyPart::OneOfSeveral) {
     message.text += "\n\nDo you want to stop copying, or to go on with the other files?";
     message.buttons = MessageButtons::YesNo;
-    message.words = ButtonWords{"&Go On", "&Stop"};
+    message.words = ButtonWords{kGoOnCopying, "&Stop"};
     if (dialogs_.Show(message) == MessageAnswer::Yes) {
       wentOn_.insert(fault.kind);
     } else {

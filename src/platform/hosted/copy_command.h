@@ -19,6 +19,9 @@
 
 namespace quillbox {
 
+/// The button that goes on with the other files after a failure, for those who answer by a rule.
+inline constexpr const char* kGoOnCopying = "&Go On";
+
 /// While a file is flushed to the disk by a thread of its own, the next one is read. Everything else, questions, log
 /// and what is counted, happens on the calling thread.
 class CopyCommand {

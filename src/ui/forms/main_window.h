@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "backup/backup_record.h"
 #include "backup/identity_backup.h"
 #include "backup/registry_items.h"
 #include "core/disk_path.h"
 #include "reports/report_template.h"
+#include "session/backup_recorder.h"
 #include "session/session.h"
 #include "ui/form.h"
 
@@ -91,9 +91,6 @@ class Form1 : public Form {
   void ExportSilently(RegistryItem item);
   void RestoreSilently(RegistryItem item);
   void BackUpAll(const BackupScope& scope);
-  /// Begins the record of a backup; EndRecord keeps it for the window that shows it.
-  void BeginRecord(const char* command);
-  void EndRecord();
   /// Runs a command of several steps and says in one message what went wrong with registry files, and what ended it
   /// early. `what` begins a sentence.
   void ReportFailure(const std::string& what, const Handler& command);
@@ -196,7 +193,7 @@ class Form1 : public Form {
 
   Session& session_;
   ProgramWindows& windows_;
-  BackupRecord record_;  ///< of the backup that runs
+  BackupRecorder recorder_{session_};
 };
 
 }  // namespace quillbox

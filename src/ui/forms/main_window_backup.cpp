@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The main window's backup folder, the quick backup, and the backups of all identities.
-#include <utility>
-
 #include "backup/identity_backup.h"
 #include "backup/registry_items.h"
 #include "core/copy_tally.h"
@@ -32,7 +30,7 @@ void Form1::cmdQuickBackup_Click() {
   const CommandFailures::Scope failures(session_.store.Failures());
   const HourglassScope hourglass(*this);
   sb1.panels[0] = "";
-  BeginRecord("Quick Backup");
+  recorder_.Begin("Quick Backup");
   const IdentityInfo identity = Selected();
   IdentityBackup backup(session_.platform, session_.store, session_.backupFolder, ToStatus());
   const auto target = backup.EnterIdentityFolder(*folder, identity.username);
@@ -41,18 +39,18 @@ void Form1::cmdQuickBackup_Click() {
     const PleaseWaitScope pleaseWait(cmdQuickBackup);
     backup.Save(identity, *target, kQuickBackup, session_.Overwrite());
     ShowCopies({}, NotesOf(backup));
-    record_.folder = *folder;
-    record_.leftOut = backup.GetLeftOut();
+    recorder_.Record().folder = *folder;
+    recorder_.Record().leftOut = backup.GetLeftOut();
   }
-  EndRecord();
+  recorder_.End();
   session_.backupFolder.Enter(*folder);
   sb1.panels[0] = "Backup Complete";
 }
 
 void Form1::cmdbkupall_Click() {
-  BeginRecord("Backup of All Identities");
+  recorder_.Begin("Backup of All Identities");
   ReportFailure("The backup", [this] { BackUpAll(kBackupOfAll); });
-  EndRecord();
+  recorder_.End();
 }
 
 void Form1::bkAll_Click() {
@@ -60,7 +58,7 @@ void Form1::bkAll_Click() {
 }
 
 void Form1::cmdComplete_Click() {
-  BeginRecord("Complete Backup");
+  recorder_.Begin("Complete Backup");
   ReportFailure("The complete backup", [this] {
     const BusyScope busy(*this, cmdComplete);
     bkupallIdentities();
@@ -69,7 +67,7 @@ void Form1::cmdComplete_Click() {
     CopyAddressBook(CopyPart::OneOfSeveral);
     bkupcomplete();
   });
-  EndRecord();
+  recorder_.End();
 }
 
 void Form1::bkupcomplete() {
@@ -83,10 +81,10 @@ void Form1::BackUpAll(const BackupScope& scope) {
   {
     const BusyScope busy(*this, cmdbkupall);
     sb1.panels[0] = "";
-    record_.folder = *folder;
+    recorder_.Record().folder = *folder;
     IdentityBackup backup(session_.platform, session_.store, session_.backupFolder, ToStatus());
     const auto saved = backup.SaveAll(*folder, session_.Catalogue(), scope, session_.Overwrite());
-    record_.leftOut = backup.GetLeftOut();
+    recorder_.Record().leftOut = backup.GetLeftOut();
     if (!saved) return ShowCopies({}, backup.Notes());
     ShowCopies(std::to_string(*saved) + " Identities Backed Up", *saved > 0 ? NotesOf(backup) : backup.Notes());
   }
@@ -100,27 +98,12 @@ void Form1::ReportFailure(const std::string& what, const Handler& command) {
     command();
   } catch (const Error& error) {
     ShowCopies();
-    record_.endedEarly = Describe(error);
+    recorder_.Record().endedEarly = Describe(error);
     session_.platform.GetLog().Write(what + " ended early: " + Describe(error));
     session_.platform.GetDialogs().Show(
         {.text = what + " ended early. What was done until then stays done.\n\n" + Describe(error),
          .icon = MessageIcon::Exclamation});
   }
-}
-
-void Form1::BeginRecord(const char* command) {
-  record_ = {
-      .command = command, .ended = 0, .folder = {}, .copies = {}, .exports = {}, .leftOut = {}, .endedEarly = {}};
-  session_.store.TakeExports();
-}
-
-/// Without a backup folder nothing was begun.
-void Form1::EndRecord() {
-  if (record_.folder.Empty()) return;
-  record_.ended = session_.platform.GetClock().Now();
-  record_.copies = session_.platform.GetShell().FinishCopies();
-  record_.exports = session_.store.TakeExports();
-  session_.KeepBackup(std::exchange(record_, {}));
 }
 
 StatusSink Form1::ToStatus() {

@@ -54,17 +54,10 @@ void Form1::SaveReport(const char* name, const char* filter, ReportFormat format
   const auto file =
       dialogs.SaveFile({.title = {}, .folder = folder, .name = name, .filter = filter, .askOverwrite = true});
   if (!file) return;
-  const IdentityCatalogue& catalogue = session_.Catalogue();
-  IdentityReportFacts facts = {
-      .created = GeneralDate(session_.store, session_.platform.GetClock().Now()),
-      .identities = catalogue.identities,
-      .defaultUsername = catalogue.defaultUsername,
-      .defaultUserId = catalogue.defaultUserId,
-      .addressBookFile = catalogue.addressBookFile,
-      .selectedFolder = session_.Selected() ? session_.Selected()->FolderText() : std::string(),
-      .fileType = session_.search.pattern,
-      .foundFiles = {},
-  };
+  IdentityReportFacts facts =
+      FactsOf(session_.Catalogue(), GeneralDate(session_.store, session_.platform.GetClock().Now()));
+  facts.selectedFolder = session_.Selected() ? session_.Selected()->FolderText() : std::string();
+  facts.fileType = session_.search.pattern;
   const FoundFiles& found = session_.search.found;
   for (std::size_t row = 0; row < found.Count(); ++row) facts.foundFiles.push_back(found.Name(row));
   WriteReport(session_.platform.GetFiles(), session_.platform.GetSystemFacts(), *file,

@@ -377,9 +377,11 @@ TEST_F(CompleteBackupTest, AnIdentityWhoseFolderCannotBeMadeIsNamedAndNotCounted
   form->cmdbkupall.click();
   ASSERT_EQ(dialogs.messages.size(), 1u);
   EXPECT_THAT(dialogs.LastMessage(), HasSubstr("The backup of \"..\\..\\x\" was not made"));
-  EXPECT_EQ(form->sb1.panels[1], "1 Identities Backed Up");
+  EXPECT_EQ(form->sb1.panels[1], "1 Identities Backed Up; 1 identity not backed up");
   EXPECT_EQ(Names(BackupFolderOnHost()), std::vector<std::string>{"Büro"});
   EXPECT_FALSE(std::filesystem::exists(temp / "disk/x"));
+  windows->lastBackup.Open();
+  EXPECT_EQ(windows->lastBackup.lvSteps.Text(0, 0), "the backup of \"..\\..\\x\"");
 }
 
 TEST_F(CompleteBackupTest, OnlyStoresWithAKnownPlaceAreRestored) {
