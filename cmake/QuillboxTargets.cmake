@@ -20,10 +20,25 @@ else()
 endif()
 string(TOLOWER "${QUILLBOX_HOST}" QUILLBOX_HOST_FOLDER)
 
-# Where the registry editor for old disks is built. A Windows looks for its own in the folder of a running program first.
+# Where the registry editor for old disks is built, and how an installed program gets to it from its own folder. A
+# Windows looks for its own in the folder of a running program first; elsewhere wine has a program of that name.
 set(QUILLBOX_EDITOR_FOLDER "${CMAKE_BINARY_DIR}/bin")
+set(QUILLBOX_PRIVATE_DIR "${CMAKE_INSTALL_LIBEXECDIR}/quillbox")
 if(WIN32)
   string(APPEND QUILLBOX_EDITOR_FOLDER "/offline")
+  set(QUILLBOX_EDITOR_FROM_PROGRAM offline)
+else()
+  file(RELATIVE_PATH QUILLBOX_EDITOR_FROM_PROGRAM "${CMAKE_INSTALL_FULL_BINDIR}"
+    "${CMAKE_INSTALL_FULL_LIBEXECDIR}/quillbox")
+endif()
+
+# Where an installation has the manual, and how a program gets to it from its own folder.
+set(QUILLBOX_MANUAL_DIR "${CMAKE_INSTALL_DATAROOTDIR}/doc/quillbox/manual")
+if(WIN32)
+  set(QUILLBOX_MANUAL_FROM_PROGRAM docs)
+else()
+  file(RELATIVE_PATH QUILLBOX_MANUAL_FROM_PROGRAM "${CMAKE_INSTALL_FULL_BINDIR}"
+    "${CMAKE_INSTALL_FULL_DATAROOTDIR}/doc/quillbox/manual")
 endif()
 
 # quillbox_layer(NAME SOURCES file... [POSIX file...] [WIN32 file...] LINKS target... [PRIVATE_LINKS target...]

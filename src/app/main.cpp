@@ -12,9 +12,11 @@
 #include "app/options.h"
 #include "app/start_window.h"
 #include "app/this_computer.h"
+#include "host/host_paths.h"
 #include "host/host_program.h"
 #include "host/state_folder.h"
 #include "platform/hosted/log.h"
+#include "platform/hosted/opener.h"
 #include "platform/offline/offline_platform.h"
 #include "text/error.h"
 #include "ui/forms/program_windows.h"
@@ -60,6 +62,7 @@ class Application {
     start_ = std::make_unique<StartWindow>(guard_, dialogs_, StateFolder());
     start_->onOpen = [this](const DiskChoice& choice) { OpenDisk(choice); };
     start_->onSearch = [this](const DiskChoice& choice) { SearchDisk(choice); };
+    start_->onManual = [this] { opener_.OpenManual(ManualOf(ProgramFolder())); };
     start_->onThisComputer = [this] { OpenComputer(); };
     start_->onClosed = [this] { system_.Quit(); };
     if (!disk_.folder.Empty()) start_->Look(disk_);
@@ -133,6 +136,7 @@ class Application {
   WxDialogs dialogs_{hostOnly_};
   WxClipboard clipboard_;
   HandlerGuard guard_{log_, dialogs_};
+  Opener opener_{dialogs_, log_};
   std::unique_ptr<OfflinePlatform> platform_;
   std::unique_ptr<ThisComputer> computer_;
   std::unique_ptr<ProgramWindows> windows_;

@@ -12,10 +12,12 @@
 #include "host/state_folder.h"
 #include "platform/offline/disk_image.h"
 #include "platform/offline/hive_consent.h"
+#include "platform/offline/private_data.h"
 #include "sample/sample_disk.h"
 #include "text/command_options.h"
 #include "text/error.h"
 #include "text/local_time.h"
+#include "text/message_text.h"
 #include "text/unicode.h"
 
 namespace quillbox {
@@ -89,7 +91,6 @@ WinPath HostOnlyPaths::WindowsPathOf(const HostPath& path) const {
 StartWindow::StartWindow(HandlerGuard& guard, Dialogs& dialogs, const HostPath& stateFolder)
     : Form(guard, "StartWindow", "Quillbox - Open a Windows disk"),
       lblWelcome(*this, "lblWelcome", kWelcome),
-      cmdThisComputer(*this, "cmdThisComputer", "&This Computer", "Open the Windows that Quillbox runs on."),
       lblState(*this, "lblState"),
       lblDisks(*this, "lblDisks", "Disks opened before"),
       lstDisks(*this, "lstDisks", "Whose mail was opened last, and where. Double-click to open it again."),
@@ -110,8 +111,13 @@ StartWindow::StartWindow(HandlerGuard& guard, Dialogs& dialogs, const HostPath& 
       cmdSearch(*this, "cmdSearch", "&Search This Disk for Mail Files",
                 "Find and copy mail files without the disk's registry: for a profile that cannot be opened."),
       cmdSample(*this, "cmdSample", "&Make a Sample Disk to Try", "Make a small Windows disk with invented mail."),
+      cmdThisComputer(*this, "cmdThisComputer", "&This Computer", "Open the Windows that Quillbox runs on."),
+      cmdManual(*this, "cmdManual", "Ma&nual", "Open the manual in the browser."),
+      cmdPrivateData(*this, "cmdPrivateData", "Remove &Private Data...",
+                     "Shows what Quillbox keeps of disks on this computer, and removes it."),
       cmdClose(*this, "cmdClose", "Close", "Close this window."),
       dialogs_(dialogs),
+      stateFolder_(stateFolder),
       disks_(LoadDisks(stateFolder)) {
   for (Label* label : {&lblWelcome, &lblState, &lblFault}) label->wraps = true;
   for (Label* label : {&lblState, &lblFault}) label->colour = Colour::Red;
@@ -149,6 +155,8 @@ void StartWindow::SetHandlers() {
   cmdOpen.onClick = [this] { cmdOpen_Click(); };
   cmdSearch.onClick = [this] { cmdSearch_Click(); };
   cmdSample.onClick = [this] { cmdSample_Click(); };
+  cmdManual.onClick = [this] { onManual(); };
+  cmdPrivateData.onClick = [this] { cmdPrivateData_Click(); };
   cmdClose.onClick = [this] {
     Hide();
     onClosed();
@@ -159,7 +167,7 @@ LayoutNode StartWindow::Layout() {
   return Column({
       Row({Item(lblWelcome, 1), Item(cmdThisComputer)}),
       Item(lblState),
-      Item(lblDisks),
+      Row({Item(lblDisks), Space(), Item(cmdPrivateData)}),
       Item(lstDisks, 1),
       Item(lblFolder),
       Row({Item(txtFolder, 1), Item(cmdChoose)}),
@@ -169,7 +177,7 @@ LayoutNode StartWindow::Layout() {
       Row({Item(cmbLetter), Item(txtDrive, 1), Item(cmdChooseDrive), Item(cmdAddDrive), Item(cmdRemoveDrive)}),
       Item(lblFault),
       Item(txtCommand),
-      Row({Item(cmdSample), Item(cmdSearch), Space(), Item(cmdOpen), Item(cmdClose)}),
+      Row({Item(cmdSample), Item(cmdSearch), Item(cmdManual), Space(), Item(cmdOpen), Item(cmdClose)}),
   });
 }
 
@@ -373,6 +381,25 @@ void StartWindow::cmdSample_Click() {
   } catch (const Error& error) {
     ShowFault(Describe(error));
   }
+}
+
+void StartWindow::cmdPrivateData_Click() {
+  const PrivateData data = ListPrivateData(stateFolder_);
+  if (data.IsEmpty() && data.faults.empty()) {
+    dialogs_.Show({.text = "Quillbox keeps no copies of registries and no log on this computer.",
+                   .icon = MessageIcon::Information});
+    return;
+  }
+  const Message question{.text = TextOf(data, stateFolder_, std::time(nullptr)) + "\n\nThis is in " +
+                                 OneLine(stateFolder_.Text()) + ". Remove it? It cannot be brought back.",
+                         .buttons = MessageButtons::YesNo,
+                         .icon = MessageIcon::Question,
+                         .words = ButtonWords{"&Remove", "&Keep"},
+                         .noIsDefault = true};
+  if (dialogs_.Show(question) != MessageAnswer::Yes) return;
+  const PrivateRemoval removal = RemovePrivateData(stateFolder_, data);
+  dialogs_.Show(
+      {.text = SummaryOf(removal), .icon = removal.kept.empty() ? MessageIcon::Information : MessageIcon::Exclamation});
 }
 
 }  // namespace quillbox

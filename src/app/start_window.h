@@ -33,9 +33,8 @@ class StartWindow : public Form {
   /// The list of the last disks is in `stateFolder`.
   StartWindow(HandlerGuard& guard, Dialogs& dialogs, const HostPath& stateFolder);
 
-  // In tab order.
+  // In tab order: the list is first, so that Enter opens the last disk again. On a button it would press that one.
   Label lblWelcome;
-  Button cmdThisComputer;
   Label lblState;
   Label lblDisks;
   ListBox lstDisks;
@@ -55,6 +54,9 @@ class StartWindow : public Form {
   Button cmdOpen;
   Button cmdSearch;
   Button cmdSample;
+  Button cmdThisComputer;
+  Button cmdManual;
+  Button cmdPrivateData;
   Button cmdClose;
 
   /// Shows what a folder holds: its profiles, or why none can be opened.
@@ -68,6 +70,8 @@ class StartWindow : public Form {
   std::function<void(const DiskChoice&)> onSearch = [](const DiskChoice&) {};
   /// Opens the Windows that the program runs on; as onOpen.
   std::function<void()> onThisComputer = [] {};
+  /// Opens the manual.
+  std::function<void()> onManual = [] {};
   /// Called when the person closes the window without opening a disk.
   std::function<void()> onClosed = [] {};
 
@@ -101,8 +105,10 @@ class StartWindow : public Form {
   void cmdOpen_Click();
   void cmdSearch_Click();
   void cmdSample_Click();
+  void cmdPrivateData_Click();
 
   Dialogs& dialogs_;
+  HostPath stateFolder_;
   HostOnlyPaths paths_;
   std::vector<KnownDisk> disks_;
   DiskChoice choice_;

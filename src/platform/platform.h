@@ -26,6 +26,8 @@ class Shell {
   virtual void Explore(const WinPath& folder, const std::string& parameters) = 0;
   /// Opens a page in the person's browser.
   virtual void OpenUrl(const std::string& url) = 0;
+  /// Opens the program's manual in the person's browser.
+  virtual void OpenManual() = 0;
   /// The copies that follow are another step of the running command (the address book, one identity's files): Cancel of
   /// a question in the step before does not hold for it. "Yes to All" does, and so does Cancel of the progress display.
   virtual void BeginCopyStep() = 0;

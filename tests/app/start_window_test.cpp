@@ -159,6 +159,11 @@ TEST_F(StartWindowTest, TheLastDisksAreListedWithProfileFolderAndTime) {
   const auto start = Make();
   EXPECT_THAT(start->lstDisks.items.Get(), ElementsAre("Ben — " + (temp / "xp").string() + " — 2023-11-14 22:13",
                                                        "Eve — " + (temp / "gone").string() + " (not there now)"));
+  const auto controls = start->Controls();
+  const auto focused = std::find_if(controls.begin(), controls.end(), [](const Control* control) {
+    return control->visible && !dynamic_cast<const Label*>(control);
+  });
+  EXPECT_EQ(*focused, &start->lstDisks) << "Enter presses a button that has the focus";
   start->cmdOpen.click();
   EXPECT_THAT(opened, ElementsAre(DiskChoice{temp / "xp", "Ben", {{'D', temp / "xp"}}})) << "Enter opens the last one";
   start->lstDisks.pick(1);
@@ -230,6 +235,18 @@ TEST_F(StartWindowTest, ASampleDiskIsMadeWhereThePersonSays) {
               ElementsAre(DiskChoice{temp / "quillbox-sample/C", "Ann Miller", {{'D', temp / "quillbox-sample/D"}}}));
   window.cmdSample.click();
   EXPECT_THAT(window.lblFault.caption.Get(), HasSubstr("quillbox-sample"));
+}
+
+TEST_F(StartWindowTest, PrivateDataIsShownAndRemovedAfterOneQuestion) {
+  window.cmdPrivateData.click();
+  EXPECT_EQ(dialogs.messages.back().text, "Quillbox keeps no copies of registries and no log on this computer.");
+  temp.File("state/quillbox.log", "a line\n");
+  for (const MessageAnswer answer : {MessageAnswer::No, MessageAnswer::Yes}) {
+    dialogs.messageAnswers = {answer};
+    window.cmdPrivateData.click();
+    EXPECT_EQ(std::filesystem::exists(temp / "state/quillbox.log"), answer == MessageAnswer::No);
+  }
+  EXPECT_EQ(dialogs.messages.back().text, "Removed: the log.");
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "host/host_paths.h"
 #include "platform/offline/offline_fixture.h"
 #include "platform/offline/offline_platform.h"
 #include "platform/offline/offline_processes.h"
@@ -79,7 +80,7 @@ class RegeditProgram : public testing::Test {
   }
 
   ProgramRun Run(const std::string& arguments) {
-    return RunProgram(NativePath(RegistryEditorBesideProgram()), Words(arguments), folder.Path());
+    return RunProgram(NativePath(RegistryEditorOf(ProgramFolder())), Words(arguments), folder.Path());
   }
 
   TempFolder folder;

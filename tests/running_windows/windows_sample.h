@@ -12,6 +12,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "host/host_paths.h"
 #include "platform/offline/offline_processes.h"
 #include "platform/windows/windows_platform.h"
 #include "sample/sample_disk.h"
@@ -68,7 +69,7 @@ struct SampleOriginal {
     for (const SampledKey& key : kSampledKeys) {
       if (!key.isInSample) continue;
       const std::string file = std::to_string(files.size()) + ".reg";
-      RunOrThrow(NativePath(RegistryEditorBesideProgram()).replace_extension(".exe"),
+      RunOrThrow(NativePath(RegistryEditorOf(ProgramFolder())).replace_extension(".exe"),
                  {"--disk", NameOf(disk.driveC), "/e", file, FullName(key.path)}, temp);
       files.push_back(NameOf(temp / file));
     }

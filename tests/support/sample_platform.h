@@ -44,6 +44,7 @@ struct RecordingShell : Shell {
     explored.push_back(parameters.empty() ? folder.Text() : folder.Text() + "|" + parameters);
   }
   void OpenUrl(const std::string& url) override { urls.push_back(url); }
+  void OpenManual() override { urls.push_back("the manual"); }
   void BeginCopyStep() override { inner->BeginCopyStep(); }
   void CopyFile(const CopyRequest& request) override { inner->CopyFile(request); }
   std::vector<CopyResult> FinishCopies() override { return inner->FinishCopies(); }

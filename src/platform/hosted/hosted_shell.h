@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "host/host_program.h"
 #include "platform/hosted/copy_command.h"
 #include "platform/hosted/copy_io.h"
 #include "platform/hosted/hosted_files.h"
+#include "platform/hosted/opener.h"
 #include "platform/platform.h"
 
 namespace quillbox {
@@ -28,6 +28,7 @@ class HostedShell : public Shell {
 
   void Explore(const WinPath& folder, const std::string& parameters) override;
   void OpenUrl(const std::string& url) override;
+  void OpenManual() override;
   void BeginCopyStep() override;
   void CopyFile(const CopyRequest& request) override;
   std::vector<CopyResult> FinishCopies() override;
@@ -40,16 +41,11 @@ class HostedShell : public Shell {
   virtual void ShowFolder(const HostPath& folder, const std::string& parameters);
 
  private:
-  struct Child;
-  void Start(const std::string& argument, const Message& failure);
-  void ReapEnded();
-
   HostedFiles& files_;
   SystemFacts& facts_;
   Dialogs& dialogs_;
   Log& log_;
-  std::string opener_;
-  std::vector<std::shared_ptr<Child>> started_;
+  Opener opener_;
   std::unique_ptr<CopyIo> io_;
   std::optional<CopyCommand> copies_;  ///< of the running command; none before its first
 };

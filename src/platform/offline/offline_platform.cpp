@@ -54,7 +54,7 @@ std::string DriveArgument(char letter, const HostPath& folder) {
 RegistryEditor EditorFor(const WindowsDisk& disk, const ProfileFolder& profile, const OfflineOptions& options,
                          const std::optional<DiskLock>& lock) {
   RegistryEditor editor;
-  editor.program = options.registryEditor.Empty() ? RegistryEditorBesideProgram() : options.registryEditor;
+  editor.program = options.registryEditor.Empty() ? RegistryEditorOf(ProgramFolder()) : options.registryEditor;
   editor.diskArguments = {"--disk", disk.folder.Text(), "--profile", profile.name};
   const auto add = [&](const char* option, std::string value) {
     editor.diskArguments.insert(editor.diskArguments.end(), {option, std::move(value)});

@@ -15,7 +15,8 @@ namespace quillbox {
 namespace {
 
 constexpr std::string_view kEditorName = "regedit";
-constexpr std::string_view kEditorFolder = "offline";
+/// From the program's folder to the editor's. The build knows it, since an installation decides it.
+constexpr std::string_view kEditorFolder = QUILLBOX_EDITOR_FROM_PROGRAM;
 constexpr const char* kLockOption = "--lock";
 
 /// True when the command line's program is the registry editor, with or without ".exe".
@@ -66,10 +67,9 @@ ProcessEnd OfflineProcesses::RunEditor(const std::string& commandLine) {
   return end;
 }
 
-HostPath RegistryEditorBesideProgram() {
-  const HostPath beside = ProgramFolder();
-  const HostPath own = beside / kEditorFolder;
-  return (IsFolder(own) ? own : beside) / kEditorName;
+HostPath RegistryEditorOf(const HostPath& programFolder) {
+  const HostPath own = (programFolder / kEditorFolder).Normal();
+  return (IsFolder(own) ? own : programFolder) / kEditorName;
 }
 
 }  // namespace quillbox

@@ -42,8 +42,10 @@ class OfflineProcesses : public Processes {
   RegistryEditor editor_;
 };
 
-/// The registry editor that was built with the running program: `regedit` in the same folder, or in `offline` there.
-/// On Windows it is always in the latter, since a program that starts "regedit" must get the system's own.
-HostPath RegistryEditorBesideProgram();
+/// The registry editor of the program in `programFolder`. Installed, it is in a private folder, which is found from the
+/// program's so that the whole installation can be moved; else it is beside the program. The private folder comes
+/// first: beside an installed program "regedit" may be another one's. On Windows the private folder is `offline` beside
+/// the program, always, since a program that starts "regedit" there must get the system's own.
+HostPath RegistryEditorOf(const HostPath& programFolder);
 
 }  // namespace quillbox

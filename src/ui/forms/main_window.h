@@ -170,6 +170,7 @@ class Form1 : public Form {
   void resIAM_Click() { RestoreItem(RegistryItem::Accounts); }
   void resMsgRules_Click() { RestoreItem(RegistryItem::MessageRules); }
   void resSigs_Click() { RestoreItem(RegistryItem::Signatures); }
+  void manual_Click();
   void mnuURL_Click();
   void SaveAs_Click();
   void SaveAsHTML_Click();

@@ -69,6 +69,7 @@ const Form1::MenuRow Form1::kMenu[] = {
     {"Search", "Search", &Form1::Search_Click},
     {"Export > Mail...", "exportMail", &Form1::exportMail_Click},
     {"Export > Contacts...", "exportContacts", &Form1::exportContacts_Click},
+    {"&Help > Manual", "manual", &Form1::manual_Click},
     {"&Help > Not Available Yet", "Notyet", &Form1::Notyet_Click},
     {"&Help > See: %WEB%", "mnuURL", &Form1::mnuURL_Click},
 };
@@ -158,6 +159,11 @@ void Form1::exportMail_Click() {
 void Form1::exportContacts_Click() {
   sb1.panels[1] = "";
   windows_.exportContacts.Open();
+}
+
+void Form1::manual_Click() {
+  sb1.panels[1] = "";
+  session_.platform.GetShell().OpenManual();
 }
 
 void Form1::mnuURL_Click() {

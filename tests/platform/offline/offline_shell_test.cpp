@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "offline_fixture.h"
+#include "platform/hosted/opener.h"
 #include "support/faulty_copy_io.h"
 #include "support/host_tricks.h"
 #include "support/read_only_folder.h"
@@ -287,6 +288,7 @@ struct OfflineShellTest : CopyFixture {
     return shell.FinishCopies().back().end == CopyEnd::Copied;
   }
   HostedShell shell{files, facts, dialogs, log, (disk / "opener").string()};
+  Opener pages{dialogs, log, (disk / "opener").string()};
 };
 
 TEST_F(OfflineShellTest, CopiesLargeFilesUnderADisplayOfTheProgress) {
@@ -391,15 +393,37 @@ TEST_F(OfflineShellTest, ExploresOnlyFoldersAndNeverThroughAShell) {
   shell.OpenUrl("file:///etc/passwd");
   EXPECT_EQ(dialogs.messages.size(), messages + 1);
 
+  const HostPath page(disk.File("manual.html", "").string());
+  pages.OpenManual(page);
+  for (int i = 0; i < 500 && !disk.Read("out").ends_with(".html"); ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  EXPECT_EQ(disk.Read("out"), "1" + page.Text());
+  EXPECT_EQ(dialogs.messages.size(), messages + 1);
+
   disk.File("opener", "#!/bin/sh\nexit 3\n");
   shell.Explore(WinPath("C:\\Mail"), "");
   EXPECT_EQ(dialogs.LastMessage(),
             "No file manager could be started. On this computer the folder is:\n\n" + (disk / "Mail").string());
   shell.OpenUrl("https://example.com/");
   EXPECT_EQ(dialogs.LastMessage(), "No browser could be started. The page is:\n\nhttps://example.com/");
+  pages.OpenManual(page);
+  EXPECT_EQ(dialogs.LastMessage(), "No browser could be started. On this computer the manual is:\n\n" + page.Text());
   disk.File("opener", "#!/bin/sh\nsleep 1.3\nexit 3\n");
   shell.Explore(WinPath("C:\\Mail"), "");
-  EXPECT_EQ(dialogs.messages.size(), messages + 3) << "a browser that was open for a while has opened the page";
+  EXPECT_EQ(dialogs.messages.size(), messages + 4) << "a browser that was open for a while has opened the page";
+}
+
+TEST_F(OfflineShellTest, AManualThatIsNotInstalledIsReportedWithItsPath) {
+  disk.Folder("usr/bin");
+  const HostPath programs((disk / "usr/bin").string());
+  const HostPath installed = ManualOf(programs);
+  EXPECT_EQ(installed.Name(), "manual.html");
+  pages.OpenManual(installed);
+  EXPECT_EQ(dialogs.LastMessage(),
+            "The manual is not where this installation of Quillbox has it:\n\n" + installed.Text());
+  disk.File("usr/bin/docs/manual.html", "");
+  EXPECT_EQ(ManualOf(programs), programs / "docs" / "manual.html") << "as it was built, and on Windows";
 }
 
 }  // namespace

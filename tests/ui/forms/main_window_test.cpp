@@ -101,11 +101,12 @@ TEST_F(Form1Test, FoldersAndTheWebPageOpenThroughTheShell) {
   form.cmdOpenWab.click();
   form.menuBar.click("opnbkfldr");
   form.menuBar.click("mnuURL");
+  form.menuBar.click("manual");
   EXPECT_THAT(
       platform->shell.explored,
       ElementsAre(form.Text1.text.Get(),
                   "C:\\Documents and Settings\\Ann Miller\\Application Data\\Microsoft\\Address Book\\", kBackup));
-  EXPECT_THAT(platform->shell.urls, ElementsAre("https://quillbox.example/"));
+  EXPECT_THAT(platform->shell.urls, ElementsAre("https://quillbox.example/", "the manual"));
 }
 
 TEST_F(Form1Test, TheBackupFolderIsCheckedAtStart) {
