@@ -29,7 +29,7 @@ class Exporter {
     result_.form = form;
   }
 
-  ExportResult Run(const RegistryPath& path) {
+  ExportedKeys Run(const RegistryPath& path) {
     Enter(path);
     while (!levels_.empty()) {
       Level& level = levels_.back();
@@ -68,12 +68,12 @@ class Exporter {
   const TakeBytes& write_;
   RegFileWriter writer_;
   std::vector<Level> levels_;
-  ExportResult result_;
+  ExportedKeys result_;
 };
 
 }  // namespace
 
-ExportResult ExportKey(Registry& registry, const RegistryPath& path, RegFileForm form, const CodePage& codePage,
+ExportedKeys ExportKey(Registry& registry, const RegistryPath& path, RegFileForm form, const CodePage& codePage,
                        const TakeBytes& write) {
   std::string firstLoss;
   if (form == RegFileForm::Regedit4) {
@@ -81,7 +81,7 @@ ExportResult ExportKey(Registry& registry, const RegistryPath& path, RegFileForm
     firstLoss = Exporter(registry, form, codePage, drop).Run(path).firstLoss;
     if (!firstLoss.empty()) form = RegFileForm::Unicode5;
   }
-  ExportResult result = Exporter(registry, form, codePage, write).Run(path);
+  ExportedKeys result = Exporter(registry, form, codePage, write).Run(path);
   result.firstLoss = std::move(firstLoss);
   return result;
 }

@@ -18,7 +18,7 @@ namespace quillbox {
 
 using TakeBytes = std::function<void(std::string_view bytes)>;
 
-struct ExportResult {
+struct ExportedKeys {
   RegFileForm form = RegFileForm::Unicode5;  ///< the form that the file has
   std::string firstLoss;  ///< what the 8-bit form could not hold (`[key] "name"`); empty when the form is the asked one
   std::size_t keys = 0;
@@ -31,7 +31,7 @@ struct ExportResult {
 ///
 /// `write` gets the file piece by piece. The 8-bit form is composed twice, first without writing, to know whether it
 /// can hold everything.
-ExportResult ExportKey(Registry& registry, const RegistryPath& path, RegFileForm form, const CodePage& codePage,
+ExportedKeys ExportKey(Registry& registry, const RegistryPath& path, RegFileForm form, const CodePage& codePage,
                        const TakeBytes& write);
 
 }  // namespace quillbox

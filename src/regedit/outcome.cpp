@@ -12,7 +12,7 @@ std::string Counted(std::size_t count, const char* thing) {
 
 }  // namespace
 
-std::string ExportSummary(const ExportResult& result, const std::string& key, const std::string& file) {
+std::string ExportSummary(const ExportedKeys& result, const std::string& key, const std::string& file) {
   return key + ": " + Counted(result.keys, "key") + " and " + Counted(result.values, "value") + " exported to " + file +
          "\n";
 }
@@ -23,7 +23,7 @@ std::string MergeSummary(const MergeReport& report, const std::string& file) {
          " deleted\n";
 }
 
-std::string FormNotice(const ExportResult& result, const std::string& file) {
+std::string FormNotice(const ExportedKeys& result, const std::string& file) {
   if (result.firstLoss.empty()) return {};
   return file + ": written as Unicode text, since 8-bit text cannot hold " + result.firstLoss + "\n";
 }

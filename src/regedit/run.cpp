@@ -40,7 +40,7 @@ RegeditExit RunExport(Platform& platform, const RegeditCommand& command, const W
                       std::ostream& err) {
   const CodePage codePage(platform.GetSystemFacts().CodePageNumber());
   const std::unique_ptr<FileWriter> writer = platform.GetFiles().StartFile(file);
-  const ExportResult result = ExportKey(platform.GetRegistry(), command.key, command.form, codePage,
+  const ExportedKeys result = ExportKey(platform.GetRegistry(), command.key, command.form, codePage,
                                         [&](std::string_view bytes) { writer->Write(bytes); });
   writer->Commit();
   err << FormNotice(result, command.file);
