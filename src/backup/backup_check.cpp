@@ -3,11 +3,10 @@
 
 #include <algorithm>
 #include <iterator>
-#include <memory>
-#include <optional>
 #include <utility>
 
 #include "core/copy_tally.h"
+#include "core/file_comparison.h"
 #include "text/error.h"
 
 namespace quillbox {
@@ -17,39 +16,6 @@ constexpr std::size_t kPieceBytes = std::size_t{1} << 20;
 
 struct Cancelled {};
 
-/// Two files side by side.
-class Comparison {
- public:
-  Comparison(FileSystem& files, const CopyResult& copy, Progress& progress)
-      : copy_(copy),
-        progress_(progress),
-        source_(files.OpenForReading(copy.source)),
-        target_(files.OpenForReading(copy.target)) {}
-
-  /// Where they differ; nothing when they are the same. Throws Error, and Cancelled.
-  std::optional<std::uint64_t> FirstDifference() {
-    std::vector<char> a(kPieceBytes);
-    std::vector<char> b(kPieceBytes);
-    for (std::uint64_t at = 0;; at += kPieceBytes) {
-      if (!progress_.Update(copy_.target.Name(), at, copy_.size)) throw Cancelled{};
-      const std::size_t fromA = source_->Read(a);
-      const std::size_t fromB = target_->Read(b);
-      const auto both = static_cast<std::ptrdiff_t>(std::min(fromA, fromB));
-      const auto differs = std::mismatch(a.begin(), a.begin() + both, b.begin());
-      if (differs.first != a.begin() + both || fromA != fromB) {
-        return at + static_cast<std::uint64_t>(differs.first - a.begin());
-      }
-      if (fromA < kPieceBytes) return std::nullopt;
-    }
-  }
-
- private:
-  const CopyResult& copy_;
-  Progress& progress_;
-  std::unique_ptr<FileReader> source_;
-  std::unique_ptr<FileReader> target_;
-};
-
 /// What a check of one file found.
 struct Finding {
   bool isGood;
@@ -57,7 +23,11 @@ struct Finding {
 };
 
 Finding Check(FileSystem& files, const CopyResult& copy, Progress& progress) try {
-  const auto offset = Comparison(files, copy, progress).FirstDifference();
+  const auto source = files.OpenForReading(copy.source);
+  const auto target = files.OpenForReading(copy.target);
+  const auto offset = FirstDifference(*source, *target, [&](std::uint64_t done) {
+    if (!progress.Update(copy.target.Name(), done, copy.size)) throw Cancelled{};
+  });
   if (!offset) return {true, "the same as " + copy.target.Text()};
   return {false, "DIFFERENT from " + copy.target.Text() + ", first at offset " + std::to_string(*offset)};
 } catch (const Error& error) {

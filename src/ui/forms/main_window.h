@@ -181,6 +181,7 @@ class Form1 : public Form {
   void regEntry_Click();
   void msc_Click();
   void lastBackup_Click();
+  void checkBackup_Click();
   void exportMail_Click();
   void exportContacts_Click();
   void crtnewID_Click();

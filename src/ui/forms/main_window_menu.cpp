@@ -59,6 +59,7 @@ const Form1::MenuRow Form1::kMenu[] = {
     {"&Tools > Registry Entries", "regEntry", &Form1::regEntry_Click},
     {"&Tools > Miscellaneous Settings", "msc", &Form1::msc_Click},
     {"&Tools > Last Backup", "lastBackup", &Form1::lastBackup_Click},
+    {"&Tools > Check Backup...", "checkBackup", &Form1::checkBackup_Click},
     {"Replace > {USER_ID}", "repUSERID", &Form1::repUSERID_Click, MenuState::Off},
     {"Replace > {USER_ID} String", "usrIDString", &Form1::usrIDString_Click},
     {"Replace > Change Startup Identity", "chgStartIdent", &Form1::chgStartIdent_Click},
@@ -149,6 +150,10 @@ void Form1::msc_Click() {
 
 void Form1::lastBackup_Click() {
   windows_.lastBackup.Open();
+}
+
+void Form1::checkBackup_Click() {
+  windows_.checkBackup.Open();
 }
 
 void Form1::exportMail_Click() {

@@ -8,6 +8,7 @@
 #include "session/session.h"
 #include "ui/forms/address_book_window.h"
 #include "ui/forms/backup_folder_window.h"
+#include "ui/forms/check_backup_window.h"
 #include "ui/forms/clone_identity_window.h"
 #include "ui/forms/create_identity_window.h"
 #include "ui/forms/delete_identities_window.h"
@@ -46,7 +47,8 @@ class ProgramWindows {
         form17(*this),
         lastBackup(*this),
         exportMail(*this),
-        exportContacts(*this) {}
+        exportContacts(*this),
+        checkBackup(*this) {}
 
   Session session;
   HandlerGuard guard;
@@ -67,11 +69,12 @@ class ProgramWindows {
   LastBackupForm lastBackup;
   ExportMailForm exportMail;
   ExportContactsForm exportContacts;
+  CheckBackupForm checkBackup;
 
   /// Every window, for a renderer.
   std::vector<Form*> All() {
-    return {&form1,  &form2,  &form3,  &form4,  &form5,  &form6,      &form7,      &form8,         &form9,
-            &form10, &form11, &form12, &form13, &form17, &lastBackup, &exportMail, &exportContacts};
+    return {&form1,  &form2,  &form3,  &form4,  &form5,  &form6,      &form7,      &form8,          &form9,
+            &form10, &form11, &form12, &form13, &form17, &lastBackup, &exportMail, &exportContacts, &checkBackup};
   }
 
   /// Shows `window` in place of the main window, and the main window again.
