@@ -27,7 +27,7 @@ std::string TimeNow() {
 
 }  // namespace
 
-FileLog::FileLog(const HostPath& stateFolder) {
+FileLog::FileLog(const HostPath& stateFolder, LogEcho echo) : echo_(echo) {
   if (!MakePrivateFolder(stateFolder)) return;
   file_ = stateFolder / "quillbox.log";
   const PathInfo there = InfoOf(file_);
@@ -39,7 +39,7 @@ void FileLog::Write(std::string_view text) try {
   std::string line = TimeNow() + "  " + std::string(text);
   std::replace(line.begin(), line.end(), '\n', ' ');
   line = OneLine(line) + '\n';
-  WriteToStandardError(line);
+  if (echo_ == LogEcho::StandardError || file_.Empty()) WriteToStandardError(line);
   if (!file_.Empty()) AppendToFile(file_, line);
 } catch (...) {  // NOLINT(bugprone-empty-catch): there is nowhere left to say so
 }

@@ -70,7 +70,7 @@ RegistryEditor EditorFor(const WindowsDisk& disk, const ProfileFolder& profile, 
 OfflinePlatform::OfflinePlatform(const OfflineOptions& options, Dialogs& dialogs, Clipboard* clipboard)
     : stateFolder_(options.stateFolder.Empty() ? StateFolder() : options.stateFolder),
       salvage_(options.salvage),
-      log_(stateFolder_),
+      log_(stateFolder_, options.logEcho),
       dialogs_(dialogs),
       clipboard_(clipboard),
       disk_(FindDisk(options)),

@@ -52,6 +52,7 @@ struct OfflineOptions {
   bool readOnly = false;                 ///< changes nothing, and needs no lock
   Salvage salvage = Salvage::Ask;
   RegistryUse registry = RegistryUse::OfTheDisk;
+  LogEcho logEcho = LogEcho::StandardError;
   /// Called when the user has named a drive that the disk's registry asked for.
   std::function<void(char letter, const HostPath& folder)> driveNamed = {};
 };
