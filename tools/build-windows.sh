@@ -23,6 +23,7 @@ for program in quillbox.exe offline/regedit.exe; do
 done
 cp README.md CHANGELOG.md "$package"
 cp docs/windows.md docs/main-window.png "$package/docs"
+cp -R "$built/bin/docs/." "$package/docs"
 cp docs/windows-licences.txt "$package/licences/README.txt"
 cp "$QUILLBOX_WXWIDGETS"/share/doc/*.txt "$package/licences"
 cp /usr/share/doc/mingw-w64-common/copyright "$package/licences/mingw-w64.txt"
