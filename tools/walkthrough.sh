@@ -21,8 +21,10 @@ if [ -e "$bin/quillbox.exe" ]; then
   "$tools/wine.sh" --start
 else
   root=
-  run() { exec "$@"; }
-  quillbox=$bin/quillbox regedit=$bin/regedit
+  # shellcheck disable=SC2086 # words: how to start a program elsewhere, such as "chroot FOLDER"
+  run() { exec ${QUILLBOX_RUN:-} "$@"; }
+  quillbox=$bin/quillbox regedit=$bin/quillbox-regedit
+  [ -e "$regedit" ] || regedit=$bin/regedit
   XDG_STATE_HOME=$out/state
   export XDG_STATE_HOME
 fi

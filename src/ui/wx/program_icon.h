@@ -6,6 +6,9 @@ class wxTopLevelWindow;
 
 namespace quillbox {
 
+/// The drawing, an SVG. The build makes it of the file that is installed for the desktop.
+extern const char* const kProgramIcon;
+
 void SetProgramIcon(wxTopLevelWindow& window);
 
 }  // namespace quillbox
