@@ -7,6 +7,7 @@ cd "$(dirname "$0")/.."
 [ $# -gt 0 ] || set -- debian-packages.txt
 
 missing=""
+# shellcheck disable=SC2013 # a name a line
 for package in $(grep -hv '^#' "$@"); do
   status=$(dpkg-query -W -f '${Status}' "$package" 2>/dev/null || true)
   [ "$status" = "install ok installed" ] || missing="$missing $package"
