@@ -10,6 +10,7 @@
 #include "cli/commands.h"
 #include "host/state_folder.h"
 #include "platform/offline/hive_consent.h"
+#include "platform/offline/windows_disk.h"
 #include "text/command_options.h"
 #include "text/error.h"
 
@@ -143,6 +144,17 @@ CliExit WrongUse(Console& console, const std::string& why) {
   return CliExit::WrongUse;
 }
 
+/// A hint for somebody who has named a folder near a disk's; empty where the folder is a disk, or nothing is near.
+std::string DisksNear(const HostPath& folder) try {
+  if (folder.Empty()) return {};
+  FindWindowsDisk(folder);
+  return {};
+} catch (const Error&) {
+  std::string hint;
+  for (const WindowsDisk& disk : FindDisksNear(folder)) hint += "\nA disk that may be meant: " + disk.folder.Text();
+  return hint;
+}
+
 CliExit Run(Console& console, const CommandRow& command, Typed& typed) {
   if (!typed.source.empty()) typed.arguments.disk.folder = GivenPath(typed.source);
   for (const std::string& text : typed.drives) {
@@ -156,7 +168,7 @@ CliExit Run(Console& console, const CommandRow& command, Typed& typed) {
   } catch (const HiveRefused& error) {
     return Fail(console, std::string(error.what()) + "\nNothing was done; with --salvage it is opened all the same.");
   } catch (const std::exception& error) {
-    return Fail(console, error.what());
+    return Fail(console, error.what() + DisksNear(typed.arguments.disk.folder));
   }
 }
 

@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "cli/commands.h"
+#include "core/copy_tally.h"
 #include "core/disk_path.h"
 #include "core/mail_accounts.h"
 #include "core/message_store.h"
@@ -86,6 +87,7 @@ Json BookOf(OpenedDisk& disk) {
 
 Json ProfileOf(Console& console, const DiskOptions& options, const ProfileFolder& profile) {
   Json row = {{"name", profile.name}};
+  if (profile.oldWindows) row["person"] = ShownName(profile, CountIdentities(profile).windows);
   DiskOptions one = options;
   one.profile = profile.name;
   try {
@@ -129,14 +131,15 @@ void PrintIdentity(Console& console, const Json& identity) {
   for (const Json& folder : identity.value("folders", Json::array())) {
     const std::string fault = Text(folder, "fault");
     console.Result("    " + std::string(2 * folder.value("depth", std::size_t{0}), ' ') + Text(folder, "name") + ": " +
-                   std::to_string(folder.value("messages", std::uint64_t{0})) + " messages, " +
+                   CountOf(folder.value("messages", std::size_t{0}), " message, ", " messages, ") +
                    SizeText(folder.value("bytes", std::uint64_t{0})) + (fault.empty() ? "" : "; " + fault));
   }
   PrintAccounts(console, identity.at("accounts"), "    ");
 }
 
 void PrintProfile(Console& console, const Json& profile) {
-  console.Result("Profile " + Text(profile, "name"));
+  const std::string person = Text(profile, "person");
+  console.Result("Profile " + Text(profile, "name") + (person.empty() ? "" : ": " + person));
   for (const Json& identity : profile.value("identities", Json::array())) PrintIdentity(console, identity);
   const Json book = profile.value("addressBook", Json());
   if (book.is_object()) {

@@ -12,12 +12,13 @@ namespace {
 
 std::string Sentence(const std::string& doing, const ErrorPlace& place, const std::string& why) {
   std::string text = ShortName(place.name);
+  const auto add = [&text](const std::string& part) { text += (text.empty() ? "" : ", ") + part; };
   if (place.offset) {
     char hex[32];
-    std::snprintf(hex, sizeof hex, ", offset 0x%llx", static_cast<unsigned long long>(*place.offset));
-    text += hex;
+    std::snprintf(hex, sizeof hex, "offset 0x%llx", static_cast<unsigned long long>(*place.offset));
+    add(hex);
   }
-  if (place.line) text += ", line " + std::to_string(*place.line);
+  if (place.line) add("line " + std::to_string(*place.line));
   if (!text.empty()) text += ": ";
   text += why;
   if (!doing.empty()) text += " (while " + doing + ")";

@@ -106,12 +106,14 @@ TEST_F(CommandLine, ListShowsWhatIsThereWithoutSecrets) {
   const SampleDisk disk = Make();
   const Ran ran = RunOn(disk, "list");
   EXPECT_EQ(ran.code, 0) << ran.err;
-  EXPECT_THAT(ran.out,
-              AllOf(HasSubstr("Profile Ann Miller\n"),
-                    HasSubstr("  Identity Main Identity {2B7C0E64-91D3-4F5A-8C17-6E0D53A9F421} (default)\n"),
-                    HasSubstr("    Store D:\\Mail\\Office\n"), HasSubstr("    Store none: it was never started\n"),
-                    HasSubstr("  Account mail.example.com: POP3 pop.example.com, ann.miller@example.com\n")));
+  EXPECT_THAT(ran.out, AllOf(HasSubstr("Profile Ann Miller\n"),
+                             HasSubstr("  Identity Main Identity {2B7C0E64-91D3-4F5A-8C17-6E0D53A9F421} (default)\n"),
+                             HasSubstr("    Store D:\\Mail\\Office\n"), HasSubstr("    Drafts: 1 message, 11 KB\n"),
+                             HasSubstr("    Store none: it was never started\n"),
+                             HasSubstr("  Account mail.example.com: POP3 pop.example.com, ann.miller@example.com\n")));
   EXPECT_THAT(ran.out + RunOn(disk, "list", {"--json"}).out, Not(HasSubstr("assword")));
+  EXPECT_THAT(Run({"list", NameOf(disk.driveC.parent_path())}).err,
+              HasSubstr("\nA disk that may be meant: " + NameOf(disk.driveC) + "\n"));
 }
 
 TEST_F(CommandLine, ListSaysWhichCountsAreNotToBeTrusted) {
@@ -277,6 +279,7 @@ TEST_F(CommandLine, MailIsExportedFromADiskAndFromABackupWithoutItsRegistry) {
 
 TEST_F(CommandLine, ContactsAndReportsAreWrittenOnce) {
   const SampleDisk disk = Make(SampleKind::Windows98);
+  EXPECT_THAT(RunOn(disk, "list").out, HasSubstr("Profile .DEFAULT: Everyone (Windows 98)\n"));
   // The sample's last group has no members, so it is not in the file.
   const Ran contacts = RunOn(disk, "contacts", {"--to", At("ann.ldif")});
   EXPECT_EQ(contacts.code, 1);

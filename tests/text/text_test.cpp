@@ -181,6 +181,7 @@ TEST(MessageText, ErrorsAreOneShortLine) {
   EXPECT_THAT(Describe(error), EndsWith("kkk␊ [5001 characters], offset 0x10: why␉not (while opening␊it)"));
   EXPECT_LT(Describe(error).size(), 500U);
   EXPECT_EQ(error.Place().name.size(), 5001U);
+  EXPECT_EQ(Describe(Error("", {"", 16, 3}, "why")), "offset 0x10, line 3: why") << "who shows it names the file";
 }
 
 TEST(WinPath, ResolvesToAnAbsolutePath) {
