@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Compares copying 10 files of 100 MB with `cp -a` followed by `sync` of the file system, in turns. Both begin with the
-// files out of the host's memory and end when the copies are on the disk. Prints the times'
-// medians, their range and their ratio.
+// files out of the host's memory and end when the copies are on the disk.
 //
 //   copy_bench [FOLDER [ROUNDS]]    FOLDER is where the files are made; a folder for temporary files without it
 #include <fcntl.h>
@@ -110,33 +109,19 @@ void CopyTheirs(const fs::path& folder) {
 
 void Measure(const fs::path& folder, int rounds) {
   MakeFiles(folder / "in");
-  std::vector<double> ours;
-  std::vector<double> theirs;
+  Measured measured;
   for (int round = 0; round < rounds; ++round) {
     Prepare(folder, "ours");
-    ours.push_back(Milliseconds([&] { CopyOurs(folder); }));
+    measured.ours.push_back(Milliseconds([&] { CopyOurs(folder); }));
     Prepare(folder, "theirs");
-    theirs.push_back(Milliseconds([&] { CopyTheirs(folder); }));
+    measured.theirs.push_back(Milliseconds([&] { CopyTheirs(folder); }));
     if (round == 0) Run({"diff", "-r", (folder / "ours").string(), (folder / "theirs").string()});
   }
-  std::printf("%d files of %zu MB, %d rounds: ", kFiles, kFileSize / 1000 / 1000, rounds);
-  PrintTimes("copies", ours);
-  PrintTimes("cp and sync", theirs);
-  std::printf("%.2f times\n", Median(ours) / Median(theirs));
+  PrintRow("Copy 10 files of 100 MB, on the disk at the end", measured, "`cp -a` and `sync`");
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  const fs::path folder = (argc > 1 ? fs::path(argv[1]) : fs::temp_directory_path()) / "quillbox-copy-bench";
-  int result = 0;
-  try {
-    fs::create_directories(folder);
-    Measure(folder, argc > 2 ? std::max(1, std::atoi(argv[2])) : kRounds);
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "copy_bench: %s\n", error.what());
-    result = 1;
-  }
-  fs::remove_all(folder);
-  return result;
+  return RunBench("copy_bench", argc, argv, kRounds, Measure);
 }

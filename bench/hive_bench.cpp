@@ -1,38 +1,24 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Measures adding and deleting many keys of a hive, and opening a large hive for one value compared with just reading
+// Measures adding and deleting many keys of a hive, and compares opening a large hive for one value with just reading
 // its file.
-#include <algorithm>
-#include <chrono>
+//
+//   hive_bench [FOLDER [ROUNDS]]    FOLDER is where the file is made; a folder for temporary files without it
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <iterator>
 #include <string>
 
+#include "peer.h"
 #include "registry/hive.h"
 
 namespace {
 
-using quillbox::Bytes;
-using quillbox::Hive;
-using quillbox::HiveKey;
+using namespace quillbox;
 
 constexpr int kKeys = 20000;
 constexpr std::size_t kLargeHive = std::size_t{60} * 1024 * 1024;
 constexpr int kRounds = 5;
-
-double Milliseconds(const std::function<void()>& work) {
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-}
-
-double Best(const std::function<void()>& work) {
-  double best = Milliseconds(work);
-  for (int round = 1; round < kRounds; ++round) best = std::min(best, Milliseconds(work));
-  return best;
-}
 
 Bytes ReadWhole(const std::filesystem::path& path) {
   Bytes bytes(std::filesystem::file_size(path));
@@ -57,20 +43,25 @@ void DeleteKeys(Hive& hive, HiveKey parent) {
   for (int number = 0; number < kKeys; ++number) hive.DeleteTree(*hive.Find(parent, Scattered(number)));
 }
 
-void MeasureChanges() {
-  Hive hive = Hive::Create("bench", 1);
-  const double adding = Milliseconds([&] { AddKeys(hive, hive.Root()); });
-  const std::size_t size = hive.Image(2).size();
-  std::printf("add %d keys with a value each      %8.1f ms (%zu KB)\n", kKeys, adding, size / 1024);
-  const double deleting = Milliseconds([&] { DeleteKeys(hive, hive.Root()); });
-  std::printf("delete them one by one               %8.1f ms\n", deleting);
-  const double again = Milliseconds([&] { AddKeys(hive, hive.Root()); });
-  std::printf("add them again into the freed space  %8.1f ms (%zu KB)\n", again, hive.Image(3).size() / 1024);
-  const HiveKey values = hive.CreateSubkey(hive.Root(), "values");
-  const double many = Milliseconds([&] {
-    for (int number = 0; number < kKeys; ++number) hive.SetValue(values, Scattered(number), 4, Bytes(4));
-  });
-  std::printf("add %d values to one key          %8.1f ms\n", kKeys, many);
+void MeasureChanges(int rounds) {
+  Measured adding;
+  Measured deleting;
+  Measured again;
+  Measured values;
+  for (int round = 0; round < rounds; ++round) {
+    Hive hive = Hive::Create("bench", 1);
+    adding.ours.push_back(Milliseconds([&] { AddKeys(hive, hive.Root()); }));
+    deleting.ours.push_back(Milliseconds([&] { DeleteKeys(hive, hive.Root()); }));
+    again.ours.push_back(Milliseconds([&] { AddKeys(hive, hive.Root()); }));
+    const HiveKey key = hive.CreateSubkey(hive.Root(), "values");
+    values.ours.push_back(Milliseconds([&] {
+      for (int number = 0; number < kKeys; ++number) hive.SetValue(key, Scattered(number), 4, Bytes(4));
+    }));
+  }
+  PrintRow("Add 20,000 keys with a value each to a hive", adding);
+  PrintRow("Delete them one by one", deleting);
+  PrintRow("Add them again into the freed space", again);
+  PrintRow("Add 20,000 values to one key", values);
 }
 
 Bytes LargeHive(std::size_t dataSize) {
@@ -88,25 +79,29 @@ Bytes LargeHive(std::size_t dataSize) {
   }
 }
 
-void MeasureOpening(std::size_t dataSize) {
-  const std::filesystem::path path = std::filesystem::temp_directory_path() / "quillbox-bench.hive";
+void MeasureOpening(const std::filesystem::path& folder, int rounds, std::size_t dataSize) {
+  const std::filesystem::path path = folder / "hive";
   const Bytes image = LargeHive(dataSize);
   std::ofstream(path, std::ios::binary)
       .write(reinterpret_cast<const char*>(image.data()), static_cast<std::streamsize>(image.size()));
-  const double reading = Best([&] { ReadWhole(path); });
-  const double opening = Best([&] {
+  const auto opening = [&] {
     const Hive hive = Hive::Load(ReadWhole(path), "large");
     if (!hive.Value(*hive.Find(hive.Root(), "Software\\folder 0\\" + Scattered(77)), "Running")) std::abort();
-  });
-  std::printf("%zu MB, values of %zu bytes: read the file %.1f ms, open it and read a value %.1f ms: %.2f times\n",
-              image.size() >> 20, dataSize, reading, opening, opening / reading);
-  std::filesystem::remove(path);
+  };
+  PrintRow("Open a hive of " + std::to_string(image.size() / 1'000'000) + " MB, values of " + std::to_string(dataSize) +
+               " bytes, check it and read one",
+           Alternate(rounds, opening, [&] { ReadWhole(path); }), "reading the file");
+}
+
+void Measure(const std::filesystem::path& folder, int rounds) {
+  MeasureChanges(rounds);
+  for (const std::size_t size : {std::size_t{24}, std::size_t{400}, std::size_t{12000}}) {
+    MeasureOpening(folder, rounds, size);
+  }
 }
 
 }  // namespace
 
-int main() {
-  MeasureChanges();
-  for (const std::size_t dataSize : {std::size_t{24}, std::size_t{400}, std::size_t{12000}}) MeasureOpening(dataSize);
-  return 0;
+int main(int argc, char** argv) {
+  return RunBench("hive_bench", argc, argv, kRounds, Measure);
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What the benchmarks that compare with another program share: running it, and printing times beside each other.
+// What the benchmarks share: running another program, taking times in turns, and printing them beside each other.
 #pragma once
 
 #include <fcntl.h>
@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -27,14 +28,16 @@ namespace quillbox {
 /// The program that Run() waits for; 0 for none.
 inline std::atomic<pid_t> runningPeer = 0;
 
-/// Runs a program to its end without its output. Throws when it fails.
-inline void Run(std::vector<std::string> words) {
+/// Runs a program to its end in the plain locale, which is the quickest, with its output in `output`. Throws when it
+/// fails.
+inline void Run(std::vector<std::string> words, const std::filesystem::path& output = "/dev/null") {
+  setenv("LC_ALL", "C", 1);
   std::vector<char*> arguments;
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
   pid_t child = 0;
   int status = 1;
   if (posix_spawnp(&child, arguments[0], &actions, nullptr, arguments.data(), environ) == 0) {
@@ -77,10 +80,60 @@ inline void RemoveWhenEnded(const std::filesystem::path& folder) {
   }).detach();
 }
 
-/// "NAME 512 ms (500 to 530), "
-inline void PrintTimes(const char* name, const std::vector<double>& times) {
+struct Measured {
+  std::vector<double> ours;    ///< milliseconds, one each round
+  std::vector<double> theirs;  ///< empty where nothing is compared
+};
+
+/// Both works in turns, so that what else the machine does falls on both.
+inline Measured Alternate(int rounds, const std::function<void()>& ours, const std::function<void()>& theirs) {
+  Measured measured;
+  for (int round = 0; round < rounds; ++round) {
+    measured.ours.push_back(Milliseconds(ours));
+    measured.theirs.push_back(Milliseconds(theirs));
+  }
+  return measured;
+}
+
+/// The median of several times with its range: "512 ms (500 to 530)".
+inline std::string TimesText(const std::vector<double>& times) {
   const auto [least, most] = std::minmax_element(times.begin(), times.end());
-  std::printf("%s %.0f ms (%.0f to %.0f), ", name, Median(times), *least, *most);
+  char text[100];
+  std::snprintf(text, sizeof text, "%.0f ms (%.0f to %.0f)", Median(times), *least, *most);
+  return text;
+}
+
+/// A row of the table that tools/bench.sh makes: what was done, its time, the peer, its time, and how many times as
+/// long ours took.
+inline void PrintRow(const std::string& what, const Measured& measured, const std::string& peer = {}) {
+  std::printf("| %s | %s |", what.c_str(), TimesText(measured.ours).c_str());
+  if (measured.theirs.empty()) {
+    std::printf(" | | |\n");
+  } else {
+    std::printf(" %s | %s | %.2f |\n", peer.c_str(), TimesText(measured.theirs).c_str(),
+                Median(measured.ours) / Median(measured.theirs));
+  }
+  std::fflush(stdout);
+}
+
+/// The main function of a benchmark: NAME [FOLDER [ROUNDS]]. `measure` gets an empty folder of its own in FOLDER, which
+/// is removed in the end.
+inline int RunBench(const char* name, int argc, char** argv, int rounds,
+                    const std::function<void(const std::filesystem::path& folder, int rounds)>& measure) {
+  namespace fs = std::filesystem;
+  const fs::path folder =
+      (argc > 1 ? fs::absolute(argv[1]) : fs::temp_directory_path()) / ("quillbox-" + std::string(name));
+  int result = 0;
+  RemoveWhenEnded(folder);
+  try {
+    fs::create_directories(folder);
+    measure(folder, argc > 2 ? std::max(1, std::atoi(argv[2])) : rounds);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s: %s\n", name, error.what());
+    result = 1;
+  }
+  RemoveFolder(folder);
+  return result;
 }
 
 }  // namespace quillbox

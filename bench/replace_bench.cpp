@@ -1,16 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Compares the replacement of a {USER_ID} with `sed s/OLD/NEW/g` on the same registry file of 200 MB, in turns. Prints
-// the times' medians, their ratio and the memory that this program took.
+// Compares the replacement of a {USER_ID} with `sed s/OLD/NEW/g` on the same registry file of 200 MB, in turns, and
+// prints the memory that this program took.
 //
-//   replace_bench [FOLDER]    FOLDER is where the files are made; a folder for temporary files without it
-#include <fcntl.h>
-#include <spawn.h>
+//   replace_bench [FOLDER [ROUNDS]]    FOLDER is where the files are made; a folder for temporary files without it
 #include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
@@ -18,10 +12,10 @@
 #include <vector>
 
 #include "identities/replace_user_id.h"
+#include "peer.h"
 #include "platform/hosted/hosted_files.h"
 #include "platform/offline/offline_drives.h"
 #include "platform/offline/system_services.h"
-#include "timing.h"
 
 namespace {
 
@@ -59,58 +53,24 @@ void Replace(const fs::path& folder) {
   quillbox::ReplaceUserId(files, facts, {quillbox::WinPath("C:\\in.reg"), quillbox::WinPath("C:\\ours.reg"), kNew});
 }
 
-/// Runs sed in the plain locale, which is its quickest.
-void Sed(const fs::path& folder) {
-  std::string command = std::string("s/") + kOld + "/" + kNew + "/g";
-  std::string input = folder / "in.reg";
-  const std::string output = folder / "sed.reg";
-  char program[] = "sed";
-  char* arguments[] = {program, command.data(), input.data(), nullptr};
-  char locale[] = "LC_ALL=C";
-  char* environment[] = {locale, nullptr};
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
-  pid_t child = 0;
-  int status = 1;
-  if (posix_spawnp(&child, program, &actions, nullptr, arguments, environment) == 0) waitpid(child, &status, 0);
-  posix_spawn_file_actions_destroy(&actions);
-  if (status != 0) throw std::runtime_error("sed failed");
-}
-
-void Measure(const fs::path& folder) {
+void Measure(const fs::path& folder, int rounds) {
   MakeFile(folder / "in.reg");
-  Replace(folder);
-  Sed(folder);
-  if (std::system(("cmp '" + (folder / "ours.reg").string() + "' '" + (folder / "sed.reg").string() + "'").c_str()) !=
-      0) {
-    throw std::runtime_error("the two files differ");
-  }
-  std::vector<double> ours;
-  std::vector<double> theirs;
-  for (int round = 0; round < kRounds; ++round) {
-    ours.push_back(quillbox::Milliseconds([&] { Replace(folder); }));
-    theirs.push_back(quillbox::Milliseconds([&] { Sed(folder); }));
-  }
+  const std::string command = std::string("s/") + kOld + "/" + kNew + "/g";
+  const auto replace = [&] { Replace(folder); };
+  const auto sed = [&] { quillbox::Run({"sed", command, (folder / "in.reg").string()}, folder / "sed.reg"); };
+  replace();
+  sed();
+  quillbox::Run({"cmp", (folder / "ours.reg").string(), (folder / "sed.reg").string()});
+  const auto measured = quillbox::Alternate(rounds, replace, sed);
   struct rusage usage = {};
   getrusage(RUSAGE_SELF, &usage);
-  std::printf("%zu MB: replacement %.0f ms, sed %.0f ms: %.2f times; memory of the whole program %ld MB\n",
-              kFileSize / 1000 / 1000, quillbox::Median(ours), quillbox::Median(theirs),
-              quillbox::Median(ours) / quillbox::Median(theirs), usage.ru_maxrss / 1024);
+  quillbox::PrintRow("Replace a {USER_ID} in a `.reg` file of 200 MB, with " + std::to_string(usage.ru_maxrss / 1024) +
+                         " MB of memory",
+                     measured, "`sed s/OLD/NEW/g`");
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  const fs::path folder = (argc > 1 ? fs::path(argv[1]) : fs::temp_directory_path()) / "quillbox-replace-bench";
-  int result = 0;
-  try {
-    fs::create_directories(folder);
-    Measure(folder);
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "replace_bench: %s\n", error.what());
-    result = 1;
-  }
-  fs::remove_all(folder);
-  return result;
+  return quillbox::RunBench("replace_bench", argc, argv, kRounds, Measure);
 }

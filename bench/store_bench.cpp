@@ -3,8 +3,7 @@
 // `undbx` and as a mailbox file beside `cp` of the same bytes, in turns, with the store in the host's memory. An export
 // is the whole of it as the window does it: every byte of the store accounted for, every message read back, and all of
 // it on the disk. So the times of the other programs include a `sync` of what they wrote.
-// The stores are made by code: 1 GB in 50,000 messages, and 200 MB in 200,000 small ones. Prints the times' medians,
-// their range and their ratios.
+// The stores are made by code: 1 GB in 50,000 messages, and 200 MB in 200,000 small ones.
 //
 //   store_bench [FOLDER [ROUNDS]]    FOLDER is where the files are made (5 GB); a folder for temporary files without it
 #include <array>
@@ -124,27 +123,28 @@ fs::path EmptyFolder(const fs::path& folder) {
   return folder;
 }
 
-struct Rival {
-  const char* ours;
-  std::function<void()> work;
-  const char* theirs;
-  std::function<void()> peer;
+struct Place {
+  fs::path folder;  ///< drive C: of the disk
+  fs::path out;
+  int rounds = 0;
 };
 
-void Compare(const StoreForm& form, const fs::path& out, int rounds, const Rival& rival) {
-  std::vector<double> ours;
-  std::vector<double> theirs;
-  for (int round = 0; round < rounds; ++round) {
-    EmptyFolder(out / "ours");
-    ours.push_back(Milliseconds(rival.work));
-    EmptyFolder(out / "theirs");
-    theirs.push_back(Milliseconds(rival.peer));
+void Compare(const char* form, const char* to, MailFormat format, const std::vector<std::string>& peer,
+             const Place& place) {
+  const std::string theirs = (place.out / "theirs").string();
+  std::vector<std::string> words = peer;
+  words.push_back(theirs);
+  Measured measured;
+  for (int round = 0; round < place.rounds; ++round) {
+    EmptyFolder(place.out / "ours");
+    measured.ours.push_back(Milliseconds([&] { Export(place.folder, format); }));
+    EmptyFolder(theirs);
+    measured.theirs.push_back(Milliseconds([&] {
+      Run(words);
+      Run({"sync", "-f", theirs});
+    }));
   }
-  std::printf("%s: ", form.name);
-  PrintTimes(rival.ours, ours);
-  PrintTimes(rival.theirs, theirs);
-  std::printf("%.2f times\n", Median(ours) / Median(theirs));
-  std::fflush(stdout);
+  PrintRow("Export " + std::string(form) + " to " + to, measured, "`" + peer[0] + "` and `sync`");
 }
 
 void Measure(const fs::path& folder, int rounds) {
@@ -155,47 +155,26 @@ void Measure(const fs::path& folder, int rounds) {
     Export(folder, MailFormat::Mbox);
     const fs::path mbox = folder / "Inbox";
     fs::rename(out / "ours" / "Bench.sbd" / "Inbox", mbox);
-    Compare(form, out, rounds,
-            {"to mbox", [&] { Export(folder, MailFormat::Mbox); }, "cp and sync",
-             [&] {
-               Run({"cp", mbox.string(), (out / "theirs").string()});
-               Run({"sync", "-f", (out / "theirs").string()});
-             }});
+    const Place place{folder, out, rounds};
+    Compare(form.name, "a mailbox file", MailFormat::Mbox, {"cp", mbox.string()}, place);
     fs::remove(mbox);
-    const std::function<void()> undbx = [&] {
-      Run({"undbx", in.string(), (out / "theirs").string()});
-      Run({"sync", "-f", (out / "theirs").string()});
-    };
-    Compare(form, out, rounds, {"to .eml", [&] { Export(folder, MailFormat::Files); }, "undbx and sync", undbx});
-    Compare(form, out, rounds, {"to Maildir", [&] { Export(folder, MailFormat::Maildir); }, "undbx and sync", undbx});
+    Compare(form.name, "`.eml` files", MailFormat::Files, {"undbx", in.string()}, place);
+    Compare(form.name, "Maildir", MailFormat::Maildir, {"undbx", in.string()}, place);
     fs::remove_all(out);
     // As many stores as make 2 GB.
     const auto size = fs::file_size(in / "Inbox.dbx");
     for (std::uint64_t all = size, number = 1; all < 2'000'000'000; all += size, ++number) {
       fs::copy_file(in / "Inbox.dbx", in / ("Copy " + std::to_string(number) + ".dbx"));
     }
-    std::uint64_t messages = Count(folder);
-    std::vector<double> counting;
-    for (int round = 0; round < rounds; ++round) counting.push_back(Milliseconds([&] { messages = Count(folder); }));
-    std::printf("folders of 2 GB like that: ");
-    PrintTimes("counting", counting);
-    std::printf("%llu messages\n", static_cast<unsigned long long>(messages));
-    std::fflush(stdout);
+    const std::uint64_t messages = Count(folder);
+    Measured counting;
+    for (int round = 0; round < rounds; ++round) counting.ours.push_back(Milliseconds([&] { Count(folder); }));
+    PrintRow("Count " + std::to_string(messages) + " messages in stores of 2 GB", counting);
   }
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  const fs::path folder = (argc > 1 ? fs::path(argv[1]) : fs::temp_directory_path()) / "quillbox-store-bench";
-  int result = 0;
-  RemoveWhenEnded(folder);
-  try {
-    Measure(folder, argc > 2 ? std::max(1, std::atoi(argv[2])) : kRounds);
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "store_bench: %s\n", error.what());
-    result = 1;
-  }
-  RemoveFolder(folder);
-  return result;
+  return RunBench("store_bench", argc, argv, kRounds, Measure);
 }

@@ -41,7 +41,7 @@ class NewFile {
   /// Asks the system to begin to bring a part to the disk, and does not wait. Who does so for each kWriteBackPiece
   /// while more is made waits less for Flush().
   void BeginWriteBack(FilePart part);
-  static constexpr std::uint64_t kWriteBackPiece = std::uint64_t{8} * 1024 * 1024;
+  static constexpr std::uint64_t kWriteBackPiece = std::uint64_t{2} * 1024 * 1024;
   /// Reads what was written so far.
   std::size_t ReadAt(std::uint64_t offset, std::span<char> buffer);
   EntryInfo Info() const;
