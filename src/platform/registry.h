@@ -93,6 +93,9 @@ class Registry {
 
   /// FileNotFound when the key does not exist, AccessDenied when `access` is not granted.
   virtual OpenResult Open(const RegistryPath& path, Access access) = 0;
+  /// The same for the subkey `name` of an open key; `name` is one name, without a backslash. KeyDeleted when the key is
+  /// gone. Who walks through a tree spends most of the time on looking for paths otherwise.
+  virtual OpenResult OpenSubkey(const Key& key, std::string_view name, Access access) = 0;
   /// Opens with full access, making the key and every missing parent.
   virtual OpenResult Create(const RegistryPath& path) = 0;
 

@@ -30,7 +30,7 @@ class Exporter {
   }
 
   ExportedKeys Run(const RegistryPath& path) {
-    Enter(path);
+    Enter(path, registry_.Open(path, Access::Read));
     while (!levels_.empty()) {
       Level& level = levels_.back();
       const NameResult next = registry_.EnumKey(level.key, level.nextSubkey++);
@@ -38,7 +38,7 @@ class Exporter {
         levels_.pop_back();
       } else {
         Check(next.status, level.path);
-        Enter(level.path.Child(next.name));
+        Enter(level.path.Child(next.name), registry_.OpenSubkey(level.key, next.name, Access::Read));
       }
     }
     write_(writer_.Finish());
@@ -47,8 +47,7 @@ class Exporter {
   }
 
  private:
-  void Enter(const RegistryPath& path) {
-    OpenResult opened = registry_.Open(path, Access::Read);
+  void Enter(const RegistryPath& path, OpenResult opened) {
     Check(opened.status, path);
     writer_.Key(FullName(path));
     ++result_.keys;

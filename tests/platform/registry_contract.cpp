@@ -45,6 +45,19 @@ TEST_F(RegistryContract, MakesParentsAndFindsKeysInAnyCase) {
   EXPECT_EQ(registry.Open(Path("none"), Access::SetValue).status, Status::FileNotFound);
 }
 
+TEST_F(RegistryContract, OpensSubkeysAsByTheirPath) {
+  Set(Make("One\\Zwei"), "v", "x");
+  const Key one = registry.Open(Path("One"), Access::Read).key;
+  EXPECT_EQ(Get(registry.OpenSubkey(one, "ZWEI", Access::Read).key, "v"), "x");
+  EXPECT_EQ(registry.OpenSubkey(one, "Zw", Access::Read).status, Status::FileNotFound);
+  const Key write = registry.OpenSubkey(one, "Zwei", Access::SetValue).key;
+  EXPECT_EQ(Set(write, "v", "y"), Status::Success);
+  EXPECT_EQ(Get(write, "v"), "status 5");
+  EXPECT_EQ(registry.OpenSubkey(Key(), "Zwei", Access::Read).status, Status::InvalidHandle);
+  ASSERT_EQ(registry.DeleteTree(Path("One")), Status::Success);
+  EXPECT_EQ(registry.OpenSubkey(one, "Zwei", Access::Read).status, Status::KeyDeleted);
+}
+
 TEST_F(RegistryContract, AccessIsWhatTheKeyWasOpenedWith) {
   Make("k");
   const Key read = registry.Open(Path("k"), Access::Read).key;

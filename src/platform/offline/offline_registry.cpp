@@ -90,6 +90,11 @@ struct OfflineRegistry::Place {
   RegistryRoot root = RegistryRoot::None;
   MountPoint* mount = nullptr;
   std::string path;  ///< below the hive's root, plain
+
+  /// The path below the root key by which the registry shows it; empty for the root key.
+  std::string ShownPath() const {
+    return mount == nullptr ? "" : Joined(mount->at.subkey, Below(path, mount->below).value_or(""));
+  }
 };
 
 /// An open key. The registry knows all of them, so that a deleted key is never mistaken for the next one in its cell.
@@ -219,7 +224,7 @@ std::vector<std::string> OfflineRegistry::MountNames(RegistryRoot root) const {
 std::vector<std::string> OfflineRegistry::MountNamesBelow(const OpenKey& key) const {
   std::vector<std::string> names;
   const MountPoint& around = *key.place.mount;
-  const std::string path = Joined(around.at.subkey, Below(key.place.path, around.below).value_or(""));
+  const std::string path = key.place.ShownPath();
   for (const MountPoint& mount : mounts_) {
     if (&mount == &around || mount.at.root != around.at.root) continue;
     const std::optional<std::string_view> name = Below(mount.at.subkey, path);
@@ -227,6 +232,16 @@ std::vector<std::string> OfflineRegistry::MountNamesBelow(const OpenKey& key) co
     if (!around.file->View().Find(key.key, *name)) names.emplace_back(*name);
   }
   return names;
+}
+
+/// True when another hive is shown somewhere below a key, perhaps in place of a key of its own hive.
+bool OfflineRegistry::HasMountBelow(const OpenKey& key) const {
+  const auto isOther = [&](const MountPoint& mount) {
+    return &mount != key.place.mount && mount.at.root == key.place.root;
+  };
+  return std::any_of(mounts_.begin(), mounts_.end(), [&](const MountPoint& mount) {
+    return isOther(mount) && Below(mount.at.subkey, key.place.ShownPath()).has_value();
+  });
 }
 
 Hive& OfflineRegistry::Edit(MountPoint& mount) {
@@ -280,6 +295,20 @@ OpenResult OfflineRegistry::Open(const RegistryPath& path, Access access) {
   if (!key) return {Status::FileNotFound, {}};
   if (writes && RefuseWrite(path, place) != Status::Success) return {Status::AccessDenied, {}};
   return {Status::Success, MakeKey(*place, *key, access)};
+}
+
+OpenResult OfflineRegistry::OpenSubkey(const Key& key, std::string_view name, Access access) {
+  const Use use = Check(key, Need::Any);
+  if (use.status != Status::Success) return {use.status, {}};
+  Place place = use.open->place;
+  if (use.hive != nullptr && access == Access::Read && !HasMountBelow(*use.open)) {
+    if (const std::optional<HiveKey> subkey = use.hive->Find(use.open->key, name)) {
+      place.path = Joined(place.path, name);
+      return {Status::Success, MakeKey(place, *subkey, access)};
+    }
+  }
+  // Also for names that no hive has, such as CurrentControlSet.
+  return Open({place.root, Joined(place.ShownPath(), name)}, access);
 }
 
 OpenResult OfflineRegistry::Create(const RegistryPath& path) {

@@ -40,6 +40,7 @@ class OfflineRegistry : public Registry {
   void Reload();
 
   OpenResult Open(const RegistryPath& path, Access access) override;
+  OpenResult OpenSubkey(const Key& key, std::string_view name, Access access) override;
   OpenResult Create(const RegistryPath& path) override;
   KeyInfo Info(const Key& key) override;
   NameResult EnumKey(const Key& key, std::uint32_t index) override;
@@ -70,6 +71,7 @@ class OfflineRegistry : public Registry {
   Status RefuseWrite(const RegistryPath& path, const std::optional<Place>& place);
   std::vector<std::string> MountNames(RegistryRoot root) const;
   std::vector<std::string> MountNamesBelow(const OpenKey& key) const;
+  bool HasMountBelow(const OpenKey& key) const;
   bool HasPrivilege(std::string_view name) const;
   Hive& Edit(MountPoint& mount);
   std::vector<HiveFile*> WritableHives() const;

@@ -93,6 +93,13 @@ OpenResult WindowsRegistry::Open(const RegistryPath& path, Access access) {
   return Opened(answer, key);
 }
 
+OpenResult WindowsRegistry::OpenSubkey(const Key& parent, std::string_view name, Access access) {
+  refusal_.reset();
+  HKEY key = nullptr;
+  const LSTATUS answer = RegOpenKeyExW(Raw(parent), WideText(name).c_str(), 0, static_cast<REGSAM>(access), &key);
+  return Opened(answer, key);
+}
+
 OpenResult WindowsRegistry::Create(const RegistryPath& path) {
   refusal_.reset();
   HKEY key = nullptr;

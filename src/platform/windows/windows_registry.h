@@ -19,6 +19,7 @@ class WindowsRegistry : public Registry {
   explicit WindowsRegistry(const HostedDrives& drives) : drives_(drives) {}
 
   OpenResult Open(const RegistryPath& path, Access access) override;
+  OpenResult OpenSubkey(const Key& key, std::string_view name, Access access) override;
   OpenResult Create(const RegistryPath& path) override;
   KeyInfo Info(const Key& key) override;
   NameResult EnumKey(const Key& key, std::uint32_t index) override;

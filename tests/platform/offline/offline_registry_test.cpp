@@ -54,6 +54,14 @@ TEST_F(OfflineRegistryTest, TheCurrentControlSetIsTheSelectedOne) {
   Set(select, "Current", "\3\0\0\0"s, ValueType::Dword);
   EXPECT_EQ(Exists(Machine("System\\currentcontrolset\\Control\\Nls")), Status::Success);
   EXPECT_EQ(Exists(Machine("Software\\CurrentControlSet")), Status::FileNotFound);
+
+  // From key to key, too.
+  Key key = registry.Open(Machine(""), Access::Read).key;
+  for (const char* name : {"SYSTEM", "CurrentControlSet", "Control", "Nls"}) {
+    OpenResult next = registry.OpenSubkey(key, name, Access::Read);
+    ASSERT_EQ(next.status, Status::Success) << name;
+    key = std::move(next.key);
+  }
 }
 
 TEST_F(OfflineRegistryTest, WhatAnotherProgramWroteIsSeenThroughOpenKeys) {
