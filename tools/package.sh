@@ -43,7 +43,14 @@ trap finish EXIT
 trap 'exit 1' HUP INT TERM
 
 in_root() {
-  chroot "$root" env -i HOME=/root PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive "$@"
+  in_root_as 0:0 /root "$@"
+}
+
+# usage: in_root_as USER:GROUP HOME COMMAND...
+in_root_as() {
+  user=$1 home=$2
+  shift 2
+  chroot --userspec="$user" "$root" env -i HOME="$home" PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive "$@"
 }
 
 # Every file of the bare Debian, but what the trial itself and dpkg's and apt's own memory put there.
@@ -81,10 +88,15 @@ done
 chmod 755 "$work" "$root"
 chown -R 1000:1000 "$root$shared"
 in_root quillbox --version
-if [ -e "$root/usr/bin/quillbox-cli" ]; then
-  in_root quillbox-cli --version
-  in_root quillbox-cli list "$shared/disk/C" --profile "Ann Miller"
-fi
+in_root quillbox-cli --version
+in_root bash -c '. /usr/share/bash-completion/completions/quillbox-cli && complete -p quillbox-cli'
+on_disk() {
+  command=$1
+  shift
+  in_root_as 1000:1000 "$shared/home" quillbox-cli "$command" "$shared/disk/C" --profile "Ann Miller" --drive "D=$shared/disk/D" "$@"
+}
+on_disk list
+on_disk mail --to "$shared/out/mail"
 # The display is this machine's; its key is handed in.
 cat >"$work/trial" <<'TRIAL'
 set -eu
